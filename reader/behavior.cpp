@@ -1,0 +1,117 @@
+#include "reader/behavior.h"
+
+#include <algorithm>
+
+namespace kova {
+
+namespace {
+
+int readAnims(Cursor &cursor, AnimGroup &group) {
+  switch (group.type) {
+  case 0:
+  case 2:
+    return readRun(cursor, group.step, group.anim_num);
+  case 3:
+    return readRun(cursor, group.keyframe, group.anim_num);
+  case 4:
+    return readRun(cursor, group.node, group.anim_num);
+  default:
+    return takeZeroed(cursor, group.zeroed_anim_num, group.anim_num);
+  }
+}
+
+/// Ten words are taken whatever the kind; those past the end of the list are 0. They do not move the cursor.
+void readCollData(Cursor at, CollData &data) {
+  copyBytes(at, data.data(), std::min<std::uint64_t>(sizeof data, bytesLeft(at) / sizeof(Word) * sizeof(Word)));
+}
+
+int readColl(Cursor &cursor, Coll &coll, CollGroup &group) {
+  if (!readHead<CollHead>(cursor, coll, COLL_TAG))
+    return 0;
+  readCollData(cursor, coll.data);
+  const std::int64_t data_bytes =
+      std::int64_t{static_cast<Index>(coll.coll_size)} - static_cast<Index>(coll.coll_header_size);
+  // The group's blocks stand once behind every collision; those of the last one stay.
+  return moveBy(cursor, data_bytes) && readExtBlk(cursor, group);
+}
+
+int readCollGroup(Cursor &cursor, CollGroup &group) {
+  return readHead<CollGroupHead>(cursor, group, COLL_LIST_TAG + ELEMENT_KIND) &&
+         kvReadArray(cursor, group.coll_num_byte, group.coll_num) &&
+         readElements<CollHead>(cursor, group.coll, group.coll_num, sizeof(CollHead),
+                                [&group](Cursor &at, Coll &coll) { return readColl(at, coll, group); });
+}
+
+/// Both name lists are read here, and a name may carry the tag of either whatever its list's tag is.
+bool isOneOf(Word tag, Word kind) { return tag == NAME_LIST_TAG + kind || tag == EXTERNAL_NAME_LIST_TAG + kind; }
+
+int sayIrregular(Word list_tag) {
+  std::fprintf(stderr, "irregular tag ! %0#10x\n", list_tag);
+  return 0;
+}
+
+} // namespace
+
+int kvSetupAnimList(Cursor &cursor, AnimList &list) {
+  return readList<AnimGroupHead>(cursor, list, ANIM_LIST_TAG, [](Cursor &at, AnimGroup &group) {
+    return readHead<AnimGroupHead>(at, group, ANIM_LIST_TAG + ELEMENT_KIND) && readAnims(at, group) &&
+           readExtBlk(at, group);
+  });
+}
+
+int kvSetupCollList(Cursor &cursor, CollList &list) {
+  return readList<CollGroupHead>(cursor, list, COLL_LIST_TAG, readCollGroup);
+}
+
+int kvSetupSwitchList(Cursor &cursor, SwitchList &list) {
+  return readList<SwitchHead>(cursor, list, SWITCH_LIST_TAG, [](Cursor &at, Switch &node) {
+    return readHead<SwitchHead>(at, node, SWITCH_LIST_TAG + ELEMENT_KIND) &&
+           kvReadArray(at, node.case_val, node.case_node_num) &&
+           kvReadArray(at, node.case_dest_index, node.case_node_num) && readExtBlk(at, node);
+  });
+}
+
+int kvSetupNameList(Cursor &cursor, NameList &list) {
+  return readListTagged<NameHead>(
+      cursor, list, sizeof(NameHead), [](Word found) { return isOneOf(found, 0) ? 1 : sayIrregular(found); },
+      [&list](Cursor &at, Name &name) {
+        NameHead &head = name;
+        if (!readFixed(at, head))
+          return 0;
+        if (!isOneOf(name.name_tag, ELEMENT_KIND))
+          return sayIrregular(list.list_tag); // the list's tag also when the name's was the wrong one
+        const Index length = kvGetNamelen(name);
+        return kvReadArray(at, name.text, length < 0 ? 0 : static_cast<Word>(length) / sizeof(Word));
+      });
+}
+
+int kvSetAnim0(AnimList &) { return 1; }
+int kvSetColl0(CollList &) { return 1; }
+int kvSetSwitch0(SwitchList &) { return 1; }
+int kvSetName0(NameList &) { return 1; }
+
+Index kvGetNamelen(const NameHead &name) { return static_cast<Index>(name.name_size - name.name_header_size); }
+
+std::size_t unpackName(const Name &name, std::size_t first, char *to, std::size_t room) {
+  // The words held never stand for more than the claimed length.
+  const std::size_t end = std::min(name.text.size() * sizeof(Word), first + room);
+  for (std::size_t i = first; i < end; ++i) {
+    const char character = static_cast<char>(name.text[i / sizeof(Word)] >> (8 * (3 - i % sizeof(Word))) & 0xff);
+    if (character == '\0')
+      return i - first;
+    to[i - first] = character == ' ' ? '_' : character;
+  }
+  return end > first ? end - first : 0;
+}
+
+std::string kvGetName(const Name &name) {
+  try {
+    std::string text(name.text.size() * sizeof(Word), '\0');
+    text.resize(unpackName(name, 0, text.data(), text.size()));
+    return text;
+  } catch (const std::exception &) {
+    return {};
+  }
+}
+
+} // namespace kova

@@ -1,0 +1,174 @@
+/// Animation, collision, switches and names.
+#pragma once
+
+#include "reader/extension.h"
+#include "reader/list.h"
+
+#include <array>
+
+namespace kova {
+
+inline constexpr Word ANIM_LIST_TAG = 0x000c0000;
+inline constexpr Word COLL_LIST_TAG = 0x000d0000;
+inline constexpr Word COLL_TAG = 0x000d1000; ///< of a collision inside a group; not made like the other element tags
+inline constexpr Word NAME_LIST_TAG = 0x00110000;
+inline constexpr Word SWITCH_LIST_TAG = 0x00130000;
+inline constexpr Word EXTERNAL_NAME_LIST_TAG = 0x00270000;
+
+/// What every animation record begins with.
+struct AnimHead {
+  Word anim_tag; ///< not tested
+  Index this_anim_index;
+  Word anim_size;
+};
+struct AnimPose {
+  Xyz translate;
+  Xyz rotate_axis;
+  Word rotate_expand_flag;
+  Xyz scale;
+};
+/// Types 0 and 2.
+struct AnimStep : AnimHead {
+  AnimPose pose;
+};
+static_assert(sizeof(AnimStep) == 52);
+/// Type 3.
+struct AnimKeyframe : AnimHead {
+  Index key;
+  Index next_key;
+  Index interpolation;
+  AnimPose pose;
+};
+static_assert(sizeof(AnimKeyframe) == 64);
+/// Type 4.
+struct AnimNode : AnimHead {
+  Index lookat;
+  Index upper;
+};
+static_assert(sizeof(AnimNode) == 20);
+
+struct AnimGroupHead {
+  Word anim_group_tag;
+  Index this_anim_group_index;
+  Word anim_group_header_size;
+  Word anim_group_size;
+  Index anim_name_index;
+  Word type; ///< the form of the records
+  Index frame_rate;
+  Word anim_num;
+  Index anim_loop;
+  Word rotation_matrix_order;
+  Word van_ext_blk_size;
+  Word usr_ext_blk_size;
+};
+static_assert(sizeof(AnimGroupHead) == 48);
+
+/// An animation group holds records of the one form that its type says.
+struct AnimGroup : AnimGroupHead {
+  std::vector<AnimStep> step;         ///< types 0 and 2
+  std::vector<AnimKeyframe> keyframe; ///< type 3
+  std::vector<AnimNode> node;         ///< type 4
+  /// Records that `anim_num` promises and the type does not store: records of zeros, so only their number is kept.
+  Word zeroed_anim_num;
+  ExtBlk ext_blk;
+  std::unique_ptr<AnimGroupExt> ext;
+};
+
+struct CollHead {
+  Word coll_tag;
+  Index this_coll_index;
+  Word coll_header_size;
+  Word coll_size;
+  Index coll_name_index;
+  Word coll_type;
+};
+static_assert(sizeof(CollHead) == 24);
+
+/// The first ten words after a collision's head, whatever its kind: a longer kind does not exist, a shorter one leaves
+/// what follows it in the list in the last of them.
+using CollData = std::array<Word, 10>;
+
+struct Coll : CollHead {
+  CollData data;
+};
+
+struct CollGroupHead {
+  Word coll_group_tag;
+  Index this_coll_group_index;
+  Word coll_group_header; ///< the header size; the format names it so
+  Word coll_group_size;
+  Index coll_group_name_index;
+  Word coll_num;
+  Word van_ext_blk_size;
+  Word usr_ext_blk_size;
+};
+static_assert(sizeof(CollGroupHead) == 32);
+
+/// The group's blocks stand once after every collision; the last ones read are held.
+struct CollGroup : CollGroupHead {
+  Words coll_num_byte;
+  std::vector<Coll> coll;
+  ExtBlk ext_blk;
+};
+
+struct SwitchHead {
+  Word switch_tag;
+  Index this_switch_index;
+  Word switch_size;
+  Word link_list_type;
+  Index default_link_index;
+  Word case_node_num;
+  Index switch_condition;
+  Word van_ext_blk_size;
+  Word usr_ext_blk_size;
+};
+static_assert(sizeof(SwitchHead) == 36);
+
+struct Switch : SwitchHead {
+  Indices case_val;
+  Indices case_dest_index;
+  ExtBlk ext_blk;
+};
+
+struct NameHead {
+  Word name_tag;
+  Index this_name_index;
+  Word name_header_size;
+  Word name_size;
+};
+static_assert(sizeof(NameHead) == 16);
+
+struct Name : NameHead {
+  Words text; ///< four characters to a word, the first in the highest byte
+};
+
+using AnimList = List<AnimGroup>;
+using CollList = List<CollGroup>;
+using SwitchList = List<Switch>;
+using NameList = List<Name>;
+
+/// The list readers; see `kvSetupSceneList`. The name reader takes the tags of either name list, and its message is
+/// "irregular tag ! %0#10x\n" with the list's tag, whichever tag was the wrong one.
+KOVA_API int kvSetupAnimList(Cursor &cursor, AnimList &list);
+KOVA_API int kvSetupCollList(Cursor &cursor, CollList &list);
+KOVA_API int kvSetupSwitchList(Cursor &cursor, SwitchList &list);
+KOVA_API int kvSetupNameList(Cursor &cursor, NameList &list);
+
+/// The clearers; see `kvSetScene0`.
+KOVA_API int kvSetAnim0(AnimList &list);
+KOVA_API int kvSetColl0(CollList &list);
+KOVA_API int kvSetSwitch0(SwitchList &list);
+KOVA_API int kvSetName0(NameList &list);
+
+/// @return the number of text bytes that a name claims: `name_size` less `name_header_size`, negative in a corrupt one.
+KOVA_API Index kvGetNamelen(const NameHead &name);
+
+/// Unpacks up to `room` characters of a name, from character `first` on, blanks turned into underscores. The text ends
+/// at its claimed length, at the last word held, or at its first NUL. @return the characters put at `to`; fewer than
+/// `room` only where the text ends.
+KOVA_API std::size_t unpackName(const Name &name, std::size_t first, char *to, std::size_t room);
+
+/// @return the text of a name, blanks turned into underscores; empty where the length is negative or memory cannot be had.
+KOVA_API std::string kvGetName(const Name &name);
+
+} // namespace kova

@@ -1,0 +1,191 @@
+/// Vertices, triangles, colours, normals, texture coordinates and parts.
+#pragma once
+
+#include "reader/list.h"
+
+#include <array>
+
+namespace kova {
+
+inline constexpr Word VTX_LIST_TAG = 0x00040000;
+inline constexpr Word COLOR_LIST_TAG = 0x00050000;
+inline constexpr Word VECTOR_LIST_TAG = 0x00060000;
+inline constexpr Word ST_LIST_TAG = 0x00070000;
+inline constexpr Word TRI_LIST_TAG = 0x00080000;
+inline constexpr Word PART_LIST_TAG = 0x00090000;
+
+struct VtxGroupHead {
+  Word vtx_group_tag;
+  Index this_vtx_group_index;
+  Word vtx_group_header_size;
+  Word vtx_group_size;
+  Index vtx_group_name;
+  Word vtx_num;
+};
+static_assert(sizeof(VtxGroupHead) == 24);
+
+struct VtxGroup : VtxGroupHead {
+  std::vector<Xyz> vtx;
+};
+
+struct TriColorGroupHead {
+  Word tri_color_group_tag;
+  Index this_tri_color_group_index;
+  Word tri_color_group_header_size;
+  Word tri_color_group_size;
+  Word tri_color_num;
+};
+static_assert(sizeof(TriColorGroupHead) == 20);
+
+struct TriColorGroup : TriColorGroupHead {
+  std::vector<Rgba> color;
+};
+
+struct VtxColorGroupHead {
+  Word vtx_color_group_tag;
+  Index this_vtx_color_group_index;
+  Word vtx_color_group_header_size;
+  Word vtx_color_group_size;
+  Word vtx_color_num;
+};
+static_assert(sizeof(VtxColorGroupHead) == 20);
+
+struct VtxColorGroup : VtxColorGroupHead {
+  std::vector<Rgba> color;
+};
+
+struct TriNvGroupHead {
+  Word tri_nv_group_tag;
+  Index this_tri_nv_group_index;
+  Word tri_nv_group_header_size;
+  Word tri_nv_group_size;
+  Word tri_nv_num;
+};
+static_assert(sizeof(TriNvGroupHead) == 20);
+
+struct TriNvGroup : TriNvGroupHead {
+  std::vector<Xyz> normal;
+};
+
+/// Two of the names miss a part that their siblings have; the format has them so.
+struct VtxNvGroupHead {
+  Word vtx_nv_group_tag;
+  Index vtx_nv_group_index;
+  Word nv_group_header_size;
+  Word vtx_nv_group_size;
+  Word vtx_nv_num;
+};
+static_assert(sizeof(VtxNvGroupHead) == 20);
+
+struct VtxNvGroup : VtxNvGroupHead {
+  std::vector<Xyz> normal;
+};
+
+struct StGroupHead {
+  Word st_group_tag;
+  Index this_st_group_index;
+  Word st_group_header_size;
+  Word st_group_size;
+  Word st_num;
+};
+static_assert(sizeof(StGroupHead) == 20);
+
+struct StGroup : StGroupHead {
+  std::vector<St> st;
+};
+
+/// What a triangle group says of one kind of data: the group of that kind that it uses, once, per frame or per key.
+struct AnimRef {
+  Word key_num;       ///< only in the key form
+  Indices key;        ///< only in the key form
+  Indices group_index;
+};
+
+/// The six references of a triangle group, in file order.
+enum RefKind : std::size_t { refVtx, refTriColor, refVtxColor, refTriNv, refVtxNv, refSt, REF_KIND_NUM };
+
+/// How a reference is stored; each has two bits of `tri_anim_type`, and the frame bit wins.
+enum class RefForm : std::uint8_t { single, frames, keys };
+inline constexpr RefForm refForm(Word tri_anim_type, std::size_t kind) {
+  const Word bits = tri_anim_type >> (4 * kind);
+  return (bits & 1) != 0 ? RefForm::frames : (bits & 2) != 0 ? RefForm::keys : RefForm::single;
+}
+
+struct TriHead {
+  Word tri_tag; ///< not tested
+  Index this_tri_index;
+  Word tri_size;
+  Index tri_nv_index;
+  Index tri_color_index;
+  Index vtx_index0, st_index0, vtx_nv_index0, vtx_color_index0;
+  Index vtx_index1, st_index1, vtx_nv_index1, vtx_color_index1;
+  Index vtx_index2, st_index2, vtx_nv_index2, vtx_color_index2;
+  Word van_ext_blk_size;
+  Word usr_ext_blk_size;
+};
+static_assert(sizeof(TriHead) == 76);
+
+struct Tri : TriHead {
+  ExtBlk ext_blk;
+};
+
+struct TriGroupHead {
+  Word tri_group_tag;
+  Index this_tri_group_index;
+  Word tri_group_header_size;
+  Word tri_group_size;
+  Index tri_group_name_index;
+  Word tri_anim_type;
+  Index tri_anim_frame_num; ///< frames 0 to this one: the frame form has one index more
+  Word tri_num;
+};
+static_assert(sizeof(TriGroupHead) == 32);
+
+struct TriGroup : TriGroupHead {
+  std::array<AnimRef, REF_KIND_NUM> ref;
+  std::vector<Tri> tri;
+};
+
+struct PartHead {
+  Word part_tag;
+  Index this_part_index;
+  Word part_size;
+  Index part_name_index;
+  Index mat_index;
+  Index tri_group_index;
+  Word part_tri_num;
+  Word van_ext_blk_size;
+  Word usr_ext_blk_size;
+};
+static_assert(sizeof(PartHead) == 36);
+
+struct Part : PartHead {
+  Indices tri_index;
+  ExtBlk ext_blk;
+};
+
+using VtxList = List<VtxGroup>;
+using TriList = List<TriGroup>;
+using ColorList = TwoKindList<TriColorGroup, VtxColorGroup>;
+using VectorList = TwoKindList<TriNvGroup, VtxNvGroup>;
+using StList = List<StGroup>;
+using PartList = List<Part>;
+
+/// The list readers; see `kvSetupSceneList`. The colour list reads as many vertex-colour groups as it counts
+/// triangle-colour groups: its second count governs only the second size table.
+KOVA_API int kvSetupVtxList(Cursor &cursor, VtxList &list);
+KOVA_API int kvSetupTriList(Cursor &cursor, TriList &list);
+KOVA_API int kvSetupColorList(Cursor &cursor, ColorList &list);
+KOVA_API int kvSetupVectorList(Cursor &cursor, VectorList &list);
+KOVA_API int kvSetupStList(Cursor &cursor, StList &list);
+KOVA_API int kvSetupPartList(Cursor &cursor, PartList &list);
+
+/// The clearers; see `kvSetScene0`.
+KOVA_API int kvSetVtx0(VtxList &list);
+KOVA_API int kvSetTri0(TriList &list);
+KOVA_API int kvSetColor0(ColorList &list);
+KOVA_API int kvSetVector0(VectorList &list);
+KOVA_API int kvSetSt0(StList &list);
+KOVA_API int kvSetPart0(PartList &list);
+
+} // namespace kova

@@ -1,0 +1,177 @@
+/// The KOVA reader: loads a binary scene file, version 1.0 or 2.0, into an in-memory model.
+///
+/// The front door of the reader. A program that wants a file's content does
+///
+///     kova::KisHandle kis = kova::kvNewKis();
+///     int ok = kis && kova::kvOpenKb("scene.kb", *kis);
+///
+/// and walks the lists of `kis`. After a failed load the model holds what was read before the fault. Counts are
+/// what the file claims; the containers hold what was there. No function here throws.
+#pragma once
+
+#include "reader/behavior.h"
+#include "reader/chain.h"
+#include "reader/extension.h"
+#include "reader/geometry.h"
+#include "reader/material.h"
+#include "reader/palette.h"
+#include "reader/scene.h"
+#include "reader/skinning.h"
+#include "reader/version.h"
+
+namespace kova {
+
+inline constexpr Word VERSION_1 = 0x100;
+inline constexpr Word VERSION_2 = 0x200;
+
+/// The 25 words that a file begins with. Every ..._list_num is a size in bytes, in spite of its name; and the header
+/// counts tri after st, although the TriList stands right behind the VtxList in the file.
+struct FileHeaderHead {
+  Word version; ///< 0x100 or 0x200 in the low 16 bits
+  Word size;    ///< bytes of the file
+  Word header_tag;
+  Word file_header_num; ///< bytes of the header with its blocks
+  Word scene_list_num;
+  Word env_list_num;
+  Word cam_list_num;
+  Word light_list_num;
+  Word obj_list_num;
+  Word shape_list_num;
+  Word vtx_list_num;
+  Word color_list_num;
+  Word vector_list_num;
+  Word st_list_num;
+  Word tri_list_num;
+  Word part_list_num;
+  Word mat_list_num;
+  Word tex_list_num;
+  Word tex_img_list_num;
+  Word anim_list_num;
+  Word coll_list_num;
+  Word switch_list_num;
+  Word name_list_num;
+  Word van_ext_blk_size;
+  Word usr_ext_blk_size;
+};
+inline constexpr std::size_t FILE_HEADER_BYTES = 100;
+static_assert(sizeof(FileHeaderHead) == FILE_HEADER_BYTES);
+
+/// The nine words that the header's maker block begins with in a 2.0 file: bytes of the version-2 lists, in file order.
+struct Version2Sizes {
+  Word ci_img_list_num;
+  Word color_palette_list_num;
+  Word envelope_list_num;
+  Word cluster_list_num;
+  Word weight_list_num;
+  Word chain_root_list_num;
+  Word joint_list_num;
+  Word effector_list_num;
+  Word external_name_list_num;
+};
+inline constexpr std::size_t VERSION_2_SIZES_BYTES = 36;
+static_assert(sizeof(Version2Sizes) == VERSION_2_SIZES_BYTES);
+
+struct FileHeader : FileHeaderHead {
+  ExtBlk ext_blk;
+  Version2Sizes version2; ///< zeros until it is read
+};
+
+/// The model of one loaded file, lists in file order.
+struct Kis {
+  std::string file_name;
+  FileHeader file_header{};
+
+  Scene scene{};
+  EnvList env;
+  CamList cam;
+  LightList light;
+  ObjList obj;
+  ShapeList shape;
+  VtxList vtx;
+  TriList tri;
+  ColorList color;
+  VectorList vector;
+  StList st;
+  PartList part;
+  MatList mat;
+  TexList tex;
+  TeximgList teximg;
+  AnimList anim;
+  CollList coll;
+  SwitchList switch_;
+  NameList name;
+
+  CiImgList ci_img;
+  ColorPaletteList color_palette;
+  EnvelopeList envelope;
+  ClusterList cluster;
+  WeightList weight;
+  ChainRootList chain_root;
+  JointList joint;
+  EffectorList effector;
+  ExternalNameList external_name;
+};
+using KisHandle = std::unique_ptr<Kis>;
+
+/// @return a new model: an empty file name, a header of zeros, no elements; null where memory cannot be had.
+KOVA_API KisHandle kvNewKis();
+
+/// Loads the file at `path`, forgetting what `kis` held. Prints what is wrong on standard error.
+/// @return 1 where the file was read whole and its header is consistent; else 0.
+KOVA_API int kvOpenKb(const char *path, Kis &kis);
+
+/// The first step of `kvOpenKb`: the header and the version-1 lists. The first list that fails ends it.
+KOVA_API int kvOpenKb1(const char *path, Kis &kis);
+
+/// The last step: opens the file again by the name in `kis` and reads the version-2 lists. @return 1; 0 where the file
+/// cannot be opened a second time (a pipe cannot) or a list fails.
+KOVA_API int kvOpenKb2Ext(Kis &kis);
+
+/// Reads the 100-byte header and its blocks from the stream's position, and makes all of its checks, each with its
+/// message on standard error. Bytes that the file lacks are 0. @return 1 where every check passed.
+KOVA_API int kvReadFileHeader(std::FILE *stream, Kis &kis);
+
+/// Fills the version-2 size table of a 2.0 header from its maker block, words that the block lacks being 0.
+/// @return 0 for a 2.0 header whose maker block is empty, else 1 (a 1.0 header is left as it is).
+KOVA_API int kvSetupFileHeaderExt(FileHeader &header);
+
+/// Reads the list called `name` ("SceneList" to "ExternalNameList"), which is `size` bytes long, from the stream's
+/// position into its record in `kis`; a size of 0 reads nothing and clears the record. Memory is asked for by what the
+/// stream holds, not by `size`. Prints on standard error what the list's reader prints, "%s runs past its end.\n" or
+/// "%s: out of memory.\n" with the name. @return the reader's or clearer's result; 0 for a name that no list has.
+KOVA_API int kvReadList(std::FILE *stream, Word size, Kis &kis, const char *name);
+
+/// @return the 28 list names in file order.
+KOVA_API std::span<const char *const> kvListNames();
+
+/// Keeps `name` in the handle. @return 1; 0 where memory cannot be had, the name then being empty.
+KOVA_API int kvSetFilename(const char *name, Kis &kis);
+
+/// @return the low 16 bits of the header's version.
+inline Word kvKOVAver(const FileHeaderHead &header) { return header.version & 0xffff; }
+
+/// @return the bytes of the header and the nineteen version-1 lists, which is where the version-2 lists start (wraps at
+/// 32 bits).
+KOVA_API Word kvSizeofKOVA1file(const FileHeaderHead &header);
+
+/// Keeps the size words consistent after a list or an element changed its size by `delta` bytes: the file's `size`; and
+/// with a list tag, the list's size and its word in the header (or in the version-2 table); with an element tag (list
+/// tag + 0x100), also entry `index` of the list's size table and the element's own size. The scene has a list tag only;
+/// the colour and vector lists adjust their first kind of element; the external name list goes by its own two tags. Any
+/// other tag, or an index that no element has, changes nothing beyond the file's size.
+KOVA_API void kvAdjustListSizeData(Kis &kis, Word index, Index delta, Word tag);
+
+/// The maker-block decoders of a 2.0 file, run by `kvOpenKb` in this order on what the version-1 part left. Each decodes
+/// the maker blocks of all records of one kind into their `ext`.
+/// @return 1; 0 where a record has no maker block (the others are still decoded; a list without records is right), or
+/// where memory cannot be had ("%s: out of memory.\n" with the list's name on standard error).
+KOVA_API int kvSetupSceneListExt(Scene &scene);
+KOVA_API int kvSetupCamExt(CamList &list);
+KOVA_API int kvSetupObjExt(ObjList &list);
+KOVA_API int kvSetupShapeExt(ShapeList &list);
+KOVA_API int kvSetupMatExt(MatList &list);
+KOVA_API int kvSetupTexExt(TexList &list);
+KOVA_API int kvSetupTeximgExt(TeximgList &list);
+KOVA_API int kvSetupAnimGroupExt(AnimList &list);
+
+} // namespace kova

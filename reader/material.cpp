@@ -1,0 +1,70 @@
+#include "reader/material.h"
+
+namespace kova {
+
+namespace {
+
+int readTiles(Cursor &cursor, TexTiles &tiles) {
+  TexTilesHead &head = tiles;
+  return readFixed(cursor, head) && kvReadArray(cursor, tiles.tex_tile_scale_key, tiles.tex_tile_scale_num) &&
+         kvReadArray(cursor, tiles.tex_tile_width, tiles.tex_tile_scale_num) &&
+         kvReadArray(cursor, tiles.tex_tile_height, tiles.tex_tile_scale_num) &&
+         kvReadArray(cursor, tiles.tex_tile_offset_key, tiles.tex_tile_offset_num) &&
+         kvReadArray(cursor, tiles.tex_tile_offset_x, tiles.tex_tile_offset_num) &&
+         kvReadArray(cursor, tiles.tex_tile_offset_y, tiles.tex_tile_offset_num) &&
+         kvReadArray(cursor, tiles.tex_tile_img_key, tiles.tex_tile_img_num) &&
+         kvReadArray(cursor, tiles.tex_tile_img_index, tiles.tex_tile_img_num);
+}
+
+Word sizeofTexels(const TeximgHead &image) {
+  return image.tex_img_size - image.tex_img_header_size - image.van_ext_blk_size - image.usr_ext_blk_size;
+}
+
+/// Texels are the one thing of the format that is bytes, not words: where their number is no multiple of 4 the cursor
+/// goes on from that odd offset.
+int readTexels(Cursor &cursor, Teximg &image) {
+  const Word bytes = sizeofTexels(image);
+  if (!require(cursor, bytes, 1))
+    return 0;
+  image.texel.resize(bytes);
+  return copyFileOrder(cursor, image.texel.data(), bytes);
+}
+
+} // namespace
+
+int kvSetupMatList(Cursor &cursor, MatList &list) {
+  return readList<MatHead>(cursor, list, MAT_LIST_TAG, [](Cursor &at, Mat &mat) {
+    return readHead<MatHead>(at, mat, MAT_LIST_TAG + ELEMENT_KIND) && kvReadArray(at, mat.tex_index, mat.tex_num) &&
+           readExtBlk(at, mat);
+  });
+}
+
+int kvSetupTexList(Cursor &cursor, TexList &list) {
+  return readList<TexHead>(cursor, list, TEX_LIST_TAG, [](Cursor &at, Tex &tex) {
+    return readHead<TexHead>(at, tex, TEX_LIST_TAG + ELEMENT_KIND) &&
+           (tex.tex_anim == 0 ? readFixed(at, tex.still) : readTiles(at, tex.tiles)) && readExtBlk(at, tex);
+  });
+}
+
+int kvSetupTeximgList(Cursor &cursor, TeximgList &list) {
+  return readList<TeximgHead>(cursor, list, TEXIMG_LIST_TAG, [](Cursor &at, Teximg &image) {
+    return readHead<TeximgHead>(at, image, TEXIMG_LIST_TAG + ELEMENT_KIND) && readTexels(at, image) &&
+           readExtBlk(at, image);
+  });
+}
+
+int kvSetMat0(MatList &) { return 1; }
+int kvSetTex0(TexList &) { return 1; }
+int kvSetTeximg0(TeximgList &) { return 1; }
+
+Word kvSizeofTeximg(const TeximgList &list, std::size_t index) {
+  return index < list.element.size() ? sizeofTexels(list.element[index]) : 0;
+}
+
+Word kvCiTileNum(const Tex &tex) {
+  if (!tex.ext || tex.ext->use_color_palette == 0)
+    return 0;
+  return tex.tex_anim == 0 ? 1 : tex.tiles.tex_tile_img_num;
+}
+
+} // namespace kova

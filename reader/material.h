@@ -1,0 +1,145 @@
+/// Materials, textures and texture images.
+#pragma once
+
+#include "reader/extension.h"
+#include "reader/list.h"
+
+namespace kova {
+
+inline constexpr Word MAT_LIST_TAG = 0x000a0000;
+inline constexpr Word TEX_LIST_TAG = 0x000b0000;
+inline constexpr Word TEXIMG_LIST_TAG = 0x00120000;
+
+struct MatHead {
+  Word mat_tag;
+  Index this_mat_index;
+  Word mat_size;
+  Index mat_name_index;
+  Word mat_type;
+  Word mat_shade_type;
+  Word mat_color_type0;
+  Word mat_color_type1;
+  Word mat_alpha_type0;
+  Word mat_alpha_type1;
+  float prim_red;
+  float prim_green;
+  float prim_blue;
+  float prim_alpha;
+  Word usr_flag0;
+  Word usr_flag1;
+  Word usr_flag2;
+  Word usr_flag3;
+  Word usr_flag4;
+  Word usr_flag5;
+  Word usr_flag6;
+  Word usr_flag7;
+  Index local_light_index;
+  Word tex_num;
+  Word van_ext_blk_size;
+  Word usr_ext_blk_size;
+};
+static_assert(sizeof(MatHead) == 104);
+
+struct Mat : MatHead {
+  Words tex_index;
+  ExtBlk ext_blk;
+  std::unique_ptr<MatExt> ext;
+};
+
+struct TexHead {
+  Word tex_tag;
+  Index this_tex_index;
+  Word tex_header_size;
+  Word tex_size;
+  Index tex_name_index;
+  Word tex_type;
+  Word tex_wrap_s;
+  Word tex_wrap_t;
+  Word tex_anim; ///< 0: still; else tile-animated
+  Word tex_data_area_size;
+  Index tex_anim_frame_rate;
+  Word van_ext_blk_size;
+  Word usr_ext_blk_size;
+};
+static_assert(sizeof(TexHead) == 52);
+
+/// The data area of a still texture.
+struct TexStill {
+  Index tex_img_width;
+  Index tex_img_height;
+  Index tex_tile_width;
+  Index tex_tile_height;
+  Index tex_offset_x;
+  Index tex_offset_y;
+  Index tex_img_index;
+};
+static_assert(sizeof(TexStill) == 28);
+
+struct TexTilesHead {
+  Index tex_img_width;
+  Index tex_img_height;
+  Word tex_tile_scale_num;
+  Word tex_tile_offset_num;
+  Word tex_tile_img_num;
+};
+static_assert(sizeof(TexTilesHead) == 20);
+
+/// The data area of a tile-animated texture.
+struct TexTiles : TexTilesHead {
+  Indices tex_tile_scale_key;
+  Indices tex_tile_width;
+  Indices tex_tile_height;
+  Indices tex_tile_offset_key;
+  Indices tex_tile_offset_x;
+  Indices tex_tile_offset_y;
+  Indices tex_tile_img_key;
+  Indices tex_tile_img_index;
+};
+
+/// A texture has one of the two data areas, by `tex_anim`; the other one is all zeros.
+struct Tex : TexHead {
+  TexStill still;
+  TexTiles tiles;
+  ExtBlk ext_blk;
+  std::unique_ptr<TexExt> ext;
+};
+
+struct TeximgHead {
+  Word tex_img_tag;
+  Index this_tex_img_index;
+  Word tex_img_header_size;
+  Word tex_img_size;
+  Word van_ext_blk_size;
+  Word usr_ext_blk_size;
+};
+static_assert(sizeof(TeximgHead) == 24);
+
+struct Teximg : TeximgHead {
+  std::vector<unsigned char> texel; ///< in file order
+  ExtBlk ext_blk;
+  std::unique_ptr<TeximgExt> ext;
+};
+
+using MatList = List<Mat>;
+using TexList = List<Tex>;
+using TeximgList = List<Teximg>;
+
+/// The list readers; see `kvSetupSceneList`.
+KOVA_API int kvSetupMatList(Cursor &cursor, MatList &list);
+KOVA_API int kvSetupTexList(Cursor &cursor, TexList &list);
+KOVA_API int kvSetupTeximgList(Cursor &cursor, TeximgList &list);
+
+/// The clearers; see `kvSetScene0`.
+KOVA_API int kvSetMat0(MatList &list);
+KOVA_API int kvSetTex0(TexList &list);
+KOVA_API int kvSetTeximg0(TeximgList &list);
+
+/// @return the bytes of texels that image `index` claims (wraps at 32 bits); it may hold fewer. 0 for an index that no
+/// image has.
+KOVA_API Word kvSizeofTeximg(const TeximgList &list, std::size_t index);
+
+/// @return the number of colour-index tiles of a texture: 0 where it uses no palette (or has no decoded maker block), 1 for
+/// a still texture, else its `tex_tile_img_num`.
+KOVA_API Word kvCiTileNum(const Tex &tex);
+
+} // namespace kova

@@ -1,0 +1,212 @@
+/// The scene, environments, cameras, lights, objects and shapes.
+#pragma once
+
+#include "reader/extension.h"
+#include "reader/list.h"
+
+namespace kova {
+
+inline constexpr Word SCENE_LIST_TAG = 0x00010000;
+inline constexpr Word OBJ_LIST_TAG = 0x00020000;
+inline constexpr Word SHAPE_LIST_TAG = 0x00030000;
+inline constexpr Word CAM_LIST_TAG = 0x000e0000;
+inline constexpr Word LIGHT_LIST_TAG = 0x000f0000;
+inline constexpr Word ENV_LIST_TAG = 0x00100000;
+
+struct SceneHead {
+  Word scene_header_tag;
+  Word scene_header_size; ///< bytes from the start of the list to the first link: here the format means it
+  Word scene_size;
+  Word scene_cfg;
+  Index scene_name_index;
+  Word scene_obj_link_num;
+  Word scene_env_link_num;
+  Word scene_cam_link_num;
+  Word scene_light_link_num;
+  Word van_ext_blk_size;
+  Word usr_ext_blk_size;
+};
+static_assert(sizeof(SceneHead) == 44);
+
+/// The SceneList is one record, without list header or size table.
+struct Scene : SceneHead {
+  Indices obj_link;
+  Indices env_link;
+  Indices cam_link;
+  Indices light_link;
+  ExtBlk ext_blk;
+  std::unique_ptr<SceneListExt> ext;
+};
+
+struct EnvHead {
+  Word env_tag;
+  Index this_env_index;
+  Word env_size;
+  Index env_name_index;
+  Word fog;
+  Word fog_color;
+  Index fog_near;
+  Index fog_far;
+  Word fill_color;
+  Word fill_depth;
+  Index bg_sprite_img;
+  Index bg_sprite_depth;
+  Word van_ext_blk_size;
+  Word usr_ext_blk_size;
+};
+static_assert(sizeof(EnvHead) == 56);
+
+struct Env : EnvHead {
+  ExtBlk ext_blk;
+};
+
+struct CamHead {
+  Word cam_tag;
+  Index this_cam_index;
+  Word cam_size;
+  Index came_name_index; ///< the format spells it so
+  Word cam_type;
+  float cam_near_clip;
+  float cam_far_clip;
+  float cam_right_clip;
+  float cam_left_clip;
+  float cam_top_clip;
+  float cam_bottom_clip;
+  float cam_fovy;
+  float cam_aspect;
+  float cam_scale;
+  Index cam_lookat_obj;
+  Index cam_eye_obj;
+  Index cam_up_obj;
+  Word van_ext_blk_size;
+  Word usr_ext_blk_size;
+};
+static_assert(sizeof(CamHead) == 76);
+
+struct Cam : CamHead {
+  ExtBlk ext_blk;
+  std::unique_ptr<CamExt> ext;
+};
+
+/// A directional light. Type 0 stores the first nine words, and its pos_x, pos_y, pos_z are the direction dir_x,
+/// dir_y, dir_z; type 1 stores all eleven.
+struct DirLight {
+  Word dir_light_tag;
+  Index this_dir_light_index;
+  Word dir_light_size;
+  float dir_color_r;
+  float dir_color_g;
+  float dir_color_b;
+  float pos_x;
+  float pos_y;
+  float pos_z;
+  float dir_a1;
+  float dir_a2;
+};
+static_assert(sizeof(DirLight) == 44);
+inline constexpr std::size_t DIRECTION_LIGHT_BYTES = 36; ///< as stored by a light of type 0
+
+struct LightHead {
+  Word light_tag;
+  Index this_light_index;
+  Word light_header_size; ///< bytes from the start of the light to its directional lights, signed: the format means it
+  Word light_size;
+  Index light_name_index;
+  Word light_type; ///< 0 and 1 store directional lights, other types none
+  float ambient_r;
+  float ambient_g;
+  float ambient_b;
+  Word dir_light_num;
+  Word van_ext_blk_size;
+  Word usr_ext_blk_size;
+};
+static_assert(sizeof(LightHead) == 48);
+
+struct Light : LightHead {
+  std::vector<DirLight> dir_light;
+  ExtBlk ext_blk;
+  /// Directional lights that `dir_light_num` promises and the type does not store: records of zeros, so only their
+  /// number is kept. A light has these or `dir_light`, never both.
+  Word zeroed_dir_light_num;
+};
+
+struct ObjHead {
+  Word obj_tag;
+  Index this_obj_index;
+  Word obj_size;
+  Index obj_name_index;
+  Word obj_state;
+  Word obj_type;
+  Index obj_group;
+  Word obj_pri;
+  Word obj_render_cycle_type;
+  Word obj_render_pri;
+  Word obj_render_type0;
+  Word obj_render_type1;
+  Word have_link_billboard;
+  Word obj_lod_num;
+  Word obj_child_num;
+  Word obj_parent_link;
+  Word obj_shape_link;
+  Word obj_mat_link;
+  Word obj_anim_link;
+  Word obj_coll_link;
+  Word van_ext_blk_size;
+  Word usr_ext_blk_size;
+};
+static_assert(sizeof(ObjHead) == 88);
+
+struct Obj : ObjHead {
+  Floats LOD_dist;
+  Indices LOD_link;
+  Words child_link;
+  ExtBlk ext_blk;
+  std::unique_ptr<ObjExt> ext;
+};
+
+struct ShapeHead {
+  Word shape_tag;
+  Index this_shape_index;
+  Word shape_size;
+  Index shape_name_index;
+  Word shape_type;
+  Index shape_tri_link;
+  Index shape_mat_link;
+  Word shape_part_num;
+  Word van_ext_blk_size;
+  Word usr_ext_blk_size;
+};
+static_assert(sizeof(ShapeHead) == 40);
+
+struct Shape : ShapeHead {
+  Indices shape_part_link;
+  ExtBlk ext_blk;
+  std::unique_ptr<ShapeExt> ext;
+};
+
+using EnvList = List<Env>;
+using CamList = List<Cam>;
+using LightList = List<Light>;
+using ObjList = List<Obj>;
+using ShapeList = List<Shape>;
+
+/// The list readers. Each takes a cursor at the first word of the list, whose buffer is the list in host order, and fills
+/// the record anew. @return 1, or 0 after a wrong tag ("irregular tag ! ..." on standard error), or 0 with the cursor's
+/// fault set where the list runs past its end or memory cannot be had. What was read before stays in the record.
+KOVA_API int kvSetupSceneList(Cursor &cursor, Scene &scene);
+KOVA_API int kvSetupEnvList(Cursor &cursor, EnvList &list);
+KOVA_API int kvSetupCamList(Cursor &cursor, CamList &list);
+KOVA_API int kvSetupLightList(Cursor &cursor, LightList &list);
+KOVA_API int kvSetupObjList(Cursor &cursor, ObjList &list);
+KOVA_API int kvSetupShapeList(Cursor &cursor, ShapeList &list);
+
+/// The clearers, for a list that the file leaves empty. Those of the version-1 lists leave the record as it is: a
+/// fresh handle holds no elements. @return 1.
+KOVA_API int kvSetScene0(Scene &scene);
+KOVA_API int kvSetEnv0(EnvList &list);
+KOVA_API int kvSetCam0(CamList &list);
+KOVA_API int kvSetLight0(LightList &list);
+KOVA_API int kvSetObj0(ObjList &list);
+KOVA_API int kvSetShape0(ShapeList &list);
+
+} // namespace kova

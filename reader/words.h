@@ -1,0 +1,251 @@
+/// Words, the bounded cursor, and the small pieces that every record of a KOVA file is made of.
+///
+/// A KOVA file is a sequence of 32-bit big-endian words. A list is read whole into a buffer, converted to host
+/// order, and walked with one cursor that knows where the buffer ends. Nothing else looks at the buffer, so no file
+/// can make a reader look outside what it brought.
+#pragma once
+
+#include "reader/export.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <exception>
+#include <memory>
+#include <span>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace kova {
+
+/// A 32-bit word in host order: tags, flags, counts and sizes. Sums of words wrap at 32 bits.
+using Word = std::uint32_t;
+/// An index or another number that the format means as signed; -1 usually stands for none.
+using Index = std::int32_t;
+
+using Words = std::vector<Word>;
+using Indices = std::vector<Index>;
+using Floats = std::vector<float>;
+
+/// A reference into another file: both -1 where there is none.
+struct External {
+  Index file_name;
+  Index name;
+};
+
+/// A node by kind (flags) and index.
+struct NodeIndex {
+  Word kind;
+  Index index;
+};
+
+struct Rgba {
+  float red, green, blue, alpha;
+};
+struct Xyz {
+  float x, y, z;
+};
+struct St {
+  float s, t;
+};
+
+// --- Streams and byte order -----------------------------------------------------------------------------------------
+
+struct CloseStream {
+  void operator()(std::FILE *stream) const { std::fclose(stream); }
+};
+/// An open file that closes itself; null where opening failed.
+using Stream = std::unique_ptr<std::FILE, CloseStream>;
+
+/// Converts bytes / 4 words in place between file order and host order; odd bytes at the end stay as they are. Does
+/// nothing on a big-endian host.
+KOVA_API void endianSwap4(void *buffer, std::size_t bytes);
+
+/// Reads `bytes` bytes into `buffer` and converts the whole words among those that were read to host order.
+/// @return the number of bytes read, which is less than asked for where the stream ends or fails.
+KOVA_API std::size_t freadEndianSwap4(void *buffer, std::size_t bytes, std::FILE *stream);
+
+/// Writes `size` x `count` bytes in file order; the caller's buffer stays in host order.
+/// @return the number of bytes written; 0 where memory for the converted copy cannot be had.
+KOVA_API std::size_t fwriteEndianSwap4(const void *buffer, std::size_t size, std::size_t count, std::FILE *stream);
+
+/// Open a file for binary reading ("rb"), binary writing ("wb"), text reading ("r"), text writing ("w").
+/// @return the stream, or null after "Input File Open Error\n" or "Output File Open Error\n" on standard error.
+KOVA_API Stream kvKbReadOpen(const char *path);
+KOVA_API Stream kvKbWriteOpen(const char *path);
+KOVA_API Stream kvKtReadOpen(const char *path);
+KOVA_API Stream kvKtWriteOpen(const char *path);
+
+// --- The bounded cursor ---------------------------------------------------------------------------------------------
+
+/// Why a read was refused.
+enum class Fault : std::uint8_t {
+  none,
+  past_end, ///< it needs what lies outside the buffer
+  no_memory ///< the memory for what is there cannot be had
+};
+
+/// A byte offset into a buffer of host-order words. Moving it is free, also past the end; a read needs all of its words
+/// inside the buffer, and a read of nothing succeeds wherever the cursor stands.
+struct Cursor {
+  const unsigned char *data = nullptr; ///< not owned
+  std::size_t size = 0;                ///< in bytes, as many as were really read
+  std::uint64_t offset = 0;            ///< in bytes
+  std::uint64_t zeroed = 0;            ///< records handed out so far that a count promised and the form does not store
+  Fault fault = Fault::none;           ///< the first refusal
+};
+
+/// @return the bytes between the cursor and the end of its buffer; 0 past the end.
+inline std::uint64_t bytesLeft(const Cursor &cursor) {
+  return cursor.offset < cursor.size ? cursor.size - cursor.offset : 0;
+}
+
+/// Notes a fault. @return 0, the result of whoever has to give up.
+inline int refuse(Cursor &cursor, Fault fault) {
+  cursor.fault = fault;
+  return 0;
+}
+
+/// @return 1 where `count` items of `item_bytes` bytes each lie before the end; else 0, the fault noted.
+inline int require(Cursor &cursor, std::uint64_t count, std::uint64_t item_bytes) {
+  // Divided, not multiplied: nothing here can wrap.
+  return count == 0 || count <= bytesLeft(cursor) / item_bytes ? 1 : refuse(cursor, Fault::past_end);
+}
+
+/// Moves the cursor by a signed distance in bytes; a move that leads backwards is refused.
+inline int moveBy(Cursor &cursor, std::int64_t bytes) {
+  if (bytes < 0)
+    return refuse(cursor, Fault::past_end);
+  cursor.offset += static_cast<std::uint64_t>(bytes);
+  return 1;
+}
+
+/// Copies `bytes` bytes as they stand in the buffer (host order) and moves past them; all or nothing.
+KOVA_API int copyBytes(Cursor &cursor, void *to, std::size_t bytes);
+
+/// Copies `bytes` bytes in file order, as texels want them, and moves past them; all or nothing.
+KOVA_API int copyFileOrder(Cursor &cursor, unsigned char *to, std::size_t bytes);
+
+/// Runs `body`, which may ask for memory. Where that cannot be had the fault is noted and the result is 0, so that
+/// no exception leaves a reader.
+template <class Body> int withinMemory(Cursor &cursor, Body &&body) {
+  try {
+    return body();
+  } catch (const std::exception &) { // bad_alloc, or length_error where an address space is small
+    return refuse(cursor, Fault::no_memory);
+  }
+}
+
+/// Anything that is nothing but 32-bit words: a word, a tuple, the fixed head of a record.
+template <class T>
+concept WordRecord = std::is_trivially_copyable_v<T> && sizeof(T) % sizeof(Word) == 0 && alignof(T) == alignof(Word);
+
+/// Copies the fixed words of a record and moves past them; all or nothing.
+template <WordRecord Record> int readFixed(Cursor &cursor, Record &record) {
+  return copyBytes(cursor, &record, sizeof(Record));
+}
+
+/// Fills `destination` with `count` items of host-order words; all or nothing. The items are there before memory for
+/// them is asked for.
+template <WordRecord Item> int readRun(Cursor &cursor, std::vector<Item> &destination, std::uint64_t count) {
+  destination.clear();
+  if (!require(cursor, count, sizeof(Item)))
+    return 0;
+  return withinMemory(cursor, [&] {
+    destination.resize(static_cast<std::size_t>(count));
+    return copyBytes(cursor, destination.data(), destination.size() * sizeof(Item));
+  });
+}
+
+/// Sets one member of each record from a run of words: the file stores pairs and the like one member after the other.
+template <class Record, class Member>
+int readMember(Cursor &cursor, std::vector<Record> &records, Member Record::*member) {
+  static_assert(sizeof(Member) == sizeof(Word));
+  for (Record &record : records)
+    if (!copyBytes(cursor, &(record.*member), sizeof(Member)))
+      return 0;
+  return 1;
+}
+
+/// As `readRun`, but holds what is there: the items that lie whole inside the buffer. What follows a run that was cut
+/// short is out of reach, so the cursor then stands at the end. @return 0 only where memory cannot be had.
+template <WordRecord Item> int setupRun(Cursor &cursor, std::vector<Item> &destination, Word count) {
+  const std::uint64_t there = bytesLeft(cursor) / sizeof(Item);
+  const int ok = readRun(cursor, destination, count < there ? count : there);
+  if (ok && there < count)
+    cursor.offset = cursor.size;
+  return ok;
+}
+
+/// Reads `count` words into `destination`; all or nothing. @return 1, also for a count of 0; else 0.
+KOVA_API int kvReadArray(Cursor &cursor, Words &destination, Word count);
+KOVA_API int kvReadArray(Cursor &cursor, Indices &destination, Word count);
+KOVA_API int kvReadArray(Cursor &cursor, Floats &destination, Word count);
+
+/// The twin of `kvReadArray` for the inside of maker blocks: holds the words that lie inside the block, at most `count`.
+/// @return 0 only where memory cannot be had.
+KOVA_API int kvSetupArray(Cursor &cursor, Words &destination, Word count);
+KOVA_API int kvSetupArray(Cursor &cursor, Indices &destination, Word count);
+KOVA_API int kvSetupArray(Cursor &cursor, Floats &destination, Word count);
+
+/// Reads `rows` rows of `bytes_per_row` / 4 words each into `area`, which owns them. On return `destination` points just
+/// past the copied words; whoever wants the start takes `area.data()`.
+/// @return `destination`; null where the words are not all there or memory cannot be had.
+KOVA_API Word *kvReadArea(Cursor &cursor, Words &area, Word *&destination, Word bytes_per_row, Word rows);
+
+// --- Extension blocks -----------------------------------------------------------------------------------------------
+
+struct ExtBlkWords {
+  Words van; ///< the maker block
+  Words usr; ///< the user block
+};
+
+/// The two extension blocks that end a record, as raw words. Most records have none and then cost one pointer.
+struct ExtBlk {
+  std::unique_ptr<ExtBlkWords> words; ///< null while both blocks hold nothing
+};
+
+/// The words held of a record's maker block, and of its user block; empty where there are none.
+inline std::span<const Word> vanExtBlk(const ExtBlk &blk) {
+  return blk.words ? std::span<const Word>(blk.words->van) : std::span<const Word>();
+}
+inline std::span<const Word> usrExtBlk(const ExtBlk &blk) {
+  return blk.words ? std::span<const Word>(blk.words->usr) : std::span<const Word>();
+}
+
+/// Reads `van_size` / 4 words of maker block, then `usr_size` / 4 words of user block (sizes in bytes, remainders
+/// dropped), replacing what `blk` held. Each block is held whole or not at all. @return 1, or 0 where one is not all there.
+KOVA_API int kvReadExtBlk1(Cursor &cursor, ExtBlk &blk, Word van_size, Word usr_size);
+
+/// The twin of `kvReadExtBlk1` that holds what is there, built on `kvSetupArray`.
+KOVA_API int kvSetupExtBlk1(Cursor &cursor, ExtBlk &blk, Word van_size, Word usr_size);
+
+// --- Tags, references, small setters --------------------------------------------------------------------------------
+
+/// @return 1 where equal; else 0 after "irregular tag ! %0#10x != %0#10x\n" (found, expected) on standard error.
+KOVA_API int kvCheckTag(Word found, Word expected);
+
+/// Reads a run of pairs that is stored as `count` first members, then `count` second members; all or nothing.
+/// @return 1, also for a count of 0; else 0.
+KOVA_API int kvReadExternal(Cursor &cursor, std::vector<External> &destination, Word count);
+KOVA_API int kvReadNodeIndex(Cursor &cursor, std::vector<NodeIndex> &destination, Word count);
+
+/// The twin of `kvReadExternal` for the inside of maker blocks: pair i is held when its second member lies inside the
+/// block. @return 0 only where memory cannot be had.
+KOVA_API int kvSetupExternal(Cursor &cursor, std::vector<External> &destination, Word count);
+
+/// Sets both members to -1: no external reference.
+KOVA_API void kvSetNoExternal(External &external);
+
+/// Stores `value`. @return 0 where the word held it already, else 1.
+KOVA_API int kvTestSet(Word &word, Word value);
+
+/// Stores five values in order into the five words at `poly`.
+KOVA_API void kvSetPoly(Word *poly, Word first, Word second, Word third, Word fourth, Word fifth);
+
+/// Turns every blank of a NUL-terminated string into an underscore, in place; tabs stay.
+KOVA_API void kvSp2_(char *text);
+
+} // namespace kova
