@@ -1,0 +1,170 @@
+#include "textdump/behavior.h"
+
+#include "textdump/extension.h"
+#include "textdump/lines.h"
+
+namespace kova {
+
+namespace {
+
+constexpr Section<AnimGroup> ANIM_SECTION = {"AnimList", kvWriteKtAnimListFix1, kvWriteKtAnimGroupFix1};
+constexpr Section<CollGroup> COLL_SECTION = {"CollList", kvWriteKtCollListFix1, kvWriteKtCollGroupFix1};
+constexpr Section<Switch> SWITCH_SECTION = {"SwitchList", kvWriteKtSwitchListFix1, kvWriteKtSwitchFix1};
+
+} // namespace
+
+// --- AnimList --------------------------------------------------------------------------------------------------------
+
+namespace {
+
+template <const auto &TABLE, class Anim> void writeAnims(Text &text, std::span<const Anim> anims) {
+  Index number = 0;
+  for (const Anim &anim : anims) {
+    print<"Anim(%d)\n">(text, number++);
+    putRecord<TABLE>(text, anim);
+  }
+}
+
+/// The records of a type that stores none print their headings alone.
+void writeZeroedAnims(Text &text, std::size_t count) {
+  for (std::size_t number = 0; number < count; ++number)
+    print<"Anim(%d)\n">(text, number);
+}
+
+} // namespace
+
+void kvWriteKtAnimListFix1(Text &text, const AnimList &list) {
+  writeListHead<ANIM_LIST_LINES, "anim_group_num_byte[%d]  %d \n">(text, list, ANIM_SECTION.name);
+}
+
+void kvWriteKtAnimGroupFix1(Text &text, const AnimGroup &group, Index number) {
+  print<"AnimGroup(%d)\n">(text, number);
+  putRecord<ANIM_GROUP_LINES, AnimGroupHead>(text, group);
+  switch (group.type) {
+  case 0:
+  case 2:
+    return writeAnims<ANIM_STEP_LINES>(text, walked(group.anim_num, group.step));
+  case 3:
+    return writeAnims<ANIM_KEYFRAME_LINES>(text, walked(group.anim_num, group.keyframe));
+  case 4:
+    return writeAnims<ANIM_NODE_LINES>(text, walked(group.anim_num, group.node));
+  default:
+    return writeZeroedAnims(text, walked(group.anim_num, group.zeroed_anim_num));
+  }
+}
+
+void kvWriteKtAnimList1(Text &text, const AnimList &list) { writeSection(text, ANIM_SECTION, list); }
+void kvWriteKtAnimList(Text &text, const AnimList &list) {
+  writeSection(text, ANIM_SECTION, list, writeAnimGroupExt);
+}
+
+// --- CollList --------------------------------------------------------------------------------------------------------
+
+namespace {
+
+struct CollKind {
+  Word coll_type;
+  const char *word; ///< ends the line of the type
+  void (*data)(Text &, const CollData &);
+};
+
+void writeNoData(Text &, const CollData &) {}
+
+constexpr std::array<CollKind, 7> COLL_KINDS = {{{0x00, "NONE\n", writeNoData},
+                                                 {0x10, "TERRAIN\n", putLeading<TERRAIN_LINES>},
+                                                 {0x20, "POINT\n", putLeading<POINT_LINES>},
+                                                 {0x21, "CIRCLE\n", putLeading<CIRCLE_LINES>},
+                                                 {0x22, "SPHERE\n", putLeading<SPHERE_LINES>},
+                                                 {0x23, "CYLINDER\n", putLeading<CYLINDER_LINES>},
+                                                 {0x24, "BOX\n", putLeading<BOX_LINES>}}};
+constexpr CollKind UNKNOWN_COLL_KIND = {0, "????\n", writeNoData};
+
+const CollKind &collKind(Word coll_type) {
+  for (const CollKind &kind : COLL_KINDS)
+    if (kind.coll_type == coll_type)
+      return kind;
+  return UNKNOWN_COLL_KIND;
+}
+
+void writeColl(Text &text, const Coll &coll, Index number) {
+  print<"Coll(%d)\n">(text, number);
+  putRecord<COLL_LINES, CollHead>(text, coll);
+  const CollKind &kind = collKind(coll.coll_type);
+  putString(text, kind.word);
+  kind.data(text, coll.data);
+}
+
+} // namespace
+
+void kvWriteKtCollListFix1(Text &text, const CollList &list) {
+  writeListHead<COLL_LIST_LINES, "coll_group_num_byte[%d]  %d \n">(text, list, COLL_SECTION.name);
+}
+
+void kvWriteKtCollGroupFix1(Text &text, const CollGroup &group, Index number) {
+  print<"CollGroup(%d)\n">(text, number);
+  putRecord<COLL_GROUP_LINES, CollGroupHead>(text, group);
+  printEach<"coll_num_byte[%d]  %d \n">(text, walked(group.coll_num, group.coll_num_byte));
+  Index position = 0;
+  for (const Coll &coll : walked(group.coll_num, group.coll))
+    writeColl(text, coll, position++);
+}
+
+void kvWriteKtCollList1(Text &text, const CollList &list) { writeSection(text, COLL_SECTION, list); }
+void kvWriteKtCollList(Text &text, const CollList &list) { kvWriteKtCollList1(text, list); }
+
+// --- SwitchList ------------------------------------------------------------------------------------------------------
+
+void kvWriteKtSwitchListFix1(Text &text, const SwitchList &list) {
+  writeListHead<SWITCH_LIST_LINES, "switch_num_byte[%d]    %d\n">(text, list, SWITCH_SECTION.name);
+}
+
+void kvWriteKtSwitchFix1(Text &text, const Switch &node, Index number) {
+  print<"Switch(%d)\n">(text, number);
+  putRecord<SWITCH_LINES, SwitchHead>(text, node);
+  printEach<"case_val[%d]  %d\n">(text, walked(node.case_node_num, node.case_val));
+  printEach<"case_dest_index[%d]  %d\n">(text, walked(node.case_node_num, node.case_dest_index));
+}
+
+void kvWriteKtSwitchList1(Text &text, const SwitchList &list) { writeSection(text, SWITCH_SECTION, list); }
+void kvWriteKtSwitchList(Text &text, const SwitchList &list) { kvWriteKtSwitchList1(text, list); }
+
+// --- NameList: a line for each name, without blocks and empty lines --------------------------------------------------
+
+namespace {
+
+/// A name may be of any length, so it goes through the buffer in pieces.
+void putName(Text &text, const Name &name) {
+  constexpr std::size_t PIECE = 1024;
+  std::size_t first = 0;
+  std::size_t put;
+  do {
+    put = unpackName(name, first, room(text, PIECE), PIECE);
+    text.used += put;
+    first += put;
+  } while (put == PIECE);
+}
+
+} // namespace
+
+void kvWriteKtNameListFix1(Text &text, const NameList &list) {
+  putRecord<NAME_LIST_LINES, ListHead>(text, list);
+  printEach<"name_num_byte[%d]    %d\n">(text, walked(list.num, list.num_byte));
+  print<"\n">(text);
+}
+
+void writeNameSection(Text &text, const NameList &list, const char *name) {
+  kvWriteKtListName(text, name);
+  kvWriteKtNameListFix1(text, list);
+  Index position = 0;
+  for (const Name &each : walked(list.num, list.element)) {
+    print<"Name(%d) ">(text, position++);
+    putName(text, each);
+    print<"\n">(text);
+  }
+  writeListEnd(text, list, name);
+}
+
+void kvWriteKtNameList1(Text &text, const NameList &list) { writeNameSection(text, list, "NameList"); }
+void kvWriteKtNameList(Text &text, const NameList &list) { kvWriteKtNameList1(text, list); }
+
+} // namespace kova

@@ -1,0 +1,243 @@
+#include "textdump/geometry.h"
+
+#include "textdump/lines.h"
+
+namespace kova {
+
+namespace {
+
+void writeTriGroupEnd(Text &text, const TriGroup &group);
+
+constexpr const char *VTX_SECTION = "VtxList";
+constexpr const char *COLOR_SECTION = "ColorList";
+constexpr const char *VECTOR_SECTION = "VectorList";
+constexpr const char *ST_SECTION = "StList";
+constexpr Section<TriGroup> TRI_SECTION = {"TriList", kvWriteKtTriListFix1, kvWriteKtTriGroupFix1};
+constexpr Section<Part> PART_SECTION = {"PartList", kvWriteKtPartListFix1, kvWriteKtPartFix1};
+
+/// The groups of a list whose header section holds them.
+template <class Group>
+void writeGroups(Text &text, Word count, const std::vector<Group> &held, void (*group)(Text &, const Group &, Index)) {
+  writeElements(text, count, held, group, writeEmptyLine<Group>);
+}
+
+template <Format FORMAT> void writeTuples(Text &text, std::span<const Xyz> tuples) {
+  Index position = 0;
+  for (const Xyz &tuple : tuples)
+    print<FORMAT>(text, position++, tuple.x, tuple.y, tuple.z);
+}
+
+template <Format FORMAT> void writeTuples(Text &text, std::span<const Rgba> tuples) {
+  Index position = 0;
+  for (const Rgba &tuple : tuples)
+    print<FORMAT>(text, position++, tuple.red, tuple.green, tuple.blue, tuple.alpha);
+}
+
+template <Format FORMAT> void writeTuples(Text &text, std::span<const St> tuples) {
+  Index position = 0;
+  for (const St &tuple : tuples)
+    print<FORMAT>(text, position++, tuple.s, tuple.t);
+}
+
+} // namespace
+
+// --- VtxList: its header section holds the groups --------------------------------------------------------------------
+
+void kvWriteKtVtxListFix1(Text &text, const VtxList &list) {
+  writeListHead<VTX_LIST_LINES, "vtx_group_num_byte[%d]  %d \n">(text, list, VTX_SECTION);
+  print<"\n">(text);
+  writeGroups(text, list.num, list.element, kvWriteKtVtxFix1);
+}
+
+void kvWriteKtVtxFix1(Text &text, const VtxGroup &group, Index number) {
+  print<"VtxGroup(%d)\n">(text, number);
+  putRecord<VTX_GROUP_LINES, VtxGroupHead>(text, group);
+  writeTuples<" Vtx(%d) %#12g %#12g %#12g   ; x,y,z\n">(text, walked(group.vtx_num, group.vtx));
+}
+
+void kvWriteKtVtxList1(Text &text, const VtxList &list) {
+  kvWriteKtVtxListFix1(text, list);
+  writeListEnd(text, list, VTX_SECTION);
+}
+void kvWriteKtVtxList(Text &text, const VtxList &list) { kvWriteKtVtxList1(text, list); }
+
+// --- TriList ---------------------------------------------------------------------------------------------------------
+
+namespace {
+
+/// The line or lines of one kind of reference, by the form in which it is stored.
+template <Format FRAME_INDEX, Format KEY_NUM, Format KEY, Format KEY_INDEX, Format SINGLE_INDEX>
+void writeRef(Text &text, const AnimRef &ref, RefForm form) {
+  if (form == RefForm::frames) {
+    printEach<FRAME_INDEX>(text, ref.group_index);
+  } else if (form == RefForm::keys) {
+    print<KEY_NUM>(text, ref.key_num);
+    printEach<KEY>(text, walked(ref.key_num, ref.key));
+    printEach<KEY_INDEX>(text, walked(ref.key_num, ref.group_index));
+  } else {
+    for (const Index index : walked(1, ref.group_index))
+      print<SINGLE_INDEX>(text, index);
+  }
+}
+
+/// The formats of the six kinds. Two are odd on purpose: a key's vertex-colour group has an expression for its name, and
+/// a frame's texture-coordinate group has no line end, so that the next text continues its line.
+using WriteRef = void (*)(Text &, const AnimRef &, RefForm);
+constexpr std::array<WriteRef, REF_KIND_NUM> REF_WRITERS = {
+    writeRef<"refVtx->vtx_group_index[%d]          %d\n",
+             "refVtx->vtx_anim_key_num             %d\n",
+             "refVtx->vtx_anim_key[%d]             %d\n",
+             "refVtx->vtx_group_index[%d]          %d\n",
+             "refVtx->vtx_group_index                 %d\n">,
+    writeRef<"refTriColor->tri_color_group_index[%d]  %d\n",
+             "refTriColor->tri_color_anim_key_num     %d\n",
+             "refTriColor->tri_color_anim_key[%d]     %d\n",
+             "refTriColor->tri_color_group_index[%d]  %d\n",
+             "refTriColor->tri_color_group_index      %d\n">,
+    writeRef<"refVtxColor->vtx_color_group_index[%d] %d\n",
+             "refVtxColor->vtx_color_anim_key_num             %d\n",
+             "refVtxColor->vtx_color_anim_key[%d] %d\n",
+             "l->trig[i].refVtxColor->vtx_color_group_index[%d] %d\n",
+             "refVtxColor->vtx_color_group_index      %d\n">,
+    writeRef<"refTriNv->tri_nv_group_index[%d]  %d\n",
+             "refTriNv->tri_nv_anim_key_num              %d\n",
+             "refTriNv->tri_nv_anim_key[%d]  %d\n",
+             "refTriNv->tri_nv_group_index[%d]  %d\n",
+             "refTriNv->tri_nv_group_index            %d\n">,
+    writeRef<"refVtxNv->vtx_nv_group_index[%d]  %d\n",
+             "refVtxNv->vtx_nv_anim_key_num              %d\n",
+             "refVtxNv->vtx_nv_anim_key[%d] %d\n",
+             "refVtxNv->vtx_nv_group_index[%d]  %d\n",
+             "refVtxNv->vtx_nv_group_index            %d\n">,
+    writeRef<"refSt->st_group_index[%d]  %d",
+             "refSt->st_anim_key_num          %d\n",
+             "refSt->st_anim_key[%d]  %d\n",
+             "refSt->st_group_index[%d]  %d\n",
+             "refSt->st_group_index                   %d\n">,
+};
+
+/// A group has no blocks of its own. Its last triangle has ended it with an empty line; one without triangles has not.
+void writeTriGroupEnd(Text &text, const TriGroup &group) {
+  if (walked(group.tri_num, group.tri).empty())
+    writeEmptyLine(text, group);
+}
+
+} // namespace
+
+void kvWriteKtTriListFix1(Text &text, const TriList &list) {
+  writeListHead<TRI_LIST_LINES, "tri_group_num_byte[%d] %d\n">(text, list, TRI_SECTION.name);
+  print<"\n">(text);
+}
+
+void kvWriteKtTriGroupFix1(Text &text, const TriGroup &group, Index number) {
+  print<"TriGroup(%d)\n">(text, number);
+  putRecord<TRI_GROUP_LINES, TriGroupHead>(text, group);
+  for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind)
+    REF_WRITERS[kind](text, group.ref[kind], refForm(group.tri_anim_type, kind));
+  writeElements(text, group.tri_num, group.tri, kvWriteKtTriFix1, writeExtBlk<Tri>);
+}
+
+void kvWriteKtTriFix1(Text &text, const Tri &tri, Index number) {
+  print<"Tri(%d)\n">(text, number);
+  putRecord<TRI_LINES, TriHead>(text, tri);
+}
+
+void kvWriteKtTriList1(Text &text, const TriList &list) { writeSection(text, TRI_SECTION, list, writeTriGroupEnd); }
+void kvWriteKtTriList(Text &text, const TriList &list) { kvWriteKtTriList1(text, list); }
+
+// --- ColorList -------------------------------------------------------------------------------------------------------
+
+void kvWriteKtColorListFix1(Text &text, const ColorList &list) {
+  kvWriteKtListName(text, COLOR_SECTION);
+  putRecord<COLOR_LIST_LINES, TwoKindListHead>(text, list);
+  printEach<"tri_color_group_size[%d]   %d\n">(text, walked(list.tri_group_num, list.tri_group_size));
+  printEach<"vtx_color_group_size[%d]   %d\n">(text, walked(list.vtx_group_num, list.vtx_group_size));
+  print<"\n">(text);
+  writeGroups(text, list.tri_group_num, list.tri_group, kvWriteKtTriColorFix1);
+  writeGroups(text, list.vtx_group_num, list.vtx_group, kvWriteKtVtxColorFix1);
+}
+
+void kvWriteKtTriColorFix1(Text &text, const TriColorGroup &group, Index number) {
+  print<"TriColorGroup(%d)\n">(text, number);
+  putRecord<TRI_COLOR_GROUP_LINES, TriColorGroupHead>(text, group);
+  writeTuples<"TriColor(%d) %#12g %#12g %#12g %#12g    ; RGBA\n">(text, walked(group.tri_color_num, group.color));
+}
+
+void kvWriteKtVtxColorFix1(Text &text, const VtxColorGroup &group, Index number) {
+  print<"VtxColorGroup(%d)\n">(text, number);
+  putRecord<VTX_COLOR_GROUP_LINES, VtxColorGroupHead>(text, group);
+  writeTuples<"VtxColor(%d) %#12g %#12g %#12g %#12g    ; RGBA\n">(text, walked(group.vtx_color_num, group.color));
+}
+
+void kvWriteKtColorList1(Text &text, const ColorList &list) {
+  kvWriteKtColorListFix1(text, list);
+  writeListEnd(text, list, COLOR_SECTION);
+}
+void kvWriteKtColorList(Text &text, const ColorList &list) { kvWriteKtColorList1(text, list); }
+
+// --- VectorList ------------------------------------------------------------------------------------------------------
+
+void kvWriteKtVectorListFix1(Text &text, const VectorList &list) {
+  kvWriteKtListName(text, VECTOR_SECTION);
+  putRecord<VECTOR_LIST_LINES, TwoKindListHead>(text, list);
+  printEach<"tri_nv_group_size[%d]     %d\n">(text, walked(list.tri_group_num, list.tri_group_size));
+  printEach<"vtx_nv_group_size[%d]     %d\n">(text, walked(list.vtx_group_num, list.vtx_group_size));
+  print<"\n">(text);
+  writeGroups(text, list.tri_group_num, list.tri_group, kvWriteKtTriNvFix1);
+  writeGroups(text, list.vtx_group_num, list.vtx_group, kvWriteKtVtxNvFix1);
+}
+
+void kvWriteKtTriNvFix1(Text &text, const TriNvGroup &group, Index number) {
+  print<"TriNvGroup(%d)\n">(text, number);
+  putRecord<TRI_NV_GROUP_LINES, TriNvGroupHead>(text, group);
+  writeTuples<" TriNv(%d) %#12g %#12g %#12g    ; Nx,Ny,Nz\n">(text, walked(group.tri_nv_num, group.normal));
+}
+
+void kvWriteKtVtxNvFix1(Text &text, const VtxNvGroup &group, Index number) {
+  print<"VtxNvGroup(%d)\n">(text, number);
+  putRecord<VTX_NV_GROUP_LINES, VtxNvGroupHead>(text, group);
+  writeTuples<" VtxNv(%d) %#12g %#12g %#12g    ; Nx,Ny,Nz\n">(text, walked(group.vtx_nv_num, group.normal));
+}
+
+void kvWriteKtVectorList1(Text &text, const VectorList &list) {
+  kvWriteKtVectorListFix1(text, list);
+  writeListEnd(text, list, VECTOR_SECTION);
+}
+void kvWriteKtVectorList(Text &text, const VectorList &list) { kvWriteKtVectorList1(text, list); }
+
+// --- StList ----------------------------------------------------------------------------------------------------------
+
+void kvWriteKtStListFix1(Text &text, const StList &list) {
+  writeListHead<ST_LIST_LINES, "st_group_size[%d]   %d\n">(text, list, ST_SECTION);
+  print<"\n">(text);
+  writeGroups(text, list.num, list.element, kvWriteKtStFix1);
+}
+
+void kvWriteKtStFix1(Text &text, const StGroup &group, Index number) {
+  print<"StGroup(%d)\n">(text, number);
+  putRecord<ST_GROUP_LINES, StGroupHead>(text, group);
+  writeTuples<"St(%d)  %#12g  %#12g    ; s,t\n">(text, walked(group.st_num, group.st));
+}
+
+void kvWriteKtStList1(Text &text, const StList &list) {
+  kvWriteKtStListFix1(text, list);
+  writeListEnd(text, list, ST_SECTION);
+}
+void kvWriteKtStList(Text &text, const StList &list) { kvWriteKtStList1(text, list); }
+
+// --- PartList --------------------------------------------------------------------------------------------------------
+
+void kvWriteKtPartListFix1(Text &text, const PartList &list) {
+  writeListHead<PART_LIST_LINES, "part_num_byte[%d]    %d\n">(text, list, PART_SECTION.name);
+}
+
+void kvWriteKtPartFix1(Text &text, const Part &part, Index number) {
+  print<"Part(%d)\n">(text, number);
+  putRecord<PART_LINES, PartHead>(text, part);
+  printEach<"tri_index[%d]     %d\n">(text, walked(part.part_tri_num, part.tri_index));
+}
+
+void kvWriteKtPartList1(Text &text, const PartList &list) { writeSection(text, PART_SECTION, list); }
+void kvWriteKtPartList(Text &text, const PartList &list) { kvWriteKtPartList1(text, list); }
+
+} // namespace kova

@@ -1,0 +1,154 @@
+/// The line writers that all sections of the dump share. They are the only homes of their formats.
+///
+/// Arrays print the entries that are held; positions count from 0.
+#pragma once
+
+#include "reader/kova.h"
+#include "textdump/text.h"
+
+namespace kova {
+
+/// The lines of the file header, of the nine sizes behind them in a 2.0 dump, and of the words that every element of a
+/// version-2 list begins with.
+inline constexpr auto FILE_HEADER_LINES = lines<FileHeaderHead>(
+    "version           %0#10x\n",
+    "size              %d\n",
+    "header_tag        %0#10x\n",
+    "file_header_num   %d\n",
+    "scene_list_num    %d\n",
+    "env_list_num      %d\n",
+    "cam_list_num      %d\n",
+    "light_list_num    %d\n",
+    "obj_list_num      %d\n",
+    "shape_list_num    %d\n",
+    "vtx_list_num      %d\n",
+    "color_list_num    %d\n",
+    "vector_list_num   %d\n",
+    "st_list_num       %d\n",
+    "tri_list_num      %d\n",
+    "part_list_num     %d\n",
+    "mat_list_num      %d\n",
+    "tex_list_num      %d\n",
+    "tex_img_list_num  %d\n",
+    "anim_list_num     %d\n",
+    "coll_list_num     %d\n",
+    "switch_list_num   %d\n",
+    "name_list_num     %d\n",
+    "van_ext_blk_size  %d\n",
+    "usr_ext_blk_size  %d\n");
+inline constexpr auto VERSION_2_SIZES_LINES = lines<Version2Sizes>(
+    "ci_img_list_num        %d\n",
+    "color_palette_list_num %d\n",
+    "envelope_list_num      %d\n",
+    "cluster_list_num       %d\n",
+    "weight_list_num        %d\n",
+    "chain_root_list_num    %d\n",
+    "joint_list_num         %d\n",
+    "effector_list_num      %d\n",
+    "external_name_list_num %d\n");
+inline constexpr auto ELEMENT_TOP_LINES = lines<ElementHead>(
+    "tag          %0#10x\n",
+    "this_index   %d\n",
+    "size         %d\n",
+    "name_index   %d\n");
+
+/// "<%s> ;" with 50 dashes behind it, then an empty line.
+KOVA_API void kvWriteKtListName(Text &text, const char *name);
+
+/// "</%s>", then an empty line.
+KOVA_API void kvWriteKtListEnd(Text &text, const char *name);
+
+/// The opener and the lines "list_tag", "header_size" and "list_size" of a version-2 list.
+KOVA_API void kvWriteKtListTop(Text &text, const ListHead &head, const char *name);
+
+/// "%s(%d)" with the label and the stored index, then the lines "tag", "this_index", "size" and "name_index".
+KOVA_API void kvWriteKtElementTop(Text &text, const ElementHead &head, const char *label);
+
+/// A raw-word block: "[%s]", then the words held, at most `bytes` / 4, six to a row.
+KOVA_API void kvWriteKtList(Text &text, std::span<const Word> words, Word bytes, const char *label);
+
+/// The blocks of a record: "V_EXT" where `van_size` is not 0, "U_EXT" where `usr_size` is not 0, then an empty line.
+KOVA_API void kvWriteKtExtBlk1(Text &text, const ExtBlk &blk, Word van_size, Word usr_size);
+
+/// As `kvWriteKtExtBlk1` for a record whose maker block begins with `decoded` bytes that are printed elsewhere: what
+/// follows them is "V_EXT_OTHERS". Sizes are compared unsigned.
+KOVA_API void kvWriteKtExtBlk2(Text &text, const ExtBlk &blk, Word van_size, Word usr_size, Word decoded);
+
+/// "%s[%d]  %d" for each word, "%s[%d]  %#g" for each float.
+KOVA_API void kvWriteKtArray(Text &text, std::span<const Word> words, const char *label);
+KOVA_API void kvWriteKtArray(Text &text, std::span<const Index> indices, const char *label);
+KOVA_API void kvWriteKtArrayf(Text &text, std::span<const float> floats, const char *label);
+
+/// "%s file name[%d]   %d" for every reference, then "%s name[%d]        %d" for every reference.
+KOVA_API void kvWriteKtExternal(Text &text, std::span<const External> externals, const char *label);
+
+/// "%s kind[%d]   %0#10x" for every reference, then "%s index[%d]  %d" for every reference.
+KOVA_API void kvWriteKtNodeIndex(Text &text, std::span<const NodeIndex> nodes, const char *label);
+
+/// "%s red  %#g green %#g blue %#g alpha %#g" and "%s  %#g %#g %#g ; x,y,z".
+KOVA_API void kvWriteKtRGBA(Text &text, const Rgba &colour, const char *label);
+KOVA_API void kvWriteKtXYZ(Text &text, const Xyz &vector, const char *label);
+
+/// Keyframes. The heading of a scale key has no line end: its interpolation type continues the line.
+KOVA_API void kvWriteKtRotateX(Text &text, std::span<const RotateE> keys, const char *label);
+KOVA_API void kvWriteKtUniqScale(Text &text, std::span<const Scale> keys, const char *label);
+KOVA_API void kvWriteKtPrimColorAnim(Text &text, std::span<const PrimColorAnim> keys, const char *label);
+
+/// The file-header section of a 2.0 dump and of a 1.0 dump, and what both begin with: the opener and the 25 header lines.
+KOVA_API void kvWriteKtFileHeader(Text &text, const FileHeader &header);
+KOVA_API void kvWriteKtFileHeader1(Text &text, const FileHeader &header);
+KOVA_API void kvWriteKtFileHeaderFix1(Text &text, const FileHeader &header);
+
+// --- Sections of the version-1 lists --------------------------------------------------------------------------------
+
+/// Writes the opener, the header lines and the size table of a list with the common header.
+template <const auto &TABLE, Format SIZE_LINE, class Element>
+void writeListHead(Text &text, const List<Element> &list, const char *name) {
+  kvWriteKtListName(text, name);
+  putRecord<TABLE, ListHead>(text, list);
+  printEach<SIZE_LINE>(text, walked(list.num, list.num_byte));
+}
+
+/// Writes the elements that are held, each with its number, and what ends it.
+template <class Element>
+void writeElements(Text &text, Word count, const std::vector<Element> &held,
+                   void (*element)(Text &, const Element &, Index), void (*end)(Text &, const Element &)) {
+  Index number = 0;
+  for (const Element &each : walked(count, held)) {
+    element(text, each, number++);
+    end(text, each);
+  }
+}
+
+/// Ends an element that carries no blocks: an empty line.
+template <class Element> void writeEmptyLine(Text &text, const Element &) { print<"\n">(text); }
+
+/// Ends an element with its blocks as raw words.
+template <class Record> void writeExtBlk(Text &text, const Record &record) {
+  kvWriteKtExtBlk1(text, record.ext_blk, record.van_ext_blk_size, record.usr_ext_blk_size);
+}
+
+/// Ends a section: the list's own blocks and the closer.
+template <class List> void writeListEnd(Text &text, const List &list, const char *name) {
+  writeExtBlk(text, list);
+  kvWriteKtListEnd(text, name);
+}
+
+/// What tells the sections of the common shape apart.
+template <class Element> struct Section {
+  const char *name;
+  void (*head)(Text &, const List<Element> &);     ///< opener, header lines, size table
+  void (*element)(Text &, const Element &, Index); ///< heading and fields
+};
+
+/// Writes a section of the common shape. The 2.0 dump differs by what ends an element.
+template <class Element>
+void writeSection(Text &text, const Section<Element> &section, const List<Element> &list,
+                  void (*end)(Text &, const Element &) = writeExtBlk<Element>) {
+  section.head(text, list);
+  print<"\n">(text);
+  writeElements(text, list.num, list.element, section.element, end);
+  writeListEnd(text, list, section.name);
+}
+
+} // namespace kova

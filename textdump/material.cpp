@@ -1,0 +1,121 @@
+#include "textdump/material.h"
+
+#include "textdump/extension.h"
+#include "textdump/lines.h"
+
+namespace kova {
+
+namespace {
+
+constexpr Section<Mat> MAT_SECTION = {"MatList", kvWriteKtMatListFix1, kvWriteKtMatFix1};
+constexpr Section<Tex> TEX_SECTION = {"TexList", kvWriteKtTexListFix1, kvWriteKtTexFix1};
+/// The section's name has a capital that the list's name has not.
+constexpr Section<Teximg> TEXIMG_SECTION = {"TexImgList", kvWriteKtTeximgListFix1, kvWriteKtTeximgFix1};
+
+} // namespace
+
+// --- MatList ---------------------------------------------------------------------------------------------------------
+
+void kvWriteKtMatListFix1(Text &text, const MatList &list) {
+  writeListHead<MAT_LIST_LINES, "mat_num_byte[%d]    %d\n">(text, list, MAT_SECTION.name);
+}
+
+void kvWriteKtMatFix1(Text &text, const Mat &mat, Index number) {
+  print<"Mat(%d)\n">(text, number);
+  putRecord<MAT_LINES, MatHead>(text, mat);
+  printEach<"tex_index[%d]   %0#10x\n">(text, walked(mat.tex_num, mat.tex_index));
+}
+
+void kvWriteKtMatList1(Text &text, const MatList &list) { writeSection(text, MAT_SECTION, list); }
+void kvWriteKtMatList(Text &text, const MatList &list) { writeSection(text, MAT_SECTION, list, writeMatExt); }
+
+// --- TexList ---------------------------------------------------------------------------------------------------------
+
+namespace {
+
+void writeTiles(Text &text, const TexTiles &tiles) {
+  putRecord<TEX_TILES_LINES, TexTilesHead>(text, tiles);
+  printEach<"tex_tile_scale_key[%d]   %d\n">(text, walked(tiles.tex_tile_scale_num, tiles.tex_tile_scale_key));
+  printEach<"tex_tile_width[%d]       %d\n">(text, walked(tiles.tex_tile_scale_num, tiles.tex_tile_width));
+  printEach<"tex_tile_height[%d]      %d\n">(text, walked(tiles.tex_tile_scale_num, tiles.tex_tile_height));
+  printEach<"tex_tile_offset_key[%d]  %d\n">(text, walked(tiles.tex_tile_offset_num, tiles.tex_tile_offset_key));
+  printEach<"tex_tile_offset_x[%d]    %d\n">(text, walked(tiles.tex_tile_offset_num, tiles.tex_tile_offset_x));
+  printEach<"tex_tile_offset_y[%d]    %d\n">(text, walked(tiles.tex_tile_offset_num, tiles.tex_tile_offset_y));
+  printEach<"tex_tile_img_key[%d]     %d\n">(text, walked(tiles.tex_tile_img_num, tiles.tex_tile_img_key));
+  printEach<"tex_tile_img_index[%d]   %d\n">(text, walked(tiles.tex_tile_img_num, tiles.tex_tile_img_index));
+  print<"\n">(text); // an empty line that a still texture has not
+}
+
+} // namespace
+
+void kvWriteKtTexListFix1(Text &text, const TexList &list) {
+  writeListHead<TEX_LIST_LINES, "tex_num_byte[%d]    %d\n">(text, list, TEX_SECTION.name);
+}
+
+void kvWriteKtTexFix1(Text &text, const Tex &tex, Index number) {
+  print<"Tex(%d)\n">(text, number);
+  putRecord<TEX_LINES, TexHead>(text, tex);
+  if (tex.tex_anim == 0)
+    putRecord<TEX_STILL_LINES>(text, tex.still);
+  else
+    writeTiles(text, tex.tiles);
+}
+
+void kvWriteKtTexList1(Text &text, const TexList &list) { writeSection(text, TEX_SECTION, list); }
+void kvWriteKtTexList(Text &text, const TexList &list) { writeSection(text, TEX_SECTION, list, writeTexExt); }
+
+// --- TeximgList: each row of texels begins with a line end, so what ends the image ends the last row -----------------
+
+namespace {
+
+constexpr std::size_t TEXELS_TO_A_ROW = 12;
+
+void writeTexelRow(Text &text, std::span<const unsigned char> row) {
+  char *at = room(text, formatRoom<"\n">(TEXELS_TO_A_ROW));
+  at = putFormat<"\n">(at);
+  for (const unsigned char texel : row)
+    at = putByte(at, texel);
+  advanceTo(text, at);
+}
+
+void writeTexels(Text &text, std::span<const unsigned char> texels) {
+  print<"TexImgData">(text);
+  while (texels.size() >= TEXELS_TO_A_ROW) {
+    writeTexelRow(text, texels.first<TEXELS_TO_A_ROW>());
+    texels = texels.subspan(TEXELS_TO_A_ROW);
+  }
+  if (!texels.empty())
+    writeTexelRow(text, texels);
+}
+
+void writeTeximgEnd1(Text &text, const Teximg &image) {
+  print<"\n">(text);
+  writeExtBlk(text, image);
+}
+
+void writeTeximgEnd2(Text &text, const Teximg &image) {
+  print<"\n">(text);
+  writeTeximgExt(text, image);
+}
+
+} // namespace
+
+void kvWriteKtTeximgListFix1(Text &text, const TeximgList &list) {
+  writeListHead<TEXIMG_LIST_LINES, "tex_img_num_byte[%d]    %d\n">(text, list, TEXIMG_SECTION.name);
+}
+
+/// The texels are held whole or not at all, so what is held needs no count.
+void kvWriteKtTeximgFix1(Text &text, const Teximg &image, Index number) {
+  print<"TexImg(%d)\n">(text, number);
+  putRecord<TEXIMG_LINES, TeximgHead>(text, image);
+  writeTexels(text, image.texel);
+}
+
+void kvWriteKtTeximgList1(Text &text, const TeximgList &list) {
+  writeSection(text, TEXIMG_SECTION, list, writeTeximgEnd1);
+}
+void kvWriteKtTeximgList(Text &text, const TeximgList &list) {
+  writeSection(text, TEXIMG_SECTION, list, writeTeximgEnd2);
+}
+
+} // namespace kova

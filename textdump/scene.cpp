@@ -1,0 +1,132 @@
+#include "textdump/scene.h"
+
+#include "textdump/extension.h"
+#include "textdump/lines.h"
+
+namespace kova {
+
+namespace {
+
+constexpr const char *SCENE_SECTION = "SceneList";
+constexpr Section<Env> ENV_SECTION = {"EnvList", kvWriteKtEnvListFix1, kvWriteKtEnvFix1};
+constexpr Section<Cam> CAM_SECTION = {"CamList", kvWriteKtCamListFix1, kvWriteKtCamFix1};
+constexpr Section<Light> LIGHT_SECTION = {"LightList", kvWriteKtLightListFix1, kvWriteKtLightFix1};
+constexpr Section<Obj> OBJ_SECTION = {"ObjList", kvWriteKtObjListFix1, kvWriteKtObjFix1};
+constexpr Section<Shape> SHAPE_SECTION = {"ShapeList", kvWriteKtShapeListFix1, kvWriteKtShapeFix1};
+
+template <const auto &TABLE> void writeDirLights(Text &text, const Light &light) {
+  Index number = 0;
+  for (const DirLight &dir_light : walked(light.dir_light_num, light.dir_light)) {
+    print<"DirLight(%d)\n">(text, number++);
+    putLeading<TABLE>(text, dir_light);
+  }
+}
+
+} // namespace
+
+// --- SceneList: one record, without list header, size table and elements ---------------------------------------------
+
+void kvWriteKtSceneListFix1(Text &text, const Scene &scene) {
+  kvWriteKtListName(text, SCENE_SECTION);
+  putRecord<SCENE_LINES, SceneHead>(text, scene);
+  printEach<"obj link[%d]    %d\n">(text, walked(scene.scene_obj_link_num, scene.obj_link));
+  printEach<"env link[%d]    %d\n">(text, walked(scene.scene_env_link_num, scene.env_link));
+  printEach<"cam link[%d]    %d\n">(text, walked(scene.scene_cam_link_num, scene.cam_link));
+  printEach<"light link[%d]    %d\n">(text, walked(scene.scene_light_link_num, scene.light_link));
+}
+
+void kvWriteKtSceneList1(Text &text, const Scene &scene) {
+  kvWriteKtSceneListFix1(text, scene);
+  writeListEnd(text, scene, SCENE_SECTION);
+}
+
+void kvWriteKtSceneList(Text &text, const Scene &scene) {
+  kvWriteKtSceneListFix1(text, scene);
+  writeSceneListExt(text, scene);
+  kvWriteKtListEnd(text, SCENE_SECTION);
+}
+
+// --- EnvList ---------------------------------------------------------------------------------------------------------
+
+void kvWriteKtEnvListFix1(Text &text, const EnvList &list) {
+  writeListHead<ENV_LIST_LINES, "env_num_byte[%d]   %d\n">(text, list, ENV_SECTION.name);
+  print<"\n">(text);
+}
+
+void kvWriteKtEnvFix1(Text &text, const Env &env, Index number) {
+  print<"Env(%d)\n">(text, number);
+  putRecord<ENV_LINES, EnvHead>(text, env);
+}
+
+void kvWriteKtEnvList1(Text &text, const EnvList &list) { writeSection(text, ENV_SECTION, list); }
+void kvWriteKtEnvList(Text &text, const EnvList &list) { kvWriteKtEnvList1(text, list); }
+
+// --- CamList ---------------------------------------------------------------------------------------------------------
+
+void kvWriteKtCamListFix1(Text &text, const CamList &list) {
+  writeListHead<CAM_LIST_LINES, "cam_num_byte[%d]  %d \n">(text, list, CAM_SECTION.name);
+  print<"\n">(text);
+}
+
+void kvWriteKtCamFix1(Text &text, const Cam &cam, Index number) {
+  print<"Cam(%d)\n">(text, number);
+  putRecord<CAM_LINES, CamHead>(text, cam);
+}
+
+void kvWriteKtCamList1(Text &text, const CamList &list) { writeSection(text, CAM_SECTION, list); }
+void kvWriteKtCamList(Text &text, const CamList &list) { writeSection(text, CAM_SECTION, list, writeCamExt); }
+
+// --- LightList -------------------------------------------------------------------------------------------------------
+
+void kvWriteKtLightListFix1(Text &text, const LightList &list) {
+  writeListHead<LIGHT_LIST_LINES, "light_num_byte[%d]  %d \n">(text, list, LIGHT_SECTION.name);
+  print<"\n">(text);
+}
+
+/// A light of a type that stores no directional lights prints none, whatever its count says.
+void kvWriteKtLightFix1(Text &text, const Light &light, Index number) {
+  print<"Light(%d)\n">(text, number);
+  putRecord<LIGHT_LINES, LightHead>(text, light);
+  if (light.light_type == 0)
+    writeDirLights<DIRECTION_LIGHT_LINES>(text, light);
+  else if (light.light_type == 1)
+    writeDirLights<DIR_LIGHT_LINES>(text, light);
+}
+
+void kvWriteKtLightList1(Text &text, const LightList &list) { writeSection(text, LIGHT_SECTION, list); }
+void kvWriteKtLightList(Text &text, const LightList &list) { kvWriteKtLightList1(text, list); }
+
+// --- ObjList ---------------------------------------------------------------------------------------------------------
+
+void kvWriteKtObjListFix1(Text &text, const ObjList &list) {
+  writeListHead<OBJ_LIST_LINES, "obj_num_byte[%d]    %d\n">(text, list, OBJ_SECTION.name);
+}
+
+void kvWriteKtObjFix1(Text &text, const Obj &obj, Index number) {
+  print<"Obj(%d)\n">(text, number);
+  putRecord<OBJ_LINES, ObjHead>(text, obj);
+  printEach<"LOD_dist[%d]   %#g\n">(text, walked(obj.obj_lod_num, obj.LOD_dist));
+  printEach<"LOD_link[%d]   %d\n">(text, walked(obj.obj_lod_num, obj.LOD_link));
+  for (const Word link : walked(obj.obj_child_num, obj.child_link))
+    print<"child link    %0#10x\n">(text, link); // without its position, unlike all other arrays
+}
+
+void kvWriteKtObjList1(Text &text, const ObjList &list) { writeSection(text, OBJ_SECTION, list); }
+void kvWriteKtObjList(Text &text, const ObjList &list) { writeSection(text, OBJ_SECTION, list, writeObjExt); }
+
+// --- ShapeList -------------------------------------------------------------------------------------------------------
+
+void kvWriteKtShapeListFix1(Text &text, const ShapeList &list) {
+  writeListHead<SHAPE_LIST_LINES, "shape_num_byte[%d]  %d\n">(text, list, SHAPE_SECTION.name);
+}
+
+void kvWriteKtShapeFix1(Text &text, const Shape &shape, Index number) {
+  print<"Shape(%d)\n">(text, number);
+  putRecord<SHAPE_LINES, ShapeHead>(text, shape);
+  printEach<"shape_part_link[%d]   %d\n">(text, walked(shape.shape_part_num, shape.shape_part_link));
+}
+
+void kvWriteKtShapeList1(Text &text, const ShapeList &list) { writeSection(text, SHAPE_SECTION, list); }
+void kvWriteKtShapeList(Text &text, const ShapeList &list) { writeSection(text, SHAPE_SECTION, list, writeShapeExt); }
+
+} // namespace kova
