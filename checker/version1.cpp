@@ -186,9 +186,8 @@ int checkVtxList(const Kis &kis) {
 }
 
 int checkTriList(const Kis &kis) {
-  const int ok =
-      checkList("TriList", kis.file_header.tri_list_num, kis.tri,
-                byRow<TriGroup>({"TriGroup", &TriGroup::this_tri_group_index, &TriGroup::tri_group_size}));
+  const int ok = checkList("TriList", kis.file_header.tri_list_num, kis.tri,
+                           byRow<TriGroup>({"TriGroup", &TriGroup::this_tri_group_index, &TriGroup::tri_group_size}));
   for (const TriGroup &group : walked(kis.tri.num, kis.tri.element))
     warnOfTriGroup(group);
   return ok;
@@ -269,9 +268,9 @@ int checkNameList(const Kis &) { return 1; }
 
 int checkKOVA1(const Kis &kis) {
   constexpr int (*CHECKS[])(const Kis &) = {
-      checkSceneList, checkEnvList,  checkCamList,    checkLightList,  checkObjList, checkShapeList, checkVtxList,
-      checkTriList,   checkColorList, checkVectorList, checkStList,     checkPartList, checkMatList, checkTexList,
-      checkTeximgList, checkAnimList, checkCollList,   checkSwitchList, checkNameList};
+      checkSceneList,  checkEnvList,   checkCamList,    checkLightList,  checkObjList,  checkShapeList, checkVtxList,
+      checkTriList,    checkColorList, checkVectorList, checkStList,     checkPartList, checkMatList,   checkTexList,
+      checkTeximgList, checkAnimList,  checkCollList,   checkSwitchList, checkNameList};
   int ok = 1;
   for (const auto check : CHECKS)
     ok *= check(kis);

@@ -176,8 +176,8 @@ int checkCamExt(const CamList &list) {
 int checkObjExt(const ObjList &list) {
   return checkCountedExt(list, fixedBytes<ObjExtHead>, "ObjNode Vantor Extension Block", "Obj", [](const Obj &obj) {
     const auto ext = decoded<ObjExtHead>(obj);
-    return fixedBytes<ObjExtHead> + (fixedBytes<float> + fixedBytes<External>)*ext.external_lod_obj_num +
-           fixedBytes<External> * ext.external_obj_num;
+    return fixedBytes<ObjExtHead> + fixedBytes<float> * ext.external_lod_obj_num +
+           fixedBytes<External> * (ext.external_lod_obj_num + ext.external_obj_num);
   });
 }
 
@@ -202,17 +202,15 @@ int checkTexExt(const TexList &list) {
 }
 
 int checkTeximgExt(const TeximgList &list) {
-  return checkCountedExt(list, fixedBytes<TeximgExtHead>, "TeximgNode Vantor Extension Block", "Teximg",
-                         [](const Teximg &image) {
-                           return fixedBytes<TeximgExtHead> +
-                                  fixedBytes<Index> * decoded<TeximgExtHead>(image).mipmap_max_level;
-                         });
+  return checkCountedExt(
+      list, fixedBytes<TeximgExtHead>, "TeximgNode Vantor Extension Block", "Teximg", [](const Teximg &image) {
+        return fixedBytes<TeximgExtHead> + fixedBytes<Index> * decoded<TeximgExtHead>(image).mipmap_max_level;
+      });
 }
 
 int checkAnimGroupExt(const AnimList &list) {
-  return checkCountedExt(
-      list, fixedBytes<AnimGroupExtHead>, "AnimNode Vantor Extension Block", "AnimGroup",
-      [](const AnimGroup &group) { return kvSizeofAnimGroupExt(decoded<AnimGroupExtHead>(group)); });
+  return checkCountedExt(list, fixedBytes<AnimGroupExtHead>, "AnimNode Vantor Extension Block", "AnimGroup",
+                         [](const AnimGroup &group) { return kvSizeofAnimGroupExt(decoded<AnimGroupExtHead>(group)); });
 }
 
 int checkCiimgList(const Kis &kis) {
@@ -249,12 +247,12 @@ int checkWeightedPart(const WeightedPart &part) {
   constexpr Word WEIGHT_GROUP = fixedBytes<Index>;
   constexpr Word GROUPS = fixedBytes<VtxTriNvColor>;
   static_assert(PAIR == fixedBytes<External>);
-  if (part.size == HEAD + (PAIR + WEIGHT_GROUP + GROUPS) * (nodes + externals) + part.van_ext_blk_size +
-                       part.usr_ext_blk_size)
+  if (part.size ==
+      HEAD + (PAIR + WEIGHT_GROUP + GROUPS) * (nodes + externals) + part.van_ext_blk_size + part.usr_ext_blk_size)
     return 1;
-  std::printf("WeightedPart[%d] size : %d != %d + %d*%d + %d*%d + (%d+%d)*%d + (%d+%d)*%d + %d + %d\n",
-              part.this_index, shown(part.size), shown(HEAD), shown(nodes), shown(PAIR), shown(externals), shown(PAIR),
-              shown(nodes), shown(externals), shown(WEIGHT_GROUP), shown(nodes), shown(externals), shown(GROUPS),
+  std::printf("WeightedPart[%d] size : %d != %d + %d*%d + %d*%d + (%d+%d)*%d + (%d+%d)*%d + %d + %d\n", part.this_index,
+              shown(part.size), shown(HEAD), shown(nodes), shown(PAIR), shown(externals), shown(PAIR), shown(nodes),
+              shown(externals), shown(WEIGHT_GROUP), shown(nodes), shown(externals), shown(GROUPS),
               shown(part.van_ext_blk_size), shown(part.usr_ext_blk_size));
   return 0;
 }
@@ -316,13 +314,12 @@ int checkExternalNameList(const Kis &kis) {
   checkHeading("ExternalNameList");
   int ok = checkTag(list.list_tag, EXTERNAL_NAME_LIST_TAG);
   ok *= checkListSizes(kis.file_header.version2.external_name_list_num, list, list.num_byte);
-  ok *= checkElements(list.num_byte, walked(list.num, list.element),
-                      [](Word number, Word table_size, const Name &name) {
-                        int fine = checkTag(name.name_tag, EXTERNAL_NAME_LIST_TAG + ELEMENT_KIND);
-                        fine *= check_index_size("ExternalName", number, name.this_name_index, table_size,
-                                                 name.name_size);
-                        return fine;
-                      });
+  ok *=
+      checkElements(list.num_byte, walked(list.num, list.element), [](Word number, Word table_size, const Name &name) {
+        int fine = checkTag(name.name_tag, EXTERNAL_NAME_LIST_TAG + ELEMENT_KIND);
+        fine *= check_index_size("ExternalName", number, name.this_name_index, table_size, name.name_size);
+        return fine;
+      });
   return ok;
 }
 

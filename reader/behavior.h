@@ -168,7 +168,8 @@ KOVA_API Index kvGetNamelen(const NameHead &name);
 /// `room` only where the text ends.
 KOVA_API std::size_t unpackName(const Name &name, std::size_t first, char *to, std::size_t room);
 
-/// @return the text of a name, blanks turned into underscores; empty where the length is negative or memory cannot be had.
+/// @return the text of a name, blanks turned into underscores; empty where the length is negative or memory cannot be
+/// had.
 KOVA_API std::string kvGetName(const Name &name);
 
 } // namespace kova

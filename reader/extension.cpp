@@ -45,8 +45,8 @@ int setupBlocks(List<Element> &list, const char *list_name, SetupArrays setupArr
   Fault fault = Fault::none;
   for (std::size_t i = 0; i < walked(list.num, list.element.size()); ++i) {
     Element &element = list.element[i];
-    ok *= setupBlock<Head>(element, fault,
-                           [&](Cursor &cursor, auto &ext) { return setupArrays(cursor, ext, element); });
+    ok *=
+        setupBlock<Head>(element, fault, [&](Cursor &cursor, auto &ext) { return setupArrays(cursor, ext, element); });
   }
   return fault == Fault::no_memory ? sayNoMemory(list_name) : ok;
 }

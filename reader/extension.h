@@ -1,8 +1,8 @@
 /// The decoded maker blocks of a 2.0 file: what eight kinds of version-1 record carry beyond version 1.0.
 ///
 /// Each record here is the fixed words of the block, then its arrays in the order in which they follow. A block that is
-/// shorter than its counts call for is decoded as far as it goes: words past its end are 0, arrays hold the entries that
-/// lie whole inside it, counts keep the value that the file gives.
+/// shorter than its counts call for is decoded as far as it goes: words past its end are 0, arrays hold the entries
+/// that lie whole inside it, counts keep the value that the file gives.
 #pragma once
 
 #include "reader/words.h"
@@ -198,12 +198,13 @@ struct AnimGroupExt : AnimGroupExtHead {
   std::vector<Scale> classic_scale;
 };
 
-/// Read `count` keyframes from inside a maker block and move past them; those that lie inside the block are held, and an
-/// array that is cut leaves nothing for what follows. @return 0 only where memory cannot be had.
+/// Read `count` keyframes from inside a maker block and move past them; those that lie inside the block are held, and
+/// an array that is cut leaves nothing for what follows. @return 0 only where memory cannot be had.
 KOVA_API int kvSetupRotateE(Cursor &cursor, std::vector<RotateE> &destination, Word count);
 KOVA_API int kvSetupScale(Cursor &cursor, std::vector<Scale> &destination, Word count);
 
-/// @return the bytes that the block's counts call for: its fixed words and its eight keyframe arrays (wraps at 32 bits).
+/// @return the bytes that the block's counts call for: its fixed words and its eight keyframe arrays (wraps at 32
+/// bits).
 KOVA_API Word kvSizeofAnimGroupExt(const AnimGroupExtHead &ext);
 
 } // namespace kova

@@ -47,13 +47,13 @@ int readTwoKinds(Cursor &cursor, TwoKinds &list, Word list_tag, Word TwoKindList
   return withinMemory(cursor, [&] {
     list = TwoKinds();
     TwoKindListHead &head = list;
-    return int{readFixed(cursor, head) && kvCheckTag(list.list_tag, list_tag) &&
-               kvReadArray(cursor, list.tri_group_size, list.tri_group_num) &&
-               kvReadArray(cursor, list.vtx_group_size, list.vtx_group_num) &&
-               readElements<TriHeadWords>(cursor, list.tri_group, list.tri_group_num, sizeof(TriHeadWords),
-                                          readTriKind) &&
-               readElements<VtxHeadWords>(cursor, list.vtx_group, list.*vtx_count, sizeof(VtxHeadWords), readVtxKind) &&
-               readExtBlk(cursor, list)};
+    return int{
+        readFixed(cursor, head) && kvCheckTag(list.list_tag, list_tag) &&
+        kvReadArray(cursor, list.tri_group_size, list.tri_group_num) &&
+        kvReadArray(cursor, list.vtx_group_size, list.vtx_group_num) &&
+        readElements<TriHeadWords>(cursor, list.tri_group, list.tri_group_num, sizeof(TriHeadWords), readTriKind) &&
+        readElements<VtxHeadWords>(cursor, list.vtx_group, list.*vtx_count, sizeof(VtxHeadWords), readVtxKind) &&
+        readExtBlk(cursor, list)};
   });
 }
 
@@ -74,8 +74,8 @@ int kvSetupColorList(Cursor &cursor, ColorList &list) {
   return readTwoKinds<TriColorGroupHead, VtxColorGroupHead>(
       cursor, list, COLOR_LIST_TAG, &TwoKindListHead::tri_group_num,
       [](Cursor &at, TriColorGroup &group) {
-        return readGroup<TriColorGroupHead>(at, group, COLOR_LIST_TAG + ELEMENT_KIND,
-                                            &TriColorGroupHead::tri_color_num, &TriColorGroup::color);
+        return readGroup<TriColorGroupHead>(at, group, COLOR_LIST_TAG + ELEMENT_KIND, &TriColorGroupHead::tri_color_num,
+                                            &TriColorGroup::color);
       },
       [](Cursor &at, VtxColorGroup &group) {
         return readGroup<VtxColorGroupHead>(at, group, COLOR_LIST_TAG + SECOND_ELEMENT_KIND,

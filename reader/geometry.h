@@ -96,8 +96,8 @@ struct StGroup : StGroupHead {
 
 /// What a triangle group says of one kind of data: the group of that kind that it uses, once, per frame or per key.
 struct AnimRef {
-  Word key_num;       ///< only in the key form
-  Indices key;        ///< only in the key form
+  Word key_num; ///< only in the key form
+  Indices key;  ///< only in the key form
   Indices group_index;
 };
 

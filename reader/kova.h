@@ -161,8 +161,8 @@ KOVA_API Word kvSizeofKOVA1file(const FileHeaderHead &header);
 /// other tag, or an index that no element has, changes nothing beyond the file's size.
 KOVA_API void kvAdjustListSizeData(Kis &kis, Word index, Index delta, Word tag);
 
-/// The maker-block decoders of a 2.0 file, run by `kvOpenKb` in this order on what the version-1 part left. Each decodes
-/// the maker blocks of all records of one kind into their `ext`.
+/// The maker-block decoders of a 2.0 file, run by `kvOpenKb` in this order on what the version-1 part left. Each
+/// decodes the maker blocks of all records of one kind into their `ext`.
 /// @return 1; 0 where a record has no maker block (the others are still decoded; a list without records is right), or
 /// where memory cannot be had ("%s: out of memory.\n" with the list's name on standard error).
 KOVA_API int kvSetupSceneListExt(Scene &scene);

@@ -114,7 +114,8 @@ int readList(Cursor &cursor, List<Element> &list, Word list_tag, ReadElement rea
 }
 
 /// Hands out `count` records that a count promises and the form does not store. They are records of zeros, so only
-/// their number is kept; together they may not outnumber the words of the list, which keeps every loop over them linear.
+/// their number is kept; together they may not outnumber the words of the list, which keeps every loop over them
+/// linear.
 inline int takeZeroed(Cursor &cursor, Word &zeroed, Word count) {
   if (cursor.zeroed + count > cursor.size / sizeof(Word))
     return refuse(cursor, Fault::past_end);

@@ -120,8 +120,8 @@ constexpr std::array<ListRow, 28> LISTS = {
                                                                         &H::shape_list_num),
     row<&Kis::vtx, kvSetupVtxList, kvSetVtx0, &VtxGroup::vtx_group_size>("VtxList", VTX_LIST_TAG, &H::vtx_list_num),
     row<&Kis::tri, kvSetupTriList, kvSetTri0, &TriGroup::tri_group_size>("TriList", TRI_LIST_TAG, &H::tri_list_num),
-    row<&Kis::color, kvSetupColorList, kvSetColor0, &TriColorGroup::tri_color_group_size>(
-        "ColorList", COLOR_LIST_TAG, &H::color_list_num),
+    row<&Kis::color, kvSetupColorList, kvSetColor0, &TriColorGroup::tri_color_group_size>("ColorList", COLOR_LIST_TAG,
+                                                                                          &H::color_list_num),
     row<&Kis::vector, kvSetupVectorList, kvSetVector0, &TriNvGroup::tri_nv_group_size>("VectorList", VECTOR_LIST_TAG,
                                                                                        &H::vector_list_num),
     row<&Kis::st, kvSetupStList, kvSetSt0, &StGroup::st_group_size>("StList", ST_LIST_TAG, &H::st_list_num),
@@ -147,8 +147,8 @@ constexpr std::array<ListRow, 28> LISTS = {
                                                                                &V2::cluster_list_num),
     row<&Kis::weight, kvSetupWeightList, kvSetWeight0, &WeightGroup::size>("WeightList", WEIGHT_LIST_TAG, nullptr,
                                                                            &V2::weight_list_num),
-    row<&Kis::chain_root, kvSetupChainRootList, kvSetChainRoot0, &ChainRoot::size>(
-        "ChainRootList", CHAIN_ROOT_LIST_TAG, nullptr, &V2::chain_root_list_num),
+    row<&Kis::chain_root, kvSetupChainRootList, kvSetChainRoot0, &ChainRoot::size>("ChainRootList", CHAIN_ROOT_LIST_TAG,
+                                                                                   nullptr, &V2::chain_root_list_num),
     row<&Kis::joint, kvSetupJointList, kvSetJoint0, &Joint::size>("JointList", JOINT_LIST_TAG, nullptr,
                                                                   &V2::joint_list_num),
     row<&Kis::effector, kvSetupEffectorList, kvSetEffector0, &Effector::size>("EffectorList", EFFECTOR_LIST_TAG,
@@ -300,8 +300,8 @@ int kvSetupFileHeaderExt(FileHeader &header) {
 }
 
 int kvReadList(std::FILE *stream, Word size, Kis &kis, const char *name) {
-  const auto *const list =
-      std::find_if(LISTS.begin(), LISTS.end(), [name](const ListRow &each) { return std::strcmp(each.name, name) == 0; });
+  const auto *const list = std::find_if(LISTS.begin(), LISTS.end(),
+                                        [name](const ListRow &each) { return std::strcmp(each.name, name) == 0; });
   if (list == LISTS.end())
     return 0;
   if (size == 0)

@@ -138,8 +138,8 @@ KOVA_API int kvSetTeximg0(TeximgList &list);
 /// image has.
 KOVA_API Word kvSizeofTeximg(const TeximgList &list, std::size_t index);
 
-/// @return the number of colour-index tiles of a texture: 0 where it uses no palette (or has no decoded maker block), 1 for
-/// a still texture, else its `tex_tile_img_num`.
+/// @return the number of colour-index tiles of a texture: 0 where it uses no palette (or has no decoded maker block), 1
+/// for a still texture, else its `tex_tile_img_num`.
 KOVA_API Word kvCiTileNum(const Tex &tex);
 
 } // namespace kova

@@ -170,7 +170,8 @@ using EnvelopeList = List<Envelope>;
 using ClusterList = List<ClusterShape>;
 using WeightList = List<WeightGroup>;
 
-/// The list readers; see `kvSetupSceneList`. Parts, triangles, clusters and cluster triangles have tags that are not tested.
+/// The list readers; see `kvSetupSceneList`. Parts, triangles, clusters and cluster triangles have tags that are not
+/// tested.
 KOVA_API int kvSetupEnvelopeList(Cursor &cursor, EnvelopeList &list);
 KOVA_API int kvSetupClusterList(Cursor &cursor, ClusterList &list);
 KOVA_API int kvSetupWeightList(Cursor &cursor, WeightList &list);

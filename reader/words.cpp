@@ -11,9 +11,7 @@ namespace {
 
 constexpr bool HOST_IS_FILE_ORDER = std::endian::native == std::endian::big;
 
-Word swapped(Word word) {
-  return word << 24 | (word & 0xff00) << 8 | (word >> 8 & 0xff00) | word >> 24;
-}
+Word swapped(Word word) { return word << 24 | (word & 0xff00) << 8 | (word >> 8 & 0xff00) | word >> 24; }
 
 /// Copies whole words from `from` to `to`, which may be the same place, turning the byte order of each.
 void copySwapped(unsigned char *to, const unsigned char *from, std::size_t words) {
@@ -44,7 +42,8 @@ int readPairs(Cursor &cursor, std::vector<Pair> &destination, Word count, First 
 }
 
 /// Reads both blocks of a record; `readArray(words, count)` reads one.
-template <class ReadArray> int readBlocks(Cursor &cursor, ExtBlk &blk, Word van_size, Word usr_size, ReadArray readArray) {
+template <class ReadArray>
+int readBlocks(Cursor &cursor, ExtBlk &blk, Word van_size, Word usr_size, ReadArray readArray) {
   blk.words.reset();
   if (van_size / sizeof(Word) == 0 && usr_size / sizeof(Word) == 0)
     return 1;

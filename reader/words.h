@@ -184,14 +184,15 @@ KOVA_API int kvReadArray(Cursor &cursor, Words &destination, Word count);
 KOVA_API int kvReadArray(Cursor &cursor, Indices &destination, Word count);
 KOVA_API int kvReadArray(Cursor &cursor, Floats &destination, Word count);
 
-/// The twin of `kvReadArray` for the inside of maker blocks: holds the words that lie inside the block, at most `count`.
+/// The twin of `kvReadArray` for the inside of maker blocks: holds the words that lie inside the block, at most
+/// `count`.
 /// @return 0 only where memory cannot be had.
 KOVA_API int kvSetupArray(Cursor &cursor, Words &destination, Word count);
 KOVA_API int kvSetupArray(Cursor &cursor, Indices &destination, Word count);
 KOVA_API int kvSetupArray(Cursor &cursor, Floats &destination, Word count);
 
-/// Reads `rows` rows of `bytes_per_row` / 4 words each into `area`, which owns them. On return `destination` points just
-/// past the copied words; whoever wants the start takes `area.data()`.
+/// Reads `rows` rows of `bytes_per_row` / 4 words each into `area`, which owns them. On return `destination` points
+/// just past the copied words; whoever wants the start takes `area.data()`.
 /// @return `destination`; null where the words are not all there or memory cannot be had.
 KOVA_API Word *kvReadArea(Cursor &cursor, Words &area, Word *&destination, Word bytes_per_row, Word rows);
 
@@ -216,7 +217,8 @@ inline std::span<const Word> usrExtBlk(const ExtBlk &blk) {
 }
 
 /// Reads `van_size` / 4 words of maker block, then `usr_size` / 4 words of user block (sizes in bytes, remainders
-/// dropped), replacing what `blk` held. Each block is held whole or not at all. @return 1, or 0 where one is not all there.
+/// dropped), replacing what `blk` held. Each block is held whole or not at all. @return 1, or 0 where one is not all
+/// there.
 KOVA_API int kvReadExtBlk1(Cursor &cursor, ExtBlk &blk, Word van_size, Word usr_size);
 
 /// The twin of `kvReadExtBlk1` that holds what is there, built on `kvSetupArray`.

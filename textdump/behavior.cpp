@@ -54,9 +54,7 @@ void kvWriteKtAnimGroupFix1(Text &text, const AnimGroup &group, Index number) {
 }
 
 void kvWriteKtAnimList1(Text &text, const AnimList &list) { writeSection(text, ANIM_SECTION, list); }
-void kvWriteKtAnimList(Text &text, const AnimList &list) {
-  writeSection(text, ANIM_SECTION, list, writeAnimGroupExt);
-}
+void kvWriteKtAnimList(Text &text, const AnimList &list) { writeSection(text, ANIM_SECTION, list, writeAnimGroupExt); }
 
 // --- CollList --------------------------------------------------------------------------------------------------------
 

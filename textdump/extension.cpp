@@ -126,7 +126,7 @@ void writeObjExt(Text &text, const Obj &obj) {
   kvWriteKtExternal(text, ext.external_obj, "external obj");
   writeBlocks(text, obj,
               BYTES<ObjExtHead> + BYTES<Index> * ext.obj_chain_root_link_num +
-                  (BYTES<float> + BYTES<External>) * ext.external_lod_obj_num + BYTES<External> * ext.external_obj_num);
+                  (BYTES<float> + BYTES<External>)*ext.external_lod_obj_num + BYTES<External> * ext.external_obj_num);
 }
 
 void writeShapeExt(Text &text, const Shape &shape) {

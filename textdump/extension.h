@@ -22,76 +22,59 @@ void writeAnimGroupExt(Text &text, const AnimGroup &group);
 /// Writes the sections of the nine version-2 lists in file order, each only where its size in the header is not 0.
 void kvWriteKt2Ext(Text &text, const Kis &kis);
 
-/// A single item as the array of one that the array writers take.
-template <class Item> std::span<const Item> one(const Item &item) { return {&item, 1}; }
-
-/// @return at which word of a record a field stands.
-template <class Record, class Field> consteval std::size_t wordOf(Field Record::*field) {
-  Record record{};
-  record.*field = 1;
-  const auto words = std::bit_cast<std::array<Word, sizeof(Record) / sizeof(Word)>>(record);
-  return static_cast<std::size_t>(std::find_if(words.begin(), words.end(), [](Word word) { return word != 0; }) -
-                                  words.begin());
-}
-
-/// The words of a record from one field to another, both included: what a line table covers where a record is not all
-/// lines. Made from the record on the way into `putRecord`.
-template <class Record, auto FIRST, auto LAST> struct Run {
-  static constexpr std::size_t first = wordOf(FIRST);
-  std::array<Word, wordOf(LAST) + 1 - first> words;
-
-  Run(const Record &record) {
-    const auto all = std::bit_cast<std::array<Word, sizeof(Record) / sizeof(Word)>>(record);
-    std::copy_n(all.begin() + first, words.size(), words.begin());
-  }
-};
-
 // --- Line tables ----------------------------------------------------------------------------------------------------
 
-inline constexpr auto SCENE_LIST_EXT_LINES = lines<SceneListExtHead>(
+inline constexpr auto SCENE_LIST_EXT_LINES = lines<SceneListExtHead>({
     "scene_chain_root_link_num %d\n",
     "external_obj_num          %d\n",
     "external_env_num          %d\n",
     "external_cam_num          %d\n",
-    "external_light_num        %d\n");
+    "external_light_num        %d\n",
+});
 
 /// Flags and counts stand in columns of their own.
-inline constexpr auto OBJ_EXT_LINES = lines<ObjExtHead>(
+inline constexpr auto OBJ_EXT_LINES = lines<ObjExtHead>({
     "obj_render_cycle_type_for_fog %0#10x\n",
     "obj_render_pri_for_fog        %0#10x\n",
     "obj_render_type0_for_fog      %0#10x\n",
     "obj_render_type1_for_fog      %0#10x\n",
     "obj_chain_root_link_num     %d\n",
     "external_lod_obj_num        %d\n",
-    "external_obj_num            %d\n");
+    "external_obj_num            %d\n",
+});
 
 using MatExtTypes = Run<MatExtHead, &MatExtHead::mat_type_for_fog, &MatExtHead::mat_alpha_type1_for_fog>;
-inline constexpr auto MAT_EXT_TYPE_LINES = lines<MatExtTypes>(
+inline constexpr auto MAT_EXT_TYPE_LINES = lines<MatExtTypes>({
     "mat_type_for_fog         %0#10x\n",
     "mat_color_type0_for_fog  %0#10x\n",
     "mat_color_type1_for_fog  %0#10x\n",
     "mat_alpha_type0_for_fog  %0#10x\n",
-    "mat_alpha_type1_for_fog  %0#10x\n");
+    "mat_alpha_type1_for_fog  %0#10x\n",
+});
 
 using MatExtCounts = Run<MatExtHead, &MatExtHead::external_tex_num, &MatExtHead::prim_color_anim_num_for_fog>;
-inline constexpr auto MAT_EXT_COUNT_LINES = lines<MatExtCounts>(
+inline constexpr auto MAT_EXT_COUNT_LINES = lines<MatExtCounts>({
     "external_tex_num             %d\n",
     "prim_color_anim_num          %d\n",
-    "prim_color_anim_num_for_fog  %d\n");
+    "prim_color_anim_num_for_fog  %d\n",
+});
 
 /// The count stands in hexadecimal among the flags.
-inline constexpr auto TEX_EXT_LINES = lines<TexExtHead>(
+inline constexpr auto TEX_EXT_LINES = lines<TexExtHead>({
     "tex_filter                  %0#10x\n",
     "use_perspective_correction  %0#10x\n",
     "mipmap_level              %d\n",
     "use_color_palette           %0#10x\n",
-    "external_tex_img_num        %0#10x\n");
+    "external_tex_img_num        %0#10x\n",
+});
 
-inline constexpr auto TEXIMG_EXT_LINES = lines<TeximgExtHead>("mipmap_max_level  %d\n");
+inline constexpr auto TEXIMG_EXT_LINES = lines<TeximgExtHead>({
+    "mipmap_max_level  %d\n",
+});
 
 using AnimGroupExtCounts =
     Run<AnimGroupExtHead, &AnimGroupExtHead::use_animation_channel, &AnimGroupExtHead::classic_scale_num>;
-inline constexpr auto ANIM_GROUP_EXT_LINES = lines<AnimGroupExtCounts>(
+inline constexpr auto ANIM_GROUP_EXT_LINES = lines<AnimGroupExtCounts>({
     "use animation channel  %0#10x\n",
     "rotate_axis_num        %d\n",
     "rotate_x_num           %d\n",
@@ -100,6 +83,7 @@ inline constexpr auto ANIM_GROUP_EXT_LINES = lines<AnimGroupExtCounts>(
     "orientation_xy_num     %d\n",
     "translation_num        %d\n",
     "unique_scale_num       %d\n",
-    "classic_scale_num      %d\n");
+    "classic_scale_num      %d\n",
+});
 
 } // namespace kova

@@ -80,9 +80,10 @@ void writeRef(Text &text, const AnimRef &ref, RefForm form) {
   }
 }
 
-/// The formats of the six kinds. Two are odd on purpose: a key's vertex-colour group has an expression for its name, and
-/// a frame's texture-coordinate group has no line end, so that the next text continues its line.
+/// The formats of the six kinds. Two are odd on purpose: a key's vertex-colour group has an expression for its name,
+/// and a frame's texture-coordinate group has no line end, so that the next text continues its line.
 using WriteRef = void (*)(Text &, const AnimRef &, RefForm);
+// clang-format off
 constexpr std::array<WriteRef, REF_KIND_NUM> REF_WRITERS = {
     writeRef<"refVtx->vtx_group_index[%d]          %d\n",
              "refVtx->vtx_anim_key_num             %d\n",
@@ -115,8 +116,10 @@ constexpr std::array<WriteRef, REF_KIND_NUM> REF_WRITERS = {
              "refSt->st_group_index[%d]  %d\n",
              "refSt->st_group_index                   %d\n">,
 };
+// clang-format on
 
-/// A group has no blocks of its own. Its last triangle has ended it with an empty line; one without triangles has not.
+/// A group has no blocks of its own: its last triangle has ended it with an empty line, or, where it has none, this
+/// does.
 void writeTriGroupEnd(Text &text, const TriGroup &group) {
   if (walked(group.tri_num, group.tri).empty())
     writeEmptyLine(text, group);

@@ -1,7 +1,7 @@
 /// The text form of a KOVA file: everything that a model holds, line by line.
 ///
-/// The front door of the dump. Nothing here asks for memory or fails on a model that was only partly read: what is held is
-/// printed, to the last closer. Write errors of a stream are not reported.
+/// The front door of the dump. Nothing here asks for memory or fails on a model that was only partly read: what is held
+/// is printed, to the last closer. Write errors of a stream are not reported.
 #pragma once
 
 #include "reader/kova.h"
@@ -12,7 +12,8 @@ namespace kova {
 /// when it is standard output), else the 2.0 dump (which leaves it open). @return 1.
 KOVA_API int kvWriteKt(std::FILE *stream, const Kis &kis);
 
-/// Writes the header and the nineteen version-1 lists, then closes the stream, also when it is standard output. @return 1.
+/// Writes the header and the nineteen version-1 lists, then closes the stream, also when it is standard output.
+/// @return 1.
 KOVA_API int kvWriteKt1(std::FILE *stream, const Kis &kis);
 
 /// `kvWriteKt` and `kvWriteKt1` to standard output.

@@ -4,20 +4,6 @@ namespace kova {
 
 namespace {
 
-/// Labels up to this length share one test for room with the line behind them.
-constexpr std::size_t SHORT_LABEL = 256;
-
-/// Writes a label of any length and the text behind it.
-template <Format FORMAT, class... Numbers> void printBehind(Text &text, std::string_view label, Numbers... numbers) {
-  if (label.size() > SHORT_LABEL) [[unlikely]] {
-    putBytes(text, label.data(), label.size());
-    label.remove_prefix(label.size());
-  }
-  char *at = room(text, SHORT_LABEL + formatRoom<FORMAT>(sizeof...(Numbers)));
-  std::memcpy(at, label.data(), label.size());
-  advanceTo(text, putFormat<FORMAT>(at + label.size(), numbers...));
-}
-
 template <Format FORMAT, class Number>
 void printEachBehind(Text &text, std::string_view label, std::span<const Number> numbers) {
   Index position = 0;
@@ -27,16 +13,9 @@ void printEachBehind(Text &text, std::string_view label, std::span<const Number>
 
 constexpr std::size_t WORDS_TO_A_ROW = 6;
 
-void writeRow(Text &text, std::span<const Word> row) {
-  char *at = room(text, formatRoom<"%0#10x  ">(1) * WORDS_TO_A_ROW);
-  for (const Word word : row)
-    at = putFormat<"%0#10x  ">(at, word);
-  advanceTo(text, putFormat<"\n">(at));
-}
-
 /// The part of a block from byte `bytes` on.
 std::span<const Word> behind(std::span<const Word> words, Word bytes) {
-  return words.subspan(walked(bytes / sizeof(Word), words.size()));
+  return words.subspan(walked(bytes / 4, words.size()));
 }
 
 } // namespace
@@ -66,12 +45,11 @@ void kvWriteKtElementTop(Text &text, const ElementHead &head, const char *label)
 void kvWriteKtList(Text &text, std::span<const Word> words, Word bytes, const char *label) {
   print<"[">(text);
   printBehind<"]\n">(text, label);
-  words = words.first(walked(bytes / sizeof(Word), words.size()));
-  while (!words.empty()) {
-    const std::size_t row = std::min(words.size(), WORDS_TO_A_ROW);
-    writeRow(text, words.first(row));
-    words = words.subspan(row);
-  }
+  words = words.first(walked(bytes / 4, words.size()));
+  eachRow(words, WORDS_TO_A_ROW, [&text](std::span<const Word> row) {
+    printRow<"%0#10x  ">(text, row);
+    print<"\n">(text);
+  });
 }
 
 void kvWriteKtExtBlk1(Text &text, const ExtBlk &blk, Word van_size, Word usr_size) {

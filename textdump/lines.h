@@ -8,35 +8,20 @@
 
 namespace kova {
 
+// One line to a word.
+
 /// The lines of the file header, of the nine sizes behind them in a 2.0 dump, and of the words that every element of a
 /// version-2 list begins with.
-inline constexpr auto FILE_HEADER_LINES = lines<FileHeaderHead>(
-    "version           %0#10x\n",
-    "size              %d\n",
-    "header_tag        %0#10x\n",
-    "file_header_num   %d\n",
-    "scene_list_num    %d\n",
-    "env_list_num      %d\n",
-    "cam_list_num      %d\n",
-    "light_list_num    %d\n",
-    "obj_list_num      %d\n",
-    "shape_list_num    %d\n",
-    "vtx_list_num      %d\n",
-    "color_list_num    %d\n",
-    "vector_list_num   %d\n",
-    "st_list_num       %d\n",
-    "tri_list_num      %d\n",
-    "part_list_num     %d\n",
-    "mat_list_num      %d\n",
-    "tex_list_num      %d\n",
-    "tex_img_list_num  %d\n",
-    "anim_list_num     %d\n",
-    "coll_list_num     %d\n",
-    "switch_list_num   %d\n",
-    "name_list_num     %d\n",
-    "van_ext_blk_size  %d\n",
-    "usr_ext_blk_size  %d\n");
-inline constexpr auto VERSION_2_SIZES_LINES = lines<Version2Sizes>(
+inline constexpr auto FILE_HEADER_LINES = lines<FileHeaderHead>({
+    "version           %0#10x\n", "size              %d\n", "header_tag        %0#10x\n", "file_header_num   %d\n",
+    "scene_list_num    %d\n",     "env_list_num      %d\n", "cam_list_num      %d\n",     "light_list_num    %d\n",
+    "obj_list_num      %d\n",     "shape_list_num    %d\n", "vtx_list_num      %d\n",     "color_list_num    %d\n",
+    "vector_list_num   %d\n",     "st_list_num       %d\n", "tri_list_num      %d\n",     "part_list_num     %d\n",
+    "mat_list_num      %d\n",     "tex_list_num      %d\n", "tex_img_list_num  %d\n",     "anim_list_num     %d\n",
+    "coll_list_num     %d\n",     "switch_list_num   %d\n", "name_list_num     %d\n",     "van_ext_blk_size  %d\n",
+    "usr_ext_blk_size  %d\n",
+});
+inline constexpr auto VERSION_2_SIZES_LINES = lines<Version2Sizes>({
     "ci_img_list_num        %d\n",
     "color_palette_list_num %d\n",
     "envelope_list_num      %d\n",
@@ -45,12 +30,14 @@ inline constexpr auto VERSION_2_SIZES_LINES = lines<Version2Sizes>(
     "chain_root_list_num    %d\n",
     "joint_list_num         %d\n",
     "effector_list_num      %d\n",
-    "external_name_list_num %d\n");
-inline constexpr auto ELEMENT_TOP_LINES = lines<ElementHead>(
+    "external_name_list_num %d\n",
+});
+inline constexpr auto ELEMENT_TOP_LINES = lines<ElementHead>({
     "tag          %0#10x\n",
     "this_index   %d\n",
     "size         %d\n",
-    "name_index   %d\n");
+    "name_index   %d\n",
+});
 
 /// "<%s> ;" with 50 dashes behind it, then an empty line.
 KOVA_API void kvWriteKtListName(Text &text, const char *name);
@@ -94,7 +81,8 @@ KOVA_API void kvWriteKtRotateX(Text &text, std::span<const RotateE> keys, const 
 KOVA_API void kvWriteKtUniqScale(Text &text, std::span<const Scale> keys, const char *label);
 KOVA_API void kvWriteKtPrimColorAnim(Text &text, std::span<const PrimColorAnim> keys, const char *label);
 
-/// The file-header section of a 2.0 dump and of a 1.0 dump, and what both begin with: the opener and the 25 header lines.
+/// The file-header section of a 2.0 dump and of a 1.0 dump, and what both begin with: the opener and the 25 header
+/// lines.
 KOVA_API void kvWriteKtFileHeader(Text &text, const FileHeader &header);
 KOVA_API void kvWriteKtFileHeader1(Text &text, const FileHeader &header);
 KOVA_API void kvWriteKtFileHeaderFix1(Text &text, const FileHeader &header);

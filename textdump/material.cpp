@@ -70,22 +70,12 @@ namespace {
 
 constexpr std::size_t TEXELS_TO_A_ROW = 12;
 
-void writeTexelRow(Text &text, std::span<const unsigned char> row) {
-  char *at = room(text, formatRoom<"\n">(TEXELS_TO_A_ROW));
-  at = putFormat<"\n">(at);
-  for (const unsigned char texel : row)
-    at = putByte(at, texel);
-  advanceTo(text, at);
-}
-
 void writeTexels(Text &text, std::span<const unsigned char> texels) {
   print<"TexImgData">(text);
-  while (texels.size() >= TEXELS_TO_A_ROW) {
-    writeTexelRow(text, texels.first<TEXELS_TO_A_ROW>());
-    texels = texels.subspan(TEXELS_TO_A_ROW);
-  }
-  if (!texels.empty())
-    writeTexelRow(text, texels);
+  eachRow(texels, TEXELS_TO_A_ROW, [&text](std::span<const unsigned char> row) {
+    print<"\n">(text);
+    printRow<"%0#4x ">(text, row);
+  });
 }
 
 void writeTeximgEnd1(Text &text, const Teximg &image) {
@@ -108,7 +98,7 @@ void kvWriteKtTeximgListFix1(Text &text, const TeximgList &list) {
 void kvWriteKtTeximgFix1(Text &text, const Teximg &image, Index number) {
   print<"TexImg(%d)\n">(text, number);
   putRecord<TEXIMG_LINES, TeximgHead>(text, image);
-  writeTexels(text, image.texel);
+  writeTexels(text, std::span<const unsigned char>(image.texel));
 }
 
 void kvWriteKtTeximgList1(Text &text, const TeximgList &list) {

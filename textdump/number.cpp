@@ -1,118 +1,177 @@
+/// The tables behind the numbers. All of them are computed by the compiler; number.h says what they are for.
 #include "textdump/number.h"
 
-namespace kova::number {
+#include <string_view>
 
+namespace kova::number {
 namespace {
 
-constexpr int LEAST_EXPONENT = -45;
+constexpr int LEAST_EXPONENT = -45; // decimal exponents of the least denormal and of the greatest float
 constexpr int MOST_EXPONENT = 38;
-constexpr std::uint32_t INFINITY_ROW = MOST_EXPONENT - LEAST_EXPONENT + 1;
+constexpr std::size_t INFINITY_DECADE = MOST_EXPONENT - LEAST_EXPONENT + 1;
+constexpr std::size_t NAN_DECADE = INFINITY_DECADE + 1;
+constexpr std::size_t DECADE_COUNT = NAN_DECADE + 1;
 
-consteval Wide powerOfFive(int exponent) {
-  Wide power = 1;
-  for (int i = 0; i < exponent; ++i)
-    power *= 5;
-  return power;
-}
+consteval std::size_t decadeIndex(int exponent) { return static_cast<std::size_t>(exponent - LEAST_EXPONENT); }
 
-// ceil(factor * 10^ten * 2^two), exactly. The result must fit 64 bits, and factor * 5^|ten| 120 bits.
+consteval Wide powerOfFive(int exponent) { return exponent == 0 ? Wide{1} : 5 * powerOfFive(exponent - 1); }
+
+/// ceil(factor * 10^ten * 2^two), exactly. The result must fit 64 bits; factor * 5^|ten| must fit 120, so that the long
+/// division has room to take 8 bits at a step.
 consteval std::uint64_t scaledUp(std::uint32_t factor, int ten, int two) {
-  two += ten;
-  const Wide divisor = ten < 0 ? powerOfFive(-ten) : 1;
   const Wide dividend = ten > 0 ? factor * powerOfFive(ten) : factor;
-  if (two < 0)
-    return static_cast<std::uint64_t>((dividend + (Wide{1} << -two) - 1) >> -two);
+  const Wide divisor = ten < 0 ? powerOfFive(-ten) : 1;
+  int shift = ten + two;
+  if (shift < 0)
+    return static_cast<std::uint64_t>((dividend + (Wide{1} << -shift) - 1) >> -shift); // here ten > 0: no divisor
   Wide quotient = dividend / divisor;
   Wide rest = dividend % divisor;
-  while (two > 0) {
-    const int step = two < 8 ? two : 8;
+  while (shift > 0) {
+    const int step = shift < 8 ? shift : 8;
     rest <<= step;
     quotient = (quotient << step) + rest / divisor;
     rest %= divisor;
-    two -= step;
+    shift -= step;
   }
   return static_cast<std::uint64_t>(quotient + (rest != 0));
 }
 
+/// The least m whose m * 2^two is at least (10^6 - 1/2) * 10^(exponent - 5), that is, rounds to 10^(exponent + 1).
 consteval std::uint64_t firstAbove(int exponent, int two) { return scaledUp(1999999, exponent - 5, -two - 1); }
 
-consteval Binade makeBinade(int exponent, int two) {
-  constexpr std::uint64_t END = std::uint64_t{1} << 24;
-  const std::uint64_t upperFrom = firstAbove(exponent, two);
-  return {{scaledUp(1, 5 - exponent, 64 + two), scaledUp(1, 4 - exponent, 64 + two)},
-          upperFrom < END ? static_cast<std::uint32_t>(upperFrom << 8) : 0xffffffff,
-          static_cast<std::uint32_t>(exponent - LEAST_EXPONENT)};
-}
+struct FloatTables {
+  std::array<std::uint32_t, ROWS> lowerEnd{};
+  std::array<std::uint64_t, 2 * ROWS> multipliers{};
+  std::array<std::size_t, 2 * ROWS> decades{};
+};
 
-consteval std::array<Binade, DENORMAL_ROWS + 256> makeBinades() {
-  std::array<Binade, DENORMAL_ROWS + 256> rows{};
-  int exponent = LEAST_EXPONENT;
-  int two = -149 - DENORMAL_ROWS;
-  for (int row = 0; row < DENORMAL_ROWS + 255; ++row) {
-    if (row == DENORMAL_ROWS)
-      continue;
-    if (firstAbove(exponent, two) <= 1 << 23)
-      ++exponent;
-    rows[static_cast<std::size_t>(row)] = makeBinade(exponent, two);
-    ++two;
+/// The row of the values m * 2^two, of which the least, with m = 2^23, lies in the decade of `exponent`.
+consteval void fillRow(FloatTables &tables, std::size_t row, int two, int exponent) {
+  const int unit = two < -149 ? -149 : two; // what one step of the bit pattern adds
+  const std::uint64_t before = static_cast<std::uint64_t>(unit + 149) << 23;
+  tables.lowerEnd[row] = static_cast<std::uint32_t>(before + firstAbove(exponent, unit) - 1);
+  for (std::size_t upper = 0; upper < 2; ++upper) {
+    const int decimal = exponent + static_cast<int>(upper);
+    tables.multipliers[2 * row + upper] = scaledUp(1, 5 - decimal, 64 + two);
+    tables.decades[2 * row + upper] = decadeIndex(decimal);
   }
-  rows[DENORMAL_ROWS] = {{0, 0}, 0xffffffff, -LEAST_EXPONENT};
-  rows[DENORMAL_ROWS + 255] = {{0, 0}, 0x80000001, INFINITY_ROW};
-  return rows;
 }
 
-consteval Decade makeDecade(const char *text, int length, int digitsAt, int point, Text added) {
-  Decade decade{{}, static_cast<std::uint8_t>(digitsAt), static_cast<std::uint8_t>(length), 0, added};
-  for (std::size_t i = 0; i < decade.text.size(); ++i)
-    decade.text[i] = ' ';
-  for (std::size_t i = 0; i < static_cast<std::size_t>(length); ++i)
-    decade.text[12 - static_cast<std::size_t>(length) + i] = text[i];
-  if (point < 6) {
-    decade.behindPoint = ~Text{0} << (8 * point);
-    decade.added |= Text{'.'} << (8 * point);
-  } else if (point == 6)
-    decade.added |= Text{'.'} << 48;
+consteval FloatTables makeFloatTables() {
+  FloatTables tables;
+  int exponent = LEAST_EXPONENT;
+  int two = -149 - static_cast<int>(ZERO_ROW);
+  for (std::size_t row = 0; row < ROWS - 1; ++row) {
+    if (row == ZERO_ROW)
+      continue;
+    exponent += firstAbove(exponent, two) <= 1 << 23;
+    fillRow(tables, row, two++, exponent);
+  }
+  tables.decades[2 * ZERO_ROW] = decadeIndex(0);
+  tables.lowerEnd[ROWS - 1] = 0x7f800000; // infinity, above it the NaNs
+  tables.decades[2 * ROWS - 2] = INFINITY_DECADE;
+  tables.decades[2 * ROWS - 1] = NAN_DECADE;
+  return tables;
+}
+
+constexpr FloatTables FLOAT_TABLES = makeFloatTables();
+
+/// `text` is the text of a positive value with zeros for digits, `digitsAt` the place of its first digit among the 12
+/// bytes, `point` the number of digits before the point, 0 if it is not among them.
+consteval Decade makeDecade(std::string_view text, std::size_t digitsAt, std::size_t point) {
+  const std::size_t indent = 12 - text.size();
+  const bool inFront = point >= 1 && point <= 3;
+  Decade decade{{},
+                static_cast<std::uint8_t>(indent),
+                static_cast<std::uint8_t>(digitsAt),
+                static_cast<std::uint8_t>(digitsAt + (inFront ? 4 : 3)),
+                &POINTED_GROUPS[inFront ? point : 0],
+                &POINTED_GROUPS[point > 3 ? point - 3 : 0]};
+  decade.text.fill(' ');
+  for (std::size_t i = 0; i < text.size(); ++i)
+    decade.text[indent + i] = decade.text[16 + indent + i] = text[i];
+  decade.text[16 + indent - 1] = '-';
   return decade;
 }
 
 consteval Decade makeDecade(int exponent) {
+  const std::string_view fixed = "0.000000000";
   if (exponent >= 0 && exponent <= 5)
-    return makeDecade("       ", 7, 5, exponent + 1, 0);
+    return makeDecade(fixed.substr(0, 7), 5, static_cast<std::size_t>(exponent) + 1);
   if (exponent < 0 && exponent >= -4)
-    return makeDecade("0.000000000", 7 - exponent, 6, 7, 0);
+    return makeDecade(fixed.substr(0, static_cast<std::size_t>(7 - exponent)), 6, 0);
+  std::array<char, 11> scientific{'0', '.', '0', '0', '0', '0', '0', 'e', exponent < 0 ? '-' : '+'};
   const int size = exponent < 0 ? -exponent : exponent;
-  const char text[] = {' ', ' ', ' ', ' ', ' ', ' ', ' ', 'e', exponent < 0 ? '-' : '+', static_cast<char>('0' + size / 10), static_cast<char>('0' + size % 10)};
-  return makeDecade(text, 11, 1, 1, Text{'e'} << 56);
+  scientific[9] = static_cast<char>('0' + size / 10);
+  scientific[10] = static_cast<char>('0' + size % 10);
+  return makeDecade({scientific.data(), scientific.size()}, 1, 1);
 }
 
-consteval std::array<Decade, 86> makeDecades() {
-  std::array<Decade, 86> rows{};
+consteval std::array<Decade, DECADE_COUNT> makeDecades() {
+  std::array<Decade, DECADE_COUNT> decades{};
   for (int exponent = LEAST_EXPONENT; exponent <= MOST_EXPONENT; ++exponent)
-    rows[static_cast<std::size_t>(exponent - LEAST_EXPONENT)] = makeDecade(exponent);
-  rows[INFINITY_ROW] = makeDecade("inf", 3, 12, 7, 0);
-  rows[INFINITY_ROW + 1] = makeDecade("nan", 3, 12, 7, 0);
-  return rows;
+    decades[decadeIndex(exponent)] = makeDecade(exponent);
+  decades[INFINITY_DECADE] = makeDecade("inf", 12, 0);
+  decades[NAN_DECADE] = makeDecade("nan", 12, 0);
+  return decades;
 }
 
-consteval std::array<std::uint32_t, 1000> makeThreeDigits() {
-  std::array<std::uint32_t, 1000> rows{};
-  for (std::uint32_t i = 0; i < rows.size(); ++i)
-    rows[i] = 0x303030 + i / 100 + (i / 10 % 10 << 8) + (i % 10 << 16);
-  return rows;
+constexpr std::array<Decade, DECADE_COUNT> DECADES = makeDecades();
+
+consteval std::array<const Decade *, 2 * ROWS> makeDecadeOf() {
+  std::array<const Decade *, 2 * ROWS> decadeOf{};
+  for (std::size_t i = 0; i < decadeOf.size(); ++i)
+    decadeOf[i] = &DECADES[FLOAT_TABLES.decades[i]];
+  return decadeOf;
+}
+
+consteval std::array<char, 3> threeDigits(std::size_t value) {
+  return {static_cast<char>('0' + value / 100), static_cast<char>('0' + value / 10 % 10),
+          static_cast<char>('0' + value % 10)};
+}
+
+consteval std::array<PointedGroups, 4> makePointedGroups() {
+  std::array<PointedGroups, 4> tables{};
+  for (std::size_t value = 0; value < 1000; ++value) {
+    const auto [a, b, c] = threeDigits(value);
+    tables[0][value] = {a, b, c, 'e'};
+    tables[1][value] = {a, '.', b, c};
+    tables[2][value] = {a, b, '.', c};
+    tables[3][value] = {a, b, c, '.'};
+  }
+  return tables;
+}
+
+/// The last `length` digits of each number below 1000, where the length is at least `least` and leaves out leading
+/// zeros.
+consteval Groups makeGroups(std::size_t least) {
+  Groups groups{};
+  for (std::size_t value = 0; value < groups.size(); ++value) {
+    const std::size_t needed = value >= 100 ? 3 : value >= 10 ? 2 : value >= 1 ? 1 : 0;
+    const std::size_t length = needed > least ? needed : least;
+    for (std::size_t i = 0; i < length; ++i)
+      groups[value].text[i] = threeDigits(value)[3 - length + i];
+    groups[value].length = static_cast<std::uint8_t>(length);
+  }
+  return groups;
 }
 
 consteval std::array<std::array<char, 8>, 256> makeBytes() {
-  std::array<std::array<char, 8>, 256> rows{};
-  for (std::size_t i = 0; i < rows.size(); ++i)
-    rows[i] = {'0', i == 0 ? '0' : 'x', "0123456789abcdef"[i / 16], "0123456789abcdef"[i % 16], ' '};
-  return rows;
+  std::array<std::array<char, 8>, 256> bytes{};
+  const std::string_view digits = "0123456789abcdef";
+  for (std::size_t value = 0; value < bytes.size(); ++value)
+    bytes[value] = {'0', value != 0 ? 'x' : '0', digits[value / 16], digits[value % 16], ' '};
+  return bytes;
 }
 
 } // namespace
 
-constinit const std::array<Binade, DENORMAL_ROWS + 256> BINADES = makeBinades();
-constinit const std::array<Decade, 86> DECADES = makeDecades();
-constinit const std::array<std::uint32_t, 1000> THREE_DIGITS = makeThreeDigits();
+constinit const std::array<std::uint32_t, ROWS> LOWER_END = FLOAT_TABLES.lowerEnd;
+constinit const std::array<std::uint64_t, 2 *ROWS> MULTIPLIERS = FLOAT_TABLES.multipliers;
+constinit const std::array<const Decade *, 2 *ROWS> DECADE_OF = makeDecadeOf();
+constinit const std::array<PointedGroups, 4> POINTED_GROUPS = makePointedGroups();
+constinit const Groups FIRST_GROUP = makeGroups(0);
+constinit const std::array<Groups, 2> LAST_GROUP = {makeGroups(3), makeGroups(1)};
 constinit const std::array<std::array<char, 8>, 256> BYTES = makeBytes();
 
 } // namespace kova::number

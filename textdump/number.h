@@ -1,3 +1,5 @@
+/// Numbers as text, byte for byte as the C standard has printf write them in the C locale; a NaN as the GNU C library
+/// writes it, with its sign.
 #pragma once
 
 #include <array>
@@ -6,137 +8,150 @@
 #include <cstdint>
 #include <cstring>
 
-// Numbers as text, byte for byte as the GNU C library's printf writes them in the C locale. Each function writes at
-// `at` and returns one past the last byte of the text; no terminating zero is written.
-//
-// Words of text are stored whole, so up to NUMBER_SLACK bytes behind the text may be overwritten; the caller sees to it
-// that this room exists.
-//
-// THE ARITHMETIC OF "%#g"
-//
-// Wanted are the six digits D = round(x * 10^(5-X)), half to even, where X is the decimal exponent for which D, after
-// the rounding, lies in [10^5, 10^6). Let x = m * 2^e with 2^23 <= m < 2^24; a denormal is shifted up until it fits.
-//
-// Decade. A binade (all x of one e) touches two decades at most, since 2 < 10. The upper one begins with the first x
-// that rounds to 10^(X+1): x >= (10^6 - 1/2) * 10^(X-5), a tie going to the even 10^6. The table holds the least m that
-// fulfils it, computed exactly; so the decade that the rounding leads to is known before any digit is.
-//
-// Product. The table holds M = ceil(2^64 * 2^e * 10^(5-X)) for both decades. D < 10^6 and m >= 2^23 give M < 2^61. The
-// high word of (m * 2^40) * M is z = floor(2^40 * m * M / 2^64), that is D with 40 bits of fraction. Rounding M up makes
-// m * 2^40 * M too big by less than 2^64, hence before the floor z is too big by less than 1, and never too small.
-//
-// Ties. Where x * 10^(5-X) is exactly halfway between two integers, the true fraction is 2^39 of these units, and the
-// floor of a number in [2^39, 2^39 + 1) is 2^39: a tie is seen exactly. Any other x is at least 2^9 units away from
-// halfway (the smallest distance over all binades, decades and m is 2^33.MM / 2^64), so the error of less than 1 does
-// not lead it to the tie or across. Therefore adding 2^39 - 1 + (1 if D is odd) and dropping the fraction is the correct
-// rounding for every x, and no second, slower way is needed.
-//
-// Zero, infinity and NaN are rows of the same tables: zero is a binade with the multiplier 0 in the decade of 1;
-// infinity and NaN are the two "decades" of the binade above all others, whose texts take their digits behind the end.
-
 namespace kova {
 
-// The most bytes that a function here may overwrite behind the text it writes.
+/// Texts are copied in pieces of fixed size, so each function may overwrite up to this many bytes behind the text that
+/// it writes. The caller sees to it that there is room for them.
 inline constexpr std::size_t NUMBER_SLACK = 16;
 
-namespace number {
+// Each writes its text at `at`, without a terminating zero, and returns one past the last byte of it.
 
-// A word of text holds its first character in the lowest byte, on every host.
-using Text = std::uint64_t;
+char *putDec(char *at, std::int32_t value);  ///< "%d"
+char *putHex(char *at, std::uint32_t value); ///< "%0#10x": 10 bytes; zero is ten zeros, without the "0x"
+char *putByte(char *at, std::uint8_t value); ///< "%0#4x ": 5 bytes; zero is "0000 ", without the "0x"
+char *putFloat(char *at, float value);       ///< "%#g", 3 to 12 bytes
+char *putFloat12(char *at, float value);     ///< "%#12g", 12 bytes
+
+// --- The arithmetic of "%#g" ----------------------------------------------------------------------------------------
+//
+// Wanted are the six digits D = x * 10^(5-X), rounded half to even, where X is the decimal exponent for which D lies in
+// [10^5, 10^6) after the rounding. Let x = m * 2^e with 2^23 <= m < 2^24; the significand of a denormal is shifted up.
+//
+// Decade. The x of one e, a binade, lie in two decades at most, as 2 < 10. The upper one begins where the rounding
+// leads to 10^(X+1), at the first x >= (10^6 - 1/2) * 10^(X-5); the tie belongs to it, as 10^6 is even. LOWER_END holds
+// the bit pattern before that x, from exact arithmetic. Bit patterns ascend as their values do, so one comparison gives
+// X before any digit is known, and the rounding never leads out of that decade.
+//
+// Product. MULTIPLIERS holds M = ceil(2^64 * 2^e * 10^(5-X)) for both decades of each e. D <= 10^6 and m >= 2^23 make M
+// less than 2^61. Let z be the upper 64 bits of (m * 2^40) * M. Without the ceil, that product would be t * 2^64 for
+// the true t = 2^40 * x * 10^(5-X). The ceil adds less than 1 to M, hence less than 2^64 to the product and less than 1
+// to t; z is the floor of the sum. So z is t where t is an integer, and differs from t by less than 1 everywhere else.
+//
+// Rounding. A tie is a t that is 2^39 above a multiple of 2^40, an integer, so z shows it exactly. Every other t is
+// more than 2^9 away from all ties (643 at the nearest, over all m, e and both decades, found by exact arithmetic), so
+// no other z looks like a tie or lies on the wrong side of one. Hence D = (z + 2^39 - 1 + odd) >> 40, where odd is the
+// lowest bit of z >> 40: this is right for every x, and no second, slower way is needed.
+//
+// Digits. D is two groups of three digits. The point follows the first, second or third digit of one of them or none,
+// and tables of all groups with the point in each place give them as they are printed. All the rest of the text -
+// spaces, sign, leading "0.000", exponent - depends on the decade and the sign only; it is copied first, the groups go
+// over it.
+//
+// Zero, infinity and NaN are rows of the same tables. Zero is a binade with multipliers 0 in the decade of 1. Infinity
+// and NaN are the two "decades" of the topmost binade: their texts are complete, and the groups go behind the end of
+// them.
+namespace number {
 
 __extension__ using Wide = unsigned __int128;
 
-inline constexpr int DENORMAL_ROWS = 23;
-
-struct Binade {
-  std::array<std::uint64_t, 2> multiplier;
-  std::uint32_t upperFrom;
-  std::uint32_t decade;
-};
-
-struct Decade {
-  std::array<char, 28> text;
-  std::uint8_t digitsAt;
+/// A number below 1000 in an integer. Copied whole, length included: four bytes are copied faster than up to three.
+struct Group {
+  std::array<char, 3> text;
   std::uint8_t length;
-  Text behindPoint;
-  Text added;
 };
 
-extern const std::array<Binade, DENORMAL_ROWS + 256> BINADES;
-extern const std::array<Decade, 86> DECADES;
-extern const std::array<std::uint32_t, 1000> THREE_DIGITS;
-extern const std::array<std::array<char, 8>, 256> BYTES;
+using Groups = std::array<Group, 1000>;
+using PointedGroups = std::array<std::array<char, 4>, 1000>; ///< three digits and a point, or three digits and an 'e'
 
-inline void store(char *at, Text text) {
-  if constexpr (std::endian::native == std::endian::little)
-    std::memcpy(at, &text, sizeof text);
-  else
-    for (std::size_t i = 0; i < sizeof text; ++i)
-      at[i] = static_cast<char>(text >> (8 * i));
-}
+/// All that the texts of a decade have in common. Places count from the start of the 12 bytes of "%#12g".
+struct alignas(64) Decade {
+  std::array<char, 45> text; ///< the 12 bytes from 0 if positive, from 16 if negative; 16 may be copied from any one
+  std::uint8_t indent;       ///< spaces before the text if positive
+  std::uint8_t frontAt;      ///< place of the upper three digits
+  std::uint8_t backAt;       ///< place of the lower three digits
+  const PointedGroups *front;
+  const PointedGroups *back;
+};
 
-// value < 10^6
-inline Text sixDigits(std::uint32_t value) {
-  return THREE_DIGITS[value / 1000] | Text{THREE_DIGITS[value % 1000]} << 24;
-}
+/// The rows of the float tables: the 23 binades of the denormals, then one for each value of the exponent field, where
+/// zero has the row of the value 0.
+inline constexpr std::size_t ZERO_ROW = 23;
+inline constexpr std::size_t ROWS = ZERO_ROW + 256;
 
-inline char *putSixOrLess(char *at, std::uint32_t value) {
-  const Text padded = sixDigits(value);
-  const int zeros = std::countr_zero((padded & 0x0f0f0f0f0f0f) | Text{1} << 40) & ~7;
-  store(at, padded >> zeros);
-  return at + 6 - zeros / 8;
-}
+extern const std::array<std::uint32_t, ROWS> LOWER_END;       ///< by row: bit pattern of the lower decade's last value
+extern const std::array<std::uint64_t, 2 * ROWS> MULTIPLIERS; ///< by 2 * row + (1 for the upper decade)
+extern const std::array<const Decade *, 2 * ROWS> DECADE_OF;  ///< likewise
+extern const std::array<PointedGroups, 4> POINTED_GROUPS;     ///< by the digits before the point, or 0 for the 'e'
+extern const Groups FIRST_GROUP;                              ///< without leading zeros; nothing for 0
+extern const std::array<Groups, 2> LAST_GROUP;                ///< 0: with leading zeros; 1: without, "0" for 0
+extern const std::array<std::array<char, 8>, 256> BYTES;      ///< "0x0a ", padded to the size of a word
 
+/// The digits of a float and the place of them.
 struct Decimal {
-  Text digits;
+  std::uint32_t digits;
   const Decade *decade;
 };
 
+/// Takes the bit pattern of a float.
 inline Decimal toDecimal(std::uint32_t bits) {
   const std::uint32_t magnitude = bits & 0x7fffffff;
-  std::uint32_t significand = magnitude << 8 | 0x80000000;
-  std::int32_t row = static_cast<std::int32_t>(magnitude >> 23);
-  if (magnitude - 1 < 0x7fffff) [[unlikely]] {
-    const int shift = std::countl_zero(magnitude);
-    significand = magnitude << shift;
-    row = 8 - shift;
+  std::uint64_t significand = std::uint64_t{bits | 0x800000} << 40; // sign and exponent drop out
+  std::size_t row = magnitude >> 23;                                // counted from ZERO_ROW
+  if (magnitude - 1 < 0x7fffff) [[unlikely]] {                      // denormal
+    const auto zeros = static_cast<std::size_t>(std::countl_zero(magnitude));
+    significand = std::uint64_t{magnitude} << (32 + zeros);
+    row = 8 - zeros; // wraps below zero
   }
-  const Binade &binade = BINADES[static_cast<std::size_t>(row + DENORMAL_ROWS)];
-  const std::uint32_t upper = significand >= binade.upperFrom;
-  const std::uint64_t scaled =
-      static_cast<std::uint64_t>(Wide{std::uint64_t{significand} << 32} * binade.multiplier[upper] >> 64);
+  const bool isUpper = magnitude > LOWER_END[ZERO_ROW + row];
+  const std::size_t entry = 2 * (ZERO_ROW + row) + isUpper;
+  const auto scaled = static_cast<std::uint64_t>(Wide{significand} * MULTIPLIERS[entry] >> 64);
   const std::uint64_t odd = scaled >> 40 & 1;
-  const std::uint64_t digits = (scaled + ((std::uint64_t{1} << 39) - 1) + odd) >> 40;
-  return {sixDigits(static_cast<std::uint32_t>(digits)), &DECADES[binade.decade + upper]};
+  const std::uint64_t rounded = scaled + ((std::uint64_t{1} << 39) - 1) + odd;
+  return {static_cast<std::uint32_t>(rounded >> 40), DECADE_OF[entry]};
 }
 
-inline Text withPoint(const Decimal &decimal) {
-  const Text behind = decimal.digits & decimal.decade->behindPoint;
-  return (decimal.digits ^ behind) | behind << 8 | decimal.decade->added;
+/// Writes the two groups. `at` is where the byte of place `start` goes.
+inline void putDigits(char *at, std::size_t start, Decimal decimal) {
+  const Decade &decade = *decimal.decade;
+  std::memcpy(at + (decade.frontAt - start), (*decade.front)[decimal.digits / 1000].data(), 4);
+  std::memcpy(at + (decade.backAt - start), (*decade.back)[decimal.digits % 1000].data(), 4);
 }
+
+inline char *putGroup(char *at, const Group &group) {
+  std::memcpy(at, &group, sizeof group);
+  return at + group.length;
+}
+
+/// value < 10^6
+inline char *putBelowMillion(char *at, std::uint32_t value) {
+  const std::uint32_t thousands = value / 1000;
+  at = putGroup(at, FIRST_GROUP[thousands]);
+  return putGroup(at, LAST_GROUP[thousands == 0][value % 1000]);
+}
+
+inline void putHexPair(char *at, std::uint32_t byte) { std::memcpy(at, &BYTES[byte][2], 2); }
 
 } // namespace number
 
 inline char *putDec(char *at, std::int32_t value) {
-  *at = '-';
+  *at = '-'; // is written over unless negative: no branch on the sign
   at += value < 0;
   const auto bits = static_cast<std::uint32_t>(value);
   const std::uint32_t magnitude = value < 0 ? 0 - bits : bits;
   if (magnitude < 1000000) [[likely]]
-    return number::putSixOrLess(at, magnitude);
-  at = number::putSixOrLess(at, magnitude / 1000000);
-  number::store(at, number::sixDigits(magnitude % 1000000));
-  return at + 6;
+    return number::putBelowMillion(at, magnitude);
+  at = number::putBelowMillion(at, magnitude / 1000000);
+  at = number::putGroup(at, number::LAST_GROUP[0][magnitude / 1000 % 1000]);
+  return number::putGroup(at, number::LAST_GROUP[0][magnitude % 1000]);
 }
 
 inline char *putHex(char *at, std::uint32_t value) {
-  std::uint64_t x = value >> 16 | std::uint64_t{value & 0xffff} << 32;
-  x = (x >> 8 & 0x000000ff000000ff) | (x & 0x000000ff000000ff) << 16;
-  x = (x >> 4 & 0x000f000f000f000f) | (x & 0x000f000f000f000f) << 8;
-  const std::uint64_t letters = (x + 0x0606060606060606) >> 4 & 0x0101010101010101;
   at[0] = '0';
   at[1] = value != 0 ? 'x' : '0';
-  number::store(at + 2, x + 0x3030303030303030 + letters * ('a' - '0' - 10));
+  number::putHexPair(at + 2, value >> 24);
+  number::putHexPair(at + 4, value >> 16 & 0xff);
+  number::putHexPair(at + 6, value >> 8 & 0xff);
+  number::putHexPair(at + 8, value & 0xff);
   return at + 10;
 }
 
@@ -148,22 +163,19 @@ inline char *putByte(char *at, std::uint8_t value) {
 inline char *putFloat(char *at, float value) {
   const auto bits = std::bit_cast<std::uint32_t>(value);
   const number::Decimal decimal = number::toDecimal(bits);
-  const number::Decade &decade = *decimal.decade;
-  const std::size_t indent = 12 - std::size_t{decade.length};
-  *at = '-';
-  at += bits >> 31;
-  std::memcpy(at, decade.text.data() + indent, 16);
-  number::store(at + decade.digitsAt - indent, number::withPoint(decimal));
-  return at + decade.length;
+  const std::size_t negative = bits >> 31;
+  const std::size_t start = decimal.decade->indent - negative;
+  std::memcpy(at, decimal.decade->text.data() + 16 * negative + start, 16);
+  number::putDigits(at, start, decimal);
+  return at + (12 - start);
 }
 
 inline char *putFloat12(char *at, float value) {
   const auto bits = std::bit_cast<std::uint32_t>(value);
   const number::Decimal decimal = number::toDecimal(bits);
-  const number::Decade &decade = *decimal.decade;
-  std::memcpy(at, decade.text.data(), 16);
-  at[11 - decade.length] = static_cast<char>(' ' + (bits >> 31) * ('-' - ' '));
-  number::store(at + decade.digitsAt, number::withPoint(decimal));
+  const std::size_t negative = bits >> 31;
+  std::memcpy(at, decimal.decade->text.data() + 16 * negative, 16);
+  number::putDigits(at, 0, decimal);
   return at + 12;
 }
 

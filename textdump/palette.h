@@ -29,25 +29,29 @@ void writeVersion2Section(Text &text, const List<Element> &list, const char *nam
 // --- Line tables: the words behind an element's heading -------------------------------------------------------------
 
 using CiImgFormat = Run<CiImgHead, &CiImgHead::ci_img_width, &CiImgHead::ci_img_pixel_depth>;
-inline constexpr auto CI_IMG_LINES = lines<CiImgFormat>(
+inline constexpr auto CI_IMG_LINES = lines<CiImgFormat>({
     "ci_img_width        %d\n",
     "ci_img_height       %d\n",
-    "ci_img_pixel_depth  %d\n");
+    "ci_img_pixel_depth  %d\n",
+});
 
 using CiImgBlkSizes = Run<CiImgHead, &CiImgHead::van_ext_blk_size, &CiImgHead::usr_ext_blk_size>;
-inline constexpr auto CI_IMG_BLK_SIZE_LINES = lines<CiImgBlkSizes>(
+inline constexpr auto CI_IMG_BLK_SIZE_LINES = lines<CiImgBlkSizes>({
     "van_ext_blk_size    %d\n",
-    "usr_ext_blk_size    %d\n");
+    "usr_ext_blk_size    %d\n",
+});
 
 using ColorPaletteFormat = Run<ColorPaletteHead, &ColorPaletteHead::color_num, &ColorPaletteHead::color_type>;
-inline constexpr auto COLOR_PALETTE_LINES = lines<ColorPaletteFormat>(
+inline constexpr auto COLOR_PALETTE_LINES = lines<ColorPaletteFormat>({
     "color_num         %d\n",
-    "color_type        %0#10x\n");
+    "color_type        %0#10x\n",
+});
 
 using ColorPaletteBlkSizes =
     Run<ColorPaletteHead, &ColorPaletteHead::van_ext_blk_size, &ColorPaletteHead::usr_ext_blk_size>;
-inline constexpr auto COLOR_PALETTE_BLK_SIZE_LINES = lines<ColorPaletteBlkSizes>(
+inline constexpr auto COLOR_PALETTE_BLK_SIZE_LINES = lines<ColorPaletteBlkSizes>({
     "van_ext_blk_size  %d\n",
-    "usr_ext_blk_size  %d\n");
+    "usr_ext_blk_size  %d\n",
+});
 
 } // namespace kova

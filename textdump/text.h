@@ -64,7 +64,8 @@ enum class Conversion : std::uint8_t {
   decimal, ///< %d
   hex,     ///< %0#10x
   real,    ///< %#g
-  real12   ///< %#12g
+  real12,  ///< %#12g
+  byte     ///< %0#4x with the blank behind it
 };
 
 /// One literal of a format text and the conversion that follows it; the last piece of a text has none.
@@ -84,10 +85,13 @@ struct Spelling {
   const char *text;
   Conversion conversion;
 };
-inline constexpr std::array<Spelling, 4> SPELLINGS = {{{"%d", Conversion::decimal},
-                                                       {"%0#10x", Conversion::hex},
-                                                       {"%#g", Conversion::real},
-                                                       {"%#12g", Conversion::real12}}};
+inline constexpr std::array<Spelling, 5> SPELLINGS = {{
+    {"%d", Conversion::decimal},
+    {"%0#10x", Conversion::hex},
+    {"%#g", Conversion::real},
+    {"%#12g", Conversion::real12},
+    {"%0#4x ", Conversion::byte},
+}};
 
 inline constexpr std::size_t PIECES_MAX = 8;
 
@@ -132,6 +136,9 @@ template <Conversion CONVERSION, class Number> char *putNumber(char *at, Number 
   } else if constexpr (CONVERSION == Conversion::hex) {
     static_assert(std::is_same_v<Number, Word>, "%0#10x takes a word");
     return putHex(at, number);
+  } else if constexpr (CONVERSION == Conversion::byte) {
+    static_assert(std::is_same_v<Number, unsigned char>, "%0#4x takes a byte");
+    return putByte(at, number);
   } else {
     static_assert(std::is_same_v<Number, float>, "%#g takes a float");
     return CONVERSION == Conversion::real ? putFloat(at, number) : putFloat12(at, number);
@@ -151,7 +158,8 @@ template <Format FORMAT, class... Numbers> char *putFormat(char *at, Numbers... 
     ((std::memcpy(at, FORMAT.text + PIECES.piece[I].begin, PIECES.piece[I].length), at += PIECES.piece[I].length,
       at = putNumber<PIECES.piece[I].conversion>(at, numbers)),
      ...);
-  }(std::index_sequence_for<Numbers...>());
+  }
+  (std::index_sequence_for<Numbers...>());
   constexpr Piece LAST = PIECES.piece[PIECES.count - 1];
   std::memcpy(at, FORMAT.text + LAST.begin, LAST.length);
   return at + LAST.length;
@@ -161,6 +169,38 @@ template <Format FORMAT, class... Numbers> char *putFormat(char *at, Numbers... 
 template <Format FORMAT, class... Numbers> void print(Text &text, Numbers... numbers) {
   char *at = room(text, formatRoom<FORMAT>(sizeof...(Numbers)));
   advanceTo(text, putFormat<FORMAT>(at, numbers...));
+}
+
+/// Labels up to this length share one test for room with the line behind them.
+inline constexpr std::size_t SHORT_LABEL = 256;
+
+/// Writes a label of any length and a format text behind it.
+template <Format FORMAT, class... Numbers> void printBehind(Text &text, std::string_view label, Numbers... numbers) {
+  if (label.size() > SHORT_LABEL) [[unlikely]] {
+    putBytes(text, label.data(), label.size());
+    label = {};
+  }
+  char *at = room(text, SHORT_LABEL + formatRoom<FORMAT>(sizeof...(Numbers)));
+  std::copy_n(label.data(), label.size(), at);
+  advanceTo(text, putFormat<FORMAT>(at + label.size(), numbers...));
+}
+
+/// Writes a short run of numbers, each by the same format text, with one test for room: a row of words or of texels.
+template <Format FORMAT, class Number> void printRow(Text &text, std::span<const Number> row) {
+  char *at = room(text, formatRoom<FORMAT>(1) * row.size() + NUMBER_SLACK);
+  for (const Number number : row)
+    at = putFormat<FORMAT>(at, number);
+  advanceTo(text, at);
+}
+
+/// Calls `write(row)` for the rows of `per_row` items that an array falls into; the last one may be shorter.
+template <class Item, class Write> void eachRow(std::span<const Item> items, std::size_t per_row, Write write) {
+  while (items.size() >= per_row) {
+    write(items.first(per_row));
+    items = items.subspan(per_row);
+  }
+  if (!items.empty())
+    write(items);
 }
 
 /// Writes one line for each entry of an array: its position, then its value.
@@ -180,12 +220,14 @@ struct Line {
 
 /// The lines of a record's fixed words, one text per word, in file order. A table whose length is not the record's does
 /// not compile.
-template <class Record, class... Texts> consteval auto lines(Texts... texts) {
-  static_assert(sizeof...(Texts) * sizeof(Word) == sizeof(Record), "one line for each word of the record");
-  std::array<Line, sizeof...(Texts)> table{Line{texts, parseFormat(texts)}...};
-  for (const Line &line : table)
-    if (line.pieces.count != 2)
+template <class Record, std::size_t N> consteval auto lines(const char *const (&texts)[N]) {
+  static_assert(N * sizeof(Word) == sizeof(Record), "one line for each word of the record");
+  std::array<Line, N> table{};
+  for (std::size_t i = 0; i < N; ++i) {
+    table[i] = Line{texts[i], parseFormat(texts[i])};
+    if (table[i].pieces.count != 2)
       throw "a line has one conversion";
+  }
   return table;
 }
 
@@ -215,9 +257,8 @@ template <const auto &TABLE, std::size_t I> char *putLine(char *at, Word word) {
 template <const auto &TABLE, class Record> void putRecord(Text &text, const Record &record) {
   const auto words = std::bit_cast<std::array<Word, TABLE.size()>>(record);
   char *at = room(text, linesRoom<TABLE>());
-  [&]<std::size_t... I>(std::index_sequence<I...>) {
-    ((at = putLine<TABLE, I>(at, words[I])), ...);
-  }(std::make_index_sequence<TABLE.size()>());
+  [&]<std::size_t... I>(std::index_sequence<I...>) { ((at = putLine<TABLE, I>(at, words[I])), ...); }
+  (std::make_index_sequence<TABLE.size()>());
   advanceTo(text, at);
 }
 
@@ -228,5 +269,29 @@ template <const auto &TABLE, class Record> void putLeading(Text &text, const Rec
   std::memcpy(words.data(), &record, sizeof words);
   putRecord<TABLE>(text, words);
 }
+
+/// A single item as the array of one that the array writers take.
+template <class Item> std::span<const Item> one(const Item &item) { return {&item, 1}; }
+
+/// @return at which word of a record a field stands.
+template <class Record, class Field> consteval std::size_t wordOf(Field Record::*field) {
+  Record record{};
+  record.*field = 1;
+  const auto words = std::bit_cast<std::array<Word, sizeof(Record) / sizeof(Word)>>(record);
+  return static_cast<std::size_t>(std::find_if(words.begin(), words.end(), [](Word word) { return word != 0; }) -
+                                  words.begin());
+}
+
+/// The words of a record from one field to another, both included: what a line table covers where a record is not all
+/// lines. Made from the record on the way into `putRecord`.
+template <class Record, auto FIRST, auto LAST> struct Run {
+  static constexpr std::size_t first = wordOf(FIRST);
+  std::array<Word, wordOf(LAST) + 1 - first> words;
+
+  Run(const Record &record) {
+    const auto all = std::bit_cast<std::array<Word, sizeof(Record) / sizeof(Word)>>(record);
+    std::copy_n(all.begin() + first, words.size(), words.begin());
+  }
+};
 
 } // namespace kova
