@@ -12,9 +12,13 @@ constexpr std::size_t INFINITY_DECADE = MOST_EXPONENT - LEAST_EXPONENT + 1;
 constexpr std::size_t NAN_DECADE = INFINITY_DECADE + 1;
 constexpr std::size_t DECADE_COUNT = NAN_DECADE + 1;
 
-consteval std::size_t decadeIndex(int exponent) { return static_cast<std::size_t>(exponent - LEAST_EXPONENT); }
+consteval std::size_t decadeIndex(int exponent) {
+  return static_cast<std::size_t>(exponent - LEAST_EXPONENT);
+}
 
-consteval Wide powerOfFive(int exponent) { return exponent == 0 ? Wide{1} : 5 * powerOfFive(exponent - 1); }
+consteval Wide powerOfFive(int exponent) {
+  return exponent == 0 ? Wide{1} : 5 * powerOfFive(exponent - 1);
+}
 
 /// ceil(factor * 10^ten * 2^two), exactly. The result must fit 64 bits; factor * 5^|ten| must fit 120, so that the long
 /// division has room to take 8 bits at a step.
@@ -37,7 +41,9 @@ consteval std::uint64_t scaledUp(std::uint32_t factor, int ten, int two) {
 }
 
 /// The least m whose m * 2^two is at least (10^6 - 1/2) * 10^(exponent - 5), that is, rounds to 10^(exponent + 1).
-consteval std::uint64_t firstAbove(int exponent, int two) { return scaledUp(1999999, exponent - 5, -two - 1); }
+consteval std::uint64_t firstAbove(int exponent, int two) {
+  return scaledUp(1999999, exponent - 5, -two - 1);
+}
 
 struct FloatTables {
   std::array<std::uint32_t, ROWS> lowerEnd{};

@@ -129,7 +129,9 @@ inline char *putBelowMillion(char *at, std::uint32_t value) {
   return putGroup(at, LAST_GROUP[thousands == 0][value % 1000]);
 }
 
-inline void putHexPair(char *at, std::uint32_t byte) { std::memcpy(at, &BYTES[byte][2], 2); }
+inline void putHexPair(char *at, std::uint32_t byte) {
+  std::memcpy(at, &BYTES[byte][2], 2);
+}
 
 } // namespace number
 

@@ -7,6 +7,7 @@
 
 #include "reader/words.h"
 #include "textdump/number.h"
+#include "textdump/run.h"
 
 #include <algorithm>
 #include <array>
@@ -40,7 +41,9 @@ inline char *room(Text &text, std::size_t bytes) {
   return text.buffer.data() + text.used;
 }
 
-inline void advanceTo(Text &text, const char *end) { text.used = static_cast<std::size_t>(end - text.buffer.data()); }
+inline void advanceTo(Text &text, const char *end) {
+  text.used = static_cast<std::size_t>(end - text.buffer.data());
+}
 
 /// Writes bytes of any number, which may be more than the buffer has.
 inline void putBytes(Text &text, const char *bytes, std::size_t count) {
@@ -54,7 +57,9 @@ inline void putBytes(Text &text, const char *bytes, std::size_t count) {
     count -= piece;
   }
 }
-inline void putString(Text &text, const char *string) { putBytes(text, string, std::strlen(string)); }
+inline void putString(Text &text, const char *string) {
+  putBytes(text, string, std::strlen(string));
+}
 
 // --- Format texts ---------------------------------------------------------------------------------------------------
 
@@ -257,7 +262,9 @@ template <const auto &TABLE, std::size_t I> char *putLine(char *at, Word word) {
 template <const auto &TABLE, class Record> void putRecord(Text &text, const Record &record) {
   const auto words = std::bit_cast<std::array<Word, TABLE.size()>>(record);
   char *at = room(text, linesRoom<TABLE>());
-  [&]<std::size_t... I>(std::index_sequence<I...>) { ((at = putLine<TABLE, I>(at, words[I])), ...); }
+  [&]<std::size_t... I>(std::index_sequence<I...>) {
+    ((at = putLine<TABLE, I>(at, words[I])), ...);
+  }
   (std::make_index_sequence<TABLE.size()>());
   advanceTo(text, at);
 }
@@ -269,29 +276,5 @@ template <const auto &TABLE, class Record> void putLeading(Text &text, const Rec
   std::memcpy(words.data(), &record, sizeof words);
   putRecord<TABLE>(text, words);
 }
-
-/// A single item as the array of one that the array writers take.
-template <class Item> std::span<const Item> one(const Item &item) { return {&item, 1}; }
-
-/// @return at which word of a record a field stands.
-template <class Record, class Field> consteval std::size_t wordOf(Field Record::*field) {
-  Record record{};
-  record.*field = 1;
-  const auto words = std::bit_cast<std::array<Word, sizeof(Record) / sizeof(Word)>>(record);
-  return static_cast<std::size_t>(std::find_if(words.begin(), words.end(), [](Word word) { return word != 0; }) -
-                                  words.begin());
-}
-
-/// The words of a record from one field to another, both included: what a line table covers where a record is not all
-/// lines. Made from the record on the way into `putRecord`.
-template <class Record, auto FIRST, auto LAST> struct Run {
-  static constexpr std::size_t first = wordOf(FIRST);
-  std::array<Word, wordOf(LAST) + 1 - first> words;
-
-  Run(const Record &record) {
-    const auto all = std::bit_cast<std::array<Word, sizeof(Record) / sizeof(Word)>>(record);
-    std::copy_n(all.begin() + first, words.size(), words.begin());
-  }
-};
 
 } // namespace kova

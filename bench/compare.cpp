@@ -1,0 +1,125 @@
+/// Compares whole runs of the program with its slow twin, which prints every line with one fprintf, and with `cat`.
+///
+///     compare FAST SLOW [folder]
+///
+/// Makes the large files in `folder` (which should be on tmpfs; /dev/shm by default), checks that both programs write
+/// the same bytes, then times them in turns, standard output to /dev/null, and `cat` of the same text into a new file.
+/// Prints ratios of medians. Exit status 1 where the outputs differ or a run fails.
+
+#include "bench/large.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int ROUNDS = 9;
+constexpr int SLOW_ROUNDS = 3;
+
+struct Run {
+  double seconds = 0;
+  double peak_bytes = 0;
+};
+
+/// Runs `program argument` with standard output into `output`.
+Run run(const char *program, const std::string &argument, const char *output) {
+  const auto begin = std::chrono::steady_clock::now();
+  const pid_t child = ::fork();
+  if (child == 0) {
+    const int to = ::open(output, O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    ::dup2(to, STDOUT_FILENO);
+    ::execlp(program, program, argument.c_str(), static_cast<char *>(nullptr));
+    ::_exit(127);
+  }
+  int status = 0;
+  rusage usage{};
+  if (child < 0 || ::wait4(child, &status, 0, &usage) != child || status != 0) {
+    std::fprintf(stderr, "%s %s failed\n", program, argument.c_str());
+    std::exit(1);
+  }
+  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
+  return {seconds.count(), static_cast<double>(usage.ru_maxrss) * 1024};
+}
+
+double median(std::vector<double> values) {
+  std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2), values.end());
+  return values[values.size() / 2];
+}
+
+std::string contents(const std::string &path) {
+  std::ifstream stream(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+struct Files {
+  std::string scene, fast_text, slow_text, copy;
+};
+
+bool sameText(const Files &files) {
+  const std::string text = contents(files.fast_text);
+  return !text.empty() && text == contents(files.slow_text);
+}
+
+void measure(const kova::bench::Workload &workload, const char *fast, const char *slow, const Files &files,
+             double scene_bytes, double text_bytes) {
+  std::vector<double> fast_seconds, slow_seconds, cat_seconds, peak;
+  for (int round = 0; round < ROUNDS; ++round) {
+    const Run own = run(fast, files.scene, "/dev/null");
+    fast_seconds.push_back(own.seconds);
+    peak.push_back(own.peak_bytes);
+    ::unlink(files.copy.c_str());
+    cat_seconds.push_back(run("cat", files.fast_text, files.copy.c_str()).seconds);
+    if (round < SLOW_ROUNDS)
+      slow_seconds.push_back(run(slow, files.scene, "/dev/null").seconds);
+  }
+  ::unlink(files.copy.c_str());
+  const double own = median(fast_seconds);
+  std::printf("| %-7s | %5.1f | %6.1f | %6.1f x | %6.2f | %6.2f x |\n", workload.name, scene_bytes / 1e6,
+              text_bytes / 1e6, median(slow_seconds) / own, own / median(cat_seconds), median(peak) / scene_bytes);
+  std::fflush(stdout);
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+  if (argc < 3) {
+    std::fputs("Usage: compare FAST SLOW [folder]\n", stderr);
+    return 1;
+  }
+  const std::string folder = (argc > 3 ? argv[3] : "/dev/shm") + std::string("/kova-compare-");
+  const Files files = {folder + "scene.kb", folder + "fast.txt", folder + "slow.txt", folder + "copy.txt"};
+  std::puts("| workload | file MB | text MB | against fprintf | against cat | peak / file |\n"
+            "|---|---|---|---|---|---|");
+  int status = 0;
+  for (const kova::bench::Workload &workload : kova::bench::WORKLOADS) {
+    double scene_bytes = 0;
+    {
+      const std::vector<unsigned char> scene = workload.make();
+      std::ofstream(files.scene, std::ios::binary)
+          .write(reinterpret_cast<const char *>(scene.data()), static_cast<std::streamsize>(scene.size()));
+      scene_bytes = static_cast<double>(scene.size());
+    }
+    run(argv[1], files.scene, files.fast_text.c_str());
+    run(argv[2], files.scene, files.slow_text.c_str());
+    if (!sameText(files)) {
+      std::printf("%s: the two programs write different texts\n", workload.name);
+      status = 1;
+      continue;
+    }
+    ::unlink(files.slow_text.c_str());
+    const double text_bytes = static_cast<double>(std::ifstream(files.fast_text, std::ios::ate).tellg());
+    measure(workload, argv[1], argv[2], files, scene_bytes, text_bytes);
+  }
+  for (const std::string &path : {files.scene, files.fast_text, files.slow_text, files.copy})
+    ::unlink(path.c_str());
+  return status;
+}
