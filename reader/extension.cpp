@@ -33,11 +33,6 @@ int setupBlock(Record &record, Fault &fault, SetupArrays setupArrays) {
   return ok;
 }
 
-int sayNoMemory(const char *list_name) {
-  std::fprintf(stderr, "%s: out of memory.\n", list_name);
-  return 0;
-}
-
 /// Decodes the maker blocks of all elements of a list; one that lacks its block does not keep the others from theirs.
 template <class Head, class Element, class SetupArrays>
 int setupBlocks(List<Element> &list, const char *list_name, SetupArrays setupArrays) {

@@ -54,11 +54,6 @@ Buffer readBuffer(std::FILE *stream, Word size) {
   }
 }
 
-int sayNoMemory(const char *name) {
-  std::fprintf(stderr, "%s: out of memory.\n", name);
-  return 0;
-}
-
 // --- The list table -------------------------------------------------------------------------------------------------
 
 /// What the loader and the size bookkeeping know of a list.

@@ -124,6 +124,11 @@ int copyFileOrder(Cursor &cursor, unsigned char *to, std::size_t bytes) {
   return 1;
 }
 
+int sayNoMemory(const char *list_name) {
+  std::fprintf(stderr, "%s: out of memory.\n", list_name);
+  return 0;
+}
+
 int kvReadArray(Cursor &cursor, Words &destination, Word count) { return readRun(cursor, destination, count); }
 int kvReadArray(Cursor &cursor, Indices &destination, Word count) { return readRun(cursor, destination, count); }
 int kvReadArray(Cursor &cursor, Floats &destination, Word count) { return readRun(cursor, destination, count); }

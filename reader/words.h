@@ -138,6 +138,9 @@ template <class Body> int withinMemory(Cursor &cursor, Body &&body) {
   }
 }
 
+/// Prints "%s: out of memory.\n" on standard error. @return 0, the result of whoever has to give up.
+int sayNoMemory(const char *list_name);
+
 /// Anything that is nothing but 32-bit words: a word, a tuple, the fixed head of a record.
 template <class T>
 concept WordRecord = std::is_trivially_copyable_v<T> && sizeof(T) % sizeof(Word) == 0 && alignof(T) == alignof(Word);
