@@ -1,18 +1,10 @@
 #include "reader/kova.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace kova {
 
 namespace {
-
-/// Copies the fixed words of a maker block; those past its end are 0.
-template <WordRecord Head> void setupFixed(Cursor &cursor, Head &head) {
-  const std::uint64_t there = bytesLeft(cursor) / sizeof(Word) * sizeof(Word);
-  head = Head{};
-  copyBytes(cursor, &head, static_cast<std::size_t>(std::min<std::uint64_t>(sizeof head, there)));
-}
 
 /// Decodes the maker block of one record into its `ext`. `setupArrays(cursor, ext)` reads what follows the fixed words.
 /// @return 1; 0 where the record has no maker block, or where memory cannot be had (then `fault` says so).
@@ -21,7 +13,7 @@ int setupBlock(Record &record, Fault &fault, SetupArrays setupArrays) {
   if (record.van_ext_blk_size == 0)
     return 0;
   const std::span<const Word> block = vanExtBlk(record.ext_blk);
-  Cursor cursor{reinterpret_cast<const unsigned char *>(block.data()), block.size_bytes()};
+  Cursor cursor = cursorOf(block);
   const int ok = withinMemory(cursor, [&] {
     using Ext = typename decltype(record.ext)::element_type;
     record.ext = std::make_unique<Ext>();

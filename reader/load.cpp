@@ -288,9 +288,8 @@ int kvSetupFileHeaderExt(FileHeader &header) {
     return 1;
   if (header.van_ext_blk_size == 0)
     return 0;
-  const std::span<const Word> block = vanExtBlk(header.ext_blk);
-  header.version2 = Version2Sizes();
-  std::memcpy(&header.version2, block.data(), std::min(block.size_bytes(), VERSION_2_SIZES_BYTES));
+  Cursor cursor = cursorOf(vanExtBlk(header.ext_blk));
+  setupFixed(cursor, header.version2);
   return 1;
 }
 

@@ -97,6 +97,11 @@ struct Cursor {
   Fault fault = Fault::none;           ///< the first refusal
 };
 
+/// @return a cursor at the start of a block of words.
+inline Cursor cursorOf(std::span<const Word> block) {
+  return Cursor{reinterpret_cast<const unsigned char *>(block.data()), block.size_bytes()};
+}
+
 /// @return the bytes between the cursor and the end of its buffer; 0 past the end.
 inline std::uint64_t bytesLeft(const Cursor &cursor) {
   return cursor.offset < cursor.size ? cursor.size - cursor.offset : 0;
@@ -148,6 +153,13 @@ concept WordRecord = std::is_trivially_copyable_v<T> && sizeof(T) % sizeof(Word)
 /// Copies the fixed words of a record and moves past them; all or nothing.
 template <WordRecord Record> int readFixed(Cursor &cursor, Record &record) {
   return copyBytes(cursor, &record, sizeof(Record));
+}
+
+/// As `readFixed` for the inside of a maker block: words past its end are 0.
+template <WordRecord Record> void setupFixed(Cursor &cursor, Record &record) {
+  const std::uint64_t there = bytesLeft(cursor) / sizeof(Word) * sizeof(Word);
+  record = Record{};
+  copyBytes(cursor, &record, static_cast<std::size_t>(there < sizeof record ? there : sizeof record));
 }
 
 /// Fills `destination` with `count` items of host-order words; all or nothing. The items are there before memory for
