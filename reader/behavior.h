@@ -104,7 +104,7 @@ struct CollGroupHead {
 };
 static_assert(sizeof(CollGroupHead) == 32);
 
-/// The group's blocks stand once after every collision; the last ones read are held.
+/// The group's blocks stand once after every collision; the last ones read whole are held.
 struct CollGroup : CollGroupHead {
   Words coll_num_byte;
   std::vector<Coll> coll;

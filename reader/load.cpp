@@ -185,7 +185,7 @@ int checkFileSize(const FileHeader &header, std::uint64_t length) {
 }
 
 int checkHeaderSize(const FileHeader &header) {
-  if (header.file_header_num == header.van_ext_blk_size + header.usr_ext_blk_size + FILE_HEADER_BYTES)
+  if (header.file_header_num == header.van_ext_blk_size + header.usr_ext_blk_size + Word{FILE_HEADER_BYTES})
     return 1;
   std::fputs("Incorrect file header size.\n", stderr);
   return 0;

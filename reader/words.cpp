@@ -44,11 +44,13 @@ int readPairs(Cursor &cursor, std::vector<Pair> &destination, Word count, First 
 /// Reads both blocks of a record; `readArray(words, count)` reads one.
 template <class ReadArray>
 int readBlocks(Cursor &cursor, ExtBlk &blk, Word van_size, Word usr_size, ReadArray readArray) {
-  blk.words.reset();
-  if (van_size / sizeof(Word) == 0 && usr_size / sizeof(Word) == 0)
+  if (van_size / sizeof(Word) == 0 && usr_size / sizeof(Word) == 0) {
+    blk.words.reset();
     return 1;
+  }
   return withinMemory(cursor, [&] {
-    blk.words = std::make_unique<ExtBlkWords>();
+    if (!blk.words)
+      blk.words = std::make_unique<ExtBlkWords>();
     return int{readArray(blk.words->van, van_size >> 2) && readArray(blk.words->usr, usr_size >> 2)};
   });
 }

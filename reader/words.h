@@ -162,10 +162,9 @@ template <WordRecord Record> void setupFixed(Cursor &cursor, Record &record) {
   copyBytes(cursor, &record, static_cast<std::size_t>(there < sizeof record ? there : sizeof record));
 }
 
-/// Fills `destination` with `count` items of host-order words; all or nothing. The items are there before memory for
-/// them is asked for.
+/// Fills `destination` with `count` items of host-order words; all or nothing: a run that is not all there leaves it as
+/// it was. The items are there before memory for them is asked for.
 template <WordRecord Item> int readRun(Cursor &cursor, std::vector<Item> &destination, std::uint64_t count) {
-  destination.clear();
   if (!require(cursor, count, sizeof(Item)))
     return 0;
   return withinMemory(cursor, [&] {

@@ -12,13 +12,9 @@ constexpr std::size_t INFINITY_DECADE = MOST_EXPONENT - LEAST_EXPONENT + 1;
 constexpr std::size_t NAN_DECADE = INFINITY_DECADE + 1;
 constexpr std::size_t DECADE_COUNT = NAN_DECADE + 1;
 
-consteval std::size_t decadeIndex(int exponent) {
-  return static_cast<std::size_t>(exponent - LEAST_EXPONENT);
-}
+consteval std::size_t decadeIndex(int exponent) { return static_cast<std::size_t>(exponent - LEAST_EXPONENT); }
 
-consteval Wide powerOfFive(int exponent) {
-  return exponent == 0 ? Wide{1} : 5 * powerOfFive(exponent - 1);
-}
+consteval Wide powerOfFive(int exponent) { return exponent == 0 ? Wide{1} : 5 * powerOfFive(exponent - 1); }
 
 /// ceil(factor * 10^ten * 2^two), exactly. The result must fit 64 bits; factor * 5^|ten| must fit 120, so that the long
 /// division has room to take 8 bits at a step.
@@ -41,14 +37,12 @@ consteval std::uint64_t scaledUp(std::uint32_t factor, int ten, int two) {
 }
 
 /// The least m whose m * 2^two is at least (10^6 - 1/2) * 10^(exponent - 5), that is, rounds to 10^(exponent + 1).
-consteval std::uint64_t firstAbove(int exponent, int two) {
-  return scaledUp(1999999, exponent - 5, -two - 1);
-}
+consteval std::uint64_t firstAbove(int exponent, int two) { return scaledUp(1999999, exponent - 5, -two - 1); }
 
 struct FloatTables {
   std::array<std::uint32_t, ROWS> lowerEnd{};
-  std::array<std::uint64_t, 2 * ROWS> multipliers{};
-  std::array<std::size_t, 2 * ROWS> decades{};
+  std::array<std::uint64_t, ENTRIES> multipliers{};
+  std::array<std::size_t, ENTRIES> decades{};
 };
 
 /// The row of the values m * 2^two, of which the least, with m = 2^23, lies in the decade of `exponent`.
@@ -75,8 +69,8 @@ consteval FloatTables makeFloatTables() {
   }
   tables.decades[2 * ZERO_ROW] = decadeIndex(0);
   tables.lowerEnd[ROWS - 1] = 0x7f800000; // infinity, above it the NaNs
-  tables.decades[2 * ROWS - 2] = INFINITY_DECADE;
-  tables.decades[2 * ROWS - 1] = NAN_DECADE;
+  tables.decades[ENTRIES - 2] = INFINITY_DECADE;
+  tables.decades[ENTRIES - 1] = NAN_DECADE;
   return tables;
 }
 
@@ -124,8 +118,8 @@ consteval std::array<Decade, DECADE_COUNT> makeDecades() {
 
 constexpr std::array<Decade, DECADE_COUNT> DECADES = makeDecades();
 
-consteval std::array<const Decade *, 2 * ROWS> makeDecadeOf() {
-  std::array<const Decade *, 2 * ROWS> decadeOf{};
+consteval std::array<const Decade *, ENTRIES> makeDecadeOf() {
+  std::array<const Decade *, ENTRIES> decadeOf{};
   for (std::size_t i = 0; i < decadeOf.size(); ++i)
     decadeOf[i] = &DECADES[FLOAT_TABLES.decades[i]];
   return decadeOf;
@@ -173,8 +167,8 @@ consteval std::array<std::array<char, 8>, 256> makeBytes() {
 } // namespace
 
 constinit const std::array<std::uint32_t, ROWS> LOWER_END = FLOAT_TABLES.lowerEnd;
-constinit const std::array<std::uint64_t, 2 *ROWS> MULTIPLIERS = FLOAT_TABLES.multipliers;
-constinit const std::array<const Decade *, 2 *ROWS> DECADE_OF = makeDecadeOf();
+constinit const std::array<std::uint64_t, ENTRIES> MULTIPLIERS = FLOAT_TABLES.multipliers;
+constinit const std::array<const Decade *, ENTRIES> DECADE_OF = makeDecadeOf();
 constinit const std::array<PointedGroups, 4> POINTED_GROUPS = makePointedGroups();
 constinit const Groups FIRST_GROUP = makeGroups(0);
 constinit const std::array<Groups, 2> LAST_GROUP = {makeGroups(3), makeGroups(1)};

@@ -77,14 +77,15 @@ struct alignas(64) Decade {
 /// zero has the row of the value 0.
 inline constexpr std::size_t ZERO_ROW = 23;
 inline constexpr std::size_t ROWS = ZERO_ROW + 256;
+inline constexpr std::size_t ENTRIES = 2 * ROWS; ///< a row has two, first of its lower, then of its upper decade
 
-extern const std::array<std::uint32_t, ROWS> LOWER_END;       ///< by row: bit pattern of the lower decade's last value
-extern const std::array<std::uint64_t, 2 * ROWS> MULTIPLIERS; ///< by 2 * row + (1 for the upper decade)
-extern const std::array<const Decade *, 2 * ROWS> DECADE_OF;  ///< likewise
-extern const std::array<PointedGroups, 4> POINTED_GROUPS;     ///< by the digits before the point, or 0 for the 'e'
-extern const Groups FIRST_GROUP;                              ///< without leading zeros; nothing for 0
-extern const std::array<Groups, 2> LAST_GROUP;                ///< 0: with leading zeros; 1: without, "0" for 0
-extern const std::array<std::array<char, 8>, 256> BYTES;      ///< "0x0a ", padded to the size of a word
+extern const std::array<std::uint32_t, ROWS> LOWER_END;      ///< by row: bit pattern of the lower decade's last value
+extern const std::array<std::uint64_t, ENTRIES> MULTIPLIERS; ///< by entry
+extern const std::array<const Decade *, ENTRIES> DECADE_OF;  ///< by entry
+extern const std::array<PointedGroups, 4> POINTED_GROUPS;    ///< by the digits before the point, or 0 for the 'e'
+extern const Groups FIRST_GROUP;                             ///< without leading zeros; nothing for 0
+extern const std::array<Groups, 2> LAST_GROUP;               ///< 0: with leading zeros; 1: without, "0" for 0
+extern const std::array<std::array<char, 8>, 256> BYTES;     ///< "0x0a ", padded to the size of a word
 
 /// The digits of a float and the place of them.
 struct Decimal {
@@ -129,9 +130,7 @@ inline char *putBelowMillion(char *at, std::uint32_t value) {
   return putGroup(at, LAST_GROUP[thousands == 0][value % 1000]);
 }
 
-inline void putHexPair(char *at, std::uint32_t byte) {
-  std::memcpy(at, &BYTES[byte][2], 2);
-}
+inline void putHexPair(char *at, std::uint32_t byte) { std::memcpy(at, &BYTES[byte][2], 2); }
 
 } // namespace number
 
