@@ -259,8 +259,10 @@ int kvOpenKb1(const char *path, Kis &kis) {
 }
 
 int kvOpenKb2Ext(Kis &kis) {
-  if (isPipe(kis.file_name))
+  if (isPipe(kis.file_name)) {
+    std::fputs(INPUT_OPEN_ERROR, stderr);
     return 0;
+  }
   const Stream stream = kvKbReadOpen(kis.file_name.c_str());
   if (!stream || std::fseek(stream.get(), static_cast<long>(kvSizeofKOVA1file(kis.file_header)), SEEK_SET) != 0)
     return 0;

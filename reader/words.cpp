@@ -90,10 +90,10 @@ std::size_t fwriteEndianSwap4(const void *buffer, std::size_t size, std::size_t 
   }
 }
 
-Stream kvKbReadOpen(const char *path) { return openOrSay(path, "rb", "Input File Open Error\n"); }
-Stream kvKbWriteOpen(const char *path) { return openOrSay(path, "wb", "Output File Open Error\n"); }
-Stream kvKtReadOpen(const char *path) { return openOrSay(path, "r", "Input File Open Error\n"); }
-Stream kvKtWriteOpen(const char *path) { return openOrSay(path, "w", "Output File Open Error\n"); }
+Stream kvKbReadOpen(const char *path) { return openOrSay(path, "rb", INPUT_OPEN_ERROR); }
+Stream kvKbWriteOpen(const char *path) { return openOrSay(path, "wb", OUTPUT_OPEN_ERROR); }
+Stream kvKtReadOpen(const char *path) { return openOrSay(path, "r", INPUT_OPEN_ERROR); }
+Stream kvKtWriteOpen(const char *path) { return openOrSay(path, "w", OUTPUT_OPEN_ERROR); }
 
 int copyBytes(Cursor &cursor, void *to, std::size_t bytes) {
   if (!require(cursor, bytes, 1))

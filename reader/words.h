@@ -71,6 +71,9 @@ KOVA_API std::size_t freadEndianSwap4(void *buffer, std::size_t bytes, std::FILE
 /// @return the number of bytes written; 0 where memory for the converted copy cannot be had.
 KOVA_API std::size_t fwriteEndianSwap4(const void *buffer, std::size_t size, std::size_t count, std::FILE *stream);
 
+inline constexpr const char *INPUT_OPEN_ERROR = "Input File Open Error\n";
+inline constexpr const char *OUTPUT_OPEN_ERROR = "Output File Open Error\n";
+
 /// Open a file for binary reading ("rb"), binary writing ("wb"), text reading ("r"), text writing ("w").
 /// @return the stream, or null after "Input File Open Error\n" or "Output File Open Error\n" on standard error.
 KOVA_API Stream kvKbReadOpen(const char *path);
