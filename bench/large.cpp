@@ -18,13 +18,9 @@ using Elements = std::vector<Words>;
 constexpr std::size_t GROUPS = 32;
 
 /// Coordinates of a scene some hundred units wide, as finely as single precision has them.
-float coordinate(Random &random) {
-  return std::uniform_real_distribution<float>(-250.0F, 250.0F)(random);
-}
+float coordinate(Random &random) { return std::uniform_real_distribution<float>(-250.0F, 250.0F)(random); }
 
-void append(Words &words, float value) {
-  words.push_back(std::bit_cast<Word>(value));
-}
+void append(Words &words, float value) { words.push_back(std::bit_cast<Word>(value)); }
 
 /// A group of `count` tuples behind its head: tag, index, header size, size, [name,] count.
 Words tupleGroup(Word tag, Word index, bool named, Word count, Word tuple, const std::function<float()> &value) {
