@@ -1,0 +1,392 @@
+#include "tests/builder.h"
+#include "tests/invariants.h"
+#include "tests/support.h"
+
+#include <cstring>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+namespace kova::test {
+
+namespace {
+
+struct Loaded {
+  Kis kis;
+  int ok;
+  std::string errors;
+};
+
+/// Loads something and closes with what holds of every model.
+Loaded loadedBy(const std::function<int(Kis &)> &load) {
+  Loaded loaded{};
+  loaded.errors = capture([&] { loaded.ok = load(loaded.kis); }).err;
+  EXPECT_EQ(brokenInvariants(loaded.kis), "");
+  return loaded;
+}
+
+Loaded load(const File &file) {
+  return loadedBy([&](Kis &kis) { return loadBytes(file.bytes, kis); });
+}
+
+Loaded load(Word version, const std::string &text) { return load(build(version, text)); }
+
+/// Reads one list through `kvReadList`, from the first bytes of it.
+Loaded readList(const File &file, const std::string &list, std::size_t size) {
+  const char *const tag = list == "SceneList" ? "scene_header_tag" : "list_tag";
+  const auto begin = file.bytes.begin() + static_cast<std::ptrdiff_t>(offsetOf(file, list, 0, tag));
+  const ScratchFile bytes(Bytes(begin, begin + static_cast<std::ptrdiff_t>(size)));
+  const Stream stream = kvKbReadOpen(bytes.path.c_str());
+  return loadedBy([&](Kis &kis) { return kvReadList(stream.get(), static_cast<Word>(size), kis, list.c_str()); });
+}
+
+/// The bytes of a list as its own size word gives them.
+Word listSize(const File &file, const std::string &list) {
+  return getWord(file, list, 0, list == "SceneList" ? "scene_size" : "list_size");
+}
+
+std::string irregular(Word found, Word expected) {
+  char text[64];
+  std::snprintf(text, sizeof text, "irregular tag ! %0#10x != %0#10x\n", found, expected);
+  return text;
+}
+
+Cursor cursorOver(const Words &words) {
+  return Cursor{reinterpret_cast<const unsigned char *>(words.data()), words.size() * sizeof(Word)};
+}
+
+} // namespace
+
+TEST(Reader, ChecksTheHeader) {
+  struct Row {
+    Word version; // a file of 516 bytes, and in version 2.0 of 616
+    const char *edits;
+    int ok;
+    const char *errors;
+  };
+  const Row rows[] = {
+      {0x100, "", 1, ""},
+      {0x100, "FileHeader 0 version 0xabcd0100", 1, ""},
+      {0x100, "FileHeader 0 version 0x300", 0, "     300\nUnknown version number.\n"},
+      {0x100, "FileHeader 0 size +4", 0,
+       "file size 516 520\nData file size is incorrect - missing data.\n"
+       "file size=520,sum of list=516\nSome of list_num data is incorrect.\n"},
+      {0x200, "FileHeader 0 size 0xffffffff", 0, "file size 616 -1\nData file size is incorrect - missing data.\n"},
+      {0x100, "FileHeader 0 file_header_num +4", 0,
+       "Incorrect file header size.\nfile size=516,sum of list=520\nSome of list_num data is incorrect.\n"},
+      {0x100, "FileHeader 0 switch_list_num +4", 0,
+       "file size=516,sum of list=520\nSome of list_num data is incorrect.\n"},
+      {0x200, "FileHeader 0 switch_list_num +4", 1, ""},
+      {0x100, "FileHeader 0 header_tag 1", 0, "tag error.\n"},
+      {0x100, "FileHeader 0 size -4; FileHeader 0 file_header_num -8; FileHeader 0 header_tag 1", 0,
+       "file size 516 512\nData file size is incorrect - extra data.\nIncorrect file header size.\n"
+       "file size=512,sum of list=508\nSome of list_num data is incorrect.\ntag error.\n"},
+      {0x100,
+       "FileHeader 0 version 0x10201; FileHeader 0 size 600; FileHeader 0 usr_ext_blk_size 4; "
+       "FileHeader 0 header_tag 8",
+       0,
+       "   10201\nUnknown version number.\nfile size 516 600\nData file size is incorrect - missing data.\n"
+       "Incorrect file header size.\ntag error.\n"},
+      {0x200, "FileHeader 0 van_ext_blk_size 0; FileHeader 0 file_header_num 100", 0, ""},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.edits);
+    const char *const lacking = row.version == 0x100 ? "SceneList absent=1 NameList absent=1" : "NameList absent=1";
+    const Loaded loaded = load(edited(build(row.version, lacking), row.edits));
+    EXPECT_EQ(loaded.ok, row.ok);
+    EXPECT_EQ(loaded.errors, row.errors);
+    EXPECT_EQ(loaded.kis.env.list_tag, row.ok ? 0x00100000u : 0u) << "a header that fails ends the load";
+  }
+}
+
+TEST(Reader, TestsTheTagsOfLists) {
+  const File good = goodFile2();
+  for (const std::string list : kvListNames()) {
+    SCOPED_TRACE(list);
+    const char *const field = list == "SceneList" ? "scene_header_tag" : "list_tag";
+    const Word tag = getWord(good, list, 0, field);
+    const Loaded loaded = readList(edited(good, list + " 0 " + field + " +1"), list, listSize(good, list));
+    char of_names[64];
+    std::snprintf(of_names, sizeof of_names, "irregular tag ! %0#10x\n", tag + 1);
+    EXPECT_EQ(loaded.ok, 0);
+    EXPECT_EQ(loaded.errors, list.ends_with("NameList") ? of_names : irregular(tag + 1, tag));
+  }
+  Kis kis;
+  EXPECT_EQ(kvReadList(nullptr, 0, kis, "NoList"), 0);
+}
+
+TEST(Reader, TestsTheTagsOfElements) {
+  const File good = goodFile2();
+  std::string list;
+  for (const NamedWord &word : good.words) {
+    if (word.kind.ends_with("List"))
+      list = word.kind;
+    if (!word.field.ends_with("tag") || word.kind == "FileHeader" || word.kind == list || word.kind == "Name")
+      continue;
+    SCOPED_TRACE(word.kind + " " + std::to_string(word.number));
+    const Word tag = getWord(good, word.kind, word.number, word.field);
+    File file = good;
+    setWord(file, word.kind, word.number, word.field, tag ^ 0x300);
+    const bool tested = tag % 0x1000 == 0x100 || word.kind == "Coll" || word.field.starts_with("vtx_");
+    const Loaded loaded = readList(file, list, listSize(file, list));
+    EXPECT_EQ(loaded.ok, tested ? 0 : 1);
+    EXPECT_EQ(loaded.errors, tested ? irregular(tag ^ 0x300, tag) : "");
+  }
+  // The element at fault is held with its head; what follows it is not.
+  const Loaded loaded = load(edited(goodFile1(), "Cam 1 cam_tag 7"));
+  EXPECT_EQ(loaded.errors, irregular(7, 0x000e0100));
+  ASSERT_EQ(loaded.kis.cam.element.size(), 2u);
+  EXPECT_EQ(loaded.kis.cam.element[1].came_name_index, 3);
+  EXPECT_EQ(loaded.kis.env.element.size(), 2u);
+  EXPECT_EQ(loaded.kis.light.list_tag, 0u);
+}
+
+TEST(Reader, SaysWhichListRunsPastItsEnd) {
+  const File good = goodFile2();
+  for (const char *const list : kvListNames())
+    for (const std::size_t less : {0, 1, 4}) {
+      const Loaded loaded = readList(good, list, listSize(good, list) - less);
+      EXPECT_EQ(loaded.ok, less == 0 ? 1 : 0);
+      EXPECT_EQ(loaded.errors, less == 0 ? "" : std::string(list) + " runs past its end.\n");
+    }
+}
+
+TEST(Reader, GoesOnBehindAnOddNumberOfTexels) {
+  const Loaded loaded = load(0x100, "TeximgList { Teximg texels=5 V=4 }");
+  const Teximg &image = loaded.kis.teximg.element[0];
+  EXPECT_EQ(loaded.ok, 1);
+  EXPECT_EQ(image.texel, (Bytes{1, 2, 3, 4, 5}));
+  // The list ends with the word 05 76 00 00 and with 00, which is no whole word.
+  Bytes rest = {0x05, 0x76, 0x00, 0x00, 0x00};
+  endianSwap4(rest.data(), 4);
+  Word expected;
+  std::memcpy(&expected, rest.data() + 1, sizeof expected);
+  EXPECT_EQ(vanExtBlk(image.ext_blk)[0], expected);
+  EXPECT_EQ(kvSizeofTeximg(loaded.kis.teximg, 0), 5u);
+  EXPECT_EQ(kvSizeofTeximg(loaded.kis.teximg, 1), 0u);
+}
+
+// --- Version 2.0 ----------------------------------------------------------------------------------------------------
+
+TEST(Reader, FindsTheVersion2ListsThroughTheMakerBlock) {
+  for (const Word bytes : {4, 32, 36, 40}) {
+    const Loaded loaded = load(0x200, "FileHeader V=" + std::to_string(bytes) + " CiImgList { CiImg }");
+    EXPECT_EQ(loaded.ok, 1);
+    EXPECT_EQ(loaded.errors, "");
+    EXPECT_EQ(loaded.kis.file_header.version2.ci_img_list_num, 24u + 4 + 84);
+    EXPECT_EQ(loaded.kis.file_header.version2.external_name_list_num, 0u);
+    EXPECT_EQ(loaded.kis.ci_img.element.size(), bytes < 36 ? 0u : 1u);
+  }
+}
+
+TEST(Reader, MissesMakerBlocks) {
+  const auto decoded = [](const auto &list) {
+    std::string which;
+    for (const auto &element : list.element)
+      which += element.ext ? '1' : '0';
+    return which;
+  };
+  for (const std::string kind : {"Cam", "Obj", "Shape", "Mat", "Tex", "Teximg", "AnimGroup"}) {
+    const std::string list = (kind == "AnimGroup" ? "Anim" : kind) + "List { ";
+    const std::string form = kind == "Tex" ? " { TexStill } " : " ";
+    const Loaded loaded =
+        load(0x200, "CiImgList { CiImg } " + list + kind + form + kind + " V=0" + form + kind + form + "}");
+    const Kis &kis = loaded.kis;
+    EXPECT_EQ(loaded.ok, 0) << kind;
+    EXPECT_EQ(loaded.errors, "");
+    EXPECT_EQ(kis.ci_img.num, 0u) << "the version-2 lists are not read";
+    EXPECT_EQ(decoded(kis.cam) + decoded(kis.obj) + decoded(kis.shape) + decoded(kis.mat) + decoded(kis.tex) +
+                  decoded(kis.teximg) + decoded(kis.anim),
+              "101");
+  }
+  const Loaded loaded = load(0x200, "SceneList V=0  CamList { Cam }");
+  EXPECT_EQ(loaded.ok, 0);
+  EXPECT_FALSE(loaded.kis.scene.ext);
+  EXPECT_FALSE(loaded.kis.cam.element[0].ext) << "later kinds are not decoded";
+}
+
+TEST(Reader, CountsPixelsInWholeWords) {
+  CiImgHead image{};
+  image.ci_img_width = 3;
+  image.ci_img_height = 5;
+  image.ci_img_pixel_depth = 4;
+  EXPECT_EQ(kvSizeofPixelIndexArray(image), 2u);
+  image.ci_img_width = image.ci_img_height = 0x10000;
+  EXPECT_EQ(kvSizeofPixelIndexArray(image), 0u) << "wraps";
+}
+
+// --- The handle -----------------------------------------------------------------------------------------------------
+
+TEST(Reader, KeepsSizesConsistentAfterAnEdit) {
+  const File file = goodFile2();
+  Kis kis;
+  loadBytes(file.bytes, kis);
+  // The lines in which two dumps differ, by their names; every one must have grown by 8.
+  const auto grown = [&](Word index, Word tag) {
+    const std::string before = dumpOf(kis);
+    kvAdjustListSizeData(kis, index, 8, tag);
+    const std::string after = dumpOf(kis);
+    kvAdjustListSizeData(kis, index, -8, tag);
+    EXPECT_EQ(dumpOf(kis), before);
+    std::istringstream was(before), is(after);
+    std::string names, a, b;
+    while (std::getline(was, a) && std::getline(is, b))
+      if (a != b) {
+        const std::size_t value = a.find_last_of(' ', a.find_last_not_of(' '));
+        EXPECT_EQ(std::stol(b.substr(value)), std::stol(a.substr(value)) + 8) << b;
+        names += a.substr(0, a.find(' ')) + " ";
+      }
+    return names;
+  };
+  for (const NamedWord &word : file.words)
+    if (word.field == "list_tag" && word.kind != "VectorList") {
+      const Word tag = getWord(file, word.kind, 0, "list_tag");
+      const std::string of_list = grown(9, tag);
+      const std::string of_element = grown(1, tag + 0x100);
+      SCOPED_TRACE(of_element);
+      std::istringstream names(of_element);
+      std::string file_size, header, list, entry, record, more;
+      names >> file_size >> header >> list >> entry >> record >> more;
+      EXPECT_EQ(of_list, "size " + header + " " + list + " ");
+      EXPECT_TRUE(header.ends_with("_list_num") && list.ends_with("list_size") && entry.ends_with("[1]"));
+      EXPECT_TRUE(record.empty() ? word.kind.ends_with("NameList") : record.ends_with("size")) << record;
+      EXPECT_TRUE(more.empty());
+      header.resize(header.size() - 9); // the element's entry bears the name of the header's word
+      EXPECT_TRUE(entry.find(header) != entry.npos || word.kind == "ExternalNameList");
+      EXPECT_EQ(grown(9, tag + 0x100), "size ") << "no such element";
+    }
+  EXPECT_EQ(grown(0, 0x00010000), "size scene_list_num scene_size ");
+  EXPECT_EQ(grown(0, 0x00060100), "size vector_list_num vector_list_size tri_nv_group_size[0] tri_nv_group_size ");
+  for (const Word tag : {0x00010100, 0x00050200, 0x00060200, 0x000d1000, 0})
+    EXPECT_EQ(grown(0, tag), "size ") << tag;
+}
+
+TEST(Reader, MakesAnEmptyHandle) {
+  const KisHandle kis = kvNewKis();
+  EXPECT_EQ(kis->file_name, "");
+  EXPECT_EQ(kvKOVAver(kis->file_header), 0u);
+  EXPECT_EQ(brokenInvariants(*kis), "");
+  for (const char *const name : {"long name", "short", "", "a longer name than before"}) {
+    EXPECT_EQ(kvSetFilename(name, *kis), 1);
+    EXPECT_EQ(kis->file_name, name);
+  }
+  kis->ci_img.num = kis->external_name.num = kis->env.num = 4;
+  for (const char *const list : {"CiImgList", "ExternalNameList", "EnvList"})
+    EXPECT_EQ(kvReadList(nullptr, 0, *kis, list), 1);
+  EXPECT_EQ(kis->ci_img.num + kis->external_name.num, 0u);
+  EXPECT_EQ(kis->env.num, 4u) << "the clearers of version 1 do nothing";
+  EXPECT_EQ(kvSizeofKOVA1file(load(0x100, "").kis.file_header), 584u);
+}
+
+TEST(Reader, TakesOtherThingsThanFiles) {
+  const auto errors = [](const std::string &path) {
+    const Loaded loaded = loadedBy([&](Kis &kis) { return kvOpenKb(path.c_str(), kis); });
+    EXPECT_EQ(loaded.ok, 0);
+    return loaded.errors;
+  };
+  EXPECT_EQ(errors("/no/such/file"), "Input File Open Error\n");
+  EXPECT_EQ(errors(""), "Input File Open Error\n");
+  const std::string nothing = "       0\nUnknown version number.\nIncorrect file header size.\n";
+  EXPECT_EQ(errors("/"), nothing);
+  EXPECT_EQ(errors(ScratchFile().path), nothing);
+  const ScratchFile pipe;
+  std::remove(pipe.path.c_str());
+  ASSERT_EQ(::mkfifo(pipe.path.c_str(), 0600), 0);
+  std::thread writer([&] {
+    const File file = build(0x100, "");
+    const int descriptor = ::open(pipe.path.c_str(), O_WRONLY);
+    EXPECT_EQ(::write(descriptor, file.bytes.data(), file.bytes.size()), 584);
+    ::close(descriptor);
+  });
+  EXPECT_EQ(errors(pipe.path), "file size 0 584\nData file size is incorrect - missing data.\n");
+  writer.join();
+}
+
+// --- Primitives -----------------------------------------------------------------------------------------------------
+
+TEST(Primitives, ConvertWholeWords) {
+  Bytes bytes = {0, 0, 2, 0, 1, 2, 3, 4, 5, 6};
+  endianSwap4(bytes.data(), bytes.size());
+  Words words(2);
+  std::memcpy(words.data(), bytes.data(), 8);
+  EXPECT_EQ(words, (Words{0x200, 0x01020304}));
+  EXPECT_EQ(bytes[8], 5);
+
+  const ScratchFile file;
+  EXPECT_EQ(fwriteEndianSwap4(words.data(), 4, 2, kvKbWriteOpen(file.path.c_str()).get()), 8u);
+  EXPECT_EQ(words[0], 0x200u) << "the caller's words stay in host order";
+  EXPECT_EQ(readFile(file.path), std::string("\0\0\2\0\1\2\3\4", 8));
+  Words read(3);
+  EXPECT_EQ(freadEndianSwap4(read.data(), 12, kvKbReadOpen(file.path.c_str()).get()), 8u);
+  EXPECT_EQ(read, (Words{0x200, 0x01020304, 0}));
+}
+
+TEST(Primitives, OpenFilesOrSaySo) {
+  const auto refused = [](Stream (*open)(const char *)) {
+    return capture([&] { EXPECT_FALSE(open("/no/file")); }).err;
+  };
+  EXPECT_EQ(refused(kvKbReadOpen), "Input File Open Error\n");
+  EXPECT_EQ(refused(kvKtReadOpen), "Input File Open Error\n");
+  EXPECT_EQ(refused(kvKbWriteOpen), "Output File Open Error\n");
+  EXPECT_EQ(refused(kvKtWriteOpen), "Output File Open Error\n");
+  const ScratchFile file;
+  EXPECT_TRUE(kvKtWriteOpen(file.path.c_str()) && kvKtReadOpen(file.path.c_str()));
+}
+
+TEST(Primitives, ReadWithinTheBuffer) {
+  const Words words = {7, 8, 9, 1, 2, 3};
+  Cursor cursor = cursorOver(words);
+  Indices some;
+  EXPECT_EQ(kvReadArray(cursor, some, 0), 1);
+  EXPECT_EQ(kvReadArray(cursor, some, 2), 1);
+  EXPECT_EQ(some, (Indices{7, 8}));
+  EXPECT_EQ(kvReadArray(cursor, some, 5), 0);
+  EXPECT_EQ(cursor.fault, Fault::past_end);
+  EXPECT_EQ(kvSetupArray(cursor, some, 5), 1);
+  EXPECT_EQ(some, (Indices{9, 1, 2, 3}));
+  cursor.offset = 400;
+  EXPECT_EQ(kvReadArray(cursor, some, 0), 1) << "reading nothing always succeeds";
+
+  std::vector<External> pairs;
+  EXPECT_EQ(kvSetupExternal(cursor = cursorOver(words), pairs, 3), 1);
+  ASSERT_EQ(pairs.size(), 3u);
+  EXPECT_EQ(pairs[1].file_name * 10 + pairs[1].name, 82);
+  EXPECT_EQ(cursor.offset, 24u);
+  kvSetNoExternal(pairs[0]);
+  EXPECT_TRUE(pairs[0].file_name == -1 && pairs[0].name == -1);
+
+  Words area;
+  Word *behind = nullptr;
+  const Word *const result = kvReadArea(cursor = cursorOver(words), area, behind, 10, 2);
+  EXPECT_EQ(area, (Words{7, 8, 9, 1})) << "two words of each row's ten bytes";
+  EXPECT_TRUE(result == area.data() + 4 && behind == result);
+  EXPECT_EQ(kvReadArea(cursor, area, behind, 8, 2), nullptr);
+
+  ExtBlk blk;
+  EXPECT_EQ(kvReadExtBlk1(cursor = cursorOver(words), blk, 6, 4), 1);
+  EXPECT_EQ(vanExtBlk(blk)[0] * 10 + usrExtBlk(blk)[0], 78u);
+  EXPECT_EQ(cursor.offset, 8u) << "a size of 6 is one word";
+  EXPECT_EQ(kvSetupExtBlk1(cursor, blk, 12, 8), 1);
+  EXPECT_EQ(vanExtBlk(blk).size() + usrExtBlk(blk).size(), 4u);
+}
+
+TEST(Primitives, SetSmallThings) {
+  EXPECT_EQ(capture([] { EXPECT_EQ(kvCheckTag(0x00100100, 0x00100000), 0); }).err,
+            "irregular tag ! 0x00100100 != 0x00100000\n");
+  EXPECT_EQ(capture([] { EXPECT_EQ(kvCheckTag(0, 0), 1); }).err, "");
+  Word word = 3;
+  EXPECT_EQ(kvTestSet(word, 3), 0);
+  EXPECT_EQ(kvTestSet(word, 4), 1);
+  EXPECT_EQ(word, 4u);
+  Words poly = {0, 0, 0, 0, 0, 6};
+  kvSetPoly(poly.data(), 1, 2, 3, 4, 5);
+  EXPECT_EQ(poly, (Words{1, 2, 3, 4, 5, 6}));
+  char text[] = " a b\tc ";
+  kvSp2_(text);
+  EXPECT_STREQ(text, "_a_b\tc_");
+}
+
+} // namespace kova::test

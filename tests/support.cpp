@@ -1,0 +1,120 @@
+#include "tests/support.h"
+
+#include "checker/check.h"
+#include "textdump/kt.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace kova::test {
+
+namespace {
+
+std::string scratchPath() {
+  static std::atomic<int> made = 0;
+  const char *const folder = ::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : std::getenv("TMPDIR");
+  return std::string(folder != nullptr ? folder : "/tmp") + "/kova-test-" + std::to_string(::getpid()) + "-" +
+         std::to_string(made++);
+}
+
+/// Turns a stream of the process over to a temporary file until `stop`.
+struct Redirection {
+  std::FILE *stream;
+  std::FILE *file = std::tmpfile();
+  int kept = ::dup(::fileno(stream));
+
+  void start() const {
+    std::fflush(stream);
+    ::dup2(::fileno(file), ::fileno(stream));
+  }
+
+  /// @return what was printed.
+  std::string stop() const {
+    std::fflush(stream);
+    ::dup2(kept, ::fileno(stream));
+    ::close(kept);
+    std::string text(static_cast<std::size_t>(::lseek(::fileno(file), 0, SEEK_END)), '\0');
+    text.resize(static_cast<std::size_t>(::pread(::fileno(file), text.data(), text.size(), 0)));
+    std::fclose(file);
+    return text;
+  }
+};
+
+} // namespace
+
+ScratchFile::ScratchFile(const Bytes &bytes) : path(scratchPath()) {
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+
+ScratchFile::~ScratchFile() { std::remove(path.c_str()); }
+
+std::string readFile(const std::string &path) {
+  std::ostringstream text;
+  text << std::ifstream(path, std::ios::binary).rdbuf();
+  return text.str();
+}
+
+Printed capture(const std::function<void()> &run) {
+  const Redirection out{stdout};
+  const Redirection err{stderr};
+  out.start();
+  err.start();
+  run();
+  return {out.stop(), err.stop()};
+}
+
+int loadBytes(const Bytes &bytes, Kis &kis) {
+  const ScratchFile file(bytes);
+  return kvOpenKb(file.path.c_str(), kis);
+}
+
+std::string dumpOf(const Kis &kis) {
+  const ScratchFile file;
+  kvSaveAsKt(kis, file.path.c_str());
+  return readFile(file.path);
+}
+
+Audit audit(const Bytes &bytes) {
+  Audit audit{};
+  audit.errors = capture([&] { audit.loaded = loadBytes(bytes, audit.kis); }).err;
+  const std::string findings = capture([&] {
+                                 audit.verdict = checkKOVA1(audit.kis);
+                                 if (kvKOVAver(audit.kis.file_header) == VERSION_2)
+                                   audit.verdict *= checkKOVA2(audit.kis);
+                               }).out;
+  audit.findings = linesWithout(findings, "---- checking ");
+  audit.dump = dumpOf(audit.kis);
+  return audit;
+}
+
+std::string linesWithout(const std::string &text, const std::string &beginning) {
+  std::string kept;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);)
+    if (!line.starts_with(beginning))
+      kept += line + "\n";
+  return kept;
+}
+
+std::string between(const std::string &text, const std::string &from, const std::string &to) {
+  const std::size_t begin = text.find(from);
+  const std::size_t end = begin == std::string::npos ? begin : text.find(to, begin);
+  return end == std::string::npos ? "no such part" : text.substr(begin, end + to.size() - begin);
+}
+
+Ran runProgram(const std::vector<std::string> &arguments) {
+  const ScratchFile out;
+  const ScratchFile err;
+  std::string command = "'" KBAUDIT_PROGRAM "'";
+  for (const std::string &argument : arguments)
+    command += " '" + argument + "'";
+  const int status = std::system((command + " >" + out.path + " 2>" + err.path).c_str());
+  return {{readFile(out.path), readFile(err.path)}, WIFEXITED(status) ? WEXITSTATUS(status) : -1};
+}
+
+} // namespace kova::test

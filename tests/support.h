@@ -1,0 +1,64 @@
+/// What tests do with files and outputs: load bytes, catch what is printed, run the program.
+#pragma once
+
+#include "reader/kova.h"
+#include "tests/builder.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace kova::test {
+
+/// A file of its own, in memory where the system has such a place, removed with this.
+struct ScratchFile {
+  std::string path;
+
+  explicit ScratchFile(const Bytes &bytes = {});
+  ScratchFile(const ScratchFile &) = delete;
+  ScratchFile &operator=(const ScratchFile &) = delete;
+  ~ScratchFile();
+};
+
+std::string readFile(const std::string &path);
+
+/// What was printed on standard output and on standard error.
+struct Printed {
+  std::string out;
+  std::string err;
+};
+
+/// Runs something in this process and keeps what it prints. It must leave both streams open.
+Printed capture(const std::function<void()> &run);
+
+/// `kvOpenKb` of a file of these bytes.
+int loadBytes(const Bytes &bytes, Kis &kis);
+
+/// The whole dump of a model.
+std::string dumpOf(const Kis &kis);
+
+/// What the program makes of a file, step by step, without its own lines.
+struct Audit {
+  Kis kis;
+  int loaded;
+  int verdict;          ///< of the checks
+  std::string errors;   ///< of the load
+  std::string findings; ///< of the checks, without their heading lines
+  std::string dump;
+};
+Audit audit(const Bytes &bytes);
+
+/// The lines of a text that do not begin with `beginning`.
+std::string linesWithout(const std::string &text, const std::string &beginning);
+
+/// The part of a text from the first `from` to the next `to`, both included.
+std::string between(const std::string &text, const std::string &from, const std::string &to);
+
+struct Ran : Printed {
+  int status;
+};
+
+/// Runs kbaudit with these arguments.
+Ran runProgram(const std::vector<std::string> &arguments);
+
+} // namespace kova::test
