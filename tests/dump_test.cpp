@@ -254,8 +254,8 @@ TEST(Dump, ShowsWhatWasRead) {
       {0x100, "SceneList scene_obj_link_num=2 scene_env_link_num=1",
        "SceneList 0 scene_header_size 48; SceneList 0 scene_env_link_num 0",
        "\nobj link[0]    12\nobj link[1]    13\n\n</SceneList>"},
-      {0x100, "SceneList", "SceneList 0 scene_header_size 0xfffffffc", "scene_header_size     -4\n",
-       "SceneList runs past its end.\n"},
+      {0x100, "SceneList scene_cam_link_num=1", "SceneList 0 scene_header_size 0xfffffffc",
+       "scene_header_size     -4\n", "SceneList runs past its end.\n"},
       {0x200, "SceneList { SceneListExt external_env_num=1 external_cam_num=1 }", "",
        "external_light_num        0\nexternal env file name[0]   5\nexternal env name[0]        6\n"
        "external cam file name[0]   7\nexternal cam name[0]        8\n\n</SceneList>"},
