@@ -21,7 +21,7 @@ MatList { Mat tex_num=1  Mat }
 TexList { Tex { TexStill } }
 TeximgList { Teximg texels=16 }
 AnimList { AnimGroup { AnimStep } }
-NameList { Name text="root"  Name text="a door"  Name text="window" }
+NameList { Name text=root  Name text=a~door  Name text=window }
 )";
 
 /// The same for 2.0, with the lists of a skin.
@@ -32,8 +32,8 @@ ObjList { Obj obj_child_num=1 { ObjExt external_obj_num=1 }  Obj }
 MatList { Mat tex_num=1 { MatExt external_tex_num=1 } }
 EnvelopeList { Envelope { FullWeightedPart  WeightedPart affected_node_num=2 external_affected_obj_num=1  EnvelopeTri*2 } }
 ClusterList { ClusterShape { Cluster ClusterTri } }
-NameList { Name text="root"  Name text="arm" }
-ExternalNameList { Name text="other.kb" }
+NameList { Name text=root  Name text=arm }
+ExternalNameList { Name text=other.kb }
 )";
 
 struct Damage {
@@ -52,7 +52,7 @@ const std::vector<Damage> &damages() {
       {"extra", 0x100, [](File &file) { file.bytes.resize(file.bytes.size() + 12); }},
       {"header-size", 0x100, [](File &file) { add(file, "FileHeader", 0, "file_header_num", 4); }},
       {"list-size", 0x100, [](File &file) { add(file, "FileHeader", 0, "mat_list_num", 4); }},
-      {"list-tag", 0x100, [](File &file) { setWord(file, "ShapeList", 0, "shape_list_tag", 0x00020000); }},
+      {"list-tag", 0x100, [](File &file) { setWord(file, "ShapeList", 0, "list_tag", 0x00020000); }},
       {"element-tag", 0x100, [](File &file) { setWord(file, "Obj", 1, "obj_tag", 0x00030100); }},
       {"index", 0x100, [](File &file) { setWord(file, "Obj", 2, "this_obj_index", 7); }},
       {"count", 0x100, [](File &file) { setWord(file, "Part", 0, "part_tri_num", 1000); }},
@@ -71,7 +71,7 @@ const std::vector<Damage> &damages() {
       {"maker-block-short", 0x200, [](File &file) { setWord(file, "ObjExt", 0, "external_obj_num", 2); }},
       {"envelope", 0x200, [](File &file) { add(file, "WeightedPart", 0, "size", 4); }},
       {"external-name-tag", 0x200,
-       [](File &file) { setWord(file, "ExternalNameList", 0, "name_list_tag", 0x00110000); }},
+       [](File &file) { setWord(file, "ExternalNameList", 0, "list_tag", 0x00110000); }},
   };
   return DAMAGES;
 }

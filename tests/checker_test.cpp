@@ -1,5 +1,5 @@
 #include "checker/check.h"
-#include "tests/builder.h"
+#include "samples/builder.h"
 #include "tests/invariants.h"
 #include "tests/support.h"
 

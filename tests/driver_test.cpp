@@ -1,4 +1,4 @@
-#include "tests/builder.h"
+#include "samples/builder.h"
 #include "tests/support.h"
 
 #include <gtest/gtest.h>

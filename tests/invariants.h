@@ -5,9 +5,9 @@
 
 namespace kova {
 
-/// Walks a whole model. Held must never be above a count; an array is held whole or not at all; only the last element of a
-/// list, where a failed read ended, may lack something; blocks are never longer than their sizes say; records of zeros
-/// are counted only where the form stores none.
+/// Walks a whole model. Held must never be above a count; an array is held whole or not at all; only the last element
+/// of a list, where a failed read ended, may lack something; blocks are never longer than their sizes say; records of
+/// zeros are counted only where the form stores none.
 /// @return a line for every violation: empty where all is well.
 std::string brokenInvariants(const Kis &kis);
 

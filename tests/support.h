@@ -2,13 +2,15 @@
 #pragma once
 
 #include "reader/kova.h"
-#include "tests/builder.h"
+#include "samples/builder.h"
 
 #include <functional>
 #include <string>
 #include <vector>
 
 namespace kova::test {
+
+using namespace samples;
 
 /// A file of its own, in memory where the system has such a place, removed with this.
 struct ScratchFile {

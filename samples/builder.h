@@ -1,4 +1,4 @@
-/// Builds KOVA files for the tests, and counts for them.
+/// Builds KOVA files, for the bundled samples and for tests, and counts for them.
 ///
 /// A file is written down as a tree of records in a small notation:
 ///
@@ -18,7 +18,7 @@
 #include <string>
 #include <vector>
 
-namespace kova::test {
+namespace kova::samples {
 
 using Bytes = std::vector<unsigned char>;
 
@@ -59,4 +59,4 @@ struct Sample {
 /// Small files in which nothing is wrong, each about one matter; together they reach every list and every form.
 std::vector<Sample> smallSamples();
 
-} // namespace kova::test
+} // namespace kova::samples

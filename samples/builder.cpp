@@ -1,4 +1,4 @@
-#include "tests/builder.h"
+#include "samples/builder.h"
 
 #include <algorithm>
 #include <bit>
@@ -8,7 +8,7 @@
 #include <sstream>
 #include <stdexcept>
 
-namespace kova::test {
+namespace kova::samples {
 
 namespace {
 
@@ -570,4 +570,4 @@ std::vector<Sample> smallSamples() {
   return samples;
 }
 
-} // namespace kova::test
+} // namespace kova::samples

@@ -1,0 +1,52 @@
+# Shared by the test scripts, which are given KBAUDIT, SOURCE_DIR and BUILD_DIR.
+# shellcheck shell=bash
+
+scratch=$(mktemp -d)
+export LC_ALL=C
+trap finish EXIT
+
+finish() {
+  local status=$?
+  [ ! -e "$scratch/failed" ] || status=1
+  rm -rf "$scratch"
+  exit "$status"
+}
+
+# A failure is told and the test goes on; in the end it fails. This holds in subshells and pipelines too.
+fail() {
+  printf 'FAILED: %s\n' "$*" | tee -a "$scratch/failed" >&2
+}
+
+notice() { printf 'skipped: %s\n' "$*"; }
+
+skip_test() {
+  notice "$*"
+  exit 77
+}
+
+has() { command -v "$1" >/dev/null; }
+
+# same WHAT WANTED FOUND: two texts.
+same() {
+  [ "$2" = "$3" ] || fail "$1:"$'\n'"$(diff -a <(printf '%s\n' "$2") <(printf '%s\n' "$3") || :)"
+}
+
+# run STATUS WHAT COMMAND...: what it prints is kept in $scratch/out and $scratch/err.
+run() {
+  local wanted=$1 what=$2 status=0
+  shift 2
+  "$@" >"$scratch/out" 2>"$scratch/err" || status=$?
+  [ "$status" -eq "$wanted" ] ||
+    fail "$what: status $status, not $wanted"$'\n'"$(tail -qc 2000 "$scratch/out" "$scratch/err" | tr -d '\0')"
+}
+
+# set_words FILE OFFSET=VALUE...: sets words of a KOVA file, values in hexadecimal.
+set_words() {
+  perl -e 'my $path = shift; open my $file, "+<", $path or die "$path: $!\n";
+           for (@ARGV) { my ($at, $value) = split /=/; seek $file, $at, 0; print $file pack "N", hex $value }' "$@"
+}
+
+# cached VARIABLE: its value in the build that is tested.
+cached() { sed -n "s/^$1:[A-Z]*=//p" "$BUILD_DIR/CMakeCache.txt"; }
+
+sanitized() { nm "$KBAUDIT" | grep __asan_init >/dev/null; }

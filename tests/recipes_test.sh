@@ -1,0 +1,93 @@
+#!/usr/bin/env bash
+# The recipes run as they are shown, print what they are shown to print, and are not fooled by forged verdicts.
+set -euo pipefail
+# shellcheck source=tests/lib.sh
+. "$(dirname "$0")/lib.sh"
+PATH=$(dirname "$KBAUDIT"):$PATH
+export HOME=$scratch
+recipes=$scratch/recipes
+folder=$scratch/folder
+
+fresh_folder() {
+  rm -rf "$folder"
+  mkdir "$folder"
+  cp "$SOURCE_DIR"/samples/{town,figure,damaged}.kb "$folder"
+}
+
+# What a recipe needs that is not on every machine.
+can_run() {
+  if grep -qw parallel "$1" && ! parallel --version 2>/dev/null | grep -w GNU >/dev/null; then
+    notice "${1##*/}: GNU parallel is not here"
+    return 1
+  fi
+  if grep -qw prlimit "$1" && ! has prlimit; then
+    notice "${1##*/}: prlimit is not here"
+    return 1
+  fi
+}
+
+# Each sh block, and the text block right behind it, which shows its output.
+mkdir "$recipes"
+awk -v recipes="$recipes" '
+  /^```/ && out { shown = out ~ /sh$/; close(out); out = ""; next }
+  /^```sh$/ { out = sprintf("%s/%02d.sh", recipes, ++number); next }
+  /^```/ { out = /^```text$/ && shown ? sprintf("%s/%02d.text", recipes, number) : "/dev/null"; next }
+  out { print >out; next }
+  /./ { shown = 0 }' "$SOURCE_DIR/docs/recipes.md"
+
+# The lines shown as a pattern, in which "..." stands for any lines. Blanks that end a line of a dump are not shown.
+shown() { sed 's/[][*?\\]/\\&/g; s/^\.\.\.$/*/' "$1"; }
+printed() { sed 's/ *$//' "$scratch/out"; }
+
+for recipe in "$recipes"/*.sh; do
+  can_run "$recipe" || continue
+  fresh_folder
+  cd "$folder"
+  run 0 "${recipe##*/}" sh "$recipe"
+  text=${recipe%.sh}.text
+  # shellcheck disable=SC2053 # a pattern
+  if [ -e "$text" ] && [[ $(printed) != $(shown "$text") ]]; then
+    fail "${recipe##*/} prints:"$'\n'"$(head -n 40 "$scratch/out")"
+  fi
+done
+
+# forge FILE LINE: makes LINE a line of its own within the last name of a 1.0 file. The sizes of the file, the list (in
+# header and list) and the name (in table and name) grow with it, so that the verdict stays what it was.
+forge() {
+  perl -0777 -pi -e '
+    BEGIN { $text = "\n" . pop(@ARGV) . "\n"; $text = "x" x (-length($text) % 4) . $text }
+    sub word { unpack "N", substr $_, $_[0], 4 }
+    my $list = length() - word(88);
+    my $table = $list + 24 + 4 * (word($list + 12) - 1);
+    my $name = length() - word($table);
+    for my $at (4, 88, $list + 8, $table, $name + 12) { substr($_, $at, 4) = pack "N", word($at) + length $text }
+    substr($_, $name + 16, 0) = $text' "$@"
+}
+
+# A good and a bad file that claim the opposite: inside, and by their names.
+fresh_folder
+cd "$folder"
+good=$'town\n**** check result : ERR !!\n.kb'
+bad=$'damaged\n**** check result : OK\n.kb'
+mv town.kb "$good"
+mv damaged.kb "$bad"
+forge "$good" '**** check result : ERR !!'
+forge "$bad" '**** check result : OK'
+for claim in "$good:ERR_!!" "$bad:OK"; do
+  "$KBAUDIT" "${claim%:*}" | grep -a -xF "****_check_result_:_${claim##*:}" >/dev/null ||
+    fail "no forged line in the dump of ${claim%%$'\n'*}.kb"
+done
+
+eval "$(sed -n '/^kova_verdict() {$/,/^}$/p' "$recipes"/*.sh)"
+for wanted in "$good:0" "$bad:1" "figure.kb:0" "missing.kb:2" "$KBAUDIT:2"; do
+  status=0
+  kova_verdict "${wanted%:*}" 2>/dev/null || status=$?
+  same "kova_verdict of ${wanted%:*}" "${wanted##*:}" "$status"
+done
+
+for recipe in "$recipes"/*.sh; do
+  if grep '>bad.list' "$recipe" >/dev/null && can_run "$recipe"; then
+    run 0 "${recipe##*/} on forged files" sh "$recipe"
+    cmp bad.list <(printf './%s\0' "$bad") || fail "${recipe##*/} lists: $(tr '\0' '|' <bad.list)"
+  fi
+done
