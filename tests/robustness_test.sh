@@ -75,16 +75,76 @@ fi
 
 with_little_stack() (
   ulimit -s 256
-  "$@"
+  audit "$1"
 )
+opened() { audit /dev/stdin <"$1"; }
+with() { env "$1" "$KBAUDIT" "$2"; }
 
-locales=$(locale -a 2>/dev/null | grep -iE '^(de|fr|tr|ja)_' | head -n 4 || :)
-[ -n "$locales" ] || notice "a locale with a decimal comma: none is here"
-for sample in town figure damaged; do
-  run 0 "$sample" audit "$sample.kb"
-  mv out wanted.out
-  mv err wanted.err
-  for setting in MALLOC_PERTURB_=0 MALLOC_PERTURB_=170 LC_ALL=C LC_ALL=C.UTF-8 ${locales:+${locales//[!$'\n']*/}} stack; do
-    :
+# What was printed, with one file name for all.
+printed() { sed 's/^\(\*\*\*\* File Name    : \).*/\1x/' out err; }
+
+ways=(with_little_stack opened "with MALLOC_PERTURB_=0" "with MALLOC_PERTURB_=170")
+locales=$(locale -a 2>/dev/null | grep -iE '^(C\.|de_|fr_|ja_|tr_)' || :)
+for locale in $locales; do
+  ways+=("with LC_ALL=$locale")
+done
+[[ $locales == *_* ]] || notice "locales with a decimal comma: none is here"
+
+for sample in town.kb figure.kb damaged.kb; do
+  run 0 "$sample" audit "$sample"
+  printed >wanted
+  for way in "${ways[@]}"; do
+    read -ra command <<<"$way"
+    run 0 "$sample by $way" "${command[@]}" "$sample"
+    printed | cmp - wanted || fail "$sample by $way: another output"
   done
+done
+
+# --- What is no regular file, or no file of this size ---
+
+: >empty.kb
+: >unreadable.kb
+chmod 000 unreadable.kb
+for path in . empty.kb missing.kb town.kb/x /dev/null; do
+  run 255 "$path" audit "$path"
+done
+if [ -r unreadable.kb ]; then
+  notice "an unreadable file: this user reads everything"
+else
+  run 255 unreadable.kb audit unreadable.kb
+fi
+
+piped() { { cat "$1" || :; } | audit /dev/stdin; }
+mkfifo fifo
+through_fifo() {
+  cat "$1" >fifo &
+  audit fifo
+}
+for sample in town.kb figure.kb; do
+  for way in piped through_fifo; do
+    bad "$sample, $way" "$way" "$sample"
+    says err 'Data file size is incorrect - missing data.' "$sample, $way"
+  done
+done
+
+# The file says that it is as long as it is, but for 4 GiB.
+if truncate -s 5G large.kb 2>/dev/null; then
+  run 255 "5 GiB of zeros" audit large.kb
+  dd if=town.kb of=large.kb conv=notrunc status=none
+  set_words large.kb 4=40000000
+  bad "5 GiB" audit large.kb
+  says err 'Data file size is incorrect - extra data.' "5 GiB"
+else
+  notice "a file of 5 GiB: there is no place for it"
+fi
+rm -f large.kb
+
+# --- Output that cannot be written ---
+
+to_full_disk() { audit "$1" >/dev/full; }
+to_nowhere() { audit "$1" <&- >&- 2>&-; }
+cp town.kb scene.kb
+for way in to_full_disk to_nowhere; do
+  run 0 "$way" "$way" scene.kb
+  cmp scene.kb town.kb || fail "$way: the file was changed"
 done

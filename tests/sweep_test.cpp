@@ -25,25 +25,26 @@ std::atomic<long> allocations_left = -1;
 
 } // namespace
 
-void *operator new(std::size_t bytes) {
+// Not inlined: the compiler would take malloc and delete, or new and free, for a mismatched pair.
+[[gnu::noinline]] void *operator new(std::size_t bytes) {
   if (allocations_left >= 0 && allocations_left-- == 0)
     throw std::bad_alloc();
   if (void *const at = std::malloc(bytes != 0 ? bytes : 1))
     return at;
   throw std::bad_alloc();
 }
-void *operator new(std::size_t bytes, const std::nothrow_t &) noexcept {
+[[gnu::noinline]] void *operator new(std::size_t bytes, const std::nothrow_t &) noexcept {
   try {
     return operator new(bytes);
   } catch (const std::bad_alloc &) {
     return nullptr;
   }
 }
-void *operator new[](std::size_t bytes) { return operator new(bytes); }
-void operator delete(void *at) noexcept { std::free(at); }
-void operator delete(void *at, std::size_t) noexcept { std::free(at); }
-void operator delete[](void *at) noexcept { std::free(at); }
-void operator delete[](void *at, std::size_t) noexcept { std::free(at); }
+[[gnu::noinline]] void *operator new[](std::size_t bytes) { return operator new(bytes); }
+[[gnu::noinline]] void operator delete(void *at) noexcept { std::free(at); }
+[[gnu::noinline]] void operator delete(void *at, std::size_t) noexcept { std::free(at); }
+[[gnu::noinline]] void operator delete[](void *at) noexcept { std::free(at); }
+[[gnu::noinline]] void operator delete[](void *at, std::size_t) noexcept { std::free(at); }
 
 namespace kova::test {
 

@@ -1,0 +1,18 @@
+/// Uses each part of the library once: loads a file, checks it, saves its dump, and ends with a line that tells version,
+/// verdict and first name.
+
+#include "checker/check.h"
+#include "reader/kova.h"
+#include "textdump/kt.h"
+
+int main(int argc, char **argv) {
+  const kova::KisHandle kis = kova::kvNewKis();
+  if (argc != 3 || !kis || !kova::kvOpenKb(argv[1], *kis))
+    return 1;
+  int good = kova::checkKOVA1(*kis);
+  if (kova::kvKOVAver(kis->file_header) == kova::VERSION_2)
+    good *= kova::checkKOVA2(*kis);
+  const std::string name = kis->name.element.empty() ? "" : kova::kvGetName(kis->name.element.front());
+  std::printf("%s %s %s\n", KOVA_VERSION, good != 0 ? "OK" : "ERR", name.c_str());
+  return kova::kvSaveAsKt(*kis, argv[2]) ? 0 : 1;
+}

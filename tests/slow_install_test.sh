@@ -1,0 +1,151 @@
+#!/usr/bin/env bash
+# What is installed is whole, hardened, shows only the public functions, and serves programs of others.
+set -euo pipefail
+# shellcheck source=tests/lib.sh
+. "$(dirname "$0")/lib.sh"
+
+[ "$(cached CMAKE_BUILD_TYPE)" = Release ] || skip_test "what is installed comes from a Release build"
+[ "$(cached KOVA_INSTALL)" = ON ] || skip_test "installing is switched off in this build"
+! sanitized || skip_test "what is installed comes from a build without sanitizers"
+samples=$SOURCE_DIR/samples
+CMAKE_GENERATOR=$(cached CMAKE_GENERATOR)
+CXX=$(cached CMAKE_CXX_COMPILER)
+export CMAKE_GENERATOR CXX
+
+# --- The tree, moved after it was installed ---
+
+run 0 "cmake --install" cmake --install "$BUILD_DIR" --prefix "$scratch/staged"
+installed=$scratch/installed
+mv "$scratch/staged" "$installed"
+library=$(cd "$(dirname "$(find "$installed" -name libkova.a)")" && pwd)
+version=$(cached CMAKE_PROJECT_VERSION)
+same "files" "$(sort <<END
+bin/kbaudit
+$(cd "$SOURCE_DIR" && printf 'include/kova/%s\n' reader/*.h checker/check.h textdump/kt.h)
+$(printf 'lib/%s\n' libkova.{a,so,"so.${version%%.*}","so.$version"} pkgconfig/kova.pc \
+  cmake/kova/kova{Config,ConfigVersion,Targets,Targets-release}.cmake)
+share/doc/kbaudit/copyright
+share/man/man1/kbaudit.1
+$(cd "$SOURCE_DIR" && printf 'share/kova/%s\n' samples/*.kb)
+END
+)" "$(cd "$installed" && find . ! -type d | sed "s|^\./||; s|^${library#"$installed"/}/|lib/|" | sort)"
+
+program=$installed/bin/kbaudit
+for sample in town figure damaged; do
+  run 0 "installed kbaudit" "$program" "$installed/share/kova/samples/$sample.kb"
+  sed -n '/^<FileHeader> ;/,$p' "$scratch/out" >"$scratch/$sample.txt"
+done
+
+# --- Hardening ---
+
+# hardened FILE PATTERN...
+hardened() {
+  local file=$1 pattern
+  readelf -W -h -l -d --dyn-syms "$file" >"$scratch/elf"
+  shift
+  for pattern in "$@"; do
+    grep -E "$pattern" "$scratch/elf" >/dev/null || fail "${file##*/}: readelf shows no $pattern"
+  done
+}
+everywhere=('Type: +DYN ' 'GNU_RELRO' 'Flags: .*NOW' 'GNU_STACK.* RW ' ' __stack_chk_fail' ' __[a-z]*printf_chk')
+hardened "$program" "${everywhere[@]}" 'Flags: .*PIE'
+hardened "$library/libkova.so" "${everywhere[@]}"
+
+# --- What the shared library shows ---
+
+# Every function marked KOVA_API, and nothing else of this project. Weak and unique symbols of the standard library may be
+# there too: its own templates and inline functions are visible wherever a compiler leaves a copy of them.
+(cd "$SOURCE_DIR" && sed -nE 's/^KOVA_API [^(]*[ *&]([A-Za-z_0-9]+)\(.*/kova::\1/p' {reader,checker,textdump}/*.h) |
+  sort -u >"$scratch/marked"
+nm -D --defined-only -C "$library/libkova.so" | sed 's/^[0-9a-f]* *//' |
+  grep -vE '^[WVu] ((typeinfo|typeinfo name|vtable|VTT|guard variable) for |[^(]* )?(std|__gnu_cxx)::' |
+  sed -E 's/^T (kova::[A-Za-z_0-9]+)(\[abi:cxx11\])?\(.*/\1/' | sort -u >"$scratch/shown"
+[ "$(wc -l <"$scratch/marked")" -gt 100 ] || fail "few functions are marked KOVA_API: $(wc -l <"$scratch/marked")"
+same "marked KOVA_API, and shown by the shared library" "$(cat "$scratch/marked")" "$(cat "$scratch/shown")"
+
+# --- Programs of others ---
+
+# consumer WHAT PROGRAM: says of each sample what is true of it, and dumps it as kbaudit does.
+consumer() {
+  local row sample
+  for row in "town OK brick_wall" "damaged ERR brick_wall" "figure OK cloth_weave"; do
+    sample=${row%% *}
+    run 0 "$1 on $sample" "$2" "$samples/$sample.kb" "$scratch/dump"
+    same "$1 on $sample" "$version ${row#* }" "$(tail -n 1 "$scratch/out")"
+    cmp "$scratch/dump" "$scratch/$sample.txt" || fail "$1 on $sample: another dump than that of kbaudit"
+  done
+}
+
+# built SOURCE FOLDER OPTION...
+built() {
+  run 0 "configuring $2" cmake -S "$1" -B "$scratch/$2" "${@:3}"
+  run 0 "building $2" cmake --build "$scratch/$2" -j 2
+}
+
+theirs=$SOURCE_DIR/tests/consumer
+built "$theirs" package -DCMAKE_PREFIX_PATH="$installed" -DCMAKE_BUILD_TYPE=Debug
+consumer "package, static" "$scratch/package/with_kova"
+consumer "package, shared" "$scratch/package/with_kova_shared"
+run 1 "another major version" cmake -S "$theirs" -B "$scratch/other" -DCMAKE_PREFIX_PATH="$installed" -DWANTED=2.0
+
+built "$theirs" subdirectory -DFROM_SOURCE="$SOURCE_DIR" -DCMAKE_BUILD_TYPE=Debug
+consumer "subdirectory, static" "$scratch/subdirectory/with_kova"
+consumer "subdirectory, shared" "$scratch/subdirectory/with_kova_shared"
+run 0 "installing what includes the project" cmake --install "$scratch/subdirectory" --prefix "$scratch/theirs"
+[ ! -e "$scratch/theirs" ] || fail "whoever includes the project installs it: $(ls -R "$scratch/theirs")"
+
+if has pkg-config; then
+  export PKG_CONFIG_PATH=$library/pkgconfig LD_LIBRARY_PATH=$library
+  read -ra flags < <(pkg-config --cflags --libs kova)
+  run 0 "building with pkg-config" "$CXX" -std=c++20 "$theirs/main.cpp" "${flags[@]}" -o "$scratch/by_pkg_config"
+  consumer "pkg-config" "$scratch/by_pkg_config"
+
+  # The program that the README shows.
+  awk '/^```/ { inside = /cpp$/; next } inside' "$SOURCE_DIR/README.md" >"$scratch/readme.cpp"
+  run 0 "building the README's program" "$CXX" -std=c++20 "$scratch/readme.cpp" "${flags[@]}" -o "$scratch/readme"
+  cd "$scratch"
+  cp "$samples/town.kb" .
+  run 0 "the README's program" "$scratch/readme"
+  unset LD_LIBRARY_PATH
+else
+  notice "pkg-config is not here"
+fi
+
+# --- The examples ---
+
+built "$SOURCE_DIR/examples" examples -DCMAKE_PREFIX_PATH="$installed"
+verdict=$scratch/examples/verdict
+names=$scratch/examples/names
+cd "$samples"
+head -c 46000 town.kb >"$scratch/cut.kb"
+run 0 "verdict on good files" "$verdict" town.kb figure.kb
+same "verdict on good files" $'OK\ttown.kb\nOK\tfigure.kb' "$(cat "$scratch/out")"
+run 1 "verdict" "$verdict" town.kb damaged.kb missing.kb "$scratch/cut.kb" figure.kb
+same "verdict" $'OK\ttown.kb\nERR\tdamaged.kb\nERR\tmissing.kb\nERR\t'"$scratch/cut.kb"$'\nOK\tfigure.kb' "$(cat "$scratch/out")"
+run 2 "verdict on nothing" "$verdict"
+
+run 0 "names of figure.kb" "$names" figure.kb
+same "names of figure.kb" "walker
+  hips
+    spine
+      chest
+        neck
+          head
+        upper_arm_l
+          forearm_l
+            hand_l
+        upper_arm_r
+          forearm_r
+            hand_r
+    thigh_l
+      shin_l
+        foot_l
+    thigh_r
+      shin_r
+        foot_r
+  torso_skin
+  sleeve_l
+  sleeve_r" "$(cat "$scratch/out")"
+run 0 "names of damaged.kb" "$names" damaged.kb
+run 1 "names of a cut file" "$names" "$scratch/cut.kb"
+run 2 "names of nothing" "$names"
