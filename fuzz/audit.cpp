@@ -106,18 +106,20 @@ void auditExtension(const std::uint8_t *data, std::size_t size) {
   Kis kis;
   kis.file_header.version = VERSION_2;
   const std::size_t count = 1 + data[0] / 8 % 4;
-  const Word stated = static_cast<Word>(size - 2) + data[1] % 16 * 4; // may call for more than is held
-  const auto give = [&](auto &record) {
-    record.van_ext_blk_size = stated;
+  const Word held = static_cast<Word>(size - 2);
+  // The last record of a list may hold less than it states: a read ended there.
+  const auto give = [&](auto &record, bool last = true) {
+    record.van_ext_blk_size = last ? held + data[1] % 16 * 4 : held;
     record.ext_blk.words = std::make_unique<ExtBlkWords>();
     record.ext_blk.words->van.resize((size - 2) / sizeof(Word));
-    std::memcpy(record.ext_blk.words->van.data(), data + 2, (size - 2) / sizeof(Word) * sizeof(Word));
+    std::copy_n(data + 2, record.ext_blk.words->van.size() * sizeof(Word),
+                reinterpret_cast<std::uint8_t *>(record.ext_blk.words->van.data()));
   };
   const auto giveAll = [&](auto &list) {
     list.num = static_cast<Word>(count);
     list.element.resize(count);
     for (auto &element : list.element)
-      give(element);
+      give(element, &element == &list.element.back());
   };
   switch (data[0] % 8) {
   case 0:
@@ -144,12 +146,16 @@ void auditExtension(const std::uint8_t *data, std::size_t size) {
     giveAll(kis.tex);
     for (Tex &tex : kis.tex.element) {
       tex.tex_anim = data[1] / 16 % 2;
-      tex.tiles.tex_tile_img_num = data[1] / 32;
+      tex.tiles.tex_tile_img_num = tex.tex_anim * (data[1] / 32);
+      tex.tiles.tex_tile_img_key.resize(tex.tiles.tex_tile_img_num);
+      tex.tiles.tex_tile_img_index.resize(tex.tiles.tex_tile_img_num);
     }
     kvSetupTexExt(kis.tex);
     break;
   case 6:
     giveAll(kis.teximg);
+    for (Teximg &image : kis.teximg.element)
+      image.tex_img_size = image.van_ext_blk_size; // no texels
     kvSetupTeximgExt(kis.teximg);
     break;
   default:
