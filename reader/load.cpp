@@ -23,6 +23,11 @@ std::optional<std::uint64_t> streamLength(std::FILE *stream) {
   return end < 0 ? std::nullopt : std::optional<std::uint64_t>(end);
 }
 
+/// @return the bytes between a place in a stream and its end.
+std::uint64_t bytesAhead(std::uint64_t length, long here) {
+  return length > static_cast<std::uint64_t>(here) ? length - static_cast<std::uint64_t>(here) : 0;
+}
+
 struct Buffer {
   std::unique_ptr<unsigned char[]> bytes;
   std::size_t size = 0;
@@ -41,8 +46,7 @@ void grow(Buffer &buffer, std::size_t capacity) {
 Buffer readBuffer(std::FILE *stream, Word size) {
   constexpr std::size_t FIRST_GUESS = 64 * 1024;
   const std::optional<std::uint64_t> length = streamLength(stream);
-  const std::uint64_t here = length ? static_cast<std::uint64_t>(std::ftell(stream)) : 0;
-  const std::uint64_t ahead = !length ? FIRST_GUESS : *length > here ? *length - here : 0;
+  const std::uint64_t ahead = length ? bytesAhead(*length, std::ftell(stream)) : FIRST_GUESS;
   std::size_t capacity = static_cast<std::size_t>(std::min<std::uint64_t>(size, ahead));
   Buffer buffer;
   for (;;) {
@@ -303,9 +307,20 @@ int kvReadList(std::FILE *stream, Word size, Kis &kis, const char *name) {
   if (size == 0)
     return list->clear(kis);
   try {
-    const Buffer buffer = readBuffer(stream, size);
-    Cursor cursor = cursorOf(buffer);
+    Buffer buffer;
+    ListStream source{stream, std::ftell(stream), nullptr};
+    Cursor cursor;
+    if (const std::optional<std::uint64_t> length = streamLength(stream)) {
+      cursor.size = std::min<std::size_t>(size, bytesAhead(*length, source.begin));
+      source.window = std::make_unique_for_overwrite<unsigned char[]>(std::min<std::size_t>(cursor.size, LIST_WINDOW));
+      cursor.source = &source;
+    } else {
+      buffer = readBuffer(stream, size);
+      cursor = cursorOf(buffer);
+    }
     const int ok = list->read(cursor, kis);
+    if (cursor.source) // whatever its reader made of it, the list ends where the header says
+      std::fseek(stream, source.begin + static_cast<long>(cursor.size), SEEK_SET);
     if (cursor.fault == Fault::past_end)
       std::fprintf(stderr, "%s runs past its end.\n", name);
     return cursor.fault == Fault::no_memory ? sayNoMemory(name) : ok;

@@ -27,7 +27,7 @@ int readTexels(Cursor &cursor, Teximg &image) {
   if (!require(cursor, bytes, 1))
     return 0;
   image.texel.resize(bytes);
-  return copyFileOrder(cursor, image.texel.data(), bytes);
+  return copyFileOrder(cursor, image.texel.data(), bytes) || dropped(image.texel);
 }
 
 } // namespace

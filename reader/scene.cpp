@@ -15,7 +15,8 @@ int readDirLights(Cursor &cursor, Light &light) {
     return 0;
   light.dir_light.resize(count); // dir_a1 and dir_a2, which this form lacks, are 0
   for (DirLight &dir_light : light.dir_light)
-    copyBytes(cursor, &dir_light, DIRECTION_LIGHT_BYTES);
+    if (!copyBytes(cursor, &dir_light, DIRECTION_LIGHT_BYTES))
+      return dropped(light.dir_light);
   return 1;
 }
 

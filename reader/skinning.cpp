@@ -79,11 +79,12 @@ int kvSetupVtxTriNvColor(Cursor &cursor, std::vector<VtxTriNvColor> &destination
     return 0;
   return withinMemory(cursor, [&] {
     destination.resize(static_cast<std::size_t>(count));
-    return readMember(cursor, destination, &VtxTriNvColor::vtx_group_index) &&
-           readMember(cursor, destination, &VtxTriNvColor::vtx_nv_group_index) &&
-           readMember(cursor, destination, &VtxTriNvColor::tri_nv_group_index) &&
-           readMember(cursor, destination, &VtxTriNvColor::vtx_color_group_index) &&
-           readMember(cursor, destination, &VtxTriNvColor::tri_color_group_index);
+    return (readMember(cursor, destination, &VtxTriNvColor::vtx_group_index) &&
+            readMember(cursor, destination, &VtxTriNvColor::vtx_nv_group_index) &&
+            readMember(cursor, destination, &VtxTriNvColor::tri_nv_group_index) &&
+            readMember(cursor, destination, &VtxTriNvColor::vtx_color_group_index) &&
+            readMember(cursor, destination, &VtxTriNvColor::tri_color_group_index)) ||
+           dropped(destination);
   });
 }
 

@@ -23,6 +23,94 @@ void copySwapped(unsigned char *to, const unsigned char *from, std::size_t words
   }
 }
 
+enum class Order : std::uint8_t { host, file };
+
+/// Copies a piece of a list out of memory, where it stands in host order from byte `begin` on; the words up to
+/// `converted_end` were converted, the bytes of an incomplete last word were not.
+void copyPiece(unsigned char *to, const unsigned char *data, std::uint64_t begin, std::size_t bytes,
+               std::uint64_t converted_end, Order order) {
+  if (order == Order::host) {
+    std::memcpy(to, data + begin, bytes);
+    return;
+  }
+  std::size_t done = 0;
+  if (begin % sizeof(Word) == 0 && begin < converted_end) {
+    const std::uint64_t words = std::min<std::uint64_t>(bytes, converted_end - begin) / sizeof(Word);
+    copySwapped(to, data + begin, static_cast<std::size_t>(words));
+    done = static_cast<std::size_t>(words * sizeof(Word));
+  }
+  for (; done < bytes; ++done) { // byte p of the file stands at p ^ 3 of its converted word
+    const std::uint64_t at = begin + done;
+    to[done] = data[at < converted_end ? at ^ 3 : at];
+  }
+}
+
+/// Readers step back within the record that they are at, by no more than this.
+constexpr std::uint64_t STEP_BACK = 64;
+
+/// Moves the window of a stream so that it holds byte `offset` of the list, and what a reader may step back to.
+void moveWindow(ListStream &source, std::uint64_t offset, std::uint64_t size) {
+  if (offset < source.window_begin || offset > source.window_end) {
+    source.window_begin = source.window_end = offset & ~std::uint64_t{3};
+    std::fseek(source.stream, source.begin + static_cast<long>(source.window_begin), SEEK_SET);
+  }
+  const std::uint64_t kept = std::min(STEP_BACK, source.window_end - source.window_begin);
+  unsigned char *const window = source.window.get();
+  std::memmove(window, window + (source.window_end - source.window_begin - kept), kept);
+  source.window_begin = source.window_end - kept;
+  const std::uint64_t wanted = std::min(LIST_WINDOW - kept, size - source.window_end);
+  source.window_end += freadEndianSwap4(window + kept, static_cast<std::size_t>(wanted), source.stream);
+}
+
+/// Reads whole words straight to where they are kept. @return 0 where the stream gives less.
+int readThrough(ListStream &source, unsigned char *to, std::size_t bytes, Order order) {
+  const std::size_t got =
+      order == Order::host ? freadEndianSwap4(to, bytes, source.stream) : std::fread(to, 1, bytes, source.stream);
+  source.window_begin = source.window_end += got;
+  if (got % sizeof(Word) != 0) // the next window is sought, at a whole word
+    source.window_begin = source.window_end = ~std::uint64_t{3};
+  return got == bytes;
+}
+
+int takeFromStream(ListStream &source, std::uint64_t offset, std::uint64_t size, unsigned char *to, std::size_t bytes,
+                   Order order) {
+  while (bytes > 0) {
+    std::size_t piece;
+    if (offset >= source.window_begin && offset < source.window_end) {
+      piece = static_cast<std::size_t>(std::min<std::uint64_t>(bytes, source.window_end - offset));
+      copyPiece(to, source.window.get(), offset - source.window_begin, piece,
+                (size & ~std::uint64_t{3}) - source.window_begin, order);
+    } else if (bytes >= LIST_WINDOW && offset == source.window_end && offset % sizeof(Word) == 0) {
+      piece = bytes / sizeof(Word) * sizeof(Word);
+      if (!readThrough(source, to, piece, order))
+        return 0;
+    } else {
+      moveWindow(source, offset, size);
+      if (offset >= source.window_end)
+        return 0; // the file has become shorter
+      continue;
+    }
+    to += piece;
+    offset += piece;
+    bytes -= piece;
+  }
+  return 1;
+}
+
+/// The one place where bytes leave a list.
+int take(Cursor &cursor, unsigned char *to, std::size_t bytes, Order order) {
+  if (!require(cursor, bytes, 1))
+    return 0;
+  if (bytes == 0) // a cursor past the end has no place to copy nothing from
+    return 1;
+  if (!cursor.source)
+    copyPiece(to, cursor.data, cursor.offset, bytes, cursor.size & ~std::uint64_t{3}, order);
+  else if (!takeFromStream(*cursor.source, cursor.offset, cursor.size, to, bytes, order))
+    return refuse(cursor, Fault::past_end);
+  cursor.offset += bytes;
+  return 1;
+}
+
 Stream openOrSay(const char *path, const char *mode, const char *message) {
   Stream stream(std::fopen(path, mode));
   if (!stream)
@@ -37,7 +125,7 @@ int readPairs(Cursor &cursor, std::vector<Pair> &destination, Word count, First 
     return 0;
   return withinMemory(cursor, [&] {
     destination.resize(count);
-    return readMember(cursor, destination, first) && readMember(cursor, destination, second);
+    return (readMember(cursor, destination, first) && readMember(cursor, destination, second)) || dropped(destination);
   });
 }
 
@@ -96,34 +184,11 @@ Stream kvKtReadOpen(const char *path) { return openOrSay(path, "r", INPUT_OPEN_E
 Stream kvKtWriteOpen(const char *path) { return openOrSay(path, "w", OUTPUT_OPEN_ERROR); }
 
 int copyBytes(Cursor &cursor, void *to, std::size_t bytes) {
-  if (!require(cursor, bytes, 1))
-    return 0;
-  if (bytes > 0) // a cursor past the end has no place to copy nothing from
-    std::memcpy(to, cursor.data + cursor.offset, bytes);
-  cursor.offset += bytes;
-  return 1;
+  return take(cursor, static_cast<unsigned char *>(to), bytes, Order::host);
 }
 
 int copyFileOrder(Cursor &cursor, unsigned char *to, std::size_t bytes) {
-  const std::uint64_t begin = cursor.offset;
-  if (HOST_IS_FILE_ORDER || bytes == 0)
-    return copyBytes(cursor, to, bytes);
-  if (!require(cursor, bytes, 1))
-    return 0;
-  cursor.offset += bytes;
-  // Byte p of the file stands at p ^ 3 of its converted word; the bytes behind the last whole word were not converted.
-  const std::uint64_t converted_end = cursor.size & ~std::uint64_t{3};
-  std::size_t done = 0;
-  if (begin % sizeof(Word) == 0 && begin < converted_end) {
-    const std::uint64_t words = std::min<std::uint64_t>(bytes, converted_end - begin) / sizeof(Word);
-    copySwapped(to, cursor.data + begin, static_cast<std::size_t>(words));
-    done = static_cast<std::size_t>(words * sizeof(Word));
-  }
-  for (; done < bytes; ++done) {
-    const std::uint64_t at = begin + done;
-    to[done] = cursor.data[at < converted_end ? at ^ 3 : at];
-  }
-  return 1;
+  return take(cursor, to, bytes, HOST_IS_FILE_ORDER ? Order::host : Order::file);
 }
 
 int sayNoMemory(const char *list_name) {

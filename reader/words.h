@@ -90,14 +90,29 @@ enum class Fault : std::uint8_t {
   no_memory ///< the memory for what is there cannot be had
 };
 
-/// A byte offset into a buffer of host-order words. Moving it is free, also past the end; a read needs all of its words
-/// inside the buffer, and a read of nothing succeeds wherever the cursor stands.
+/// The bytes that a window of a list holds at most.
+inline constexpr std::uint64_t LIST_WINDOW = 64 * 1024;
+
+/// A list that is read from its stream while it is parsed: a window of it is held, in host order, and long runs go
+/// straight to where they are kept. So a list needs no memory of its own beside that of the model.
+struct ListStream {
+  std::FILE *stream; ///< not owned; stands at the end of the window
+  long begin;        ///< of the list, in the stream
+  std::unique_ptr<unsigned char[]> window;
+  std::uint64_t window_begin = 0; ///< in the list; a multiple of 4
+  std::uint64_t window_end = 0;
+};
+
+/// A byte offset into a list of host-order words, which lies in memory or comes from a stream. Moving it is free, also
+/// past the end; a read needs all of its words inside the list, and a read of nothing succeeds wherever the cursor
+/// stands.
 struct Cursor {
-  const unsigned char *data = nullptr; ///< not owned
-  std::size_t size = 0;                ///< in bytes, as many as were really read
+  const unsigned char *data = nullptr; ///< not owned; the whole list, unless it comes from a stream
+  std::size_t size = 0;                ///< in bytes, as many as are really there
   std::uint64_t offset = 0;            ///< in bytes
   std::uint64_t zeroed = 0;            ///< records handed out so far that a count promised and the form does not store
   Fault fault = Fault::none;           ///< the first refusal
+  ListStream *source = nullptr;        ///< not owned; null for a list in memory
 };
 
 /// @return a cursor at the start of a block of words.
@@ -165,6 +180,12 @@ template <WordRecord Record> void setupFixed(Cursor &cursor, Record &record) {
   copyBytes(cursor, &record, static_cast<std::size_t>(there < sizeof record ? there : sizeof record));
 }
 
+/// Empties a run whose stream gave less than it had promised. @return 0.
+template <class Item> int dropped(std::vector<Item> &run) {
+  run.clear();
+  return 0;
+}
+
 /// Fills `destination` with `count` items of host-order words; all or nothing: a run that is not all there leaves it as
 /// it was. The items are there before memory for them is asked for.
 template <WordRecord Item> int readRun(Cursor &cursor, std::vector<Item> &destination, std::uint64_t count) {
@@ -172,7 +193,7 @@ template <WordRecord Item> int readRun(Cursor &cursor, std::vector<Item> &destin
     return 0;
   return withinMemory(cursor, [&] {
     destination.resize(static_cast<std::size_t>(count));
-    return copyBytes(cursor, destination.data(), destination.size() * sizeof(Item));
+    return copyBytes(cursor, destination.data(), destination.size() * sizeof(Item)) || dropped(destination);
   });
 }
 

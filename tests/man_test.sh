@@ -15,7 +15,9 @@ awk '/^\.SH / { inside = /EXAMPLES/ } !inside { next }
      /^\.nf/ { literal = 1; next } /^\.fi/ { literal = 0; print "" } literal' "$page" |
   { printf '.nf\n.ll 200n\n.pl 1000\n' && cat; } | groff -Tascii |
   awk -v folder="$scratch" 'BEGIN { RS = "" } { print > (folder "/" NR ".sh") }'
-cd "$SOURCE_DIR/samples"
+mkdir "$scratch/folder"
+cd "$scratch/folder"
+cp "$SOURCE_DIR"/samples/{town,damaged}.kb .
 PATH=$(dirname "$KBAUDIT"):$PATH
 if has less; then
   run 0 "first example" sh "$scratch/1.sh"

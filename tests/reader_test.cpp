@@ -365,6 +365,13 @@ TEST(Primitives, ReadWithinTheBuffer) {
   EXPECT_TRUE(result == area.data() + 4 && behind == result);
   EXPECT_EQ(kvReadArea(cursor, area, behind, 8, 2), nullptr);
 
+  Bytes texels(5);
+  const Words packed = {0x01020304, 0x05060708};
+  cursor = cursorOver(packed);
+  cursor.offset = 1;
+  EXPECT_EQ(copyFileOrder(cursor, texels.data(), 5), 1);
+  EXPECT_EQ(texels, (Bytes{2, 3, 4, 5, 6})) << "in file order, also from an odd place";
+
   ExtBlk blk;
   EXPECT_EQ(kvReadExtBlk1(cursor = cursorOver(words), blk, 6, 4), 1);
   EXPECT_EQ(vanExtBlk(blk)[0] * 10 + usrExtBlk(blk)[0], 78u);

@@ -49,17 +49,23 @@ claims=( # most of their sums wrap to what the header has to hold
 )
 endless_pipe() { { cat scene.kb /dev/zero || :; } | with_little_memory /dev/stdin; }
 
+# Memory is asked for by what a file holds, so that no claim comes near the limit.
+bad_and_small() {
+  bad "$@"
+  ! grep -F 'out of memory' err >/dev/null || fail "$1: asks for more memory than the file has bytes"
+}
+
 limits_of_memory() {
   local claim words at
   for claim in "${claims[@]}"; do
     read -ra words <<<"$claim"
     empty_scene "${words[@]}"
-    bad "$claim" with_little_memory scene.kb
+    bad_and_small "$claim" with_little_memory scene.kb
   done
   for at in {16..88..4} {100..132..4}; do
     cp figure.kb scene.kb
     set_words scene.kb "$at=ffffffff"
-    bad "figure.kb with $at=ffffffff" with_little_memory scene.kb
+    bad_and_small "figure.kb with $at=ffffffff" with_little_memory scene.kb
   done
   empty_scene 100 100 92=ffffffff 12=63
   bad "endless pipe" endless_pipe
@@ -120,11 +126,15 @@ through_fifo() {
   cat "$1" >fifo &
   audit fifo
 }
-for sample in town.kb figure.kb; do
-  for way in piped through_fifo; do
+cp figure.kb scene.kb
+set_words scene.kb 4=0 # so long as a pipe is taken to be: only the second opening, which would wait, is left to refuse
+for way in piped through_fifo; do
+  for sample in town.kb figure.kb; do
     bad "$sample, $way" "$way" "$sample"
     says err 'Data file size is incorrect - missing data.' "$sample, $way"
   done
+  bad "scene.kb, $way" "$way" scene.kb
+  same "scene.kb, $way" 'Input File Open Error' "$(cat err)"
 done
 
 # The file says that it is as long as it is, but for 4 GiB.

@@ -1,5 +1,5 @@
-/// Uses each part of the library once: loads a file, checks it, saves its dump, and ends with a line that tells version,
-/// verdict and first name.
+/// Uses each part of the library once: loads a file, checks it, saves its dump, and ends with a line that tells the
+/// version, the verdict and the first name.
 
 #include "checker/check.h"
 #include "reader/kova.h"
