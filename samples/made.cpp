@@ -70,8 +70,7 @@ const std::vector<Damage> &damages() {
       {"maker-block-missing", 0x200, [](File &file) { setWord(file, "Cam", 1, "van_ext_blk_size", 0); }},
       {"maker-block-short", 0x200, [](File &file) { setWord(file, "ObjExt", 0, "external_obj_num", 2); }},
       {"envelope", 0x200, [](File &file) { add(file, "WeightedPart", 0, "size", 4); }},
-      {"external-name-tag", 0x200,
-       [](File &file) { setWord(file, "ExternalNameList", 0, "list_tag", 0x00110000); }},
+      {"external-name-tag", 0x200, [](File &file) { setWord(file, "ExternalNameList", 0, "list_tag", 0x00110000); }},
   };
   return DAMAGES;
 }

@@ -53,12 +53,8 @@ void kvWriteKtAnimGroupFix1(Text &text, const AnimGroup &group, Index number) {
   }
 }
 
-void kvWriteKtAnimList1(Text &text, const AnimList &list) {
-  writeSection(text, ANIM_SECTION, list);
-}
-void kvWriteKtAnimList(Text &text, const AnimList &list) {
-  writeSection(text, ANIM_SECTION, list, writeAnimGroupExt);
-}
+void kvWriteKtAnimList1(Text &text, const AnimList &list) { writeSection(text, ANIM_SECTION, list); }
+void kvWriteKtAnimList(Text &text, const AnimList &list) { writeSection(text, ANIM_SECTION, list, writeAnimGroupExt); }
 
 // --- CollList --------------------------------------------------------------------------------------------------------
 
@@ -111,12 +107,8 @@ void kvWriteKtCollGroupFix1(Text &text, const CollGroup &group, Index number) {
     writeColl(text, coll, position++);
 }
 
-void kvWriteKtCollList1(Text &text, const CollList &list) {
-  writeSection(text, COLL_SECTION, list);
-}
-void kvWriteKtCollList(Text &text, const CollList &list) {
-  kvWriteKtCollList1(text, list);
-}
+void kvWriteKtCollList1(Text &text, const CollList &list) { writeSection(text, COLL_SECTION, list); }
+void kvWriteKtCollList(Text &text, const CollList &list) { kvWriteKtCollList1(text, list); }
 
 // --- SwitchList ------------------------------------------------------------------------------------------------------
 
@@ -131,12 +123,8 @@ void kvWriteKtSwitchFix1(Text &text, const Switch &node, Index number) {
   printEach<"case_dest_index[%d]  %d\n">(text, walked(node.case_node_num, node.case_dest_index));
 }
 
-void kvWriteKtSwitchList1(Text &text, const SwitchList &list) {
-  writeSection(text, SWITCH_SECTION, list);
-}
-void kvWriteKtSwitchList(Text &text, const SwitchList &list) {
-  kvWriteKtSwitchList1(text, list);
-}
+void kvWriteKtSwitchList1(Text &text, const SwitchList &list) { writeSection(text, SWITCH_SECTION, list); }
+void kvWriteKtSwitchList(Text &text, const SwitchList &list) { kvWriteKtSwitchList1(text, list); }
 
 // --- NameList: a line for each name, without blocks and empty lines --------------------------------------------------
 
@@ -174,11 +162,7 @@ void writeNameSection(Text &text, const NameList &list, const char *name) {
   writeListEnd(text, list, name);
 }
 
-void kvWriteKtNameList1(Text &text, const NameList &list) {
-  writeNameSection(text, list, "NameList");
-}
-void kvWriteKtNameList(Text &text, const NameList &list) {
-  kvWriteKtNameList1(text, list);
-}
+void kvWriteKtNameList1(Text &text, const NameList &list) { writeNameSection(text, list, "NameList"); }
+void kvWriteKtNameList(Text &text, const NameList &list) { kvWriteKtNameList1(text, list); }
 
 } // namespace kova

@@ -59,9 +59,7 @@ void kvWriteKtVtxList1(Text &text, const VtxList &list) {
   kvWriteKtVtxListFix1(text, list);
   writeListEnd(text, list, VTX_SECTION);
 }
-void kvWriteKtVtxList(Text &text, const VtxList &list) {
-  kvWriteKtVtxList1(text, list);
-}
+void kvWriteKtVtxList(Text &text, const VtxList &list) { kvWriteKtVtxList1(text, list); }
 
 // --- TriList ---------------------------------------------------------------------------------------------------------
 
@@ -147,12 +145,8 @@ void kvWriteKtTriFix1(Text &text, const Tri &tri, Index number) {
   putRecord<TRI_LINES, TriHead>(text, tri);
 }
 
-void kvWriteKtTriList1(Text &text, const TriList &list) {
-  writeSection(text, TRI_SECTION, list, writeTriGroupEnd);
-}
-void kvWriteKtTriList(Text &text, const TriList &list) {
-  kvWriteKtTriList1(text, list);
-}
+void kvWriteKtTriList1(Text &text, const TriList &list) { writeSection(text, TRI_SECTION, list, writeTriGroupEnd); }
+void kvWriteKtTriList(Text &text, const TriList &list) { kvWriteKtTriList1(text, list); }
 
 // --- ColorList -------------------------------------------------------------------------------------------------------
 
@@ -182,9 +176,7 @@ void kvWriteKtColorList1(Text &text, const ColorList &list) {
   kvWriteKtColorListFix1(text, list);
   writeListEnd(text, list, COLOR_SECTION);
 }
-void kvWriteKtColorList(Text &text, const ColorList &list) {
-  kvWriteKtColorList1(text, list);
-}
+void kvWriteKtColorList(Text &text, const ColorList &list) { kvWriteKtColorList1(text, list); }
 
 // --- VectorList ------------------------------------------------------------------------------------------------------
 
@@ -214,9 +206,7 @@ void kvWriteKtVectorList1(Text &text, const VectorList &list) {
   kvWriteKtVectorListFix1(text, list);
   writeListEnd(text, list, VECTOR_SECTION);
 }
-void kvWriteKtVectorList(Text &text, const VectorList &list) {
-  kvWriteKtVectorList1(text, list);
-}
+void kvWriteKtVectorList(Text &text, const VectorList &list) { kvWriteKtVectorList1(text, list); }
 
 // --- StList ----------------------------------------------------------------------------------------------------------
 
@@ -236,9 +226,7 @@ void kvWriteKtStList1(Text &text, const StList &list) {
   kvWriteKtStListFix1(text, list);
   writeListEnd(text, list, ST_SECTION);
 }
-void kvWriteKtStList(Text &text, const StList &list) {
-  kvWriteKtStList1(text, list);
-}
+void kvWriteKtStList(Text &text, const StList &list) { kvWriteKtStList1(text, list); }
 
 // --- PartList --------------------------------------------------------------------------------------------------------
 
@@ -252,11 +240,7 @@ void kvWriteKtPartFix1(Text &text, const Part &part, Index number) {
   printEach<"tri_index[%d]     %d\n">(text, walked(part.part_tri_num, part.tri_index));
 }
 
-void kvWriteKtPartList1(Text &text, const PartList &list) {
-  writeSection(text, PART_SECTION, list);
-}
-void kvWriteKtPartList(Text &text, const PartList &list) {
-  kvWriteKtPartList1(text, list);
-}
+void kvWriteKtPartList1(Text &text, const PartList &list) { writeSection(text, PART_SECTION, list); }
+void kvWriteKtPartList(Text &text, const PartList &list) { kvWriteKtPartList1(text, list); }
 
 } // namespace kova

@@ -77,13 +77,9 @@ int kvWriteKt1(std::FILE *stream, const Kis &kis) {
   return 1;
 }
 
-int kvOutputKt(const Kis &kis) {
-  return kvWriteKt(stdout, kis);
-}
+int kvOutputKt(const Kis &kis) { return kvWriteKt(stdout, kis); }
 
-int kvOutputKt1(const Kis &kis) {
-  return kvWriteKt1(stdout, kis);
-}
+int kvOutputKt1(const Kis &kis) { return kvWriteKt1(stdout, kis); }
 
 int kvSaveAsKt(const Kis &kis, const char *path) {
   if (kvKOVAver(kis.file_header) == VERSION_1)

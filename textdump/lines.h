@@ -109,9 +109,7 @@ void writeElements(Text &text, Word count, const std::vector<Element> &held,
 }
 
 /// Ends an element that carries no blocks: an empty line.
-template <class Element> void writeEmptyLine(Text &text, const Element &) {
-  print<"\n">(text);
-}
+template <class Element> void writeEmptyLine(Text &text, const Element &) { print<"\n">(text); }
 
 /// Ends an element with its blocks as raw words.
 template <class Record> void writeExtBlk(Text &text, const Record &record) {

@@ -26,12 +26,8 @@ void kvWriteKtMatFix1(Text &text, const Mat &mat, Index number) {
   printEach<"tex_index[%d]   %0#10x\n">(text, walked(mat.tex_num, mat.tex_index));
 }
 
-void kvWriteKtMatList1(Text &text, const MatList &list) {
-  writeSection(text, MAT_SECTION, list);
-}
-void kvWriteKtMatList(Text &text, const MatList &list) {
-  writeSection(text, MAT_SECTION, list, writeMatExt);
-}
+void kvWriteKtMatList1(Text &text, const MatList &list) { writeSection(text, MAT_SECTION, list); }
+void kvWriteKtMatList(Text &text, const MatList &list) { writeSection(text, MAT_SECTION, list, writeMatExt); }
 
 // --- TexList ---------------------------------------------------------------------------------------------------------
 
@@ -65,12 +61,8 @@ void kvWriteKtTexFix1(Text &text, const Tex &tex, Index number) {
     writeTiles(text, tex.tiles);
 }
 
-void kvWriteKtTexList1(Text &text, const TexList &list) {
-  writeSection(text, TEX_SECTION, list);
-}
-void kvWriteKtTexList(Text &text, const TexList &list) {
-  writeSection(text, TEX_SECTION, list, writeTexExt);
-}
+void kvWriteKtTexList1(Text &text, const TexList &list) { writeSection(text, TEX_SECTION, list); }
+void kvWriteKtTexList(Text &text, const TexList &list) { writeSection(text, TEX_SECTION, list, writeTexExt); }
 
 // --- TeximgList: each row of texels begins with a line end, so what ends the image ends the last row -----------------
 

@@ -10,9 +10,7 @@
 namespace kova {
 
 /// A single item as the array of one that the array writers take.
-template <class Item> std::span<const Item> one(const Item &item) {
-  return {&item, 1};
-}
+template <class Item> std::span<const Item> one(const Item &item) { return {&item, 1}; }
 
 /// @return at which word of a record a field stands.
 template <class Record, class Field> consteval std::size_t wordOf(Field Record::*field) {

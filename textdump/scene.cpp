@@ -58,12 +58,8 @@ void kvWriteKtEnvFix1(Text &text, const Env &env, Index number) {
   putRecord<ENV_LINES, EnvHead>(text, env);
 }
 
-void kvWriteKtEnvList1(Text &text, const EnvList &list) {
-  writeSection(text, ENV_SECTION, list);
-}
-void kvWriteKtEnvList(Text &text, const EnvList &list) {
-  kvWriteKtEnvList1(text, list);
-}
+void kvWriteKtEnvList1(Text &text, const EnvList &list) { writeSection(text, ENV_SECTION, list); }
+void kvWriteKtEnvList(Text &text, const EnvList &list) { kvWriteKtEnvList1(text, list); }
 
 // --- CamList ---------------------------------------------------------------------------------------------------------
 
@@ -77,12 +73,8 @@ void kvWriteKtCamFix1(Text &text, const Cam &cam, Index number) {
   putRecord<CAM_LINES, CamHead>(text, cam);
 }
 
-void kvWriteKtCamList1(Text &text, const CamList &list) {
-  writeSection(text, CAM_SECTION, list);
-}
-void kvWriteKtCamList(Text &text, const CamList &list) {
-  writeSection(text, CAM_SECTION, list, writeCamExt);
-}
+void kvWriteKtCamList1(Text &text, const CamList &list) { writeSection(text, CAM_SECTION, list); }
+void kvWriteKtCamList(Text &text, const CamList &list) { writeSection(text, CAM_SECTION, list, writeCamExt); }
 
 // --- LightList -------------------------------------------------------------------------------------------------------
 
@@ -101,12 +93,8 @@ void kvWriteKtLightFix1(Text &text, const Light &light, Index number) {
     writeDirLights<DIR_LIGHT_LINES>(text, light);
 }
 
-void kvWriteKtLightList1(Text &text, const LightList &list) {
-  writeSection(text, LIGHT_SECTION, list);
-}
-void kvWriteKtLightList(Text &text, const LightList &list) {
-  kvWriteKtLightList1(text, list);
-}
+void kvWriteKtLightList1(Text &text, const LightList &list) { writeSection(text, LIGHT_SECTION, list); }
+void kvWriteKtLightList(Text &text, const LightList &list) { kvWriteKtLightList1(text, list); }
 
 // --- ObjList ---------------------------------------------------------------------------------------------------------
 
@@ -123,12 +111,8 @@ void kvWriteKtObjFix1(Text &text, const Obj &obj, Index number) {
     print<"child link    %0#10x\n">(text, link); // without its position, unlike all other arrays
 }
 
-void kvWriteKtObjList1(Text &text, const ObjList &list) {
-  writeSection(text, OBJ_SECTION, list);
-}
-void kvWriteKtObjList(Text &text, const ObjList &list) {
-  writeSection(text, OBJ_SECTION, list, writeObjExt);
-}
+void kvWriteKtObjList1(Text &text, const ObjList &list) { writeSection(text, OBJ_SECTION, list); }
+void kvWriteKtObjList(Text &text, const ObjList &list) { writeSection(text, OBJ_SECTION, list, writeObjExt); }
 
 // --- ShapeList -------------------------------------------------------------------------------------------------------
 
@@ -142,11 +126,7 @@ void kvWriteKtShapeFix1(Text &text, const Shape &shape, Index number) {
   printEach<"shape_part_link[%d]   %d\n">(text, walked(shape.shape_part_num, shape.shape_part_link));
 }
 
-void kvWriteKtShapeList1(Text &text, const ShapeList &list) {
-  writeSection(text, SHAPE_SECTION, list);
-}
-void kvWriteKtShapeList(Text &text, const ShapeList &list) {
-  writeSection(text, SHAPE_SECTION, list, writeShapeExt);
-}
+void kvWriteKtShapeList1(Text &text, const ShapeList &list) { writeSection(text, SHAPE_SECTION, list); }
+void kvWriteKtShapeList(Text &text, const ShapeList &list) { writeSection(text, SHAPE_SECTION, list, writeShapeExt); }
 
 } // namespace kova

@@ -41,9 +41,7 @@ inline char *room(Text &text, std::size_t bytes) {
   return text.buffer.data() + text.used;
 }
 
-inline void advanceTo(Text &text, const char *end) {
-  text.used = static_cast<std::size_t>(end - text.buffer.data());
-}
+inline void advanceTo(Text &text, const char *end) { text.used = static_cast<std::size_t>(end - text.buffer.data()); }
 
 /// Writes bytes of any number, which may be more than the buffer has.
 inline void putBytes(Text &text, const char *bytes, std::size_t count) {
@@ -57,9 +55,7 @@ inline void putBytes(Text &text, const char *bytes, std::size_t count) {
     count -= piece;
   }
 }
-inline void putString(Text &text, const char *string) {
-  putBytes(text, string, std::strlen(string));
-}
+inline void putString(Text &text, const char *string) { putBytes(text, string, std::strlen(string)); }
 
 // --- Format texts ---------------------------------------------------------------------------------------------------
 
@@ -262,9 +258,7 @@ template <const auto &TABLE, std::size_t I> char *putLine(char *at, Word word) {
 template <const auto &TABLE, class Record> void putRecord(Text &text, const Record &record) {
   const auto words = std::bit_cast<std::array<Word, TABLE.size()>>(record);
   char *at = room(text, linesRoom<TABLE>());
-  [&]<std::size_t... I>(std::index_sequence<I...>) {
-    ((at = putLine<TABLE, I>(at, words[I])), ...);
-  }
+  [&]<std::size_t... I>(std::index_sequence<I...>) { ((at = putLine<TABLE, I>(at, words[I])), ...); }
   (std::make_index_sequence<TABLE.size()>());
   advanceTo(text, at);
 }

@@ -23,12 +23,8 @@ struct Text {
 };
 
 inline void flush(Text &) {}
-inline void putBytes(Text &text, const char *bytes, std::size_t count) {
-  std::fwrite(bytes, 1, count, text.stream);
-}
-inline void putString(Text &text, const char *string) {
-  std::fputs(string, text.stream);
-}
+inline void putBytes(Text &text, const char *bytes, std::size_t count) { std::fwrite(bytes, 1, count, text.stream); }
+inline void putString(Text &text, const char *string) { std::fputs(string, text.stream); }
 
 template <std::size_t N> struct Format {
   char text[N];
