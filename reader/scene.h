@@ -190,10 +190,9 @@ using LightList = List<Light>;
 using ObjList = List<Obj>;
 using ShapeList = List<Shape>;
 
-/// The list readers. Each takes a cursor at the first word of the list, whose buffer is the list in host order, and
-/// fills the record anew. @return 1, or 0 after a wrong tag ("irregular tag ! ..." on standard error), or 0 with the
-/// cursor's fault set where the list runs past its end or memory cannot be had. What was read before stays in the
-/// record.
+/// The list readers. Each takes a cursor at the first word of the list and fills the record anew. @return 1, or 0 after
+/// a wrong tag ("irregular tag ! ..." on standard error), or 0 with the cursor's fault set where the list runs past its
+/// end or memory cannot be had. What was read before stays in the record.
 KOVA_API int kvSetupSceneList(Cursor &cursor, Scene &scene);
 KOVA_API int kvSetupEnvList(Cursor &cursor, EnvList &list);
 KOVA_API int kvSetupCamList(Cursor &cursor, CamList &list);

@@ -1,8 +1,8 @@
 /// Words, the bounded cursor, and the small pieces that every record of a KOVA file is made of.
 ///
-/// A KOVA file is a sequence of 32-bit big-endian words. A list is read whole into a buffer, converted to host
-/// order, and walked with one cursor that knows where the buffer ends. Nothing else looks at the buffer, so no file
-/// can make a reader look outside what it brought.
+/// A KOVA file is a sequence of 32-bit big-endian words. A list is walked in host order with one cursor that knows
+/// where the list ends, whether it lies in memory or comes from a stream. Nothing else looks at a list's bytes, so no
+/// file can make a reader look outside what it brought.
 #pragma once
 
 #include "reader/export.h"

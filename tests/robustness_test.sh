@@ -91,10 +91,14 @@ printed() { sed 's/^\(\*\*\*\* File Name    : \).*/\1x/' out err; }
 
 ways=(with_little_stack opened "with MALLOC_PERTURB_=0" "with MALLOC_PERTURB_=170")
 locales=$(locale -a 2>/dev/null | grep -iE '^(C\.|de_|fr_|ja_|tr_)' || :)
+if [[ $locales != *_* ]] && mkdir locales && localedef -i de_DE -f UTF-8 ./locales/de_DE.UTF-8 2>/dev/null; then
+  export LOCPATH=$scratch/locales
+  locales+=$'\nde_DE.UTF-8'
+fi
+[[ $locales == *_* ]] || notice "locales with a decimal comma: none is here"
 for locale in $locales; do
   ways+=("with LC_ALL=$locale")
 done
-[[ $locales == *_* ]] || notice "locales with a decimal comma: none is here"
 
 for sample in town.kb figure.kb damaged.kb; do
   run 0 "$sample" audit "$sample"

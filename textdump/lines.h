@@ -40,52 +40,52 @@ inline constexpr auto ELEMENT_TOP_LINES = lines<ElementHead>({
 });
 
 /// "<%s> ;" with 50 dashes behind it, then an empty line.
-KOVA_API void kvWriteKtListName(Text &text, const char *name);
+void kvWriteKtListName(Text &text, const char *name);
 
 /// "</%s>", then an empty line.
-KOVA_API void kvWriteKtListEnd(Text &text, const char *name);
+void kvWriteKtListEnd(Text &text, const char *name);
 
 /// The opener and the lines "list_tag", "header_size" and "list_size" of a version-2 list.
-KOVA_API void kvWriteKtListTop(Text &text, const ListHead &head, const char *name);
+void kvWriteKtListTop(Text &text, const ListHead &head, const char *name);
 
 /// "%s(%d)" with the label and the stored index, then the lines "tag", "this_index", "size" and "name_index".
-KOVA_API void kvWriteKtElementTop(Text &text, const ElementHead &head, const char *label);
+void kvWriteKtElementTop(Text &text, const ElementHead &head, const char *label);
 
 /// A raw-word block: "[%s]", then the words held, at most `bytes` / 4, six to a row.
-KOVA_API void kvWriteKtList(Text &text, std::span<const Word> words, Word bytes, const char *label);
+void kvWriteKtList(Text &text, std::span<const Word> words, Word bytes, const char *label);
 
 /// The blocks of a record: "V_EXT" where `van_size` is not 0, "U_EXT" where `usr_size` is not 0, then an empty line.
-KOVA_API void kvWriteKtExtBlk1(Text &text, const ExtBlk &blk, Word van_size, Word usr_size);
+void kvWriteKtExtBlk1(Text &text, const ExtBlk &blk, Word van_size, Word usr_size);
 
 /// As `kvWriteKtExtBlk1` for a record whose maker block begins with `decoded` bytes that are printed elsewhere: what
 /// follows them is "V_EXT_OTHERS". Sizes are compared unsigned.
-KOVA_API void kvWriteKtExtBlk2(Text &text, const ExtBlk &blk, Word van_size, Word usr_size, Word decoded);
+void kvWriteKtExtBlk2(Text &text, const ExtBlk &blk, Word van_size, Word usr_size, Word decoded);
 
 /// "%s[%d]  %d" for each word, "%s[%d]  %#g" for each float.
-KOVA_API void kvWriteKtArray(Text &text, std::span<const Word> words, const char *label);
-KOVA_API void kvWriteKtArray(Text &text, std::span<const Index> indices, const char *label);
-KOVA_API void kvWriteKtArrayf(Text &text, std::span<const float> floats, const char *label);
+void kvWriteKtArray(Text &text, std::span<const Word> words, const char *label);
+void kvWriteKtArray(Text &text, std::span<const Index> indices, const char *label);
+void kvWriteKtArrayf(Text &text, std::span<const float> floats, const char *label);
 
 /// "%s file name[%d]   %d" for every reference, then "%s name[%d]        %d" for every reference.
-KOVA_API void kvWriteKtExternal(Text &text, std::span<const External> externals, const char *label);
+void kvWriteKtExternal(Text &text, std::span<const External> externals, const char *label);
 
 /// "%s kind[%d]   %0#10x" for every reference, then "%s index[%d]  %d" for every reference.
-KOVA_API void kvWriteKtNodeIndex(Text &text, std::span<const NodeIndex> nodes, const char *label);
+void kvWriteKtNodeIndex(Text &text, std::span<const NodeIndex> nodes, const char *label);
 
 /// "%s red  %#g green %#g blue %#g alpha %#g" and "%s  %#g %#g %#g ; x,y,z".
-KOVA_API void kvWriteKtRGBA(Text &text, const Rgba &colour, const char *label);
-KOVA_API void kvWriteKtXYZ(Text &text, const Xyz &vector, const char *label);
+void kvWriteKtRGBA(Text &text, const Rgba &colour, const char *label);
+void kvWriteKtXYZ(Text &text, const Xyz &vector, const char *label);
 
 /// Keyframes. The heading of a scale key has no line end: its interpolation type continues the line.
-KOVA_API void kvWriteKtRotateX(Text &text, std::span<const RotateE> keys, const char *label);
-KOVA_API void kvWriteKtUniqScale(Text &text, std::span<const Scale> keys, const char *label);
-KOVA_API void kvWriteKtPrimColorAnim(Text &text, std::span<const PrimColorAnim> keys, const char *label);
+void kvWriteKtRotateX(Text &text, std::span<const RotateE> keys, const char *label);
+void kvWriteKtUniqScale(Text &text, std::span<const Scale> keys, const char *label);
+void kvWriteKtPrimColorAnim(Text &text, std::span<const PrimColorAnim> keys, const char *label);
 
 /// The file-header section of a 2.0 dump and of a 1.0 dump, and what both begin with: the opener and the 25 header
 /// lines.
-KOVA_API void kvWriteKtFileHeader(Text &text, const FileHeader &header);
-KOVA_API void kvWriteKtFileHeader1(Text &text, const FileHeader &header);
-KOVA_API void kvWriteKtFileHeaderFix1(Text &text, const FileHeader &header);
+void kvWriteKtFileHeader(Text &text, const FileHeader &header);
+void kvWriteKtFileHeader1(Text &text, const FileHeader &header);
+void kvWriteKtFileHeaderFix1(Text &text, const FileHeader &header);
 
 // --- Sections of the version-1 lists --------------------------------------------------------------------------------
 
