@@ -95,7 +95,8 @@ int main(int argc, char **argv) {
     std::fputs("Usage: compare FAST SLOW [folder]\n", stderr);
     return 1;
   }
-  const std::string folder = (argc > 3 ? argv[3] : "/dev/shm") + std::string("/kova-compare-");
+  std::string folder = argc > 3 ? argv[3] : "/dev/shm";
+  folder += "/kova-compare-";
   const Files files = {folder + "scene.kb", folder + "fast.txt", folder + "slow.txt", folder + "copy.txt"};
   std::puts("| workload | file MB | text MB | against fprintf | against cat | peak / file |\n"
             "|---|---|---|---|---|---|");
