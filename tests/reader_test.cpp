@@ -147,7 +147,7 @@ TEST(Reader, TestsTheTagsOfElements) {
 TEST(Reader, SaysWhichListRunsPastItsEnd) {
   const File good = goodFile2();
   for (const char *const list : kvListNames())
-    for (const std::size_t less : {0, 1, 4}) {
+    for (const Word less : {0U, 1U, 4U}) {
       const Loaded loaded = readList(good, list, listSize(good, list) - less);
       EXPECT_EQ(loaded.ok, less == 0 ? 1 : 0);
       EXPECT_EQ(loaded.errors, less == 0 ? "" : std::string(list) + " runs past its end.\n");
@@ -172,7 +172,7 @@ TEST(Reader, GoesOnBehindAnOddNumberOfTexels) {
 // --- Version 2.0 ----------------------------------------------------------------------------------------------------
 
 TEST(Reader, FindsTheVersion2ListsThroughTheMakerBlock) {
-  for (const Word bytes : {4, 32, 36, 40}) {
+  for (const Word bytes : {4U, 32U, 36U, 40U}) {
     const Loaded loaded = load(0x200, "FileHeader V=" + std::to_string(bytes) + " CiImgList { CiImg }");
     EXPECT_EQ(loaded.ok, 1);
     EXPECT_EQ(loaded.errors, "");
