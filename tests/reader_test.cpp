@@ -260,7 +260,7 @@ TEST(Reader, KeepsSizesConsistentAfterAnEdit) {
     }
   EXPECT_EQ(grown(0, 0x00010000), "size scene_list_num scene_size ");
   EXPECT_EQ(grown(0, 0x00060100), "size vector_list_num vector_list_size tri_nv_group_size[0] tri_nv_group_size ");
-  for (const Word tag : {0x00010100, 0x00050200, 0x00060200, 0x000d1000, 0})
+  for (const Word tag : {0x00010100U, 0x00050200U, 0x00060200U, 0x000d1000U, 0U})
     EXPECT_EQ(grown(0, tag), "size ") << tag;
 }
 
