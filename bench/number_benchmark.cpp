@@ -47,7 +47,7 @@ void run(benchmark::State &state, const std::vector<Number> &numbers, Write form
   for (auto _ : state)
     for (const Number number : numbers)
       benchmark::DoNotOptimize(format(text.data(), number));
-  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * numbers.size()));
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(numbers.size()));
 }
 
 template <class Number> auto printed(const char *format) {
