@@ -226,7 +226,10 @@ TEST(SlowSweep, EveryWord) {
 
 TEST(SlowSweep, EveryAllocation) {
   std::size_t failures = 0;
-  for (const Sample &sample : smallSamples()) {
+  std::vector<Sample> samples = smallSamples();
+  samples.push_back({"everything of 1.0", goodFile1()});
+  samples.push_back({"everything of 2.0", goodFile2()});
+  for (const Sample &sample : samples) {
     const ScratchFile file(sample.file.bytes);
     for (long k = 0;; ++k) {
       KisHandle kis;
