@@ -55,19 +55,36 @@ double median(std::vector<double> values) {
   return values[values.size() / 2];
 }
 
-std::string contents(const std::string &path) {
-  std::ifstream stream(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 struct Files {
   std::string scene, fast_text, slow_text, copy;
 };
 
-bool sameText(const Files &files) {
-  const std::string text = contents(files.fast_text);
-  return !text.empty() && text == contents(files.slow_text);
+/// The files are made and compared in a process of their own: what a process has held before it starts another one
+/// counts among the other's peak memory.
+template <class Work> int apart(Work work) {
+  const pid_t child = ::fork();
+  if (child == 0)
+    ::_exit(work() ? 0 : 1);
+  int status = 0;
+  return child > 0 && ::waitpid(child, &status, 0) == child && status == 0;
 }
+
+bool makeScene(const kova::bench::Workload &workload, const std::string &path) {
+  const std::vector<unsigned char> scene = workload.make();
+  std::ofstream file(path, std::ios::binary);
+  file.write(reinterpret_cast<const char *>(scene.data()), static_cast<std::streamsize>(scene.size()));
+  file.close();
+  return !file.fail();
+}
+
+bool sameText(const Files &files) {
+  std::ifstream fast(files.fast_text, std::ios::binary);
+  std::ifstream slow(files.slow_text, std::ios::binary);
+  using Bytes = std::istreambuf_iterator<char>;
+  return fast.peek() != EOF && std::equal(Bytes(fast), Bytes(), Bytes(slow), Bytes());
+}
+
+double sizeOf(const std::string &path) { return static_cast<double>(std::ifstream(path, std::ios::ate).tellg()); }
 
 void measure(const kova::bench::Workload &workload, const char *fast, const char *slow, const Files &files,
              double scene_bytes, double text_bytes) {
@@ -102,23 +119,19 @@ int main(int argc, char **argv) {
             "|---|---|---|---|---|---|");
   int status = 0;
   for (const kova::bench::Workload &workload : kova::bench::WORKLOADS) {
-    double scene_bytes = 0;
-    {
-      const std::vector<unsigned char> scene = workload.make();
-      std::ofstream(files.scene, std::ios::binary)
-          .write(reinterpret_cast<const char *>(scene.data()), static_cast<std::streamsize>(scene.size()));
-      scene_bytes = static_cast<double>(scene.size());
+    if (!apart([&] { return makeScene(workload, files.scene); })) {
+      std::fprintf(stderr, "%s cannot be made\n", files.scene.c_str());
+      return 1;
     }
     run(argv[1], files.scene, files.fast_text.c_str());
     run(argv[2], files.scene, files.slow_text.c_str());
-    if (!sameText(files)) {
+    if (!apart([&] { return sameText(files); })) {
       std::printf("%s: the two programs write different texts\n", workload.name);
       status = 1;
       continue;
     }
     ::unlink(files.slow_text.c_str());
-    const double text_bytes = static_cast<double>(std::ifstream(files.fast_text, std::ios::ate).tellg());
-    measure(workload, argv[1], argv[2], files, scene_bytes, text_bytes);
+    measure(workload, argv[1], argv[2], files, sizeOf(files.scene), sizeOf(files.fast_text));
   }
   for (const std::string &path : {files.scene, files.fast_text, files.slow_text, files.copy})
     ::unlink(path.c_str());

@@ -46,7 +46,7 @@ void kvWriteKtList(Text &text, std::span<const Word> words, Word bytes, const ch
   print<"[">(text);
   printBehind<"]\n">(text, label);
   words = words.first(walked(bytes / 4, words.size()));
-  eachRow(words, WORDS_TO_A_ROW, [&text](std::span<const Word> row) {
+  eachRow<WORDS_TO_A_ROW>(words, [&text](auto row) {
     printRow<"%0#10x  ">(text, row);
     print<"\n">(text);
   });

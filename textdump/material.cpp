@@ -72,7 +72,7 @@ constexpr std::size_t TEXELS_TO_A_ROW = 12;
 
 void writeTexels(Text &text, std::span<const unsigned char> texels) {
   print<"TexImgData">(text);
-  eachRow(texels, TEXELS_TO_A_ROW, [&text](std::span<const unsigned char> row) {
+  eachRow<TEXELS_TO_A_ROW>(texels, [&text](auto row) {
     print<"\n">(text);
     printRow<"%0#4x ">(text, row);
   });

@@ -186,20 +186,19 @@ template <Format FORMAT, class... Numbers> void printBehind(Text &text, std::str
   advanceTo(text, putFormat<FORMAT>(at + label.size(), numbers...));
 }
 
-/// Writes a short run of numbers, each by the same format text, with one test for room: a row of words or of texels.
-template <Format FORMAT, class Number> void printRow(Text &text, std::span<const Number> row) {
+/// Writes a short run of numbers, each by the same format text, with one test for room: a row of words or of texels. A
+/// row whose length is known when this is compiled is written without a loop.
+template <Format FORMAT, class Number, std::size_t N> void printRow(Text &text, std::span<const Number, N> row) {
   char *at = room(text, formatRoom<FORMAT>(1) * row.size() + NUMBER_SLACK);
   for (const Number number : row)
     at = putFormat<FORMAT>(at, number);
   advanceTo(text, at);
 }
 
-/// Calls `write(row)` for the rows of `per_row` items that an array falls into; the last one may be shorter.
-template <class Item, class Write> void eachRow(std::span<const Item> items, std::size_t per_row, Write write) {
-  while (items.size() >= per_row) {
-    write(items.first(per_row));
-    items = items.subspan(per_row);
-  }
+/// Calls `write(row)` for the rows of `PER_ROW` items that an array falls into; the last one may be shorter.
+template <std::size_t PER_ROW, class Item, class Write> void eachRow(std::span<const Item> items, Write write) {
+  for (; items.size() >= PER_ROW; items = items.subspan(PER_ROW))
+    write(items.template first<PER_ROW>());
   if (!items.empty())
     write(items);
 }

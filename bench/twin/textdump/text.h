@@ -44,14 +44,14 @@ template <Format FORMAT, class... Numbers> void printBehind(Text &text, std::str
   std::fprintf(text.stream, FORMAT.text, numbers...);
 }
 
-template <Format FORMAT, class Number> void printRow(Text &text, std::span<const Number> row) {
+template <Format FORMAT, class Number, std::size_t N> void printRow(Text &text, std::span<const Number, N> row) {
   for (const Number number : row)
     std::fprintf(text.stream, FORMAT.text, number);
 }
 
-template <class Item, class Write> void eachRow(std::span<const Item> items, std::size_t per_row, Write write) {
-  for (; !items.empty(); items = items.subspan(std::min(per_row, items.size())))
-    write(items.first(std::min(per_row, items.size())));
+template <std::size_t PER_ROW, class Item, class Write> void eachRow(std::span<const Item> items, Write write) {
+  for (; !items.empty(); items = items.subspan(std::min(PER_ROW, items.size())))
+    write(items.first(std::min(PER_ROW, items.size())));
 }
 
 template <Format FORMAT, class Numbers> void printEach(Text &text, const Numbers &numbers) {
