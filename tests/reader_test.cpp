@@ -77,6 +77,7 @@ TEST(Reader, ChecksTheHeader) {
       {0x200, "FileHeader 0 size 0xffffffff", 0, "file size 616 -1\nData file size is incorrect - missing data.\n"},
       {0x100, "FileHeader 0 file_header_num +4", 0,
        "Incorrect file header size.\nfile size=516,sum of list=520\nSome of list_num data is incorrect.\n"},
+      {0x200, "FileHeader 0 file_header_num +4", 0, "Incorrect file header size.\n"},
       {0x100, "FileHeader 0 switch_list_num +4", 0,
        "file size=516,sum of list=520\nSome of list_num data is incorrect.\n"},
       {0x200, "FileHeader 0 switch_list_num +4", 1, ""},
@@ -273,11 +274,17 @@ TEST(Reader, MakesAnEmptyHandle) {
     EXPECT_EQ(kvSetFilename(name, *kis), 1);
     EXPECT_EQ(kis->file_name, name);
   }
-  kis->ci_img.num = kis->external_name.num = kis->env.num = 4;
-  for (const char *const list : {"CiImgList", "ExternalNameList", "EnvList"})
+  Word *const counts[] = {&kis->ci_img.num,  &kis->color_palette.num, &kis->envelope.num,
+                          &kis->cluster.num, &kis->weight.num,        &kis->chain_root.num,
+                          &kis->joint.num,   &kis->effector.num,      &kis->external_name.num};
+  for (Word *const count : counts)
+    *count = 4;
+  kis->env.num = 4;
+  for (const char *const list : kvListNames()) // a list without bytes is cleared, which does nothing in version 1
     EXPECT_EQ(kvReadList(nullptr, 0, *kis, list), 1);
-  EXPECT_EQ(kis->ci_img.num + kis->external_name.num, 0u);
-  EXPECT_EQ(kis->env.num, 4u) << "the clearers of version 1 do nothing";
+  for (const Word *const count : counts)
+    EXPECT_EQ(*count, 0u);
+  EXPECT_EQ(kis->env.num, 4u);
   EXPECT_EQ(kvSizeofKOVA1file(load(0x100, "").kis.file_header), 584u);
 }
 
@@ -288,6 +295,12 @@ TEST(Reader, TakesOtherThingsThanFiles) {
     return loaded.errors;
   };
   EXPECT_EQ(errors("/no/such/file"), "Input File Open Error\n");
+  EXPECT_EQ(capture([] {
+              Kis kis;
+              kvSetFilename("/no/such/file", kis);
+              EXPECT_EQ(kvOpenKb2Ext(kis), 0) << "gone when it is opened again";
+            }).err,
+            "Input File Open Error\n");
   EXPECT_EQ(errors(""), "Input File Open Error\n");
   const std::string nothing = "       0\nUnknown version number.\nIncorrect file header size.\n";
   EXPECT_EQ(errors("/"), nothing);
