@@ -1,6 +1,6 @@
 #include "bench/large.h"
 
-#include "reader/kova.h"
+#include "kova/kova.h"
 
 #include <array>
 #include <bit>

@@ -1,12 +1,14 @@
-#include "checker/check.h"
+#include "checker/steps.h"
+
+#include <algorithm>
 
 namespace kova {
 
 namespace {
 
 // The entries of a size table that a count takes in: those whose number is below it, compared signed.
-std::span<const Word> counted(std::span<const Word> sizes, Word count) {
-  return shown(count) > 0 ? sizes.first(walked(count, sizes.size())) : std::span<const Word>();
+std::span<const Word> termsOf(std::span<const Word> sizes, Word count) {
+  return shown(count) > 0 ? sizes.first(std::min<std::size_t>(count, sizes.size())) : std::span<const Word>();
 }
 
 Word sumOf(std::span<const Word> sizes) {
@@ -73,7 +75,7 @@ int check_whole_area_size(const char *label, Word declared, Word header, Word el
 
 int check_whole_structured_size(const char *label, Word declared, Word header, std::span<const Word> sizes, Word count,
                                 Word ext1, Word ext2) {
-  const std::span<const Word> terms = counted(sizes, count);
+  const std::span<const Word> terms = termsOf(sizes, count);
   if (declared == header + 4 * count + sumOf(terms) + ext1 + ext2)
     return 1;
   std::printf("%s Some of size data is incorrect. %d != %d + %d * %d", label, shown(declared), shown(header), 4,
@@ -85,8 +87,8 @@ int check_whole_structured_size(const char *label, Word declared, Word header, s
 
 int check_color_list_size(Word declared, Word header, std::span<const Word> sizes1, Word count1,
                           std::span<const Word> sizes2, Word count2, Word ext1, Word ext2) {
-  const std::span<const Word> terms1 = counted(sizes1, count1);
-  const std::span<const Word> terms2 = counted(sizes2, count2);
+  const std::span<const Word> terms1 = termsOf(sizes1, count1);
+  const std::span<const Word> terms2 = termsOf(sizes2, count2);
   if (declared == header + 4 * count1 + 4 * count2 + sumOf(terms1) + sumOf(terms2) + ext1 + ext2)
     return 1;
   std::printf("Some of size data is incorrect. %d != %d + %d * %d + %d * %d", shown(declared), shown(header), 4,

@@ -1,4 +1,6 @@
-#include "checker/check.h"
+#include "checker/steps.h"
+
+#include <algorithm>
 
 namespace kova {
 
@@ -57,8 +59,8 @@ int checkTwoKindList(const char *name, Word list_num, const TwoKindList<ForTri, 
   int ok = checksame("list size", list_num, list.list_size);
   ok *= check_color_list_size(list.list_size, fixedBytes<TwoKindListHead>, list.tri_group_size, list.tri_group_num,
                               list.vtx_group_size, list.vtx_group_num, list.van_ext_blk_size, list.usr_ext_blk_size);
-  ok *= checkElements(list.tri_group_size, walked(list.tri_group_num, list.tri_group), byRow(tri_row));
-  ok *= checkElements(list.vtx_group_size, walked(list.vtx_group_num, list.vtx_group), byRow(vtx_row));
+  ok *= checkElements(list.tri_group_size, counted(list.tri_group_num, list.tri_group), byRow(tri_row));
+  ok *= checkElements(list.vtx_group_size, counted(list.vtx_group_num, list.vtx_group), byRow(vtx_row));
   return ok;
 }
 
@@ -69,9 +71,9 @@ int checkLight(Word number, Word table_size, const Light &light) {
                                number, table_size, light);
   // One label for all of them: it carries the light's number, not the directional light's.
   const Label label = elementLabel("Light", number, ".dirlight size");
-  for (const DirLight &dir_light : walked(light.dir_light_num, light.dir_light))
+  for (const DirLight &dir_light : counted(light.dir_light_num, light.dir_light))
     ok *= checksame(label.text, dir_light.dir_light_size, dir_light_bytes);
-  for (std::size_t i = 0; i < walked(light.dir_light_num, light.zeroed_dir_light_num); ++i)
+  for (std::size_t i = 0; i < std::min(light.dir_light_num, light.zeroed_dir_light_num); ++i)
     ok *= checksame(label.text, 0, dir_light_bytes);
   return ok;
 }
@@ -106,7 +108,7 @@ void warnOfTriGroup(const TriGroup &group) {
   Word expected = fixedBytes<TriGroupHead> + fixedBytes<TriHead> * group.tri_num;
   for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind)
     expected += ref[kind] = refBytes(group, kind);
-  const std::span<const Tri> triangles = walked(group.tri_num, group.tri);
+  const std::span<const Tri> triangles = counted(group.tri_num, group.tri);
   expected += sumofMemberVal(triangles, &Tri::van_ext_blk_size) + sumofMemberVal(triangles, &Tri::usr_ext_blk_size);
   if (group.tri_group_size == expected)
     return;
@@ -188,7 +190,7 @@ int checkVtxList(const Kis &kis) {
 int checkTriList(const Kis &kis) {
   const int ok = checkList("TriList", kis.file_header.tri_list_num, kis.tri,
                            byRow<TriGroup>({"TriGroup", &TriGroup::this_tri_group_index, &TriGroup::tri_group_size}));
-  for (const TriGroup &group : walked(kis.tri.num, kis.tri.element))
+  for (const TriGroup &group : counted(kis.tri.num, kis.tri.element))
     warnOfTriGroup(group);
   return ok;
 }

@@ -1,4 +1,4 @@
-#include "checker/check.h"
+#include "checker/steps.h"
 
 namespace kova {
 
@@ -14,7 +14,7 @@ template <class Head, class Record> Head decoded(const Record &record) {
 // The maker blocks of all records of a list: each against `least`, the bytes of its fixed words.
 template <class Node> int checkFixedExt(const List<Node> &list, Word least, const char *heading, const char *name) {
   checkHeading(heading);
-  return checkElements({}, walked(list.num, list.element), [=](Word number, Word, const Node &node) {
+  return checkElements({}, counted(list.num, list.element), [=](Word number, Word, const Node &node) {
     return checkExtsizeI(node.van_ext_blk_size, least, number, name);
   });
 }
@@ -24,7 +24,7 @@ template <class Node> int checkFixedExt(const List<Node> &list, Word least, cons
 template <class Node, class Required>
 int checkCountedExt(const List<Node> &list, Word least, const char *heading, const char *name, Required required) {
   checkHeading(heading);
-  return checkElements({}, walked(list.num, list.element), [=](Word number, Word, const Node &node) {
+  return checkElements({}, counted(list.num, list.element), [=](Word number, Word, const Node &node) {
     int ok = checkExtsizeI(node.van_ext_blk_size, least, number, name);
     ok *= checkExtsizeI(node.van_ext_blk_size, required(node), number, name);
     return ok;
@@ -65,10 +65,10 @@ template <class Record, class Check> int checkAll(std::span<const Record> record
 int checkEnvelope(Word number, Word table_size, const Envelope &envelope) {
   int ok = checkIndexSize("Envelope", number, table_size, envelope);
 
-  const auto full_weighted_parts = walked(envelope.full_weighted_part_num, envelope.full_weighted_part);
-  const auto weighted_parts = walked(envelope.weighted_part_num, envelope.weighted_part);
-  const auto morph_parts = walked(envelope.morph_part_num, envelope.morph_part);
-  const auto triangles = walked(envelope.envelope_tri_num, envelope.envelope_tri);
+  const auto full_weighted_parts = counted(envelope.full_weighted_part_num, envelope.full_weighted_part);
+  const auto weighted_parts = counted(envelope.weighted_part_num, envelope.weighted_part);
+  const auto morph_parts = counted(envelope.morph_part_num, envelope.morph_part);
+  const auto triangles = counted(envelope.envelope_tri_num, envelope.envelope_tri);
   const Word sum = fixedBytes<EnvelopeHead> + sumofElementSize(full_weighted_parts) + sumofElementSize(weighted_parts) +
                    sumofElementSize(morph_parts) + sumofMemberVal(triangles, &EnvelopeTri::envelope_tri_size) +
                    envelope.van_ext_blk_size + envelope.usr_ext_blk_size;
@@ -104,10 +104,10 @@ int checkClusterShape(Word number, Word table_size, const ClusterShape &shape) {
   }
 
   // These two go by position, where the parts of an envelope go by the index that they store.
-  ok *= checkElements({}, walked(shape.cluster_num, shape.cluster), [](Word j, Word, const Cluster &cluster) {
+  ok *= checkElements({}, counted(shape.cluster_num, shape.cluster), [](Word j, Word, const Cluster &cluster) {
     return checksame(elementLabel("Cluster", j, "").text, cluster.size, fixedBytes<Cluster>);
   });
-  ok *= checkElements({}, walked(shape.cluster_tri_num, shape.cluster_tri), [](Word j, Word, const ClusterTri &tri) {
+  ok *= checkElements({}, counted(shape.cluster_tri_num, shape.cluster_tri), [](Word j, Word, const ClusterTri &tri) {
     return checksame(elementLabel("ClusterTri", j, "").text, tri.cluster_tri_size, fixedBytes<ClusterTri>);
   });
   if (!ok)
@@ -117,21 +117,21 @@ int checkClusterShape(Word number, Word table_size, const ClusterShape &shape) {
 
 struct Version2List {
   const char *name;
-  Word Version2Sizes::*size;
+  Word FileHeader::*size;
   int (*check)(const Kis &);
 };
 
 // In file order.
 constexpr Version2List VERSION_2_LISTS[] = {
-    {"CiImgList", &Version2Sizes::ci_img_list_num, checkCiimgList},
-    {"ColorPaletteList", &Version2Sizes::color_palette_list_num, checkColorPaletteList},
-    {"EnvelopeList", &Version2Sizes::envelope_list_num, checkEnvelopeList},
-    {"ClusterList", &Version2Sizes::cluster_list_num, checkClusterList},
-    {"WeightList", &Version2Sizes::weight_list_num, checkWeightList},
-    {"ChainRootList", &Version2Sizes::chain_root_list_num, checkChainRootList},
-    {"JointList", &Version2Sizes::joint_list_num, checkJointList},
-    {"EffectorList", &Version2Sizes::effector_list_num, checkEffectorList},
-    {"ExternalNameList", &Version2Sizes::external_name_list_num, checkExternalNameList},
+    {"CiImgList", &FileHeader::ci_img_list_num, checkCiimgList},
+    {"ColorPaletteList", &FileHeader::color_palette_list_num, checkColorPaletteList},
+    {"EnvelopeList", &FileHeader::envelope_list_num, checkEnvelopeList},
+    {"ClusterList", &FileHeader::cluster_list_num, checkClusterList},
+    {"WeightList", &FileHeader::weight_list_num, checkWeightList},
+    {"ChainRootList", &FileHeader::chain_root_list_num, checkChainRootList},
+    {"JointList", &FileHeader::joint_list_num, checkJointList},
+    {"EffectorList", &FileHeader::effector_list_num, checkEffectorList},
+    {"ExternalNameList", &FileHeader::external_name_list_num, checkExternalNameList},
 };
 static_assert(sizeof(VERSION_2_LISTS) / sizeof(Version2List) == VERSION_2_SIZES_BYTES / sizeof(Word));
 
@@ -143,7 +143,7 @@ int checkFileHeaderExt(const FileHeader &header) {
 
   Word sum = kvSizeofKOVA1file(header);
   for (const Version2List &list : VERSION_2_LISTS)
-    sum += header.version2.*list.size;
+    sum += header.*list.size;
   if (header.size != sum) {
     std::printf("file size=%d,sum of list=%d\n"
                 "Some of list_num data is incorrect.\n",
@@ -153,18 +153,14 @@ int checkFileHeaderExt(const FileHeader &header) {
 
   // A 2.0 file need not have these lists: a missing one is told, not counted.
   for (const Version2List &list : VERSION_2_LISTS)
-    checkZero(header.version2.*list.size, list.name);
+    checkZero(header.*list.size, list.name);
   return ok;
 }
 
 int checkSceneListExt(const Scene &scene) {
   checkHeading("SceneList Vantor Extension Block");
-  const auto ext = decoded<SceneListExtHead>(scene);
   int ok = checkExtsize(scene.van_ext_blk_size, fixedBytes<SceneListExtHead>);
-  ok *= checkExtsize(scene.van_ext_blk_size,
-                     fixedBytes<SceneListExtHead> + fixedBytes<Index> * ext.scene_chain_root_link_num +
-                         fixedBytes<External> * (ext.external_obj_num + ext.external_env_num + ext.external_cam_num +
-                                                 ext.external_light_num));
+  ok *= checkExtsize(scene.van_ext_blk_size, kvSizeofSceneListExt(decoded<SceneListExtHead>(scene)));
   return ok;
 }
 
@@ -186,11 +182,8 @@ int checkShapeExt(const ShapeList &list) {
 }
 
 int checkMatExt(const MatList &list) {
-  return checkCountedExt(list, fixedBytes<MatExtHead>, "MatNode Vantor Extension Block", "Mat", [](const Mat &mat) {
-    const auto ext = decoded<MatExtHead>(mat);
-    return fixedBytes<MatExtHead> + fixedBytes<External> * ext.external_tex_num +
-           fixedBytes<PrimColorAnim> * (ext.prim_color_anim_num + ext.prim_color_anim_num_for_fog);
-  });
+  return checkCountedExt(list, fixedBytes<MatExtHead>, "MatNode Vantor Extension Block", "Mat",
+                         [](const Mat &mat) { return kvSizeofMatExt(decoded<MatExtHead>(mat)); });
 }
 
 // Asks for less than the block holds: an external texture image has two references and is counted with the 8 bytes of
@@ -202,10 +195,8 @@ int checkTexExt(const TexList &list) {
 }
 
 int checkTeximgExt(const TeximgList &list) {
-  return checkCountedExt(
-      list, fixedBytes<TeximgExtHead>, "TeximgNode Vantor Extension Block", "Teximg", [](const Teximg &image) {
-        return fixedBytes<TeximgExtHead> + fixedBytes<Index> * decoded<TeximgExtHead>(image).mipmap_max_level;
-      });
+  return checkCountedExt(list, fixedBytes<TeximgExtHead>, "TeximgNode Vantor Extension Block", "Teximg",
+                         [](const Teximg &image) { return kvSizeofTeximgExt(decoded<TeximgExtHead>(image)); });
 }
 
 int checkAnimGroupExt(const AnimList &list) {
@@ -214,21 +205,21 @@ int checkAnimGroupExt(const AnimList &list) {
 }
 
 int checkCiimgList(const Kis &kis) {
-  return checkList("CiImgList", kis.file_header.version2.ci_img_list_num, kis.ci_img,
+  return checkList("CiImgList", kis.file_header.ci_img_list_num, kis.ci_img,
                    [](Word number, Word table_size, const CiImgHead &image) {
                      return checkWords("Ciimg", number, table_size, image, kvSizeofPixelIndexArray(image));
                    });
 }
 
 int checkColorPaletteList(const Kis &kis) {
-  return checkList("ColorPaletteList", kis.file_header.version2.color_palette_list_num, kis.color_palette,
+  return checkList("ColorPaletteList", kis.file_header.color_palette_list_num, kis.color_palette,
                    [](Word number, Word table_size, const ColorPaletteHead &palette) {
                      return checkWords("ColorPalette", number, table_size, palette, palette.color_num >> 1);
                    });
 }
 
 int checkEnvelopeList(const Kis &kis) {
-  return checkList("EnvelopeList", kis.file_header.version2.envelope_list_num, kis.envelope, checkEnvelope);
+  return checkList("EnvelopeList", kis.file_header.envelope_list_num, kis.envelope, checkEnvelope);
 }
 
 int checkFullWeightedPart(const FullWeightedPart &part) {
@@ -273,11 +264,11 @@ int checkEnvelopeTri(const EnvelopeTri &tri) {
 }
 
 int checkClusterList(const Kis &kis) {
-  return checkList("ClusterList", kis.file_header.version2.cluster_list_num, kis.cluster, checkClusterShape);
+  return checkList("ClusterList", kis.file_header.cluster_list_num, kis.cluster, checkClusterShape);
 }
 
 int checkWeightList(const Kis &kis) {
-  return checkList("WeightList", kis.file_header.version2.weight_list_num, kis.weight,
+  return checkList("WeightList", kis.file_header.weight_list_num, kis.weight,
                    [](Word number, Word table_size, const WeightGroup &group) {
                      int ok = checkIndexSize("WeightGroup", number, table_size, group);
                      ok *= check_whole_structured_size(elementLabel("WeightGroup", number, "").text, group.size,
@@ -288,21 +279,21 @@ int checkWeightList(const Kis &kis) {
 }
 
 int checkChainRootList(const Kis &kis) {
-  return checkList("ChainRootList", kis.file_header.version2.chain_root_list_num, kis.chain_root,
+  return checkList("ChainRootList", kis.file_header.chain_root_list_num, kis.chain_root,
                    [](Word number, Word table_size, const ChainRootHead &root) {
                      return checkChainNode("ChainRoot", number, table_size, root);
                    });
 }
 
 int checkJointList(const Kis &kis) {
-  return checkList("JointList", kis.file_header.version2.joint_list_num, kis.joint,
+  return checkList("JointList", kis.file_header.joint_list_num, kis.joint,
                    [](Word number, Word table_size, const JointHead &joint) {
                      return checkChainNode("Joint", number, table_size, joint);
                    });
 }
 
 int checkEffectorList(const Kis &kis) {
-  return checkList("EffectorList", kis.file_header.version2.effector_list_num, kis.effector,
+  return checkList("EffectorList", kis.file_header.effector_list_num, kis.effector,
                    [](Word number, Word table_size, const EffectorHead &effector) {
                      return checkChainNode("Effector", number, table_size, effector);
                    });
@@ -313,9 +304,9 @@ int checkExternalNameList(const Kis &kis) {
   const ExternalNameList &list = kis.external_name;
   checkHeading("ExternalNameList");
   int ok = checkTag(list.list_tag, EXTERNAL_NAME_LIST_TAG);
-  ok *= checkListSizes(kis.file_header.version2.external_name_list_num, list, list.num_byte);
+  ok *= checkListSizes(kis.file_header.external_name_list_num, list, list.num_byte);
   ok *=
-      checkElements(list.num_byte, walked(list.num, list.element), [](Word number, Word table_size, const Name &name) {
+      checkElements(list.num_byte, counted(list.num, list.element), [](Word number, Word table_size, const Name &name) {
         int fine = checkTag(name.name_tag, EXTERNAL_NAME_LIST_TAG + ELEMENT_KIND);
         fine *= check_index_size("ExternalName", number, name.this_name_index, table_size, name.name_size);
         return fine;
@@ -334,7 +325,7 @@ int checkKOVA2(const Kis &kis) {
   ok *= checkTeximgExt(kis.teximg);
   ok *= checkAnimGroupExt(kis.anim);
   for (const Version2List &list : VERSION_2_LISTS)
-    if (kis.file_header.version2.*list.size != 0)
+    if (kis.file_header.*list.size != 0)
       ok *= list.check(kis);
   return ok;
 }

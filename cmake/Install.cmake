@@ -5,10 +5,7 @@ set(pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 
 install(TARGETS kbaudit)
 install(TARGETS kova kova_shared EXPORT kovaTargets)
-foreach(wing IN ITEMS reader checker textdump)
-  string(TOUPPER ${wing} list)
-  install(FILES ${PUBLIC_HEADERS_${list}} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kova/${wing}")
-endforeach()
+install(FILES ${PUBLIC_HEADERS} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kova")
 
 install(EXPORT kovaTargets NAMESPACE kova:: DESTINATION "${package_dir}")
 configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/kovaConfig.cmake.in" "${PROJECT_BINARY_DIR}/kovaConfig.cmake"

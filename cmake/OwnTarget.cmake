@@ -6,6 +6,8 @@ endif()
 # Settings that every target of this project shares. A project that includes this one keeps its own say in hardening.
 function(kova_own_target target)
   target_compile_features(${target} PRIVATE cxx_std_20)
+  # The private headers, which are named from here: "reader/lists.h".
+  target_include_directories(${target} PRIVATE "${PROJECT_SOURCE_DIR}")
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF POSITION_INDEPENDENT_CODE ON)
   if(KOVA_DEVELOPER)
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)

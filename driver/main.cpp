@@ -1,8 +1,8 @@
 /// kbaudit: loads a KOVA scene file, checks it, prints the verdict, and writes the text form of what it holds.
 
-#include "checker/check.h"
-#include "reader/kova.h"
-#include "textdump/kt.h"
+#include "kova/check.h"
+#include "kova/kova.h"
+#include "kova/kt.h"
 
 #include <cstdio>
 #include <cstring>

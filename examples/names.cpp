@@ -4,7 +4,7 @@
 ///
 /// Exit status 1 if the file cannot be loaded whole; what could be read is listed all the same.
 
-#include "reader/kova.h"
+#include "kova/kova.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -4,8 +4,8 @@
 ///
 /// Exit status 1 if any file is bad, 2 if no file is named. What is wrong with a file is not told: `kbaudit` tells it.
 
-#include "checker/check.h"
-#include "reader/kova.h"
+#include "kova/check.h"
+#include "kova/kova.h"
 
 #include <cstdio>
 #include <fcntl.h>

@@ -1,12 +1,13 @@
 #include "fuzz/audit.h"
 
-#include "checker/check.h"
-#include "reader/kova.h"
+#include "kova/check.h"
+#include "kova/kova.h"
+#include "kova/kt.h"
 #include "tests/invariants.h"
-#include "textdump/kt.h"
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <unistd.h>
@@ -89,7 +90,8 @@ void auditList(const std::uint8_t *data, std::size_t size) {
   std::array<Word, sizeof(Version2Sizes) / sizeof(Word)> sizes{};
   if (list >= 19)
     sizes[list - 19] = bytes;
-  std::memcpy(&kis.file_header.version2, sizes.data(), sizeof sizes);
+  Version2Sizes &of_lists = kis.file_header;
+  of_lists = std::bit_cast<Version2Sizes>(sizes);
   std::vector<std::uint8_t> copy(data + 1, data + size);
   copy.push_back(0); // a stream over no bytes cannot be opened
   std::FILE *stream = ::fmemopen(copy.data(), copy.size(), "rb");

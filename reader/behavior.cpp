@@ -1,4 +1,8 @@
-#include "reader/behavior.h"
+#include "kova/behavior.h"
+
+#include "reader/elements.h"
+#include "reader/makerblock.h"
+#include "reader/names.h"
 
 #include <algorithm>
 
@@ -112,6 +116,34 @@ std::string kvGetName(const Name &name) {
   } catch (const std::exception &) {
     return {};
   }
+}
+
+int kvSetupRotateE(Cursor &cursor, std::vector<RotateE> &destination, Word count) {
+  return setupRun(cursor, destination, count);
+}
+
+int kvSetupScale(Cursor &cursor, std::vector<Scale> &destination, Word count) {
+  return setupRun(cursor, destination, count);
+}
+
+int kvSetupAnimGroupExt(AnimList &list) {
+  return setupBlocks<AnimGroupExtHead>(list, "AnimList", [](Cursor &cursor, AnimGroupExt &ext, const AnimGroup &) {
+    return setupRun(cursor, ext.rotate_axis, ext.rotate_axis_num) &&
+           kvSetupRotateE(cursor, ext.rotate_x, ext.rotate_x_num) &&
+           kvSetupRotateE(cursor, ext.rotate_y, ext.rotate_y_num) &&
+           kvSetupRotateE(cursor, ext.rotate_z, ext.rotate_z_num) &&
+           setupRun(cursor, ext.orientation_xy, ext.orientation_xy_num) &&
+           setupRun(cursor, ext.translation, ext.translation_num) &&
+           kvSetupScale(cursor, ext.unique_scale, ext.unique_scale_num) &&
+           kvSetupScale(cursor, ext.classic_scale, ext.classic_scale_num);
+  });
+}
+
+Word kvSizeofAnimGroupExt(const AnimGroupExtHead &ext) {
+  return blockBytes<AnimGroupExtHead>(1) + blockBytes<RotateAxis>(ext.rotate_axis_num) +
+         blockBytes<RotateE>(ext.rotate_x_num + ext.rotate_y_num + ext.rotate_z_num) +
+         blockBytes<OrientationXY>(ext.orientation_xy_num) + blockBytes<Translation>(ext.translation_num) +
+         blockBytes<Scale>(ext.unique_scale_num + ext.classic_scale_num);
 }
 
 } // namespace kova

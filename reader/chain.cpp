@@ -1,4 +1,6 @@
-#include "reader/chain.h"
+#include "kova/chain.h"
+
+#include "reader/elements.h"
 
 namespace kova {
 

@@ -1,4 +1,6 @@
-#include "reader/geometry.h"
+#include "kova/geometry.h"
+
+#include "reader/elements.h"
 
 namespace kova {
 

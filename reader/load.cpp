@@ -1,4 +1,8 @@
-#include "reader/kova.h"
+#include "kova/kova.h"
+
+#include "reader/cursor.h"
+#include "reader/lists.h"
+#include "reader/window.h"
 
 #include <algorithm>
 #include <cstring>
@@ -28,49 +32,49 @@ std::uint64_t bytesAhead(std::uint64_t length, long here) {
   return length > static_cast<std::uint64_t>(here) ? length - static_cast<std::uint64_t>(here) : 0;
 }
 
-struct Buffer {
+struct Bytes {
   std::unique_ptr<unsigned char[]> bytes;
   std::size_t size = 0;
 };
 
-Cursor cursorOf(const Buffer &buffer) { return Cursor{buffer.bytes.get(), buffer.size}; }
-
-void grow(Buffer &buffer, std::size_t capacity) {
+void grow(Bytes &held, std::size_t capacity) {
   auto bytes = std::make_unique_for_overwrite<unsigned char[]>(capacity);
-  std::copy_n(buffer.bytes.get(), buffer.size, bytes.get());
-  buffer.bytes = std::move(bytes);
+  std::copy_n(held.bytes.get(), held.size, bytes.get());
+  held.bytes = std::move(bytes);
 }
 
-/// Reads up to `size` bytes from the stream's position and converts them to host order. Memory is asked for by what the
+/// Reads up to `size` bytes from the stream's position, as they stand in the file. Memory is asked for by what the
 /// stream holds; where that cannot be told, by what it has given so far. Throws where memory cannot be had.
-Buffer readBuffer(std::FILE *stream, Word size) {
+Bytes readBytes(std::FILE *stream, Word size) {
   constexpr std::size_t FIRST_GUESS = 64 * 1024;
   const std::optional<std::uint64_t> length = streamLength(stream);
   const std::uint64_t ahead = length ? bytesAhead(*length, std::ftell(stream)) : FIRST_GUESS;
   std::size_t capacity = static_cast<std::size_t>(std::min<std::uint64_t>(size, ahead));
-  Buffer buffer;
+  Bytes held;
   for (;;) {
-    grow(buffer, capacity);
-    buffer.size += freadEndianSwap4(buffer.bytes.get() + buffer.size, capacity - buffer.size, stream);
-    if (length || buffer.size < capacity || capacity == size)
-      return buffer;
+    grow(held, capacity);
+    held.size += std::fread(held.bytes.get() + held.size, 1, capacity - held.size, stream);
+    if (length || held.size < capacity || capacity == size)
+      return held;
     capacity = std::min<std::size_t>(size, 2 * capacity);
   }
 }
 
-// --- The list table -------------------------------------------------------------------------------------------------
+/// A window at the stream's position for a list of `size` bytes, or of as many as are there. A stream whose length
+/// cannot be told (a pipe) is read now, and the window holds all of the list. Throws where memory cannot be had.
+ListWindow windowFor(std::FILE *stream, Word size) {
+  const std::optional<std::uint64_t> length = streamLength(stream);
+  if (!length) {
+    Bytes held = readBytes(stream, size);
+    return {stream, 0, held.size, held.size, std::move(held.bytes), 0, held.size};
+  }
+  const long begin = std::ftell(stream);
+  const std::uint64_t there = std::min<std::uint64_t>(size, bytesAhead(*length, begin));
+  return {stream, static_cast<std::uint64_t>(begin), there, 0,
+          std::make_unique_for_overwrite<unsigned char[]>(std::min<std::uint64_t>(there, WINDOW_BYTES))};
+}
 
-/// What the loader and the size bookkeeping know of a list.
-struct ListRow {
-  const char *name;
-  Word tag;
-  Word FileHeaderHead::*size1; ///< the header word with a version-1 list's size
-  Word Version2Sizes::*size2;  ///< the table entry with a version-2 list's size
-  int (*read)(Cursor &, Kis &);
-  int (*clear)(Kis &);
-  void (*resizeList)(Kis &, Word delta);
-  int (*resizeElement)(Kis &, Word index, Word delta); ///< 0 for an index that no element has
-};
+// --- The readers of the lists ---------------------------------------------------------------------------------------
 
 Word &listSize(ListHead &list) { return list.list_size; }
 Word &listSize(TwoKindListHead &list) { return list.list_size; }
@@ -81,90 +85,94 @@ template <class Element> auto &elements(List<Element> &list) { return list.eleme
 template <class First, class Second> auto &sizeTable(TwoKindList<First, Second> &list) { return list.tri_group_size; }
 template <class First, class Second> auto &elements(TwoKindList<First, Second> &list) { return list.tri_group; }
 
-template <auto RECORD, auto ELEMENT_SIZE> int resizeElement(Kis &kis, Word index, Word delta) {
-  auto &list = kis.*RECORD;
+/// Adds to the size of an element: in its own word, in the size table and in the size of the list.
+template <class Record, class Element>
+bool resizeElement(Record &list, Word Element::*element_size, Word index, Word delta) {
   if (index >= elements(list).size() || index >= sizeTable(list).size())
-    return 0;
+    return false;
   sizeTable(list)[index] += delta;
-  elements(list)[index].*ELEMENT_SIZE += delta;
+  elements(list)[index].*element_size += delta;
   listSize(list) += delta;
-  return 1;
+  return true;
 }
 
-/// Makes a row out of the record in the handle, its reader and clearer, and the size word of its elements (none for the
-/// scene, which has no elements).
-template <auto RECORD, auto READ, auto CLEAR, auto... ELEMENT_SIZE>
-constexpr ListRow row(const char *name, Word tag, Word FileHeaderHead::*size1, Word Version2Sizes::*size2 = nullptr) {
-  ListRow made{name, tag, size1, size2, nullptr, nullptr, nullptr, nullptr};
-  made.read = [](Cursor &cursor, Kis &kis) { return READ(cursor, kis.*RECORD); };
-  made.clear = [](Kis &kis) { return CLEAR(kis.*RECORD); };
-  made.resizeList = [](Kis &kis, Word delta) { listSize(kis.*RECORD) += delta; };
-  if constexpr (sizeof...(ELEMENT_SIZE) == 1)
-    made.resizeElement = &resizeElement<RECORD, ELEMENT_SIZE...>;
-  return made;
-}
-
-using H = FileHeaderHead;
-using V2 = Version2Sizes;
-
-/// The lists in file order, which is neither the order of their tags nor that of the header's words.
-constexpr std::array<ListRow, 28> LISTS = {
-    row<&Kis::scene, kvSetupSceneList, kvSetScene0>("SceneList", SCENE_LIST_TAG, &H::scene_list_num),
-    row<&Kis::env, kvSetupEnvList, kvSetEnv0, &Env::env_size>("EnvList", ENV_LIST_TAG, &H::env_list_num),
-    row<&Kis::cam, kvSetupCamList, kvSetCam0, &Cam::cam_size>("CamList", CAM_LIST_TAG, &H::cam_list_num),
-    row<&Kis::light, kvSetupLightList, kvSetLight0, &Light::light_size>("LightList", LIGHT_LIST_TAG,
-                                                                        &H::light_list_num),
-    row<&Kis::obj, kvSetupObjList, kvSetObj0, &Obj::obj_size>("ObjList", OBJ_LIST_TAG, &H::obj_list_num),
-    row<&Kis::shape, kvSetupShapeList, kvSetShape0, &Shape::shape_size>("ShapeList", SHAPE_LIST_TAG,
-                                                                        &H::shape_list_num),
-    row<&Kis::vtx, kvSetupVtxList, kvSetVtx0, &VtxGroup::vtx_group_size>("VtxList", VTX_LIST_TAG, &H::vtx_list_num),
-    row<&Kis::tri, kvSetupTriList, kvSetTri0, &TriGroup::tri_group_size>("TriList", TRI_LIST_TAG, &H::tri_list_num),
-    row<&Kis::color, kvSetupColorList, kvSetColor0, &TriColorGroup::tri_color_group_size>("ColorList", COLOR_LIST_TAG,
-                                                                                          &H::color_list_num),
-    row<&Kis::vector, kvSetupVectorList, kvSetVector0, &TriNvGroup::tri_nv_group_size>("VectorList", VECTOR_LIST_TAG,
-                                                                                       &H::vector_list_num),
-    row<&Kis::st, kvSetupStList, kvSetSt0, &StGroup::st_group_size>("StList", ST_LIST_TAG, &H::st_list_num),
-    row<&Kis::part, kvSetupPartList, kvSetPart0, &Part::part_size>("PartList", PART_LIST_TAG, &H::part_list_num),
-    row<&Kis::mat, kvSetupMatList, kvSetMat0, &Mat::mat_size>("MatList", MAT_LIST_TAG, &H::mat_list_num),
-    row<&Kis::tex, kvSetupTexList, kvSetTex0, &Tex::tex_size>("TexList", TEX_LIST_TAG, &H::tex_list_num),
-    row<&Kis::teximg, kvSetupTeximgList, kvSetTeximg0, &Teximg::tex_img_size>("TeximgList", TEXIMG_LIST_TAG,
-                                                                              &H::tex_img_list_num),
-    row<&Kis::anim, kvSetupAnimList, kvSetAnim0, &AnimGroup::anim_group_size>("AnimList", ANIM_LIST_TAG,
-                                                                              &H::anim_list_num),
-    row<&Kis::coll, kvSetupCollList, kvSetColl0, &CollGroup::coll_group_size>("CollList", COLL_LIST_TAG,
-                                                                              &H::coll_list_num),
-    row<&Kis::switch_, kvSetupSwitchList, kvSetSwitch0, &Switch::switch_size>("SwitchList", SWITCH_LIST_TAG,
-                                                                              &H::switch_list_num),
-    row<&Kis::name, kvSetupNameList, kvSetName0, &Name::name_size>("NameList", NAME_LIST_TAG, &H::name_list_num),
-    row<&Kis::ci_img, kvSetupCiimgList, kvSetCiimg0, &CiImg::size>("CiImgList", CI_IMG_LIST_TAG, nullptr,
-                                                                   &V2::ci_img_list_num),
-    row<&Kis::color_palette, kvSetupColorPaletteList, kvSetColorPalette0, &ColorPalette::size>(
-        "ColorPaletteList", COLOR_PALETTE_LIST_TAG, nullptr, &V2::color_palette_list_num),
-    row<&Kis::envelope, kvSetupEnvelopeList, kvSetEnvelope0, &Envelope::size>("EnvelopeList", ENVELOPE_LIST_TAG,
-                                                                              nullptr, &V2::envelope_list_num),
-    row<&Kis::cluster, kvSetupClusterList, kvSetCluster0, &ClusterShape::size>("ClusterList", CLUSTER_LIST_TAG, nullptr,
-                                                                               &V2::cluster_list_num),
-    row<&Kis::weight, kvSetupWeightList, kvSetWeight0, &WeightGroup::size>("WeightList", WEIGHT_LIST_TAG, nullptr,
-                                                                           &V2::weight_list_num),
-    row<&Kis::chain_root, kvSetupChainRootList, kvSetChainRoot0, &ChainRoot::size>("ChainRootList", CHAIN_ROOT_LIST_TAG,
-                                                                                   nullptr, &V2::chain_root_list_num),
-    row<&Kis::joint, kvSetupJointList, kvSetJoint0, &Joint::size>("JointList", JOINT_LIST_TAG, nullptr,
-                                                                  &V2::joint_list_num),
-    row<&Kis::effector, kvSetupEffectorList, kvSetEffector0, &Effector::size>("EffectorList", EFFECTOR_LIST_TAG,
-                                                                              nullptr, &V2::effector_list_num),
-    row<&Kis::external_name, kvSetupExternalNameList, kvSetExternalName0, &Name::name_size>(
-        "ExternalNameList", EXTERNAL_NAME_LIST_TAG, nullptr, &V2::external_name_list_num),
+/// What the loader and the size bookkeeping do with a list.
+struct ListReader {
+  const char *list;
+  int (*read)(Cursor &, Kis &);
+  int (*clear)(Kis &);
+  void (*resizeList)(Kis &, Word delta);
+  bool (*resizeElement)(Kis &, Word index, Word delta); ///< false for an index that no element has
 };
 
-Word sizeOf(const ListRow &list, const FileHeader &header) {
-  return list.size1 ? header.*list.size1 : header.version2.*list.size2;
+/// Of the record in the handle, its reader and clearer, and the size word of its elements (none for the scene, which
+/// has no elements).
+template <auto RECORD, auto READ, auto CLEAR, auto... ELEMENT_SIZE> constexpr ListReader listReader(const char *list) {
+  return {list, [](Cursor &cursor, Kis &kis) { return READ(cursor, kis.*RECORD); },
+          [](Kis &kis) { return CLEAR(kis.*RECORD); }, [](Kis &kis, Word delta) { listSize(kis.*RECORD) += delta; },
+          []([[maybe_unused]] Kis &kis, [[maybe_unused]] Word index, [[maybe_unused]] Word delta) {
+            return (resizeElement(kis.*RECORD, ELEMENT_SIZE, index, delta) || ...);
+          }};
 }
 
-/// Reads the lists of one version in file order. The first that fails ends it: where the next one begins is known, but
-/// the format's library gives up here, and the verdict says so.
-int readLists(std::FILE *stream, Kis &kis, bool version2) {
-  for (const ListRow &list : LISTS)
-    if ((list.size2 != nullptr) == version2 && !kvReadList(stream, sizeOf(list, kis.file_header), kis, list.name))
+constexpr auto READERS = inListOrder({
+    listReader<&Kis::scene, kvSetupSceneList, kvSetScene0>("SceneList"),
+    listReader<&Kis::env, kvSetupEnvList, kvSetEnv0, &Env::env_size>("EnvList"),
+    listReader<&Kis::cam, kvSetupCamList, kvSetCam0, &Cam::cam_size>("CamList"),
+    listReader<&Kis::light, kvSetupLightList, kvSetLight0, &Light::light_size>("LightList"),
+    listReader<&Kis::obj, kvSetupObjList, kvSetObj0, &Obj::obj_size>("ObjList"),
+    listReader<&Kis::shape, kvSetupShapeList, kvSetShape0, &Shape::shape_size>("ShapeList"),
+    listReader<&Kis::vtx, kvSetupVtxList, kvSetVtx0, &VtxGroup::vtx_group_size>("VtxList"),
+    listReader<&Kis::tri, kvSetupTriList, kvSetTri0, &TriGroup::tri_group_size>("TriList"),
+    listReader<&Kis::color, kvSetupColorList, kvSetColor0, &TriColorGroup::tri_color_group_size>("ColorList"),
+    listReader<&Kis::vector, kvSetupVectorList, kvSetVector0, &TriNvGroup::tri_nv_group_size>("VectorList"),
+    listReader<&Kis::st, kvSetupStList, kvSetSt0, &StGroup::st_group_size>("StList"),
+    listReader<&Kis::part, kvSetupPartList, kvSetPart0, &Part::part_size>("PartList"),
+    listReader<&Kis::mat, kvSetupMatList, kvSetMat0, &Mat::mat_size>("MatList"),
+    listReader<&Kis::tex, kvSetupTexList, kvSetTex0, &Tex::tex_size>("TexList"),
+    listReader<&Kis::teximg, kvSetupTeximgList, kvSetTeximg0, &Teximg::tex_img_size>("TeximgList"),
+    listReader<&Kis::anim, kvSetupAnimList, kvSetAnim0, &AnimGroup::anim_group_size>("AnimList"),
+    listReader<&Kis::coll, kvSetupCollList, kvSetColl0, &CollGroup::coll_group_size>("CollList"),
+    listReader<&Kis::switch_, kvSetupSwitchList, kvSetSwitch0, &Switch::switch_size>("SwitchList"),
+    listReader<&Kis::name, kvSetupNameList, kvSetName0, &Name::name_size>("NameList"),
+    listReader<&Kis::ci_img, kvSetupCiimgList, kvSetCiimg0, &CiImg::size>("CiImgList"),
+    listReader<&Kis::color_palette, kvSetupColorPaletteList, kvSetColorPalette0, &ColorPalette::size>(
+        "ColorPaletteList"),
+    listReader<&Kis::envelope, kvSetupEnvelopeList, kvSetEnvelope0, &Envelope::size>("EnvelopeList"),
+    listReader<&Kis::cluster, kvSetupClusterList, kvSetCluster0, &ClusterShape::size>("ClusterList"),
+    listReader<&Kis::weight, kvSetupWeightList, kvSetWeight0, &WeightGroup::size>("WeightList"),
+    listReader<&Kis::chain_root, kvSetupChainRootList, kvSetChainRoot0, &ChainRoot::size>("ChainRootList"),
+    listReader<&Kis::joint, kvSetupJointList, kvSetJoint0, &Joint::size>("JointList"),
+    listReader<&Kis::effector, kvSetupEffectorList, kvSetEffector0, &Effector::size>("EffectorList"),
+    listReader<&Kis::external_name, kvSetupExternalNameList, kvSetExternalName0, &Name::name_size>("ExternalNameList"),
+});
+
+/// Reads a list of `size` bytes from the stream's position, or clears its record where the size is 0.
+int readList(std::FILE *stream, Word size, Kis &kis, std::size_t list) {
+  if (size == 0)
+    return READERS[list].clear(kis);
+  const char *const name = LISTS[list].name;
+  try {
+    ListWindow window = windowFor(stream, size);
+    Cursor cursor;
+    cursor.size = static_cast<std::size_t>(window.list_size);
+    cursor.window = &window;
+    const int ok = READERS[list].read(cursor, kis);
+    // Whatever its reader made of it, the list ends where the header says.
+    std::fseek(stream, static_cast<long>(window.list_begin + window.list_size), SEEK_SET);
+    if (cursor.fault == Fault::past_end)
+      std::fprintf(stderr, "%s runs past its end.\n", name);
+    return cursor.fault == Fault::no_memory ? sayNoMemory(name) : ok;
+  } catch (const std::exception &) {
+    return sayNoMemory(name);
+  }
+}
+
+/// Reads the lists `first` to `last` - 1 in file order. The first that fails ends it: where the next one begins is
+/// known, but the format's library gives up here, and the verdict says so.
+int readLists(std::FILE *stream, Kis &kis, std::size_t first, std::size_t last) {
+  for (std::size_t list = first; list < last; ++list)
+    if (!readList(stream, kis.file_header.*LISTS[list].size, kis, list))
       return 0;
   return 1;
 }
@@ -215,8 +223,9 @@ int checkHeaderTag(const FileHeader &header) {
 /// Reads the header's two blocks with one read of their sum, which wraps. A shortage is none of the header's faults.
 int readHeaderBlocks(std::FILE *stream, FileHeader &header) {
   try {
-    const Buffer buffer = readBuffer(stream, header.van_ext_blk_size + header.usr_ext_blk_size);
-    Cursor cursor = cursorOf(buffer);
+    const Bytes held = readBytes(stream, header.van_ext_blk_size + header.usr_ext_blk_size);
+    endianSwap4(held.bytes.get(), held.size);
+    Cursor cursor{held.bytes.get(), held.size};
     if (kvSetupExtBlk1(cursor, header.ext_blk, header.van_ext_blk_size, header.usr_ext_blk_size))
       return 1;
   } catch (const std::exception &) { // told below, like the fault of the cursor
@@ -259,7 +268,7 @@ int kvOpenKb1(const char *path, Kis &kis) {
   if (!stream)
     return 0;
   kvSetFilename(path, kis);
-  return kvReadFileHeader(stream.get(), kis) && readLists(stream.get(), kis, false);
+  return kvReadFileHeader(stream.get(), kis) && readLists(stream.get(), kis, 0, VERSION_1_LIST_NUM);
 }
 
 int kvOpenKb2Ext(Kis &kis) {
@@ -270,7 +279,7 @@ int kvOpenKb2Ext(Kis &kis) {
   const Stream stream = kvKbReadOpen(kis.file_name.c_str());
   if (!stream || std::fseek(stream.get(), static_cast<long>(kvSizeofKOVA1file(kis.file_header)), SEEK_SET) != 0)
     return 0;
-  return readLists(stream.get(), kis, true);
+  return readLists(stream.get(), kis, VERSION_1_LIST_NUM, LIST_NUM);
 }
 
 int kvReadFileHeader(std::FILE *stream, Kis &kis) {
@@ -295,44 +304,22 @@ int kvSetupFileHeaderExt(FileHeader &header) {
   if (header.van_ext_blk_size == 0)
     return 0;
   Cursor cursor = cursorOf(vanExtBlk(header.ext_blk));
-  setupFixed(cursor, header.version2);
+  Version2Sizes &sizes = header;
+  setupFixed(cursor, sizes);
   return 1;
 }
 
 int kvReadList(std::FILE *stream, Word size, Kis &kis, const char *name) {
-  const auto *const list = std::find_if(LISTS.begin(), LISTS.end(),
-                                        [name](const ListRow &each) { return std::strcmp(each.name, name) == 0; });
-  if (list == LISTS.end())
-    return 0;
-  if (size == 0)
-    return list->clear(kis);
-  try {
-    Buffer buffer;
-    ListStream source{stream, std::ftell(stream), nullptr};
-    Cursor cursor;
-    if (const std::optional<std::uint64_t> length = streamLength(stream)) {
-      cursor.size = std::min<std::size_t>(size, bytesAhead(*length, source.begin));
-      source.window = std::make_unique_for_overwrite<unsigned char[]>(std::min<std::size_t>(cursor.size, LIST_WINDOW));
-      cursor.source = &source;
-    } else {
-      buffer = readBuffer(stream, size);
-      cursor = cursorOf(buffer);
-    }
-    const int ok = list->read(cursor, kis);
-    if (cursor.source) // whatever its reader made of it, the list ends where the header says
-      std::fseek(stream, source.begin + static_cast<long>(cursor.size), SEEK_SET);
-    if (cursor.fault == Fault::past_end)
-      std::fprintf(stderr, "%s runs past its end.\n", name);
-    return cursor.fault == Fault::no_memory ? sayNoMemory(name) : ok;
-  } catch (const std::exception &) {
-    return sayNoMemory(name);
-  }
+  for (std::size_t list = 0; list < LIST_NUM; ++list)
+    if (std::strcmp(LISTS[list].name, name) == 0)
+      return readList(stream, size, kis, list);
+  return 0;
 }
 
 std::span<const char *const> kvListNames() {
   static constexpr auto NAMES = [] {
-    std::array<const char *, LISTS.size()> names{};
-    std::transform(LISTS.begin(), LISTS.end(), names.begin(), [](const ListRow &list) { return list.name; });
+    std::array<const char *, LIST_NUM> names{};
+    std::transform(std::begin(LISTS), std::end(LISTS), names.begin(), [](const ListRow &list) { return list.name; });
     return names;
   }();
   return NAMES;
@@ -348,25 +335,26 @@ int kvSetFilename(const char *name, Kis &kis) {
   }
 }
 
-Word kvSizeofKOVA1file(const FileHeaderHead &header) {
+Word kvSizeofKOVA1file(const FileHeader &header) {
   Word sum = header.file_header_num;
-  for (const ListRow &list : LISTS)
-    if (list.size1)
-      sum += header.*list.size1;
+  for (std::size_t list = 0; list < VERSION_1_LIST_NUM; ++list)
+    sum += header.*LISTS[list].size;
   return sum;
 }
 
 void kvAdjustListSizeData(Kis &kis, Word index, Index delta, Word tag) {
   const Word by = static_cast<Word>(delta);
-  FileHeader &header = kis.file_header;
-  header.size += by;
-  for (const ListRow &list : LISTS) {
-    const bool of_list = tag == list.tag;
-    if (!of_list && (!list.resizeElement || tag != list.tag + ELEMENT_KIND || !list.resizeElement(kis, index, by)))
-      continue;
-    if (of_list)
-      list.resizeList(kis, by);
-    (list.size1 ? header.*list.size1 : header.version2.*list.size2) += by;
+  kis.file_header.size += by;
+  for (std::size_t list = 0; list < LIST_NUM; ++list) {
+    bool resized = false;
+    if (tag == LISTS[list].tag) {
+      READERS[list].resizeList(kis, by);
+      resized = true;
+    } else if (tag == LISTS[list].tag + ELEMENT_KIND) {
+      resized = READERS[list].resizeElement(kis, index, by);
+    }
+    if (resized)
+      kis.file_header.*LISTS[list].size += by;
   }
 }
 

@@ -1,4 +1,7 @@
-#include "reader/material.h"
+#include "kova/material.h"
+
+#include "reader/elements.h"
+#include "reader/makerblock.h"
 
 namespace kova {
 
@@ -27,7 +30,7 @@ int readTexels(Cursor &cursor, Teximg &image) {
   if (!require(cursor, bytes, 1))
     return 0;
   image.texel.resize(bytes);
-  return copyFileOrder(cursor, image.texel.data(), bytes) || dropped(image.texel);
+  return copyFileOrder(cursor, image.texel.data(), bytes) || clearAndFail(image.texel);
 }
 
 } // namespace
@@ -65,6 +68,44 @@ Word kvCiTileNum(const Tex &tex) {
   if (!tex.ext || tex.ext->use_color_palette == 0)
     return 0;
   return tex.tex_anim == 0 ? 1 : tex.tiles.tex_tile_img_num;
+}
+
+int kvSetupMatExt(MatList &list) {
+  return setupBlocks<MatExtHead>(list, "MatList", [](Cursor &cursor, MatExt &ext, const Mat &) {
+    return kvSetupExternal(cursor, ext.external_tex, ext.external_tex_num) &&
+           setupRun(cursor, ext.prim_color_anim, ext.prim_color_anim_num) &&
+           setupRun(cursor, ext.prim_color_anim_for_fog, ext.prim_color_anim_num_for_fog);
+  });
+}
+
+int kvSetupTexExt(TexList &list) {
+  return setupBlocks<TexExtHead>(list, "TexList", [](Cursor &cursor, TexExt &ext, const Tex &tex) {
+    const Word tiles = kvCiTileNum(tex);
+    return kvSetupArray(cursor, ext.color_palette_index, tiles) &&
+           kvSetupArray(cursor, ext.tlut_palette_number, tiles) &&
+           kvSetupExternal(cursor, ext.external_tex_img, ext.external_tex_img_num) &&
+           kvSetupExternal(cursor, ext.external_palette, ext.external_tex_img_num);
+  });
+}
+
+int kvSetupTeximgExt(TeximgList &list) {
+  return setupBlocks<TeximgExtHead>(list, "TeximgList", [](Cursor &cursor, TeximgExt &ext, const Teximg &) {
+    return kvSetupArray(cursor, ext.mipmap_img_offset, ext.mipmap_max_level);
+  });
+}
+
+Word kvSizeofMatExt(const MatExtHead &ext) {
+  return blockBytes<MatExtHead>(1) + blockBytes<External>(ext.external_tex_num) +
+         blockBytes<PrimColorAnim>(ext.prim_color_anim_num + ext.prim_color_anim_num_for_fog);
+}
+
+Word kvSizeofTexExt(const TexExtHead &ext, Word tile_num) {
+  return blockBytes<TexExtHead>(1) + 2 * blockBytes<Index>(tile_num) +
+         2 * blockBytes<External>(ext.external_tex_img_num);
+}
+
+Word kvSizeofTeximgExt(const TeximgExtHead &ext) {
+  return blockBytes<TeximgExtHead>(1) + blockBytes<Index>(ext.mipmap_max_level);
 }
 
 } // namespace kova

@@ -1,4 +1,6 @@
-#include "reader/palette.h"
+#include "kova/palette.h"
+
+#include "reader/elements.h"
 
 namespace kova {
 

@@ -1,4 +1,7 @@
-#include "reader/scene.h"
+#include "kova/scene.h"
+
+#include "reader/elements.h"
+#include "reader/makerblock.h"
 
 namespace kova {
 
@@ -16,7 +19,7 @@ int readDirLights(Cursor &cursor, Light &light) {
   light.dir_light.resize(count); // dir_a1 and dir_a2, which this form lacks, are 0
   for (DirLight &dir_light : light.dir_light)
     if (!copyBytes(cursor, &dir_light, DIRECTION_LIGHT_BYTES))
-      return dropped(light.dir_light);
+      return clearAndFail(light.dir_light);
   return 1;
 }
 
@@ -89,5 +92,42 @@ int kvSetCam0(CamList &) { return 1; }
 int kvSetLight0(LightList &) { return 1; }
 int kvSetObj0(ObjList &) { return 1; }
 int kvSetShape0(ShapeList &) { return 1; }
+
+int kvSetupSceneListExt(Scene &scene) {
+  Fault fault = Fault::none;
+  const int ok = setupBlock<SceneListExtHead>(scene, fault, [](Cursor &cursor, SceneListExt &ext) {
+    return kvSetupArray(cursor, ext.chain_root_link, ext.scene_chain_root_link_num) &&
+           kvSetupExternal(cursor, ext.external_obj, ext.external_obj_num) &&
+           kvSetupExternal(cursor, ext.external_env, ext.external_env_num) &&
+           kvSetupExternal(cursor, ext.external_cam, ext.external_cam_num) &&
+           kvSetupExternal(cursor, ext.external_light, ext.external_light_num);
+  });
+  return fault == Fault::no_memory ? sayNoMemory("SceneList") : ok;
+}
+
+int kvSetupCamExt(CamList &list) { return setupBlocks<CamExt>(list, "CamList", NO_ARRAYS); }
+
+int kvSetupObjExt(ObjList &list) {
+  return setupBlocks<ObjExtHead>(list, "ObjList", [](Cursor &cursor, ObjExt &ext, const Obj &) {
+    return kvSetupArray(cursor, ext.obj_chain_root_link, ext.obj_chain_root_link_num) &&
+           kvSetupArray(cursor, ext.external_lod_obj_dist, ext.external_lod_obj_num) &&
+           kvSetupExternal(cursor, ext.external_lod_obj, ext.external_lod_obj_num) &&
+           kvSetupExternal(cursor, ext.external_obj, ext.external_obj_num);
+  });
+}
+
+int kvSetupShapeExt(ShapeList &list) { return setupBlocks<ShapeExt>(list, "ShapeList", NO_ARRAYS); }
+
+Word kvSizeofSceneListExt(const SceneListExtHead &ext) {
+  return blockBytes<SceneListExtHead>(1) + blockBytes<Index>(ext.scene_chain_root_link_num) +
+         blockBytes<External>(ext.external_obj_num + ext.external_env_num + ext.external_cam_num +
+                              ext.external_light_num);
+}
+
+Word kvSizeofObjExt(const ObjExtHead &ext) {
+  return blockBytes<ObjExtHead>(1) + blockBytes<Index>(ext.obj_chain_root_link_num) +
+         blockBytes<float>(ext.external_lod_obj_num) +
+         blockBytes<External>(ext.external_lod_obj_num + ext.external_obj_num);
+}
 
 } // namespace kova

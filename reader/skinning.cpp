@@ -1,4 +1,6 @@
-#include "reader/skinning.h"
+#include "kova/skinning.h"
+
+#include "reader/elements.h"
 
 namespace kova {
 
@@ -84,7 +86,7 @@ int kvSetupVtxTriNvColor(Cursor &cursor, std::vector<VtxTriNvColor> &destination
             readMember(cursor, destination, &VtxTriNvColor::tri_nv_group_index) &&
             readMember(cursor, destination, &VtxTriNvColor::vtx_color_group_index) &&
             readMember(cursor, destination, &VtxTriNvColor::tri_color_group_index)) ||
-           dropped(destination);
+           clearAndFail(destination);
   });
 }
 

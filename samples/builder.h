@@ -13,7 +13,7 @@
 /// elements, version-2 lists not at all; `absent=1` leaves one out.
 #pragma once
 
-#include "reader/words.h"
+#include "kova/words.h"
 
 #include <string>
 #include <vector>

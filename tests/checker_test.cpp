@@ -1,4 +1,4 @@
-#include "checker/check.h"
+#include "kova/check.h"
 #include "samples/builder.h"
 #include "tests/invariants.h"
 #include "tests/support.h"

@@ -1,3 +1,4 @@
+#include "kova/kt.h"
 #include "samples/builder.h"
 #include "tests/invariants.h"
 #include "tests/support.h"
@@ -5,7 +6,6 @@
 #include "textdump/chain.h"
 #include "textdump/extension.h"
 #include "textdump/geometry.h"
-#include "textdump/kt.h"
 #include "textdump/lines.h"
 #include "textdump/material.h"
 #include "textdump/scene.h"

@@ -14,7 +14,7 @@ perl -0777 -ne '
     next unless defined $1;
     my $text = join "", $1 =~ /"((?:\\.|[^"\\])*)"/gs;
     print "$text\n" if $text =~ /%|\\n/;
-  }' {reader,checker,driver}/*.cpp {reader,checker}/*.h | sort -u >"$scratch/source"
+  }' {reader,checker,driver}/*.cpp {reader,checker,include/kova}/*.h | sort -u >"$scratch/source"
 
 perl -ne '
   if (/^### `([^`]+)`$/) { print "$1\n" }

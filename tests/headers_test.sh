@@ -4,8 +4,7 @@ set -euo pipefail
 # shellcheck source=tests/lib.sh
 . "$(dirname "$0")/lib.sh"
 
-mkdir "$scratch/public"
-(cd "$SOURCE_DIR" && cp --parents reader/*.h checker/check.h textdump/kt.h "$scratch/public")
+cp -r "$SOURCE_DIR/include" "$scratch/public"
 
 compile() {
   local log
@@ -20,7 +19,7 @@ for compiler in g++ clang++; do
     notice "$compiler is not here"
     continue
   fi
-  for header in */*.h; do
+  for header in kova/*.h; do
     compile "$compiler" "$header" &
     [ $(($(jobs -rp | wc -l))) -lt 2 ] || wait -n
   done

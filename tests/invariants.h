@@ -1,7 +1,7 @@
 /// What holds of every model, whatever file it came from.
 #pragma once
 
-#include "reader/kova.h"
+#include "kova/kova.h"
 
 namespace kova {
 

@@ -1,3 +1,4 @@
+#include "reader/cursor.h"
 #include "samples/builder.h"
 #include "tests/invariants.h"
 #include "tests/support.h"
@@ -177,8 +178,8 @@ TEST(Reader, FindsTheVersion2ListsThroughTheMakerBlock) {
     const Loaded loaded = load(0x200, "FileHeader V=" + std::to_string(bytes) + " CiImgList { CiImg }");
     EXPECT_EQ(loaded.ok, 1);
     EXPECT_EQ(loaded.errors, "");
-    EXPECT_EQ(loaded.kis.file_header.version2.ci_img_list_num, 24u + 4 + 84);
-    EXPECT_EQ(loaded.kis.file_header.version2.external_name_list_num, 0u);
+    EXPECT_EQ(loaded.kis.file_header.ci_img_list_num, 24u + 4 + 84);
+    EXPECT_EQ(loaded.kis.file_header.external_name_list_num, 0u);
     EXPECT_EQ(loaded.kis.ci_img.element.size(), bytes < 36 ? 0u : 1u);
   }
 }

@@ -21,7 +21,7 @@ library=$(cd "$(dirname "$(find "$installed" -name libkova.a)")" && pwd)
 version=$(cached CMAKE_PROJECT_VERSION)
 same "files" "$(sort <<END
 bin/kbaudit
-$(cd "$SOURCE_DIR" && printf 'include/kova/%s\n' reader/*.h checker/check.h textdump/kt.h)
+$(cd "$SOURCE_DIR" && printf "%s\n" include/kova/*.h)
 $(printf 'lib/%s\n' libkova.{a,so,"so.${version%%.*}","so.$version"} pkgconfig/kova.pc \
   cmake/kova/kova{Config,ConfigVersion,Targets,Targets-release}.cmake)
 share/doc/kbaudit/copyright
@@ -61,7 +61,7 @@ hardened "$library/libkova.so" "${everywhere[@]}"
 # Every function marked KOVA_API, and nothing else of this project. Weak and unique symbols that a compiler leaves a copy
 # of may be there too: templates and inline functions of the standard library; and the constant arguments of templates,
 # which clang shows whatever their visibility is.
-(cd "$SOURCE_DIR" && sed -nE 's/^KOVA_API [^(]*[ *&]([A-Za-z_0-9]+)\(.*/kova::\1/p' {reader,checker,textdump}/*.h) |
+(cd "$SOURCE_DIR" && sed -nE 's/^KOVA_API [^(]*[ *&]([A-Za-z_0-9]+)\(.*/kova::\1/p' include/kova/*.h) |
   sort -u >"$scratch/marked"
 nm -D --defined-only -C "$library/libkova.so" | sed 's/^[0-9a-f]* *//' |
   grep -vE '^[WVu] ((typeinfo|typeinfo name|vtable|VTT|guard variable) for |[^(]* )?(std|__gnu_cxx)::|^V template parameter object for ' |

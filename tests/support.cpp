@@ -1,7 +1,7 @@
 #include "tests/support.h"
 
-#include "checker/check.h"
-#include "textdump/kt.h"
+#include "kova/check.h"
+#include "kova/kt.h"
 
 #include <atomic>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 /// What tests do with files and outputs: load bytes, catch what is printed, run the program.
 #pragma once
 
-#include "reader/kova.h"
+#include "kova/kova.h"
 #include "samples/builder.h"
 
 #include <functional>

@@ -3,10 +3,10 @@
 /// A round is clean when it ends, when nothing leaves a bound (the sanitizers see to that), when the model keeps its
 /// invariants, and when the output stays within its bound.
 
-#include "checker/check.h"
+#include "kova/check.h"
+#include "kova/kt.h"
 #include "tests/invariants.h"
 #include "tests/support.h"
-#include "textdump/kt.h"
 
 #include <algorithm>
 #include <array>

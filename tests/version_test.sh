@@ -12,9 +12,9 @@ major=${version%%.*}
 tells() { same "version in ${2##*/} ($3)" "$1" "$(sed -n "$3" "$2" | head -n 1)"; }
 
 cd "$SOURCE_DIR"
-tells "$version" reader/version.h 's/^#define KOVA_VERSION "\(.*\)"$/\1/p'
+tells "$version" include/kova/version.h 's/^#define KOVA_VERSION "\(.*\)"$/\1/p'
 same "version in version.h, by its parts" "$version" \
-  "$(sed -n 's/^#define KOVA_VERSION_[A-Z]* //p' reader/version.h | paste -sd.)"
+  "$(sed -n 's/^#define KOVA_VERSION_[A-Z]* //p' include/kova/version.h | paste -sd.)"
 tells "$version" docs/kbaudit.1 's/^\.TH KBAUDIT 1 "[^"]*" "kbaudit \([^"]*\)".*/\1/p'
 tells "$version" CHANGELOG.md 's/^## \([^ ]*\).*/\1/p'
 tells "$version" SECURITY.md 's/.*(.kbaudit \([0-9.]*\).).*/\1/p'

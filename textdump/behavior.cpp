@@ -1,5 +1,7 @@
 #include "textdump/behavior.h"
 
+#include "reader/names.h"
+
 #include "textdump/extension.h"
 #include "textdump/lines.h"
 
@@ -43,13 +45,13 @@ void kvWriteKtAnimGroupFix1(Text &text, const AnimGroup &group, Index number) {
   switch (group.type) {
   case 0:
   case 2:
-    return writeAnims<ANIM_STEP_LINES>(text, walked(group.anim_num, group.step));
+    return writeAnims<ANIM_STEP_LINES>(text, counted(group.anim_num, group.step));
   case 3:
-    return writeAnims<ANIM_KEYFRAME_LINES>(text, walked(group.anim_num, group.keyframe));
+    return writeAnims<ANIM_KEYFRAME_LINES>(text, counted(group.anim_num, group.keyframe));
   case 4:
-    return writeAnims<ANIM_NODE_LINES>(text, walked(group.anim_num, group.node));
+    return writeAnims<ANIM_NODE_LINES>(text, counted(group.anim_num, group.node));
   default:
-    return writeZeroedAnims(text, walked(group.anim_num, group.zeroed_anim_num));
+    return writeZeroedAnims(text, std::min(group.anim_num, group.zeroed_anim_num));
   }
 }
 
@@ -101,9 +103,9 @@ void kvWriteKtCollListFix1(Text &text, const CollList &list) {
 void kvWriteKtCollGroupFix1(Text &text, const CollGroup &group, Index number) {
   print<"CollGroup(%d)\n">(text, number);
   putRecord<COLL_GROUP_LINES, CollGroupHead>(text, group);
-  printEach<"coll_num_byte[%d]  %d \n">(text, walked(group.coll_num, group.coll_num_byte));
+  printEach<"coll_num_byte[%d]  %d \n">(text, counted(group.coll_num, group.coll_num_byte));
   Index position = 0;
-  for (const Coll &coll : walked(group.coll_num, group.coll))
+  for (const Coll &coll : counted(group.coll_num, group.coll))
     writeColl(text, coll, position++);
 }
 
@@ -119,8 +121,8 @@ void kvWriteKtSwitchListFix1(Text &text, const SwitchList &list) {
 void kvWriteKtSwitchFix1(Text &text, const Switch &node, Index number) {
   print<"Switch(%d)\n">(text, number);
   putRecord<SWITCH_LINES, SwitchHead>(text, node);
-  printEach<"case_val[%d]  %d\n">(text, walked(node.case_node_num, node.case_val));
-  printEach<"case_dest_index[%d]  %d\n">(text, walked(node.case_node_num, node.case_dest_index));
+  printEach<"case_val[%d]  %d\n">(text, counted(node.case_node_num, node.case_val));
+  printEach<"case_dest_index[%d]  %d\n">(text, counted(node.case_node_num, node.case_dest_index));
 }
 
 void kvWriteKtSwitchList1(Text &text, const SwitchList &list) { writeSection(text, SWITCH_SECTION, list); }
@@ -146,7 +148,7 @@ void putName(Text &text, const Name &name) {
 
 void kvWriteKtNameListFix1(Text &text, const NameList &list) {
   putRecord<NAME_LIST_LINES, ListHead>(text, list);
-  printEach<"name_num_byte[%d]    %d\n">(text, walked(list.num, list.num_byte));
+  printEach<"name_num_byte[%d]    %d\n">(text, counted(list.num, list.num_byte));
   print<"\n">(text);
 }
 
@@ -154,7 +156,7 @@ void writeNameSection(Text &text, const NameList &list, const char *name) {
   kvWriteKtListName(text, name);
   kvWriteKtNameListFix1(text, list);
   Index position = 0;
-  for (const Name &each : walked(list.num, list.element)) {
+  for (const Name &each : counted(list.num, list.element)) {
     print<"Name(%d) ">(text, position++);
     putName(text, each);
     print<"\n">(text);

@@ -3,7 +3,7 @@
 /// Trailing blanks and odd names in the tables are the format's own. A vector takes three entries and one line.
 #pragma once
 
-#include "reader/behavior.h"
+#include "kova/behavior.h"
 #include "textdump/text.h"
 
 #include <array>

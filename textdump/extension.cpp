@@ -99,10 +99,7 @@ void writeSceneListExt(Text &text, const Scene &scene) {
   kvWriteKtExternal(text, ext.external_env, "external env");
   kvWriteKtExternal(text, ext.external_cam, "external cam");
   kvWriteKtExternal(text, ext.external_light, "external light");
-  writeBlocks(text, scene,
-              BYTES<SceneListExtHead> + BYTES<Index> * ext.scene_chain_root_link_num +
-                  BYTES<External> *
-                      (ext.external_obj_num + ext.external_env_num + ext.external_cam_num + ext.external_light_num));
+  writeBlocks(text, scene, kvSizeofSceneListExt(ext));
 }
 
 void writeCamExt(Text &text, const Cam &cam) {
@@ -124,9 +121,7 @@ void writeObjExt(Text &text, const Obj &obj) {
   printEach<"external_lod_obj_dist[%d]  %#g\n">(text, ext.external_lod_obj_dist);
   kvWriteKtExternal(text, ext.external_lod_obj, "external lod obj");
   kvWriteKtExternal(text, ext.external_obj, "external obj");
-  writeBlocks(text, obj,
-              BYTES<ObjExtHead> + BYTES<Index> * ext.obj_chain_root_link_num +
-                  (BYTES<float> + BYTES<External>)*ext.external_lod_obj_num + BYTES<External> * ext.external_obj_num);
+  writeBlocks(text, obj, kvSizeofObjExt(ext));
 }
 
 void writeShapeExt(Text &text, const Shape &shape) {
@@ -151,9 +146,7 @@ void writeMatExt(Text &text, const Mat &mat) {
   kvWriteKtPrimColorAnim(text, ext.prim_color_anim_for_fog, "ForFog");
   kvWriteKtExternal(text, one(ext.external_local_light), "external local light");
   kvWriteKtExternal(text, ext.external_tex, "external tex");
-  writeBlocks(text, mat,
-              BYTES<MatExtHead> + BYTES<External> * ext.external_tex_num +
-                  BYTES<PrimColorAnim> * (ext.prim_color_anim_num + ext.prim_color_anim_num_for_fog));
+  writeBlocks(text, mat, kvSizeofMatExt(ext));
 }
 
 void writeTexExt(Text &text, const Tex &tex) {
@@ -165,8 +158,7 @@ void writeTexExt(Text &text, const Tex &tex) {
   kvWriteKtArray(text, ext.tlut_palette_number, "tlut_palette_number");
   kvWriteKtExternal(text, ext.external_tex_img, "external_tex_img");
   kvWriteKtExternal(text, ext.external_palette, "external_palette");
-  writeBlocks(text, tex,
-              BYTES<TexExtHead> + 2 * BYTES<Index> * kvCiTileNum(tex) + 2 * BYTES<External> * ext.external_tex_img_num);
+  writeBlocks(text, tex, kvSizeofTexExt(ext, kvCiTileNum(tex)));
 }
 
 void writeTeximgExt(Text &text, const Teximg &teximg) {
@@ -175,7 +167,7 @@ void writeTeximgExt(Text &text, const Teximg &teximg) {
   const TeximgExt &ext = *teximg.ext;
   putRecord<TEXIMG_EXT_LINES, TeximgExtHead>(text, ext);
   kvWriteKtArray(text, ext.mipmap_img_offset, "mipmap img offset");
-  writeBlocks(text, teximg, BYTES<TeximgExtHead> + BYTES<Index> * ext.mipmap_max_level);
+  writeBlocks(text, teximg, kvSizeofTeximgExt(ext));
 }
 
 void writeAnimGroupExt(Text &text, const AnimGroup &group) {
@@ -192,7 +184,7 @@ void writeAnimGroupExt(Text &text, const AnimGroup &group) {
 }
 
 void kvWriteKt2Ext(Text &text, const Kis &kis) {
-  const Version2Sizes &size = kis.file_header.version2;
+  const Version2Sizes &size = kis.file_header;
   if (size.ci_img_list_num != 0)
     kvWriteKtCiimgList(text, kis.ci_img);
   if (size.color_palette_list_num != 0)

@@ -2,7 +2,7 @@
 /// of the nine further lists.
 #pragma once
 
-#include "reader/kova.h"
+#include "kova/kova.h"
 #include "textdump/text.h"
 
 namespace kova {

@@ -52,7 +52,7 @@ void kvWriteKtVtxListFix1(Text &text, const VtxList &list) {
 void kvWriteKtVtxFix1(Text &text, const VtxGroup &group, Index number) {
   print<"VtxGroup(%d)\n">(text, number);
   putRecord<VTX_GROUP_LINES, VtxGroupHead>(text, group);
-  writeTuples<" Vtx(%d) %#12g %#12g %#12g   ; x,y,z\n">(text, walked(group.vtx_num, group.vtx));
+  writeTuples<" Vtx(%d) %#12g %#12g %#12g   ; x,y,z\n">(text, counted(group.vtx_num, group.vtx));
 }
 
 void kvWriteKtVtxList1(Text &text, const VtxList &list) {
@@ -72,10 +72,10 @@ void writeRef(Text &text, const AnimRef &ref, RefForm form) {
     printEach<FRAME_INDEX>(text, ref.group_index);
   } else if (form == RefForm::keys) {
     print<KEY_NUM>(text, ref.key_num);
-    printEach<KEY>(text, walked(ref.key_num, ref.key));
-    printEach<KEY_INDEX>(text, walked(ref.key_num, ref.group_index));
+    printEach<KEY>(text, counted(ref.key_num, ref.key));
+    printEach<KEY_INDEX>(text, counted(ref.key_num, ref.group_index));
   } else {
-    for (const Index index : walked(1, ref.group_index))
+    for (const Index index : counted(1, ref.group_index))
       print<SINGLE_INDEX>(text, index);
   }
 }
@@ -121,7 +121,7 @@ constexpr std::array<WriteRef, REF_KIND_NUM> REF_WRITERS = {
 /// A group has no blocks of its own: its last triangle has ended it with an empty line, or, where it has none, this
 /// does.
 void writeTriGroupEnd(Text &text, const TriGroup &group) {
-  if (walked(group.tri_num, group.tri).empty())
+  if (counted(group.tri_num, group.tri).empty())
     writeEmptyLine(text, group);
 }
 
@@ -153,8 +153,8 @@ void kvWriteKtTriList(Text &text, const TriList &list) { kvWriteKtTriList1(text,
 void kvWriteKtColorListFix1(Text &text, const ColorList &list) {
   kvWriteKtListName(text, COLOR_SECTION);
   putRecord<COLOR_LIST_LINES, TwoKindListHead>(text, list);
-  printEach<"tri_color_group_size[%d]   %d\n">(text, walked(list.tri_group_num, list.tri_group_size));
-  printEach<"vtx_color_group_size[%d]   %d\n">(text, walked(list.vtx_group_num, list.vtx_group_size));
+  printEach<"tri_color_group_size[%d]   %d\n">(text, counted(list.tri_group_num, list.tri_group_size));
+  printEach<"vtx_color_group_size[%d]   %d\n">(text, counted(list.vtx_group_num, list.vtx_group_size));
   print<"\n">(text);
   writeGroups(text, list.tri_group_num, list.tri_group, kvWriteKtTriColorFix1);
   writeGroups(text, list.vtx_group_num, list.vtx_group, kvWriteKtVtxColorFix1);
@@ -163,13 +163,13 @@ void kvWriteKtColorListFix1(Text &text, const ColorList &list) {
 void kvWriteKtTriColorFix1(Text &text, const TriColorGroup &group, Index number) {
   print<"TriColorGroup(%d)\n">(text, number);
   putRecord<TRI_COLOR_GROUP_LINES, TriColorGroupHead>(text, group);
-  writeTuples<"TriColor(%d) %#12g %#12g %#12g %#12g    ; RGBA\n">(text, walked(group.tri_color_num, group.color));
+  writeTuples<"TriColor(%d) %#12g %#12g %#12g %#12g    ; RGBA\n">(text, counted(group.tri_color_num, group.color));
 }
 
 void kvWriteKtVtxColorFix1(Text &text, const VtxColorGroup &group, Index number) {
   print<"VtxColorGroup(%d)\n">(text, number);
   putRecord<VTX_COLOR_GROUP_LINES, VtxColorGroupHead>(text, group);
-  writeTuples<"VtxColor(%d) %#12g %#12g %#12g %#12g    ; RGBA\n">(text, walked(group.vtx_color_num, group.color));
+  writeTuples<"VtxColor(%d) %#12g %#12g %#12g %#12g    ; RGBA\n">(text, counted(group.vtx_color_num, group.color));
 }
 
 void kvWriteKtColorList1(Text &text, const ColorList &list) {
@@ -183,8 +183,8 @@ void kvWriteKtColorList(Text &text, const ColorList &list) { kvWriteKtColorList1
 void kvWriteKtVectorListFix1(Text &text, const VectorList &list) {
   kvWriteKtListName(text, VECTOR_SECTION);
   putRecord<VECTOR_LIST_LINES, TwoKindListHead>(text, list);
-  printEach<"tri_nv_group_size[%d]     %d\n">(text, walked(list.tri_group_num, list.tri_group_size));
-  printEach<"vtx_nv_group_size[%d]     %d\n">(text, walked(list.vtx_group_num, list.vtx_group_size));
+  printEach<"tri_nv_group_size[%d]     %d\n">(text, counted(list.tri_group_num, list.tri_group_size));
+  printEach<"vtx_nv_group_size[%d]     %d\n">(text, counted(list.vtx_group_num, list.vtx_group_size));
   print<"\n">(text);
   writeGroups(text, list.tri_group_num, list.tri_group, kvWriteKtTriNvFix1);
   writeGroups(text, list.vtx_group_num, list.vtx_group, kvWriteKtVtxNvFix1);
@@ -193,13 +193,13 @@ void kvWriteKtVectorListFix1(Text &text, const VectorList &list) {
 void kvWriteKtTriNvFix1(Text &text, const TriNvGroup &group, Index number) {
   print<"TriNvGroup(%d)\n">(text, number);
   putRecord<TRI_NV_GROUP_LINES, TriNvGroupHead>(text, group);
-  writeTuples<" TriNv(%d) %#12g %#12g %#12g    ; Nx,Ny,Nz\n">(text, walked(group.tri_nv_num, group.normal));
+  writeTuples<" TriNv(%d) %#12g %#12g %#12g    ; Nx,Ny,Nz\n">(text, counted(group.tri_nv_num, group.normal));
 }
 
 void kvWriteKtVtxNvFix1(Text &text, const VtxNvGroup &group, Index number) {
   print<"VtxNvGroup(%d)\n">(text, number);
   putRecord<VTX_NV_GROUP_LINES, VtxNvGroupHead>(text, group);
-  writeTuples<" VtxNv(%d) %#12g %#12g %#12g    ; Nx,Ny,Nz\n">(text, walked(group.vtx_nv_num, group.normal));
+  writeTuples<" VtxNv(%d) %#12g %#12g %#12g    ; Nx,Ny,Nz\n">(text, counted(group.vtx_nv_num, group.normal));
 }
 
 void kvWriteKtVectorList1(Text &text, const VectorList &list) {
@@ -219,7 +219,7 @@ void kvWriteKtStListFix1(Text &text, const StList &list) {
 void kvWriteKtStFix1(Text &text, const StGroup &group, Index number) {
   print<"StGroup(%d)\n">(text, number);
   putRecord<ST_GROUP_LINES, StGroupHead>(text, group);
-  writeTuples<"St(%d)  %#12g  %#12g    ; s,t\n">(text, walked(group.st_num, group.st));
+  writeTuples<"St(%d)  %#12g  %#12g    ; s,t\n">(text, counted(group.st_num, group.st));
 }
 
 void kvWriteKtStList1(Text &text, const StList &list) {
@@ -237,7 +237,7 @@ void kvWriteKtPartListFix1(Text &text, const PartList &list) {
 void kvWriteKtPartFix1(Text &text, const Part &part, Index number) {
   print<"Part(%d)\n">(text, number);
   putRecord<PART_LINES, PartHead>(text, part);
-  printEach<"tri_index[%d]     %d\n">(text, walked(part.part_tri_num, part.tri_index));
+  printEach<"tri_index[%d]     %d\n">(text, counted(part.part_tri_num, part.tri_index));
 }
 
 void kvWriteKtPartList1(Text &text, const PartList &list) { writeSection(text, PART_SECTION, list); }

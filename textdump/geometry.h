@@ -3,7 +3,7 @@
 /// Trailing blanks and odd names in the tables are the format's own.
 #pragma once
 
-#include "reader/geometry.h"
+#include "kova/geometry.h"
 #include "textdump/text.h"
 
 namespace kova {

@@ -1,4 +1,4 @@
-#include "textdump/kt.h"
+#include "kova/kt.h"
 
 #include "textdump/behavior.h"
 #include "textdump/extension.h"

@@ -14,8 +14,8 @@ void printEachBehind(Text &text, std::string_view label, std::span<const Number>
 constexpr std::size_t WORDS_TO_A_ROW = 6;
 
 /// The part of a block from byte `bytes` on.
-std::span<const Word> behind(std::span<const Word> words, Word bytes) {
-  return words.subspan(walked(bytes / 4, words.size()));
+std::span<const Word> wordsAfter(std::span<const Word> words, Word bytes) {
+  return words.subspan(std::min<std::size_t>(bytes / sizeof(Word), words.size()));
 }
 
 } // namespace
@@ -45,7 +45,7 @@ void kvWriteKtElementTop(Text &text, const ElementHead &head, const char *label)
 void kvWriteKtList(Text &text, std::span<const Word> words, Word bytes, const char *label) {
   print<"[">(text);
   printBehind<"]\n">(text, label);
-  words = words.first(walked(bytes / 4, words.size()));
+  words = words.first(std::min<std::size_t>(bytes / sizeof(Word), words.size()));
   eachRow<WORDS_TO_A_ROW>(words, [&text](auto row) {
     printRow<"%0#10x  ">(text, row);
     print<"\n">(text);
@@ -62,7 +62,7 @@ void kvWriteKtExtBlk1(Text &text, const ExtBlk &blk, Word van_size, Word usr_siz
 
 void kvWriteKtExtBlk2(Text &text, const ExtBlk &blk, Word van_size, Word usr_size, Word decoded) {
   if (van_size > decoded)
-    kvWriteKtList(text, behind(vanExtBlk(blk), decoded), van_size - decoded, "V_EXT_OTHERS");
+    kvWriteKtList(text, wordsAfter(vanExtBlk(blk), decoded), van_size - decoded, "V_EXT_OTHERS");
   if (usr_size != 0)
     kvWriteKtList(text, usrExtBlk(blk), usr_size, "U_EXT");
   print<"\n">(text);
@@ -153,7 +153,7 @@ void kvWriteKtFileHeader1(Text &text, const FileHeader &header) {
 
 void kvWriteKtFileHeader(Text &text, const FileHeader &header) {
   kvWriteKtFileHeaderFix1(text, header);
-  putRecord<VERSION_2_SIZES_LINES>(text, header.version2);
+  putRecord<VERSION_2_SIZES_LINES, Version2Sizes>(text, header);
   kvWriteKtExtBlk2(text, header.ext_blk, header.van_ext_blk_size, header.usr_ext_blk_size, VERSION_2_SIZES_BYTES);
   kvWriteKtListEnd(text, "FileHeader");
 }

@@ -3,7 +3,7 @@
 /// Arrays print the entries that are held; positions count from 0.
 #pragma once
 
-#include "reader/kova.h"
+#include "kova/kova.h"
 #include "textdump/text.h"
 
 namespace kova {
@@ -94,7 +94,7 @@ template <const auto &TABLE, Format SIZE_LINE, class Element>
 void writeListHead(Text &text, const List<Element> &list, const char *name) {
   kvWriteKtListName(text, name);
   putRecord<TABLE, ListHead>(text, list);
-  printEach<SIZE_LINE>(text, walked(list.num, list.num_byte));
+  printEach<SIZE_LINE>(text, counted(list.num, list.num_byte));
 }
 
 /// Writes the elements that are held, each with its number, and what ends it.
@@ -102,7 +102,7 @@ template <class Element>
 void writeElements(Text &text, Word count, const std::vector<Element> &held,
                    void (*element)(Text &, const Element &, Index), void (*end)(Text &, const Element &)) {
   Index number = 0;
-  for (const Element &each : walked(count, held)) {
+  for (const Element &each : counted(count, held)) {
     element(text, each, number++);
     end(text, each);
   }

@@ -23,7 +23,7 @@ void kvWriteKtMatListFix1(Text &text, const MatList &list) {
 void kvWriteKtMatFix1(Text &text, const Mat &mat, Index number) {
   print<"Mat(%d)\n">(text, number);
   putRecord<MAT_LINES, MatHead>(text, mat);
-  printEach<"tex_index[%d]   %0#10x\n">(text, walked(mat.tex_num, mat.tex_index));
+  printEach<"tex_index[%d]   %0#10x\n">(text, counted(mat.tex_num, mat.tex_index));
 }
 
 void kvWriteKtMatList1(Text &text, const MatList &list) { writeSection(text, MAT_SECTION, list); }
@@ -35,14 +35,14 @@ namespace {
 
 void writeTiles(Text &text, const TexTiles &tiles) {
   putRecord<TEX_TILES_LINES, TexTilesHead>(text, tiles);
-  printEach<"tex_tile_scale_key[%d]   %d\n">(text, walked(tiles.tex_tile_scale_num, tiles.tex_tile_scale_key));
-  printEach<"tex_tile_width[%d]       %d\n">(text, walked(tiles.tex_tile_scale_num, tiles.tex_tile_width));
-  printEach<"tex_tile_height[%d]      %d\n">(text, walked(tiles.tex_tile_scale_num, tiles.tex_tile_height));
-  printEach<"tex_tile_offset_key[%d]  %d\n">(text, walked(tiles.tex_tile_offset_num, tiles.tex_tile_offset_key));
-  printEach<"tex_tile_offset_x[%d]    %d\n">(text, walked(tiles.tex_tile_offset_num, tiles.tex_tile_offset_x));
-  printEach<"tex_tile_offset_y[%d]    %d\n">(text, walked(tiles.tex_tile_offset_num, tiles.tex_tile_offset_y));
-  printEach<"tex_tile_img_key[%d]     %d\n">(text, walked(tiles.tex_tile_img_num, tiles.tex_tile_img_key));
-  printEach<"tex_tile_img_index[%d]   %d\n">(text, walked(tiles.tex_tile_img_num, tiles.tex_tile_img_index));
+  printEach<"tex_tile_scale_key[%d]   %d\n">(text, counted(tiles.tex_tile_scale_num, tiles.tex_tile_scale_key));
+  printEach<"tex_tile_width[%d]       %d\n">(text, counted(tiles.tex_tile_scale_num, tiles.tex_tile_width));
+  printEach<"tex_tile_height[%d]      %d\n">(text, counted(tiles.tex_tile_scale_num, tiles.tex_tile_height));
+  printEach<"tex_tile_offset_key[%d]  %d\n">(text, counted(tiles.tex_tile_offset_num, tiles.tex_tile_offset_key));
+  printEach<"tex_tile_offset_x[%d]    %d\n">(text, counted(tiles.tex_tile_offset_num, tiles.tex_tile_offset_x));
+  printEach<"tex_tile_offset_y[%d]    %d\n">(text, counted(tiles.tex_tile_offset_num, tiles.tex_tile_offset_y));
+  printEach<"tex_tile_img_key[%d]     %d\n">(text, counted(tiles.tex_tile_img_num, tiles.tex_tile_img_key));
+  printEach<"tex_tile_img_index[%d]   %d\n">(text, counted(tiles.tex_tile_img_num, tiles.tex_tile_img_index));
   print<"\n">(text); // an empty line that a still texture has not
 }
 

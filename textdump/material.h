@@ -1,7 +1,7 @@
 /// The dump sections of materials, textures and texture images.
 #pragma once
 
-#include "reader/material.h"
+#include "kova/material.h"
 #include "textdump/text.h"
 
 namespace kova {

@@ -20,7 +20,7 @@ void writeVersion2Section(Text &text, const List<Element> &list, const char *nam
   print<COUNT>(text, list.num);
   print<"van_ext_blk_size   %d\n">(text, list.van_ext_blk_size);
   print<"usr_ext_blk_size   %d\n">(text, list.usr_ext_blk_size);
-  kvWriteKtArray(text, walked(list.num, list.num_byte), size_table);
+  kvWriteKtArray(text, counted(list.num, list.num_byte), size_table);
   print<"\n">(text);
   writeElements(text, list.num, list.element, element, writeExtBlk<Element>);
   writeListEnd(text, list, name);

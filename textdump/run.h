@@ -1,7 +1,7 @@
 /// Parts of records: what a line table covers where a record is not all lines.
 #pragma once
 
-#include "reader/words.h"
+#include "kova/words.h"
 
 #include <algorithm>
 #include <array>

@@ -16,7 +16,7 @@ constexpr Section<Shape> SHAPE_SECTION = {"ShapeList", kvWriteKtShapeListFix1, k
 
 template <const auto &TABLE> void writeDirLights(Text &text, const Light &light) {
   Index number = 0;
-  for (const DirLight &dir_light : walked(light.dir_light_num, light.dir_light)) {
+  for (const DirLight &dir_light : counted(light.dir_light_num, light.dir_light)) {
     print<"DirLight(%d)\n">(text, number++);
     putLeading<TABLE>(text, dir_light);
   }
@@ -29,10 +29,10 @@ template <const auto &TABLE> void writeDirLights(Text &text, const Light &light)
 void kvWriteKtSceneListFix1(Text &text, const Scene &scene) {
   kvWriteKtListName(text, SCENE_SECTION);
   putRecord<SCENE_LINES, SceneHead>(text, scene);
-  printEach<"obj link[%d]    %d\n">(text, walked(scene.scene_obj_link_num, scene.obj_link));
-  printEach<"env link[%d]    %d\n">(text, walked(scene.scene_env_link_num, scene.env_link));
-  printEach<"cam link[%d]    %d\n">(text, walked(scene.scene_cam_link_num, scene.cam_link));
-  printEach<"light link[%d]    %d\n">(text, walked(scene.scene_light_link_num, scene.light_link));
+  printEach<"obj link[%d]    %d\n">(text, counted(scene.scene_obj_link_num, scene.obj_link));
+  printEach<"env link[%d]    %d\n">(text, counted(scene.scene_env_link_num, scene.env_link));
+  printEach<"cam link[%d]    %d\n">(text, counted(scene.scene_cam_link_num, scene.cam_link));
+  printEach<"light link[%d]    %d\n">(text, counted(scene.scene_light_link_num, scene.light_link));
 }
 
 void kvWriteKtSceneList1(Text &text, const Scene &scene) {
@@ -105,9 +105,9 @@ void kvWriteKtObjListFix1(Text &text, const ObjList &list) {
 void kvWriteKtObjFix1(Text &text, const Obj &obj, Index number) {
   print<"Obj(%d)\n">(text, number);
   putRecord<OBJ_LINES, ObjHead>(text, obj);
-  printEach<"LOD_dist[%d]   %#g\n">(text, walked(obj.obj_lod_num, obj.LOD_dist));
-  printEach<"LOD_link[%d]   %d\n">(text, walked(obj.obj_lod_num, obj.LOD_link));
-  for (const Word link : walked(obj.obj_child_num, obj.child_link))
+  printEach<"LOD_dist[%d]   %#g\n">(text, counted(obj.obj_lod_num, obj.LOD_dist));
+  printEach<"LOD_link[%d]   %d\n">(text, counted(obj.obj_lod_num, obj.LOD_link));
+  for (const Word link : counted(obj.obj_child_num, obj.child_link))
     print<"child link    %0#10x\n">(text, link); // without its position, unlike all other arrays
 }
 
@@ -123,7 +123,7 @@ void kvWriteKtShapeListFix1(Text &text, const ShapeList &list) {
 void kvWriteKtShapeFix1(Text &text, const Shape &shape, Index number) {
   print<"Shape(%d)\n">(text, number);
   putRecord<SHAPE_LINES, ShapeHead>(text, shape);
-  printEach<"shape_part_link[%d]   %d\n">(text, walked(shape.shape_part_num, shape.shape_part_link));
+  printEach<"shape_part_link[%d]   %d\n">(text, counted(shape.shape_part_num, shape.shape_part_link));
 }
 
 void kvWriteKtShapeList1(Text &text, const ShapeList &list) { writeSection(text, SHAPE_SECTION, list); }

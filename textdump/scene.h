@@ -3,7 +3,7 @@
 /// Trailing blanks, tabs and odd names in the tables are the format's own.
 #pragma once
 
-#include "reader/scene.h"
+#include "kova/scene.h"
 #include "textdump/text.h"
 
 #include <array>

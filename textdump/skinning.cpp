@@ -60,7 +60,7 @@ void writeEnvelope(Text &text, const Envelope &envelope, Index) {
   writeElements(text, envelope.weighted_part_num, envelope.weighted_part, writeWeightedPart, writeExtBlk<WeightedPart>);
   writeElements(text, envelope.morph_part_num, envelope.morph_part, writeMorphPart, writeExtBlk<MorphPart>);
   Index position = 0;
-  for (const EnvelopeTri &tri : walked(envelope.envelope_tri_num, envelope.envelope_tri))
+  for (const EnvelopeTri &tri : counted(envelope.envelope_tri_num, envelope.envelope_tri))
     writeEnvelopeTri(text, tri, position++);
 }
 
@@ -88,10 +88,10 @@ void writeClusterTri(Text &text, const ClusterTri &tri, Index position) {
 void writeClusterShape(Text &text, const ClusterShape &shape, Index) {
   kvWriteKtElementTop(text, shape, "ClusterShape");
   putRecord<CLUSTER_SHAPE_LINES, ClusterShapeWords>(text, shape);
-  for (const Cluster &cluster : walked(shape.cluster_num, shape.cluster))
+  for (const Cluster &cluster : counted(shape.cluster_num, shape.cluster))
     writeCluster(text, cluster);
   Index position = 0;
-  for (const ClusterTri &tri : walked(shape.cluster_tri_num, shape.cluster_tri))
+  for (const ClusterTri &tri : counted(shape.cluster_tri_num, shape.cluster_tri))
     writeClusterTri(text, tri, position++);
 }
 

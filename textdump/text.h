@@ -5,7 +5,7 @@
 /// conversion, or an argument of the wrong kind, does not compile.
 #pragma once
 
-#include "reader/words.h"
+#include "kova/words.h"
 #include "textdump/number.h"
 #include "textdump/run.h"
 

@@ -1,9 +1,9 @@
 /// Uses each part of the library once: loads a file, checks it, saves its dump, and ends with a line that tells the
 /// version, the verdict and the first name.
 
-#include "checker/check.h"
-#include "reader/kova.h"
-#include "textdump/kt.h"
+#include "kova/check.h"
+#include "kova/kova.h"
+#include "kova/kt.h"
 
 int main(int argc, char **argv) {
   const kova::KisHandle kis = kova::kvNewKis();

@@ -4,7 +4,7 @@
 /// writers and order are thus the very same; what differs is only how a line becomes text.
 #pragma once
 
-#include "reader/words.h"
+#include "kova/words.h"
 #include "textdump/run.h"
 
 #include <algorithm>

@@ -4,7 +4,7 @@
 /// is printed, to the last closer. Write errors of a stream are not reported.
 #pragma once
 
-#include "reader/kova.h"
+#include "kova/kova.h"
 
 namespace kova {
 

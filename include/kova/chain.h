@@ -1,8 +1,7 @@
 /// Chain roots, joints, effectors and external names (version 2.0).
 #pragma once
 
-#include "reader/behavior.h"
-#include "reader/palette.h"
+#include "kova/behavior.h"
 
 namespace kova {
 

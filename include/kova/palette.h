@@ -1,7 +1,7 @@
 /// Colour-index images and colour palettes (version 2.0).
 #pragma once
 
-#include "reader/list.h"
+#include "kova/list.h"
 
 #include <array>
 
@@ -9,15 +9,6 @@ namespace kova {
 
 inline constexpr Word CI_IMG_LIST_TAG = 0x00200000;
 inline constexpr Word COLOR_PALETTE_LIST_TAG = 0x00210000;
-
-/// Every element of a version-2 list begins with these four words.
-struct ElementHead {
-  Word tag;
-  Index this_index;
-  Word size;
-  Index name_index;
-};
-static_assert(sizeof(ElementHead) == 16);
 
 struct CiImgHead : ElementHead {
   Word ci_img_width;

@@ -5,17 +5,14 @@
 /// file can make a reader look outside what it brought.
 #pragma once
 
-#include "reader/export.h"
+#include "kova/export.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <exception>
 #include <memory>
 #include <span>
 #include <string>
-#include <type_traits>
-#include <utility>
 #include <vector>
 
 namespace kova {
@@ -90,18 +87,8 @@ enum class Fault : std::uint8_t {
   no_memory ///< the memory for what is there cannot be had
 };
 
-/// The bytes that a window of a list holds at most.
-inline constexpr std::uint64_t LIST_WINDOW = 64 * 1024;
-
-/// A list that is read from its stream while it is parsed: a window of it is held, in host order, and long runs go
-/// straight to where they are kept. So a list needs no memory of its own beside that of the model.
-struct ListStream {
-  std::FILE *stream; ///< not owned; stands at the end of the window
-  long begin;        ///< of the list, in the stream
-  std::unique_ptr<unsigned char[]> window;
-  std::uint64_t window_begin = 0; ///< in the list; a multiple of 4
-  std::uint64_t window_end = 0;
-};
+/// A list that is read from its stream piece by piece; private to the library.
+struct ListWindow;
 
 /// A byte offset into a list of host-order words, which lies in memory or comes from a stream. Moving it is free, also
 /// past the end; a read needs all of its words inside the list, and a read of nothing succeeds wherever the cursor
@@ -112,109 +99,12 @@ struct Cursor {
   std::uint64_t offset = 0;            ///< in bytes
   std::uint64_t zeroed = 0;            ///< records handed out so far that a count promised and the form does not store
   Fault fault = Fault::none;           ///< the first refusal
-  ListStream *source = nullptr;        ///< not owned; null for a list in memory
+  ListWindow *window = nullptr;        ///< not owned; null for a list in memory
 };
 
 /// @return a cursor at the start of a block of words.
 inline Cursor cursorOf(std::span<const Word> block) {
   return Cursor{reinterpret_cast<const unsigned char *>(block.data()), block.size_bytes()};
-}
-
-/// @return the bytes between the cursor and the end of its buffer; 0 past the end.
-inline std::uint64_t bytesLeft(const Cursor &cursor) {
-  return cursor.offset < cursor.size ? cursor.size - cursor.offset : 0;
-}
-
-/// Notes a fault. @return 0, the result of whoever has to give up.
-inline int refuse(Cursor &cursor, Fault fault) {
-  cursor.fault = fault;
-  return 0;
-}
-
-/// @return 1 where `count` items of `item_bytes` bytes each lie before the end; else 0, the fault noted.
-inline int require(Cursor &cursor, std::uint64_t count, std::uint64_t item_bytes) {
-  // Divided, not multiplied: nothing here can wrap.
-  return count == 0 || count <= bytesLeft(cursor) / item_bytes ? 1 : refuse(cursor, Fault::past_end);
-}
-
-/// Moves the cursor by a signed distance in bytes; a move that leads backwards is refused.
-inline int moveBy(Cursor &cursor, std::int64_t bytes) {
-  if (bytes < 0)
-    return refuse(cursor, Fault::past_end);
-  cursor.offset += static_cast<std::uint64_t>(bytes);
-  return 1;
-}
-
-/// Copies `bytes` bytes as they stand in the buffer (host order) and moves past them; all or nothing.
-KOVA_API int copyBytes(Cursor &cursor, void *to, std::size_t bytes);
-
-/// Copies `bytes` bytes in file order, as texels want them, and moves past them; all or nothing.
-KOVA_API int copyFileOrder(Cursor &cursor, unsigned char *to, std::size_t bytes);
-
-/// Runs `body`, which may ask for memory. Where that cannot be had the fault is noted and the result is 0, so that
-/// no exception leaves a reader.
-template <class Body> int withinMemory(Cursor &cursor, Body &&body) {
-  try {
-    return body();
-  } catch (const std::exception &) { // bad_alloc, or length_error where an address space is small
-    return refuse(cursor, Fault::no_memory);
-  }
-}
-
-/// Prints "%s: out of memory.\n" on standard error. @return 0, the result of whoever has to give up.
-int sayNoMemory(const char *list_name);
-
-/// Anything that is nothing but 32-bit words: a word, a tuple, the fixed head of a record.
-template <class T>
-concept WordRecord = std::is_trivially_copyable_v<T> && sizeof(T) % sizeof(Word) == 0 && alignof(T) == alignof(Word);
-
-/// Copies the fixed words of a record and moves past them; all or nothing.
-template <WordRecord Record> int readFixed(Cursor &cursor, Record &record) {
-  return copyBytes(cursor, &record, sizeof(Record));
-}
-
-/// As `readFixed` for the inside of a maker block: words past its end are 0.
-template <WordRecord Record> void setupFixed(Cursor &cursor, Record &record) {
-  const std::uint64_t there = bytesLeft(cursor) / sizeof(Word) * sizeof(Word);
-  record = Record{};
-  copyBytes(cursor, &record, static_cast<std::size_t>(there < sizeof record ? there : sizeof record));
-}
-
-/// Empties a run whose stream gave less than it had promised. @return 0.
-template <class Item> int dropped(std::vector<Item> &run) {
-  run.clear();
-  return 0;
-}
-
-/// Fills `destination` with `count` items of host-order words; all or nothing: a run that is not all there leaves it as
-/// it was. The items are there before memory for them is asked for.
-template <WordRecord Item> int readRun(Cursor &cursor, std::vector<Item> &destination, std::uint64_t count) {
-  if (!require(cursor, count, sizeof(Item)))
-    return 0;
-  return withinMemory(cursor, [&] {
-    destination.resize(static_cast<std::size_t>(count));
-    return copyBytes(cursor, destination.data(), destination.size() * sizeof(Item)) || dropped(destination);
-  });
-}
-
-/// Sets one member of each record from a run of words: the file stores pairs and the like one member after the other.
-template <class Record, class Member>
-int readMember(Cursor &cursor, std::vector<Record> &records, Member Record::*member) {
-  static_assert(sizeof(Member) == sizeof(Word));
-  for (Record &record : records)
-    if (!copyBytes(cursor, &(record.*member), sizeof(Member)))
-      return 0;
-  return 1;
-}
-
-/// As `readRun`, but holds what is there: the items that lie whole inside the buffer. What follows a run that was cut
-/// short is out of reach, so the cursor then stands at the end. @return 0 only where memory cannot be had.
-template <WordRecord Item> int setupRun(Cursor &cursor, std::vector<Item> &destination, Word count) {
-  const std::uint64_t there = bytesLeft(cursor) / sizeof(Item);
-  const int ok = readRun(cursor, destination, count < there ? count : there);
-  if (ok && there < count)
-    cursor.offset = cursor.size;
-  return ok;
 }
 
 /// Reads `count` words into `destination`; all or nothing. @return 1, also for a count of 0; else 0.

@@ -9,15 +9,14 @@
 /// what the file claims; the containers hold what was there. No function here throws.
 #pragma once
 
-#include "reader/behavior.h"
-#include "reader/chain.h"
-#include "reader/extension.h"
-#include "reader/geometry.h"
-#include "reader/material.h"
-#include "reader/palette.h"
-#include "reader/scene.h"
-#include "reader/skinning.h"
-#include "reader/version.h"
+#include "kova/behavior.h"
+#include "kova/chain.h"
+#include "kova/geometry.h"
+#include "kova/material.h"
+#include "kova/palette.h"
+#include "kova/scene.h"
+#include "kova/skinning.h"
+#include "kova/version.h"
 
 namespace kova {
 
@@ -71,9 +70,9 @@ struct Version2Sizes {
 inline constexpr std::size_t VERSION_2_SIZES_BYTES = 36;
 static_assert(sizeof(Version2Sizes) == VERSION_2_SIZES_BYTES);
 
-struct FileHeader : FileHeaderHead {
+/// The nine sizes are zeros until they are read.
+struct FileHeader : FileHeaderHead, Version2Sizes {
   ExtBlk ext_blk;
-  Version2Sizes version2; ///< zeros until it is read
 };
 
 /// The model of one loaded file, lists in file order.
@@ -152,7 +151,7 @@ inline Word kvKOVAver(const FileHeaderHead &header) { return header.version & 0x
 
 /// @return the bytes of the header and the nineteen version-1 lists, which is where the version-2 lists start (wraps at
 /// 32 bits).
-KOVA_API Word kvSizeofKOVA1file(const FileHeaderHead &header);
+KOVA_API Word kvSizeofKOVA1file(const FileHeader &header);
 
 /// Keeps the size words consistent after a list or an element changed its size by `delta` bytes: the file's `size`; and
 /// with a list tag, the list's size and its word in the header (or in the version-2 table); with an element tag (list
@@ -160,18 +159,5 @@ KOVA_API Word kvSizeofKOVA1file(const FileHeaderHead &header);
 /// the colour and vector lists adjust their first kind of element; the external name list goes by its own two tags. Any
 /// other tag, or an index that no element has, changes nothing beyond the file's size.
 KOVA_API void kvAdjustListSizeData(Kis &kis, Word index, Index delta, Word tag);
-
-/// The maker-block decoders of a 2.0 file, run by `kvOpenKb` in this order on what the version-1 part left. Each
-/// decodes the maker blocks of all records of one kind into their `ext`.
-/// @return 1; 0 where a record has no maker block (the others are still decoded; a list without records is right), or
-/// where memory cannot be had ("%s: out of memory.\n" with the list's name on standard error).
-KOVA_API int kvSetupSceneListExt(Scene &scene);
-KOVA_API int kvSetupCamExt(CamList &list);
-KOVA_API int kvSetupObjExt(ObjList &list);
-KOVA_API int kvSetupShapeExt(ShapeList &list);
-KOVA_API int kvSetupMatExt(MatList &list);
-KOVA_API int kvSetupTexExt(TexList &list);
-KOVA_API int kvSetupTeximgExt(TeximgList &list);
-KOVA_API int kvSetupAnimGroupExt(AnimList &list);
 
 } // namespace kova

@@ -1,7 +1,7 @@
 /// Envelopes, clusters and weights (version 2.0).
 #pragma once
 
-#include "reader/palette.h"
+#include "kova/list.h"
 
 #include <array>
 

@@ -1,8 +1,7 @@
 /// The scene, environments, cameras, lights, objects and shapes.
 #pragma once
 
-#include "reader/extension.h"
-#include "reader/list.h"
+#include "kova/list.h"
 
 namespace kova {
 
@@ -12,6 +11,59 @@ inline constexpr Word SHAPE_LIST_TAG = 0x00030000;
 inline constexpr Word CAM_LIST_TAG = 0x000e0000;
 inline constexpr Word LIGHT_LIST_TAG = 0x000f0000;
 inline constexpr Word ENV_LIST_TAG = 0x00100000;
+
+// The decoded maker blocks of a 2.0 file: what records carry beyond version 1.0. Each is the fixed words of the block,
+// then its arrays in the order in which they follow. A block that is shorter than its counts call for is decoded as far
+// as it goes: words past its end are 0, arrays hold the entries that lie whole inside it, counts keep the value that
+// the file gives.
+
+struct SceneListExtHead {
+  Word scene_chain_root_link_num;
+  Word external_obj_num;
+  Word external_env_num;
+  Word external_cam_num;
+  Word external_light_num;
+};
+static_assert(sizeof(SceneListExtHead) == 20);
+
+struct SceneListExt : SceneListExtHead {
+  Indices chain_root_link;
+  std::vector<External> external_obj;
+  std::vector<External> external_env;
+  std::vector<External> external_cam;
+  std::vector<External> external_light;
+};
+
+struct CamExt {
+  External external_lookat_obj;
+  External external_eye_obj;
+  External external_up_obj;
+};
+static_assert(sizeof(CamExt) == 24);
+
+struct ObjExtHead {
+  Word obj_render_cycle_type_for_fog;
+  Word obj_render_pri_for_fog;
+  Word obj_render_type0_for_fog;
+  Word obj_render_type1_for_fog;
+  Word obj_chain_root_link_num;
+  Word external_lod_obj_num; ///< governs the distances and the references
+  Word external_obj_num;
+};
+static_assert(sizeof(ObjExtHead) == 28);
+
+struct ObjExt : ObjExtHead {
+  Indices obj_chain_root_link;
+  Floats external_lod_obj_dist;
+  std::vector<External> external_lod_obj;
+  std::vector<External> external_obj;
+};
+
+struct ShapeExt {
+  Word kind_of_node_for_geometry;
+  External external_mat;
+};
+static_assert(sizeof(ShapeExt) == 12);
 
 struct SceneHead {
   Word scene_header_tag;
@@ -208,5 +260,18 @@ KOVA_API int kvSetCam0(CamList &list);
 KOVA_API int kvSetLight0(LightList &list);
 KOVA_API int kvSetObj0(ObjList &list);
 KOVA_API int kvSetShape0(ShapeList &list);
+
+/// Decode the maker blocks of all records of one kind into their `ext`; `kvOpenKb` runs them on what the version-1 part
+/// of a 2.0 file has left. @return 1; 0 where a record has no maker block (the others are still decoded; a list without
+/// records is right), or where memory cannot be had ("%s: out of memory.\n" with the list's name on standard error).
+KOVA_API int kvSetupSceneListExt(Scene &scene);
+KOVA_API int kvSetupCamExt(CamList &list);
+KOVA_API int kvSetupObjExt(ObjList &list);
+KOVA_API int kvSetupShapeExt(ShapeList &list);
+
+/// @return the bytes of maker block that the counts call for: its fixed words and its arrays (wraps at 32 bits). A
+/// camera's and a shape's maker block have no arrays.
+KOVA_API Word kvSizeofSceneListExt(const SceneListExtHead &ext);
+KOVA_API Word kvSizeofObjExt(const ObjExtHead &ext);
 
 } // namespace kova

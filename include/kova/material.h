@@ -1,14 +1,70 @@
 /// Materials, textures and texture images.
 #pragma once
 
-#include "reader/extension.h"
-#include "reader/list.h"
+#include "kova/list.h"
 
 namespace kova {
 
 inline constexpr Word MAT_LIST_TAG = 0x000a0000;
 inline constexpr Word TEX_LIST_TAG = 0x000b0000;
 inline constexpr Word TEXIMG_LIST_TAG = 0x00120000;
+
+/// A colour keyframe.
+struct PrimColorAnim {
+  Word interpolation_type;
+  Index key;
+  Rgba prim_color_anim;
+};
+static_assert(sizeof(PrimColorAnim) == 24);
+
+struct MatExtHead {
+  Rgba ambient;
+  Rgba emission;
+  Rgba diffuse;
+  Word mat_type_for_fog;
+  Word mat_color_type0_for_fog;
+  Word mat_color_type1_for_fog;
+  Word mat_alpha_type0_for_fog;
+  Word mat_alpha_type1_for_fog;
+  Rgba prim_for_fog;
+  External external_local_light;
+  Word external_tex_num;
+  Word prim_color_anim_num;
+  Word prim_color_anim_num_for_fog;
+};
+static_assert(sizeof(MatExtHead) == 104);
+
+struct MatExt : MatExtHead {
+  std::vector<External> external_tex;
+  std::vector<PrimColorAnim> prim_color_anim;
+  std::vector<PrimColorAnim> prim_color_anim_for_fog;
+};
+
+struct TexExtHead {
+  Word tex_filter;
+  Word use_perspective_correction;
+  Index mipmap_level;
+  Word use_color_palette; ///< 0: no palette
+  Word external_tex_img_num;
+};
+static_assert(sizeof(TexExtHead) == 20);
+
+/// The first two arrays have `kvCiTileNum` entries, the other two `external_tex_img_num`.
+struct TexExt : TexExtHead {
+  Indices color_palette_index;
+  Indices tlut_palette_number;
+  std::vector<External> external_tex_img;
+  std::vector<External> external_palette;
+};
+
+struct TeximgExtHead {
+  Word mipmap_max_level;
+};
+static_assert(sizeof(TeximgExtHead) == 4);
+
+struct TeximgExt : TeximgExtHead {
+  Indices mipmap_img_offset;
+};
 
 struct MatHead {
   Word mat_tag;
@@ -141,5 +197,16 @@ KOVA_API Word kvSizeofTeximg(const TeximgList &list, std::size_t index);
 /// @return the number of colour-index tiles of a texture: 0 where it uses no palette (or has no decoded maker block), 1
 /// for a still texture, else its `tex_tile_img_num`.
 KOVA_API Word kvCiTileNum(const Tex &tex);
+
+/// The maker-block decoders; see `kvSetupCamExt`.
+KOVA_API int kvSetupMatExt(MatList &list);
+KOVA_API int kvSetupTexExt(TexList &list);
+KOVA_API int kvSetupTeximgExt(TeximgList &list);
+
+/// @return the bytes of maker block that the counts call for; see `kvSizeofSceneListExt`.
+/// @param tile_num what `kvCiTileNum` says of the texture
+KOVA_API Word kvSizeofMatExt(const MatExtHead &ext);
+KOVA_API Word kvSizeofTexExt(const TexExtHead &ext, Word tile_num);
+KOVA_API Word kvSizeofTeximgExt(const TeximgExtHead &ext);
 
 } // namespace kova

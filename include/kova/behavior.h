@@ -1,8 +1,7 @@
 /// Animation, collision, switches and names.
 #pragma once
 
-#include "reader/extension.h"
-#include "reader/list.h"
+#include "kova/list.h"
 
 #include <array>
 
@@ -14,6 +13,90 @@ inline constexpr Word COLL_TAG = 0x000d1000; ///< of a collision inside a group;
 inline constexpr Word NAME_LIST_TAG = 0x00110000;
 inline constexpr Word SWITCH_LIST_TAG = 0x00130000;
 inline constexpr Word EXTERNAL_NAME_LIST_TAG = 0x00270000;
+
+struct RotateAxis {
+  Word interpolation_type;
+  Index key;
+  Xyz axis;
+  float rotation_angle;
+  Xyz differential_axis;
+  float differential_rotation_angle;
+};
+static_assert(sizeof(RotateAxis) == 40);
+
+/// A rotation about x, y or z.
+struct RotateE {
+  Word interpolation_type;
+  Index key;
+  float rotation_angle;
+  float differential_rotation_angle;
+};
+static_assert(sizeof(RotateE) == 16);
+
+struct OrientationXY {
+  Word interpolation_type;
+  Index key;
+  Xyz x_axis;
+  Xyz y_axis;
+  Xyz differential_x_axis;
+  Xyz differential_y_axis;
+};
+static_assert(sizeof(OrientationXY) == 56);
+
+struct Translation {
+  Word interpolation_type;
+  Index key;
+  Xyz translate;
+  Xyz differential_translate;
+};
+static_assert(sizeof(Translation) == 32);
+
+/// A unique or a classic scale.
+struct Scale {
+  Word interpolation_type;
+  Index key;
+  Xyz scale;
+  Xyz differential_scale;
+};
+static_assert(sizeof(Scale) == 32);
+
+struct AnimGroupExtHead {
+  Word use_animation_channel;
+  Word rotate_axis_num;
+  Word rotate_x_num;
+  Word rotate_y_num;
+  Word rotate_z_num;
+  Word orientation_xy_num;
+  Word translation_num;
+  Word unique_scale_num;
+  Word classic_scale_num;
+  NodeIndex orientation_constraint;
+  NodeIndex direction_constraint;
+  NodeIndex upvector_constraint;
+  NodeIndex preferred_axis_constraint;
+  NodeIndex position_constraint;
+  NodeIndex unique_scale_constraint;
+  NodeIndex classic_scale_constraint;
+  External external_orientation_constraint;
+  External external_direction_constraint;
+  External external_upvector_constraint;
+  External external_preferred_axis_constraint;
+  External external_position_constraint;
+  External external_unique_scale_constraint;
+  External external_classic_scale_constraint;
+};
+static_assert(sizeof(AnimGroupExtHead) == 148);
+
+struct AnimGroupExt : AnimGroupExtHead {
+  std::vector<RotateAxis> rotate_axis;
+  std::vector<RotateE> rotate_x;
+  std::vector<RotateE> rotate_y;
+  std::vector<RotateE> rotate_z;
+  std::vector<OrientationXY> orientation_xy;
+  std::vector<Translation> translation;
+  std::vector<Scale> unique_scale;
+  std::vector<Scale> classic_scale;
+};
 
 /// What every animation record begins with.
 struct AnimHead {
@@ -163,13 +246,19 @@ KOVA_API int kvSetName0(NameList &list);
 /// @return the number of text bytes that a name claims: `name_size` less `name_header_size`, negative in a corrupt one.
 KOVA_API Index kvGetNamelen(const NameHead &name);
 
-/// Unpacks up to `room` characters of a name, from character `first` on, blanks turned into underscores. The text ends
-/// at its claimed length, at the last word held, or at its first NUL. @return the characters put at `to`; fewer than
-/// `room` only where the text ends.
-KOVA_API std::size_t unpackName(const Name &name, std::size_t first, char *to, std::size_t room);
-
 /// @return the text of a name, blanks turned into underscores; empty where the length is negative or memory cannot be
 /// had.
 KOVA_API std::string kvGetName(const Name &name);
+
+/// The maker-block decoders; see `kvSetupCamExt`.
+KOVA_API int kvSetupAnimGroupExt(AnimList &list);
+
+/// Read `count` keyframes from inside a maker block and move past them; those that lie inside the block are held, and
+/// an array that is cut leaves nothing for what follows. @return 0 only where memory cannot be had.
+KOVA_API int kvSetupRotateE(Cursor &cursor, std::vector<RotateE> &destination, Word count);
+KOVA_API int kvSetupScale(Cursor &cursor, std::vector<Scale> &destination, Word count);
+
+/// @return the bytes of maker block that the counts call for; see `kvSizeofSceneListExt`.
+KOVA_API Word kvSizeofAnimGroupExt(const AnimGroupExtHead &ext);
 
 } // namespace kova

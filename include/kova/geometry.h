@@ -1,7 +1,7 @@
 /// Vertices, triangles, colours, normals, texture coordinates and parts.
 #pragma once
 
-#include "reader/list.h"
+#include "kova/list.h"
 
 #include <array>
 

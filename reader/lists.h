@@ -1,0 +1,74 @@
+/// The lists of a KOVA file in the order in which they stand in it: the one place that knows this order, their names,
+/// their tags and the words of the header with their sizes.
+///
+/// Whatever part of the library does something for every list has a table with one row for each, built by
+/// `inListOrder`, so that a list that is missing, doubled or out of its order does not compile.
+#pragma once
+
+#include "kova/kova.h"
+
+#include <array>
+#include <iterator>
+#include <string_view>
+
+namespace kova {
+
+struct ListRow {
+  const char *name;
+  Word tag;
+  Word FileHeader::*size; ///< the word of the header, or of its maker block, with the list's size in bytes
+};
+
+/// File order is neither the order of the tags nor that of the header's words.
+inline constexpr ListRow LISTS[] = {
+    {"SceneList", SCENE_LIST_TAG, &FileHeader::scene_list_num},
+    {"EnvList", ENV_LIST_TAG, &FileHeader::env_list_num},
+    {"CamList", CAM_LIST_TAG, &FileHeader::cam_list_num},
+    {"LightList", LIGHT_LIST_TAG, &FileHeader::light_list_num},
+    {"ObjList", OBJ_LIST_TAG, &FileHeader::obj_list_num},
+    {"ShapeList", SHAPE_LIST_TAG, &FileHeader::shape_list_num},
+    {"VtxList", VTX_LIST_TAG, &FileHeader::vtx_list_num},
+    {"TriList", TRI_LIST_TAG, &FileHeader::tri_list_num},
+    {"ColorList", COLOR_LIST_TAG, &FileHeader::color_list_num},
+    {"VectorList", VECTOR_LIST_TAG, &FileHeader::vector_list_num},
+    {"StList", ST_LIST_TAG, &FileHeader::st_list_num},
+    {"PartList", PART_LIST_TAG, &FileHeader::part_list_num},
+    {"MatList", MAT_LIST_TAG, &FileHeader::mat_list_num},
+    {"TexList", TEX_LIST_TAG, &FileHeader::tex_list_num},
+    {"TeximgList", TEXIMG_LIST_TAG, &FileHeader::tex_img_list_num},
+    {"AnimList", ANIM_LIST_TAG, &FileHeader::anim_list_num},
+    {"CollList", COLL_LIST_TAG, &FileHeader::coll_list_num},
+    {"SwitchList", SWITCH_LIST_TAG, &FileHeader::switch_list_num},
+    {"NameList", NAME_LIST_TAG, &FileHeader::name_list_num},
+    {"CiImgList", CI_IMG_LIST_TAG, &FileHeader::ci_img_list_num},
+    {"ColorPaletteList", COLOR_PALETTE_LIST_TAG, &FileHeader::color_palette_list_num},
+    {"EnvelopeList", ENVELOPE_LIST_TAG, &FileHeader::envelope_list_num},
+    {"ClusterList", CLUSTER_LIST_TAG, &FileHeader::cluster_list_num},
+    {"WeightList", WEIGHT_LIST_TAG, &FileHeader::weight_list_num},
+    {"ChainRootList", CHAIN_ROOT_LIST_TAG, &FileHeader::chain_root_list_num},
+    {"JointList", JOINT_LIST_TAG, &FileHeader::joint_list_num},
+    {"EffectorList", EFFECTOR_LIST_TAG, &FileHeader::effector_list_num},
+    {"ExternalNameList", EXTERNAL_NAME_LIST_TAG, &FileHeader::external_name_list_num},
+};
+inline constexpr std::size_t LIST_NUM = std::size(LISTS);
+
+/// The lists of version 1.0 come first; the others belong to version 2.0.
+inline constexpr std::size_t VERSION_2_LIST_NUM = sizeof(Version2Sizes) / sizeof(Word);
+inline constexpr std::size_t VERSION_1_LIST_NUM = LIST_NUM - VERSION_2_LIST_NUM;
+/// Beside the sizes of the lists, the header has its version, size, tag, own size and two block sizes.
+static_assert(VERSION_1_LIST_NUM == FILE_HEADER_BYTES / sizeof(Word) - 6, "one list for each size word of the header");
+
+/// @return the rows of a table that has one for each list, each with the list's name as `list`. Rows that are not those
+/// of `LISTS`, in their order, do not compile.
+template <class Row, std::size_t N> consteval std::array<Row, N> inListOrder(const Row (&rows)[N]) {
+  static_assert(N == LIST_NUM, "one row for each list");
+  std::array<Row, N> table{};
+  for (std::size_t i = 0; i < N; ++i) {
+    if (std::string_view(rows[i].list) != LISTS[i].name)
+      throw "the rows are not in the order of the lists";
+    table[i] = rows[i];
+  }
+  return table;
+}
+
+} // namespace kova
