@@ -140,9 +140,11 @@ KOVA_API int checkNameList(const Kis &kis);
 KOVA_API int checkFileHeaderExt(const FileHeader &header);
 KOVA_API int checkSceneListExt(const Scene &scene);
 KOVA_API int checkCamExt(const CamList &list);
+/// Leaves the links to chain roots out of what the counts call for.
 KOVA_API int checkObjExt(const ObjList &list);
 KOVA_API int checkShapeExt(const ShapeList &list);
 KOVA_API int checkMatExt(const MatList &list);
+/// Takes one of an external image's two references into what the counts call for.
 KOVA_API int checkTexExt(const TexList &list);
 KOVA_API int checkTeximgExt(const TeximgList &list);
 KOVA_API int checkAnimGroupExt(const AnimList &list);
