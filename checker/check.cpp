@@ -46,6 +46,13 @@ constexpr std::span<const ListRow> VERSION_2_LISTS = std::span(LISTS).subspan(VE
 
 } // namespace
 
+int checkKOVA(const Kis &kis) {
+  int ok = checkKOVA1(kis);
+  if (kvKOVAver(kis.file_header) == VERSION_2)
+    ok *= checkKOVA2(kis);
+  return ok;
+}
+
 int checkKOVA1(const Kis &kis) {
   int ok = 1;
   for (std::size_t list = 0; list < VERSION_1_LIST_NUM; ++list)

@@ -61,9 +61,7 @@ int main(int argc, char **argv) {
   const kova::Word version = kova::kvKOVAver(kis->file_header);
   if (version != kova::VERSION_1 && version != kova::VERSION_2)
     return refuseVersion(kis->file_header.version);
-  verdict *= kova::checkKOVA1(*kis);
-  if (version == kova::VERSION_2)
-    verdict *= kova::checkKOVA2(*kis);
+  verdict *= kova::checkKOVA(*kis);
 
   printSummary(*kis, version, verdict);
   kova::kvOutputKt(*kis);

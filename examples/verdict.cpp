@@ -25,12 +25,7 @@ std::FILE *takeOverOutput() {
 
 bool isGood(const char *path) {
   const kova::KisHandle kis = kova::kvNewKis();
-  if (!kis || !kova::kvOpenKb(path, *kis))
-    return false;
-  int verdict = kova::checkKOVA1(*kis);
-  if (kova::kvKOVAver(kis->file_header) == kova::VERSION_2)
-    verdict *= kova::checkKOVA2(*kis);
-  return verdict != 0;
+  return kis && kova::kvOpenKb(path, *kis) && kova::checkKOVA(*kis);
 }
 
 } // namespace

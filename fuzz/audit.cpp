@@ -27,9 +27,7 @@ void requireInvariants(const Kis &kis) {
 /// Checks and dumps a model as a file of the version in its header.
 void checkAndDump(const Kis &kis) {
   requireInvariants(kis);
-  checkKOVA1(kis);
-  if (kvKOVAver(kis.file_header) == VERSION_2)
-    checkKOVA2(kis);
+  checkKOVA(kis);
   kvSaveAsKt(kis, "/dev/null");
 }
 

@@ -82,11 +82,7 @@ std::string dumpOf(const Kis &kis) {
 Audit audit(const Bytes &bytes) {
   Audit audit{};
   audit.errors = capture([&] { audit.loaded = loadBytes(bytes, audit.kis); }).err;
-  const std::string findings = capture([&] {
-                                 audit.verdict = checkKOVA1(audit.kis);
-                                 if (kvKOVAver(audit.kis.file_header) == VERSION_2)
-                                   audit.verdict *= checkKOVA2(audit.kis);
-                               }).out;
+  const std::string findings = capture([&] { audit.verdict = checkKOVA(audit.kis); }).out;
   audit.findings = linesWithout(findings, "---- checking ");
   audit.dump = dumpOf(audit.kis);
   return audit;

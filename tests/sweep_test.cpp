@@ -97,9 +97,7 @@ Round run(const Sink &sink, const std::string &path) {
   round.verdict = kvOpenKb(path.c_str(), kis);
   const Word version = kvKOVAver(kis.file_header);
   round.broken = brokenInvariants(kis);
-  round.verdict *= checkKOVA1(kis);
-  if (version == VERSION_2)
-    round.verdict *= checkKOVA2(kis);
+  round.verdict *= checkKOVA(kis);
   std::fflush(stdout);
   std::FILE *const dump = ::fdopen(::dup(STDOUT_FILENO), "w");
   kvWriteKt(dump, kis);

@@ -1,11 +1,9 @@
 /// The consistency checker: recomputes every size and index that a KOVA file declares about itself, and reports each
 /// disagreement.
 ///
-/// The front door of the checker. A program that wants a verdict on a loaded model does
+/// A program that wants a verdict on a loaded model calls
 ///
-///     int ok = kova::checkKOVA1(kis);
-///     if (kova::kvKOVAver(kis.file_header) == kova::VERSION_2)
-///       ok *= kova::checkKOVA2(kis);
+///     const int ok = kova::checkKOVA(kis);
 ///
 /// Every check only reads the model, asks for no memory, prints its findings on standard output and returns its
 /// verdict: 1 for consistent, 0 for inconsistent. Verdicts are folded by multiplication, and every check runs, also
@@ -21,12 +19,15 @@ namespace kova {
 
 // --- The drivers ----------------------------------------------------------------------------------------------------
 
+/// Runs all checks that a file of its version calls for: `checkKOVA1`, and for version 2.0 also `checkKOVA2`.
+KOVA_API int checkKOVA(const Kis &kis);
+
 /// Runs the nineteen version-1 list checks in the order in which the lists stand in the file. Prints nothing of its
 /// own.
 KOVA_API int checkKOVA1(const Kis &kis);
 
 /// Runs the checks of the header's and the records' maker blocks, then those of the version-2 lists whose size in the
-/// header is not 0. Prints nothing of its own. For files of version 2.0, after `checkKOVA1`.
+/// header is not 0. Prints nothing of its own. Only a file of version 2.0 has these.
 KOVA_API int checkKOVA2(const Kis &kis);
 
 // --- The primitives -------------------------------------------------------------------------------------------------

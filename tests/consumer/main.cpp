@@ -9,9 +9,7 @@ int main(int argc, char **argv) {
   const kova::KisHandle kis = kova::kvNewKis();
   if (argc != 3 || !kis || !kova::kvOpenKb(argv[1], *kis))
     return 1;
-  int good = kova::checkKOVA1(*kis);
-  if (kova::kvKOVAver(kis->file_header) == kova::VERSION_2)
-    good *= kova::checkKOVA2(*kis);
+  const int good = kova::checkKOVA(*kis);
   const std::string name = kis->name.element.empty() ? "" : kova::kvGetName(kis->name.element.front());
   std::printf("%s %s %s\n", KOVA_VERSION, good != 0 ? "OK" : "ERR", name.c_str());
   return kova::kvSaveAsKt(*kis, argv[2]) ? 0 : 1;
