@@ -97,8 +97,9 @@ int kvSetName0(NameList &) { return 1; }
 Index kvGetNamelen(const NameHead &name) { return static_cast<Index>(name.name_size - name.name_header_size); }
 
 std::size_t unpackName(const Name &name, std::size_t first, char *to, std::size_t room) {
-  // The words held never stand for more than the claimed length.
-  const std::size_t end = std::min(name.text.size() * sizeof(Word), first + room);
+  const Index length = kvGetNamelen(name);
+  const std::size_t held = std::min(name.text.size() * sizeof(Word), static_cast<std::size_t>(std::max(length, 0)));
+  const std::size_t end = std::min(held, first + room);
   for (std::size_t i = first; i < end; ++i) {
     const char character = static_cast<char>(name.text[i / sizeof(Word)] >> (8 * (3 - i % sizeof(Word))) & 0xff);
     if (character == '\0')

@@ -110,7 +110,8 @@ int kvSetupArray(Cursor &cursor, Floats &destination, Word count) { return setup
 
 Word *kvReadArea(Cursor &cursor, Words &area, Word *&destination, Word bytes_per_row, Word rows) {
   const std::uint64_t row_words = bytes_per_row / sizeof(Word);
-  if (!readRun(cursor, area, row_words * rows))
+  // Room for one word at least, so that an empty area has a place, too.
+  if (!withinMemory(cursor, [&] { return area.reserve(1), 1; }) || !readRun(cursor, area, row_words * rows))
     return destination = nullptr;
   return destination = area.data() + area.size();
 }

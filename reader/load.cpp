@@ -1,12 +1,12 @@
 #include "kova/kova.h"
 
 #include "reader/cursor.h"
+#include "reader/file.h"
 #include "reader/lists.h"
 #include "reader/window.h"
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
 #include <new>
 #include <optional>
 
@@ -16,21 +16,8 @@ namespace {
 
 // --- Bytes from a stream --------------------------------------------------------------------------------------------
 
-/// @return the length of the stream in bytes; none where its end cannot be found (a pipe) or it cannot be read
-/// (a directory, which names lengths of its own invention).
-std::optional<std::uint64_t> streamLength(std::FILE *stream) {
-  const long here = std::ftell(stream);
-  if (here < 0 || std::ferror(stream) != 0 || std::fseek(stream, 0, SEEK_END) != 0)
-    return std::nullopt;
-  const long end = std::ftell(stream);
-  std::fseek(stream, here, SEEK_SET);
-  return end < 0 ? std::nullopt : std::optional<std::uint64_t>(end);
-}
-
 /// @return the bytes between a place in a stream and its end.
-std::uint64_t bytesAhead(std::uint64_t length, long here) {
-  return length > static_cast<std::uint64_t>(here) ? length - static_cast<std::uint64_t>(here) : 0;
-}
+std::uint64_t bytesAhead(std::uint64_t length, std::uint64_t here) { return length > here ? length - here : 0; }
 
 struct Bytes {
   std::unique_ptr<unsigned char[]> bytes;
@@ -45,15 +32,15 @@ void grow(Bytes &held, std::size_t capacity) {
 
 /// Reads up to `size` bytes from the stream's position, as they stand in the file. Memory is asked for by what the
 /// stream holds; where that cannot be told, by what it has given so far. Throws where memory cannot be had.
-Bytes readBytes(std::FILE *stream, Word size) {
+Bytes readAll(std::FILE *stream, Word size) {
   constexpr std::size_t FIRST_GUESS = 64 * 1024;
   const std::optional<std::uint64_t> length = streamLength(stream);
-  const std::uint64_t ahead = length ? bytesAhead(*length, std::ftell(stream)) : FIRST_GUESS;
+  const std::uint64_t ahead = length ? bytesAhead(*length, streamPlace(stream).value_or(0)) : FIRST_GUESS;
   std::size_t capacity = static_cast<std::size_t>(std::min<std::uint64_t>(size, ahead));
   Bytes held;
   for (;;) {
     grow(held, capacity);
-    held.size += std::fread(held.bytes.get() + held.size, 1, capacity - held.size, stream);
+    held.size += readBytes(stream, held.bytes.get() + held.size, capacity - held.size);
     if (length || held.size < capacity || capacity == size)
       return held;
     capacity = std::min<std::size_t>(size, 2 * capacity);
@@ -65,13 +52,22 @@ Bytes readBytes(std::FILE *stream, Word size) {
 ListWindow windowFor(std::FILE *stream, Word size) {
   const std::optional<std::uint64_t> length = streamLength(stream);
   if (!length) {
-    Bytes held = readBytes(stream, size);
+    Bytes held = readAll(stream, size);
     return {stream, 0, held.size, held.size, std::move(held.bytes), 0, held.size};
   }
-  const long begin = std::ftell(stream);
+  const std::uint64_t begin = streamPlace(stream).value_or(0);
   const std::uint64_t there = std::min<std::uint64_t>(size, bytesAhead(*length, begin));
-  return {stream, static_cast<std::uint64_t>(begin), there, 0,
+  return {stream, begin, there, 0,
           std::make_unique_for_overwrite<unsigned char[]>(std::min<std::uint64_t>(there, WINDOW_BYTES))};
+}
+
+/// Tells of a read that failed, once for a model. @return 0.
+int sayReadError(std::FILE *stream, Kis &kis) {
+  if (!kis.input_file.read_error)
+    std::fputs(INPUT_READ_ERROR, stderr);
+  kis.input_file.read_error = true;
+  std::clearerr(stream); // told: what is read from the stream next is judged by itself
+  return 0;
 }
 
 // --- The readers of the lists ---------------------------------------------------------------------------------------
@@ -159,7 +155,9 @@ int readList(std::FILE *stream, Word size, Kis &kis, std::size_t list) {
     cursor.window = &window;
     const int ok = READERS[list].read(cursor, kis);
     // Whatever its reader made of it, the list ends where the header says.
-    std::fseek(stream, static_cast<long>(window.list_begin + window.list_size), SEEK_SET);
+    seekStream(stream, window.list_begin + window.list_size);
+    if (std::ferror(stream) != 0)
+      return sayReadError(stream, kis);
     if (cursor.fault == Fault::past_end)
       std::fprintf(stderr, "%s runs past its end.\n", name);
     return cursor.fault == Fault::no_memory ? sayNoMemory(name) : ok;
@@ -221,26 +219,17 @@ int checkHeaderTag(const FileHeader &header) {
 }
 
 /// Reads the header's two blocks with one read of their sum, which wraps. A shortage is none of the header's faults.
-int readHeaderBlocks(std::FILE *stream, FileHeader &header) {
+int readHeaderBlocks(std::FILE *stream, Kis &kis) {
+  FileHeader &header = kis.file_header;
   try {
-    const Bytes held = readBytes(stream, header.van_ext_blk_size + header.usr_ext_blk_size);
+    const Bytes held = readAll(stream, header.van_ext_blk_size + header.usr_ext_blk_size);
     endianSwap4(held.bytes.get(), held.size);
     Cursor cursor{held.bytes.get(), held.size};
     if (kvSetupExtBlk1(cursor, header.ext_blk, header.van_ext_blk_size, header.usr_ext_blk_size))
-      return 1;
+      return std::ferror(stream) == 0 ? 1 : sayReadError(stream, kis);
   } catch (const std::exception &) { // told below, like the fault of the cursor
   }
   return sayNoMemory("FileHeader");
-}
-
-/// A pipe cannot be read a second time, and opening one that nobody writes to any more would wait for ever.
-bool isPipe(const std::string &path) {
-  try {
-    std::error_code ignored;
-    return std::filesystem::is_fifo(path, ignored);
-  } catch (const std::exception &) {
-    return false;
-  }
 }
 
 } // namespace
@@ -263,21 +252,21 @@ int kvOpenKb(const char *path, Kis &kis) {
 }
 
 int kvOpenKb1(const char *path, Kis &kis) {
-  kis = Kis();
   const Stream stream = kvKbReadOpen(path);
+  Kis cleared; // `path` may lie in the model, so it is kept before the model is cleared
+  if (stream) {
+    kvSetFilename(path, cleared);
+    cleared.input_file = identify(stream.get());
+  }
+  kis = std::move(cleared);
   if (!stream)
     return 0;
-  kvSetFilename(path, kis);
   return kvReadFileHeader(stream.get(), kis) && readLists(stream.get(), kis, 0, VERSION_1_LIST_NUM);
 }
 
 int kvOpenKb2Ext(Kis &kis) {
-  if (isPipe(kis.file_name)) {
-    std::fputs(INPUT_OPEN_ERROR, stderr);
-    return 0;
-  }
-  const Stream stream = kvKbReadOpen(kis.file_name.c_str());
-  if (!stream || std::fseek(stream.get(), static_cast<long>(kvSizeofKOVA1file(kis.file_header)), SEEK_SET) != 0)
+  const Stream stream = openAgain(kis.file_name.c_str(), kis.input_file);
+  if (!stream || !seekStream(stream.get(), kvSizeofKOVA1file(kis.file_header)))
     return 0;
   return readLists(stream.get(), kis, VERSION_1_LIST_NUM, LIST_NUM);
 }
@@ -286,14 +275,17 @@ int kvReadFileHeader(std::FILE *stream, Kis &kis) {
   FileHeader &header = kis.file_header;
   header = FileHeader();
   FileHeaderHead &words = header;
-  [[maybe_unused]] const std::size_t got = std::fread(&words, 1, sizeof words, stream); // what the file lacks stays 0
-  endianSwap4(&words, sizeof words);
-  int ok = checkVersion(header);
+  freadEndianSwap4(&words, sizeof words, stream); // what the file lacks stays 0
+  if (std::ferror(stream) != 0)
+    return sayReadError(stream, kis);
+  const int known_version = checkVersion(header);
+  int ok = known_version;
   ok *= checkFileSize(header, streamLength(stream).value_or(0));
   ok *= checkHeaderSize(header);
   ok *= checkListSum(header);
   ok *= checkHeaderTag(header);
-  ok *= readHeaderBlocks(stream, header);
+  if (known_version) // else nothing would look at them
+    ok *= readHeaderBlocks(stream, kis);
   ok *= kvSetupFileHeaderExt(header);
   return ok;
 }

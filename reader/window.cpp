@@ -1,6 +1,7 @@
 #include "reader/window.h"
 
 #include "reader/byte_order.h"
+#include "reader/file.h"
 
 #include <algorithm>
 
@@ -11,7 +12,7 @@ namespace {
 /// Moves the stream to a place in the list, where it does not stand there.
 void seek(ListWindow &window, std::uint64_t offset) {
   if (window.stream_at != offset)
-    std::fseek(window.stream, static_cast<long>(window.list_begin + offset), SEEK_SET);
+    seekStream(window.stream, window.list_begin + offset);
   window.stream_at = offset;
 }
 
@@ -20,7 +21,7 @@ void moveTo(ListWindow &window, std::uint64_t offset) {
   window.begin = offset / sizeof(Word) * sizeof(Word);
   const std::uint64_t wanted = std::min<std::uint64_t>(WINDOW_BYTES, window.list_size - window.begin);
   seek(window, window.begin);
-  window.stream_at += std::fread(window.bytes.get(), 1, static_cast<std::size_t>(wanted), window.stream);
+  window.stream_at += readBytes(window.stream, window.bytes.get(), static_cast<std::size_t>(wanted));
   window.end = window.stream_at;
 }
 
@@ -40,7 +41,7 @@ void copyOut(unsigned char *to, const unsigned char *from, std::size_t bytes, Or
 int readPast(ListWindow &window, std::uint64_t offset, unsigned char *to, std::size_t bytes, Order order) {
   seek(window, offset);
   const std::size_t got =
-      order == Order::host ? freadEndianSwap4(to, bytes, window.stream) : std::fread(to, 1, bytes, window.stream);
+      order == Order::host ? freadEndianSwap4(to, bytes, window.stream) : readBytes(window.stream, to, bytes);
   window.stream_at += got;
   return got == bytes;
 }

@@ -1,6 +1,7 @@
 #include "kova/words.h"
 
 #include "reader/byte_order.h"
+#include "reader/file.h"
 
 #include <algorithm>
 #include <array>
@@ -29,7 +30,7 @@ std::size_t freadEndianSwap4(void *buffer, std::size_t bytes, std::FILE *stream)
   std::size_t done = 0;
   while (done < bytes) {
     const std::size_t wanted = std::min(PIECE, bytes - done);
-    const std::size_t got = std::fread(to + done, 1, wanted, stream);
+    const std::size_t got = readBytes(stream, to + done, wanted);
     endianSwap4(to + done, got);
     done += got;
     if (got < wanted)
@@ -39,6 +40,8 @@ std::size_t freadEndianSwap4(void *buffer, std::size_t bytes, std::FILE *stream)
 }
 
 std::size_t fwriteEndianSwap4(const void *buffer, std::size_t size, std::size_t count, std::FILE *stream) {
+  if (size == 0 || count == 0)
+    return 0;
   try {
     const auto *const from = static_cast<const unsigned char *>(buffer);
     std::vector<unsigned char> converted(from, from + size * count);

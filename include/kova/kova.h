@@ -75,9 +75,24 @@ struct FileHeader : FileHeaderHead, Version2Sizes {
   ExtBlk ext_blk;
 };
 
+/// What is known of the file that a model was read from: which one it is, so that its second opening can be compared
+/// with the first, and whether a read of it failed.
+struct InputFile {
+  bool known = false; ///< only a regular file or a block device is
+  std::uint64_t device = 0;
+  std::uint64_t inode = 0;
+  std::uint64_t size = 0; ///< bytes
+  std::int64_t change_seconds = 0;
+  std::int64_t change_nanoseconds = 0;
+  bool read_error = false; ///< a read failed, and that was told
+
+  bool operator==(const InputFile &) const = default;
+};
+
 /// The model of one loaded file, lists in file order.
 struct Kis {
   std::string file_name;
+  InputFile input_file;
   FileHeader file_header{};
 
   Scene scene{};
@@ -115,19 +130,23 @@ using KisHandle = std::unique_ptr<Kis>;
 /// @return a new model: an empty file name, a header of zeros, no elements; null where memory cannot be had.
 KOVA_API KisHandle kvNewKis();
 
-/// Loads the file at `path`, forgetting what `kis` held. Prints what is wrong on standard error.
+/// Loads the file at `path`, which may be `kis.file_name`, forgetting what `kis` held. Prints what is wrong on standard
+/// error; a read that fails is told once, as "Input File Read Error\n".
 /// @return 1 where the file was read whole and its header is consistent; else 0.
 KOVA_API int kvOpenKb(const char *path, Kis &kis);
 
 /// The first step of `kvOpenKb`: the header and the version-1 lists. The first list that fails ends it.
 KOVA_API int kvOpenKb1(const char *path, Kis &kis);
 
-/// The last step: opens the file again by the name in `kis` and reads the version-2 lists. @return 1; 0 where the file
-/// cannot be opened a second time (a pipe cannot) or a list fails.
+/// The last step: opens the file again by the name in `kis` and reads the version-2 lists. Nothing but a regular file
+/// or a block device is opened again, and the opening never waits. @return 1; 0 where the file cannot be opened
+/// ("Input File Open Error\n"), is not the one that `kvOpenKb1` read ("Input File Has Changed\n": another device,
+/// inode, size or time of change), or where a list fails.
 KOVA_API int kvOpenKb2Ext(Kis &kis);
 
 /// Reads the 100-byte header and its blocks from the stream's position, and makes all of its checks, each with its
-/// message on standard error. Bytes that the file lacks are 0. @return 1 where every check passed.
+/// message on standard error. Bytes that the file lacks are 0. Where the read itself fails, that is told and no check
+/// is made. The blocks of a file of unknown version are not read. @return 1 where every check passed.
 KOVA_API int kvReadFileHeader(std::FILE *stream, Kis &kis);
 
 /// Fills the version-2 size table of a 2.0 header from its maker block, words that the block lacks being 0.
@@ -137,7 +156,8 @@ KOVA_API int kvSetupFileHeaderExt(FileHeader &header);
 /// Reads the list called `name` ("SceneList" to "ExternalNameList"), which is `size` bytes long, from the stream's
 /// position into its record in `kis`; a size of 0 reads nothing and clears the record. Memory is asked for by what the
 /// stream holds, not by `size`. Prints on standard error what the list's reader prints, "%s runs past its end.\n" or
-/// "%s: out of memory.\n" with the name. @return the reader's or clearer's result; 0 for a name that no list has.
+/// "%s: out of memory.\n" with the name, or "Input File Read Error\n" (once for a model). @return the reader's or
+/// clearer's result; 0 for a name that no list has.
 KOVA_API int kvReadList(std::FILE *stream, Word size, Kis &kis, const char *name);
 
 /// @return the 28 list names in file order.

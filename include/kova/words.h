@@ -57,19 +57,24 @@ struct CloseStream {
 using Stream = std::unique_ptr<std::FILE, CloseStream>;
 
 /// Converts bytes / 4 words in place between file order and host order; odd bytes at the end stay as they are. Does
-/// nothing on a big-endian host.
+/// nothing on a big-endian host. Where `bytes` is 0 the buffer may be null, as for the next two.
 KOVA_API void endianSwap4(void *buffer, std::size_t bytes);
 
-/// Reads `bytes` bytes into `buffer` and converts the whole words among those that were read to host order.
+/// Reads `bytes` bytes into `buffer` and converts the whole words among those that were read to host order. A call that
+/// a signal has interrupted is made again.
 /// @return the number of bytes read, which is less than asked for where the stream ends or fails.
 KOVA_API std::size_t freadEndianSwap4(void *buffer, std::size_t bytes, std::FILE *stream);
 
 /// Writes `size` x `count` bytes in file order; the caller's buffer stays in host order.
-/// @return the number of bytes written; 0 where memory for the converted copy cannot be had.
+/// @return the number of bytes written: fewer where the stream fails, 0 where memory for the converted copy cannot be
+/// had.
 KOVA_API std::size_t fwriteEndianSwap4(const void *buffer, std::size_t size, std::size_t count, std::FILE *stream);
 
 inline constexpr const char *INPUT_OPEN_ERROR = "Input File Open Error\n";
+inline constexpr const char *INPUT_READ_ERROR = "Input File Read Error\n";
+inline constexpr const char *INPUT_HAS_CHANGED = "Input File Has Changed\n";
 inline constexpr const char *OUTPUT_OPEN_ERROR = "Output File Open Error\n";
+inline constexpr const char *OUTPUT_WRITE_ERROR = "Output File Write Error\n";
 
 /// Open a file for binary reading ("rb"), binary writing ("wb"), text reading ("r"), text writing ("w").
 /// @return the stream, or null after "Input File Open Error\n" or "Output File Open Error\n" on standard error.
@@ -121,7 +126,8 @@ KOVA_API int kvSetupArray(Cursor &cursor, Floats &destination, Word count);
 
 /// Reads `rows` rows of `bytes_per_row` / 4 words each into `area`, which owns them. On return `destination` points
 /// just past the copied words; whoever wants the start takes `area.data()`.
-/// @return `destination`; null where the words are not all there or memory cannot be had.
+/// @return `destination`, which is not null, also where no word was asked for; null where the words are not all there
+/// or memory cannot be had.
 KOVA_API Word *kvReadArea(Cursor &cursor, Words &area, Word *&destination, Word bytes_per_row, Word rows);
 
 // --- Extension blocks -----------------------------------------------------------------------------------------------

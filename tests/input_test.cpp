@@ -1,0 +1,236 @@
+/// Input that does not behave: reads that fail, that are interrupted, that give less than was asked for; files that
+/// change while they are read.
+
+#include "samples/builder.h"
+#include "tests/invariants.h"
+#include "tests/support.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace kova::test {
+
+namespace {
+
+/// A stream over bytes that gives at most `piece` of them per call. The calls from `failing_call` to
+/// `last_failing_call`, counted from 0, fail with an error.
+struct Unreliable {
+  Bytes bytes;
+  std::size_t piece = 4096;
+  long failing_call = -1;
+  long last_failing_call = failing_call;
+  int error = EIO;
+  std::size_t place = 0;
+  long calls = 0;
+  std::size_t given = 0;
+};
+
+ssize_t readUnreliable(void *cookie, char *to, std::size_t size) {
+  auto &source = *static_cast<Unreliable *>(cookie);
+  const long call = source.calls++;
+  if (call >= source.failing_call && call <= source.last_failing_call) {
+    errno = source.error;
+    return -1;
+  }
+  const std::size_t ahead = source.bytes.size() - std::min(source.place, source.bytes.size());
+  const std::size_t count = std::min({size, source.piece, ahead});
+  std::copy_n(source.bytes.begin() + static_cast<std::ptrdiff_t>(std::min(source.place, source.bytes.size())), count,
+              to);
+  source.place += count;
+  source.given += count;
+  return static_cast<ssize_t>(count);
+}
+
+int seekUnreliable(void *cookie, off64_t *offset, int whence) {
+  auto &source = *static_cast<Unreliable *>(cookie);
+  const std::size_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? source.place : source.bytes.size();
+  source.place = base + static_cast<std::size_t>(*offset);
+  *offset = static_cast<off64_t>(source.place);
+  return 0;
+}
+
+Stream open(Unreliable &source) {
+  return Stream(::fopencookie(&source, "rb", {readUnreliable, nullptr, seekUnreliable, nullptr}));
+}
+
+struct Loaded {
+  Kis kis;
+  int ok;
+  std::string errors;
+};
+
+/// Loads a 1.0 file from a stream, list by list, as far as that goes.
+Loaded load(Unreliable &source) {
+  Loaded loaded{};
+  loaded.errors = capture([&] {
+                    const Stream stream = open(source);
+                    loaded.ok = kvReadFileHeader(stream.get(), loaded.kis);
+                    Word FileHeader::*const sizes[] = {&FileHeader::scene_list_num, &FileHeader::env_list_num,
+                                                       &FileHeader::cam_list_num,   &FileHeader::light_list_num,
+                                                       &FileHeader::obj_list_num,   &FileHeader::shape_list_num,
+                                                       &FileHeader::vtx_list_num,   &FileHeader::tri_list_num,
+                                                       &FileHeader::color_list_num, &FileHeader::vector_list_num};
+                    for (std::size_t i = 0; i < std::size(sizes) && loaded.ok; ++i)
+                      loaded.ok =
+                          kvReadList(stream.get(), loaded.kis.file_header.*sizes[i], loaded.kis, kvListNames()[i]);
+                  }).err;
+  EXPECT_EQ(brokenInvariants(loaded.kis), "");
+  return loaded;
+}
+
+} // namespace
+
+/// The disk fails from a call on: told once, the load fails, and later faults leave more of the model.
+TEST(Input, ReadsThatFailAreToldOnceAndLoseNothingBefore) {
+  const Bytes bytes = goodFile1().bytes;
+  Unreliable whole{.bytes = bytes, .piece = 200};
+  const std::string all = dumpOf(load(whole).kis);
+  ASSERT_GT(whole.calls, 15);
+  std::ptrdiff_t most_lines = 0;
+  for (long call = 0; call < whole.calls - 1; ++call) { // the last one reads ahead of what is wanted
+    SCOPED_TRACE("call " + std::to_string(call));
+    Unreliable source{.bytes = bytes, .piece = 200, .failing_call = call, .last_failing_call = whole.calls};
+    const Loaded loaded = load(source);
+    EXPECT_EQ(loaded.ok, 0);
+    EXPECT_EQ(loaded.errors, "Input File Read Error\n");
+    EXPECT_TRUE(loaded.kis.input_file.read_error);
+    const std::string dump = dumpOf(loaded.kis);
+    const auto differs = std::mismatch(dump.begin(), dump.end(), all.begin(), all.end()).first;
+    const std::ptrdiff_t lines = std::count(dump.begin(), differs, '\n');
+    EXPECT_GE(lines, most_lines);
+    most_lines = std::max(most_lines, lines);
+  }
+  EXPECT_GT(most_lines, 100);
+}
+
+/// One call fails. A call that was only made in advance is made again when its bytes are wanted, and then nothing is
+/// lost.
+TEST(Input, AReadThatFailsOnceIsToldOrMadeAgain) {
+  const Bytes bytes = goodFile1().bytes;
+  Unreliable whole{.bytes = bytes, .piece = 200};
+  const std::string all = dumpOf(load(whole).kis);
+  int told = 0;
+  for (long call = 0; call < whole.calls; ++call) {
+    SCOPED_TRACE("call " + std::to_string(call));
+    Unreliable source{.bytes = bytes, .piece = 200, .failing_call = call};
+    const Loaded loaded = load(source);
+    EXPECT_EQ(loaded.errors, loaded.ok ? "" : "Input File Read Error\n");
+    EXPECT_TRUE(!loaded.ok || dumpOf(loaded.kis) == all);
+    told += loaded.ok ? 0 : 1;
+  }
+  EXPECT_GT(told, 10);
+}
+
+TEST(Input, InterruptedAndShortReadsAreTakenUpAgain) {
+  const Bytes bytes = goodFile1().bytes;
+  Unreliable whole{.bytes = bytes, .piece = 200};
+  const std::string all = dumpOf(load(whole).kis);
+  for (long call = 0; call < whole.calls; ++call) {
+    Unreliable source{.bytes = bytes, .piece = 200, .failing_call = call, .error = EINTR};
+    const Loaded loaded = load(source);
+    EXPECT_EQ(loaded.errors, "") << "call " << call;
+    EXPECT_EQ(loaded.ok, 1);
+    EXPECT_TRUE(dumpOf(loaded.kis) == all) << "call " << call;
+  }
+  for (const std::size_t piece : {1U, 3U, 4U, 7U, 97U}) {
+    Unreliable source{.bytes = bytes, .piece = piece};
+    EXPECT_TRUE(dumpOf(load(source).kis) == all) << "pieces of " << piece;
+  }
+}
+
+TEST(Input, BlocksOfAnUnknownVersionAreNotRead) {
+  File file = build(0x100, "");
+  setWord(file, "FileHeader", 0, "version", 0x300);
+  setWord(file, "FileHeader", 0, "van_ext_blk_size", 0x7ffffff0);
+  file.bytes.resize(1 << 20);
+  Unreliable source{.bytes = file.bytes};
+  const Stream stream = open(source);
+  Kis kis;
+  const std::string errors = capture([&] { EXPECT_EQ(kvReadFileHeader(stream.get(), kis), 0); }).err;
+  EXPECT_TRUE(errors.starts_with("     300\nUnknown version number.\nfile size ")) << errors;
+  EXPECT_TRUE(errors.ends_with("Incorrect file header size.\n")) << errors;
+  EXPECT_LE(source.given, 8192U) << "what the stream's own buffer takes in";
+}
+
+/// Between its two openings a file is replaced in every way.
+TEST(Input, AFileThatIsReplacedIsToldAndNotMixed) {
+  namespace fs = std::filesystem;
+  const Bytes bytes = build(0x200, "CiImgList { CiImg }").bytes;
+  struct Row {
+    const char *name;
+    std::function<void(const std::string &)> replace;
+    const char *errors;
+  };
+  const Row rows[] = {
+      {"left alone", [](const std::string &) {}, ""},
+      {"an equal file in its place",
+       [&](const std::string &path) {
+         const ScratchFile other(bytes);
+         fs::rename(other.path, path);
+       },
+       "Input File Has Changed\n"},
+      {"longer by a byte", [&](const std::string &path) { fs::resize_file(path, bytes.size() + 1); },
+       "Input File Has Changed\n"},
+      {"written again", [&](const std::string &path) { fs::last_write_time(path, fs::file_time_type::min()); },
+       "Input File Has Changed\n"},
+      {"gone", [](const std::string &path) { fs::remove(path); }, "Input File Open Error\n"},
+      {"a pipe that nobody writes to",
+       [](const std::string &path) {
+         fs::remove(path);
+         ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+       },
+       "Input File Has Changed\n"},
+      {"a folder",
+       [](const std::string &path) {
+         fs::remove(path);
+         fs::create_directory(path);
+       },
+       "Input File Has Changed\n"},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.name);
+    const ScratchFile file(bytes);
+    Kis kis;
+    EXPECT_EQ(kvOpenKb1(file.path.c_str(), kis), 1);
+    row.replace(file.path);
+    int second = -1;
+    EXPECT_EQ(capture([&] { second = kvOpenKb2Ext(kis); }).err, row.errors);
+    EXPECT_EQ(second, *row.errors == '\0' ? 1 : 0);
+    EXPECT_EQ(kis.ci_img.element.size(), *row.errors == '\0' ? 1U : 0U);
+  }
+}
+
+TEST(Input, AModelIsLoadedAgainByTheNameThatItHolds) {
+  const ScratchFile file(goodFile2().bytes);
+  Kis kis;
+  ASSERT_EQ(kvOpenKb(file.path.c_str(), kis), 1);
+  const std::string dump = dumpOf(kis);
+  EXPECT_EQ(kvOpenKb(kis.file_name.c_str(), kis), 1);
+  EXPECT_EQ(kis.file_name, file.path);
+  EXPECT_EQ(dumpOf(kis), dump);
+}
+
+TEST(Input, NothingIsAPlaceToo) {
+  Cursor cursor;
+  Words area;
+  Word *end = nullptr;
+  EXPECT_NE(kvReadArea(cursor, area, end, 8, 0), nullptr);
+  EXPECT_NE(end, nullptr);
+  endianSwap4(nullptr, 0);
+  EXPECT_EQ(fwriteEndianSwap4(nullptr, 0, 0, stdout), 0U);
+  EXPECT_EQ(freadEndianSwap4(nullptr, 0, stdin), 0U);
+
+  Name name{};
+  name.name_header_size = 16;
+  name.name_size = 19;
+  name.text = {0x61626364, 0x65666768};
+  EXPECT_EQ(kvGetName(name), "abc") << "cut at the length that the model tells";
+  name.name_size = 4;
+  EXPECT_EQ(kvGetName(name), "");
+}
+
+} // namespace kova::test
