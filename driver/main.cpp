@@ -1,19 +1,48 @@
 /// kbaudit: loads a KOVA scene file, checks it, prints the verdict, and writes the text form of what it holds.
 
+#include "driver/memory.h"
 #include "kova/check.h"
 #include "kova/kova.h"
 #include "kova/kt.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 namespace {
 
-constexpr int EXIT_REFUSED = -1; // usage and unknown versions; a bad file is told by the verdict alone
+constexpr int EXIT_REFUSED = -1; // no verdict or no complete report; a bad file is told by the verdict alone
 constexpr const char *STARS = "************************************************************\n";
 
 bool asksForUsage(const char *argument) {
   return argument == nullptr || std::strcmp(argument, "-h") == 0 || std::strcmp(argument, "-help") == 0;
+}
+
+/// The reason for which standard output could not be written, once one is known.
+struct Output {
+  int error = 0;
+};
+
+/// Looks at standard output after a step. The system's reason is still there: a step that has failed to write sets it,
+/// and what it writes afterwards with success leaves it as it is.
+void noteWriteError(Output &output) {
+  if (output.error == 0 && std::ferror(stdout) != 0)
+    output.error = errno != 0 ? errno : EIO;
+  errno = 0;
+}
+
+/// Closes standard output. @return `status`, or `EXIT_REFUSED` where the output is not complete. That is told, unless
+/// the reader of a pipe has closed it and wants no more.
+int finish(Output &output, int status) {
+  noteWriteError(output);
+  if (std::fclose(stdout) != 0 && output.error == 0)
+    output.error = errno;
+  if (output.error == 0)
+    return status;
+  if (output.error != EPIPE)
+    std::fprintf(stderr, "kbaudit: standard output cannot be written: %s.\n", std::strerror(output.error));
+  return EXIT_REFUSED;
 }
 
 int refuseArguments() {
@@ -41,29 +70,36 @@ void printSummary(const kova::Kis &kis, kova::Word version, int verdict) {
   std::printf("%s", STARS);
 }
 
-} // namespace
-
-int main(int argc, char **argv) {
-  const kova::KisHandle kis = kova::kvNewKis();
-  if (!kis) {
-    std::fputs("kbaudit: out of memory.\n", stderr);
-    return EXIT_REFUSED;
-  }
-  int verdict = 1;
-  std::printf("KOVA 1.0/2.0 data checker.  Revised on %s\n", "02/05/99");
-  if (asksForUsage(argc > 1 ? argv[1] : nullptr))
-    return refuseArguments();
-
-  verdict *= kova::kvOpenKb(argv[1], *kis);
+/// Loads, checks and dumps the file at `path`. @return the exit status.
+int audit(const char *path, kova::Kis &kis, Output &output) {
+  int verdict = kova::kvOpenKb(path, kis);
   if (verdict == 0)
     printLoadError(); // what could be read is checked and dumped all the same
 
-  const kova::Word version = kova::kvKOVAver(kis->file_header);
+  const kova::Word version = kova::kvKOVAver(kis.file_header);
   if (version != kova::VERSION_1 && version != kova::VERSION_2)
-    return refuseVersion(kis->file_header.version);
-  verdict *= kova::checkKOVA(*kis);
+    return refuseVersion(kis.file_header.version);
+  noteWriteError(output);
+  verdict *= kova::checkKOVA(kis);
+  noteWriteError(output);
+  printSummary(kis, version, verdict);
+  kova::kvPrintKt(stdout, kis);
+  return EXIT_SUCCESS;
+}
 
-  printSummary(*kis, version, verdict);
-  kova::kvOutputKt(*kis);
-  return 0;
+} // namespace
+
+int main(int argc, char **argv) {
+  const char *const path = argc > 1 ? argv[1] : nullptr;
+  if (path != nullptr)
+    reserveMemory(path);
+  // The model lives until the process ends: taking it apart would cost time for nothing.
+  static kova::Kis *const kis = kova::kvNewKis().release();
+  if (kis == nullptr) {
+    std::fputs("kbaudit: out of memory.\n", stderr);
+    return EXIT_REFUSED;
+  }
+  Output output;
+  std::printf("KOVA 1.0/2.0 data checker.  Revised on %s\n", "02/05/99");
+  return finish(output, asksForUsage(path) ? refuseArguments() : audit(path, *kis, output));
 }

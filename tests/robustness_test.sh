@@ -118,11 +118,18 @@ chmod 000 unreadable.kb
 for path in . empty.kb missing.kb town.kb/x /dev/null; do
   run 255 "$path" audit "$path"
 done
-if [ -r unreadable.kb ]; then
-  notice "an unreadable file: this user reads everything"
-else
-  run 255 unreadable.kb audit unreadable.kb
-fi
+# Root reads everything, unless it gives that right away first.
+unreadable() {
+  if [ -r unreadable.kb ]; then
+    setpriv --inh-caps=-all --bounding-set=-all "$KBAUDIT" unreadable.kb
+  else
+    audit unreadable.kb
+  fi
+}
+run 255 "an unreadable file" unreadable
+same "an unreadable file" 'Input File Open Error' "$(cat err)"
+run 255 "a folder" audit .
+same "a folder" 'Input File Read Error' "$(cat err)"
 
 piped() { { cat "$1" || :; } | audit /dev/stdin; }
 mkfifo fifo
@@ -156,9 +163,26 @@ rm -f large.kb
 # --- Output that cannot be written ---
 
 to_full_disk() { audit "$1" >/dev/full; }
-to_nowhere() { audit "$1" <&- >&- 2>&-; }
-cp town.kb scene.kb
-for way in to_full_disk to_nowhere; do
-  run 0 "$way" "$way" scene.kb
-  cmp scene.kb town.kb || fail "$way: the file was changed"
+to_closed() { audit "$1" >&-; }
+to_short_file() (
+  trap '' XFSZ
+  ulimit -f 32
+  audit "$1" >part
+)
+to_closed_pipe() ( # one that nobody reads any more, and whose signal is ignored
+  trap '' PIPE
+  audit "$1" | :
+  return "${PIPESTATUS[0]}"
+)
+says_why() { [ -z "$1" ] || printf 'kbaudit: standard output cannot be written: %s.\n' "$1"; }
+for sample in town.kb figure.kb version.kb; do
+  [ -e "$sample" ] || cp "$SOURCE_DIR/samples/$sample" .
+  cp "$sample" scene.kb
+  for row in "to_full_disk No space left on device" "to_closed Bad file descriptor" "to_short_file File too large" to_closed_pipe; do
+    read -r way reason <<<"$row"
+    [ "$sample $way" != "version.kb to_short_file" ] || continue # too little output
+    run 255 "$sample $way" "$way" scene.kb
+    same "$sample $way" "$(says_why "$reason")" "$(grep -aF 'kbaudit: ' err || :)"
+    cmp scene.kb "$sample" || fail "$sample $way: the file was changed"
+  done
 done

@@ -60,6 +60,15 @@ void writeVersion2(Text &text, const Kis &kis) {
 
 } // namespace
 
+int kvPrintKt(std::FILE *stream, const Kis &kis) {
+  Text text(stream);
+  if (kvKOVAver(kis.file_header) == VERSION_1)
+    writeVersion1(text, kis);
+  else
+    writeVersion2(text, kis);
+  flush(text);
+  return std::fflush(stream) == 0 && std::ferror(stream) == 0;
+}
 int kvWriteKt(std::FILE *stream, const Kis &kis) {
   if (kvKOVAver(kis.file_header) == VERSION_1)
     return kvWriteKt1(stream, kis);

@@ -8,6 +8,10 @@
 
 namespace kova {
 
+/// Writes the whole dump of `kis`, of either version, and closes nothing: the function for programs.
+/// @return 1; 0 where the stream does not take all of it.
+KOVA_API int kvPrintKt(std::FILE *stream, const Kis &kis);
+
 /// Writes the whole dump of `kis` to `stream`: the version-1 dump of a 1.0 file (which closes the stream, also
 /// when it is standard output), else the 2.0 dump (which leaves it open). @return 1.
 KOVA_API int kvWriteKt(std::FILE *stream, const Kis &kis);
