@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What is installed is whole, hardened, shows only the public functions, and serves programs of others.
+# What is installed is whole, hardened, and serves programs of others.
 set -euo pipefail
 # shellcheck source=tests/lib.sh
 . "$(dirname "$0")/lib.sh"
@@ -55,19 +55,6 @@ else
 fi
 hardened "$program" "${everywhere[@]}" 'Flags: .*PIE'
 hardened "$library/libkova.so" "${everywhere[@]}"
-
-# --- What the shared library shows ---
-
-# Every function marked KOVA_API, and nothing else of this project. Weak and unique symbols that a compiler leaves a copy
-# of may be there too: templates and inline functions of the standard library; and the constant arguments of templates,
-# which clang shows whatever their visibility is.
-(cd "$SOURCE_DIR" && sed -nE 's/^KOVA_API [^(]*[ *&]([A-Za-z_0-9]+)\(.*/kova::\1/p' include/kova/*.h) |
-  sort -u >"$scratch/marked"
-nm -D --defined-only -C "$library/libkova.so" | sed 's/^[0-9a-f]* *//' |
-  grep -vE '^[WVu] ((typeinfo|typeinfo name|vtable|VTT|guard variable) for |[^(]* )?(std|__gnu_cxx)::|^V template parameter object for ' |
-  sed -E 's/^T (kova::[A-Za-z_0-9]+)(\[abi:cxx11\])?\(.*/\1/' | sort -u >"$scratch/shown"
-[ "$(wc -l <"$scratch/marked")" -gt 100 ] || fail "few functions are marked KOVA_API: $(wc -l <"$scratch/marked")"
-same "marked KOVA_API, and shown by the shared library" "$(cat "$scratch/marked")" "$(cat "$scratch/shown")"
 
 # --- Programs of others ---
 
