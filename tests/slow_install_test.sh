@@ -1,5 +1,7 @@
 #!/usr/bin/env bash
 # What is installed is whole, hardened, and serves programs of others.
+#
+#     slow_install_test.sh [usr]    what the build installs, or the usr folder of an unpacked package of it
 set -euo pipefail
 # shellcheck source=tests/lib.sh
 . "$(dirname "$0")/lib.sh"
@@ -14,9 +16,15 @@ export CMAKE_GENERATOR CXX
 
 # --- The tree, moved after it was installed ---
 
-run 0 "cmake --install" cmake --install "$BUILD_DIR" --prefix "$scratch/staged"
-installed=$scratch/installed
-mv "$scratch/staged" "$installed"
+if [ $# -gt 0 ]; then
+  installed=$1
+  packed=.gz # of the manual page
+else
+  run 0 "cmake --install" cmake --install "$BUILD_DIR" --prefix "$scratch/staged"
+  installed=$scratch/installed
+  mv "$scratch/staged" "$installed"
+  packed=
+fi
 library=$(cd "$(dirname "$(find "$installed" -name libkova.a)")" && pwd)
 version=$(cached CMAKE_PROJECT_VERSION)
 same "files" "$(sort <<END
@@ -25,14 +33,15 @@ $(cd "$SOURCE_DIR" && printf "%s\n" include/kova/*.h)
 $(printf 'lib/%s\n' libkova.{a,so,"so.${version%%.*}","so.$version"} pkgconfig/kova.pc \
   cmake/kova/kova{Config,ConfigVersion,Targets,Targets-release}.cmake)
 share/doc/kbaudit/copyright
-share/man/man1/kbaudit.1
+share/man/man1/kbaudit.1$packed
 $(cd "$SOURCE_DIR" && printf 'share/kova/%s\n' samples/*.kb)
 END
 )" "$(cd "$installed" && find . ! -type d | sed "s|^\./||; s|^${library#"$installed"/}/|lib/|" | sort)"
 
 program=$installed/bin/kbaudit
 for sample in town figure damaged; do
-  run 0 "installed kbaudit" "$program" "$installed/share/kova/samples/$sample.kb"
+  run 0 "installed kbaudit" "$program" "$samples/$sample.kb"
+  cp "$scratch/out" "$scratch/$sample.out"
   sed -n '/^<FileHeader> ;/,$p' "$scratch/out" >"$scratch/$sample.txt"
 done
 
@@ -81,17 +90,24 @@ consumer "package, static" "$scratch/package/with_kova"
 consumer "package, shared" "$scratch/package/with_kova_shared"
 run 1 "another major version" cmake -S "$theirs" -B "$scratch/other" -DCMAKE_PREFIX_PATH="$installed" -DWANTED=2.0
 
-built "$theirs" subdirectory -DFROM_SOURCE="$SOURCE_DIR" -DCMAKE_BUILD_TYPE=Debug
-consumer "subdirectory, static" "$scratch/subdirectory/with_kova"
-consumer "subdirectory, shared" "$scratch/subdirectory/with_kova_shared"
-run 0 "installing what includes the project" cmake --install "$scratch/subdirectory" --prefix "$scratch/theirs"
-[ ! -e "$scratch/theirs" ] || fail "whoever includes the project installs it: $(ls -R "$scratch/theirs")"
+if [ $# -eq 0 ]; then
+  built "$theirs" subdirectory -DFROM_SOURCE="$SOURCE_DIR" -DCMAKE_BUILD_TYPE=Debug
+  consumer "subdirectory, static" "$scratch/subdirectory/with_kova"
+  consumer "subdirectory, shared" "$scratch/subdirectory/with_kova_shared"
+  run 0 "installing what includes the project" cmake --install "$scratch/subdirectory" --prefix "$scratch/theirs"
+  [ ! -e "$scratch/theirs" ] || fail "whoever includes the project installs it: $(ls -R "$scratch/theirs")"
+fi
 
 if has pkg-config; then
   export PKG_CONFIG_PATH=$library/pkgconfig LD_LIBRARY_PATH=$library
   read -ra flags < <(pkg-config --cflags --libs kova)
   run 0 "building with pkg-config" "$CXX" -std=c++20 "$theirs/main.cpp" "${flags[@]}" -o "$scratch/by_pkg_config"
   consumer "pkg-config" "$scratch/by_pkg_config"
+
+  # The project's own driver stands for a program of somebody else.
+  run 0 "building the driver" "$CXX" -std=c++20 "$SOURCE_DIR/driver/main.cpp" "${flags[@]}" -o "$scratch/driver"
+  run 0 "the driver" "$scratch/driver" "$samples/town.kb"
+  cmp "$scratch/out" "$scratch/town.out" || fail "the driver prints something else than kbaudit"
 
   # The program that the README shows.
   awk '/^```/ { inside = /cpp$/; next } inside' "$SOURCE_DIR/README.md" >"$scratch/readme.cpp"
@@ -116,7 +132,8 @@ head -c 46000 town.kb >"$scratch/cut.kb"
 run 0 "verdict on good files" "$verdict" town.kb figure.kb
 same "verdict on good files" $'OK\ttown.kb\nOK\tfigure.kb' "$(cat "$scratch/out")"
 run 1 "verdict" "$verdict" town.kb damaged.kb missing.kb "$scratch/cut.kb" figure.kb
-same "verdict" $'OK\ttown.kb\nERR\tdamaged.kb\nERR\tmissing.kb\nERR\t'"$scratch/cut.kb"$'\nOK\tfigure.kb' "$(cat "$scratch/out")"
+same "verdict" $'OK\ttown.kb\nERR\tdamaged.kb\nERR\tmissing.kb\nERR\t'"$scratch/cut.kb"$'\nOK\tfigure.kb' \
+  "$(cat "$scratch/out")"
 run 2 "verdict on nothing" "$verdict"
 
 run 0 "names of figure.kb" "$names" figure.kb
