@@ -1,8 +1,8 @@
 #include "bench/large.h"
 
-#include "kova/kova.h"
+#include "harness/bytes.h"
 
-#include <array>
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -58,23 +58,22 @@ Words twoKindList(Word tag, const Elements &vertex_groups) {
   return words;
 }
 
-/// Puts a file together from its nineteen lists, empty ones where `lists` has none, and turns it into file order.
-std::vector<unsigned char> file(std::array<Words, 19> lists) {
-  // The header's word for each list in file order, and the tag of a list of the common form.
-  constexpr std::array<Word, 19> HEADER_WORD = {4, 5, 6, 7, 8, 9, 10, 14, 11, 12, 13, 15, 16, 17, 18, 19, 20, 21, 22};
-  constexpr std::array<Word, 19> TAG = {SCENE_LIST_TAG, ENV_LIST_TAG,  CAM_LIST_TAG,    LIGHT_LIST_TAG, OBJ_LIST_TAG,
-                                        SHAPE_LIST_TAG, VTX_LIST_TAG,  TRI_LIST_TAG,    COLOR_LIST_TAG, VECTOR_LIST_TAG,
-                                        ST_LIST_TAG,    PART_LIST_TAG, MAT_LIST_TAG,    TEX_LIST_TAG,   TEXIMG_LIST_TAG,
-                                        ANIM_LIST_TAG,  COLL_LIST_TAG, SWITCH_LIST_TAG, NAME_LIST_TAG};
+/// A list without elements.
+Words emptyList(Word tag) {
+  if (tag == SCENE_LIST_TAG)
+    return {tag, 44, 44, 0, 0, 0, 0, 0, 0, 0, 0};
+  return tag == COLOR_LIST_TAG || tag == VECTOR_LIST_TAG ? twoKindList(tag, {}) : list(tag, {});
+}
+
+/// Puts a file together from some of its lists, with empty ones for the others, and turns it into file order.
+std::vector<unsigned char> file(std::vector<Words> lists) {
   Words words(FILE_HEADER_BYTES / 4);
-  for (std::size_t i = 0; i < lists.size(); ++i) {
-    if (i == 0)
-      lists[i] = {SCENE_LIST_TAG, 44, 44, 0, 0, 0, 0, 0, 0, 0, 0};
-    else if (lists[i].empty())
-      lists[i] = i == 8 || i == 9 ? twoKindList(TAG[i], {}) : list(TAG[i], {});
-    words[HEADER_WORD[i]] = static_cast<Word>(lists[i].size() * 4);
-    words.insert(words.end(), lists[i].begin(), lists[i].end());
-    lists[i] = {};
+  for (const ListRow &row : std::span(LISTS).first(VERSION_1_LIST_NUM)) {
+    const auto given =
+        std::ranges::find_if(lists, [&](const Words &list) { return !list.empty() && list[0] == row.tag; });
+    const Words list = given != lists.end() ? std::exchange(*given, {}) : emptyList(row.tag);
+    words[harness::sizeOffset(row) / 4] = static_cast<Word>(list.size() * 4);
+    words.insert(words.end(), list.begin(), list.end());
   }
   words[0] = VERSION_1;
   words[1] = static_cast<Word>(words.size() * 4);
@@ -116,12 +115,8 @@ std::vector<unsigned char> makeMesh() {
         tupleGroup(VECTOR_LIST_TAG + SECOND_ELEMENT_KIND, i, false, VERTICES, 3, [&] { return unit(random); }));
     st.push_back(tupleGroup(ST_LIST_TAG + ELEMENT_KIND, i, false, VERTICES, 2, [&] { return texture(random); }));
   }
-  std::array<Words, 19> lists;
-  lists[6] = list(VTX_LIST_TAG, vtx);
-  lists[7] = list(TRI_LIST_TAG, tri);
-  lists[9] = twoKindList(VECTOR_LIST_TAG, normal);
-  lists[10] = list(ST_LIST_TAG, st);
-  return file(std::move(lists));
+  return file(
+      {list(VTX_LIST_TAG, vtx), list(TRI_LIST_TAG, tri), twoKindList(VECTOR_LIST_TAG, normal), list(ST_LIST_TAG, st)});
 }
 
 std::vector<unsigned char> makeFloats() {
@@ -129,9 +124,7 @@ std::vector<unsigned char> makeFloats() {
   Elements vtx;
   for (Word i = 0; i < GROUPS; ++i)
     vtx.push_back(tupleGroup(VTX_LIST_TAG + ELEMENT_KIND, i, true, 234'000, 3, [&] { return coordinate(random); }));
-  std::array<Words, 19> lists;
-  lists[6] = list(VTX_LIST_TAG, vtx);
-  return file(std::move(lists));
+  return file({list(VTX_LIST_TAG, vtx)});
 }
 
 std::vector<unsigned char> makeTexels() {
@@ -144,9 +137,7 @@ std::vector<unsigned char> makeTexels() {
       image.push_back(static_cast<Word>(random()));
     images.push_back(std::move(image));
   }
-  std::array<Words, 19> lists;
-  lists[14] = list(TEXIMG_LIST_TAG, images);
-  return file(std::move(lists));
+  return file({list(TEXIMG_LIST_TAG, images)});
 }
 
 } // namespace kova::bench

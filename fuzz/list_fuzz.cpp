@@ -1,7 +1,7 @@
 /// libFuzzer target: one list through its reader, its check and its dump.
-#include "fuzz/audit.h"
+#include "fuzz/target.h"
+#include "harness/audit.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-  kova::fuzz::auditList(data, size);
-  return 0;
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, std::size_t size) {
+  return kova::fuzz::endRound(kova::harness::auditList({data, size}));
 }

@@ -13,14 +13,14 @@
 /// elements, version-2 lists not at all; `absent=1` leaves one out.
 #pragma once
 
-#include "kova/words.h"
+#include "harness/bytes.h"
 
 #include <string>
 #include <vector>
 
 namespace kova::samples {
 
-using Bytes = std::vector<unsigned char>;
+using harness::Bytes;
 
 /// One word of a built file under the name by which a test speaks of it.
 struct NamedWord {

@@ -30,7 +30,8 @@ SceneList scene_obj_link_num=1 { SceneListExt external_obj_num=1 }
 CamList { Cam { CamExt }  Cam { CamExt } }
 ObjList { Obj obj_child_num=1 { ObjExt external_obj_num=1 }  Obj }
 MatList { Mat tex_num=1 { MatExt external_tex_num=1 } }
-EnvelopeList { Envelope { FullWeightedPart  WeightedPart affected_node_num=2 external_affected_obj_num=1  EnvelopeTri*2 } }
+EnvelopeList { Envelope { FullWeightedPart
+  WeightedPart affected_node_num=2 external_affected_obj_num=1  EnvelopeTri*2 } }
 ClusterList { ClusterShape { Cluster ClusterTri } }
 NameList { Name text=root  Name text=arm }
 ExternalNameList { Name text=other.kb }

@@ -1,6 +1,6 @@
+#include "harness/invariants.h"
 #include "kova/kt.h"
 #include "samples/builder.h"
-#include "tests/invariants.h"
 #include "tests/support.h"
 #include "textdump/behavior.h"
 #include "textdump/chain.h"

@@ -1,6 +1,6 @@
+#include "harness/invariants.h"
 #include "reader/cursor.h"
 #include "samples/builder.h"
-#include "tests/invariants.h"
 #include "tests/support.h"
 
 #include <cstring>

@@ -3,7 +3,6 @@
 #include "kova/check.h"
 #include "kova/kt.h"
 
-#include <atomic>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -13,13 +12,6 @@
 namespace kova::test {
 
 namespace {
-
-std::string scratchPath() {
-  static std::atomic<int> made = 0;
-  const char *const folder = ::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : std::getenv("TMPDIR");
-  return std::string(folder != nullptr ? folder : "/tmp") + "/kova-test-" + std::to_string(::getpid()) + "-" +
-         std::to_string(made++);
-}
 
 /// Turns a stream of the process over to a temporary file until `stop`.
 struct Redirection {
@@ -45,13 +37,6 @@ struct Redirection {
 };
 
 } // namespace
-
-ScratchFile::ScratchFile(const Bytes &bytes) : path(scratchPath()) {
-  std::ofstream(path, std::ios::binary)
-      .write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-}
-
-ScratchFile::~ScratchFile() { std::remove(path.c_str()); }
 
 std::string readFile(const std::string &path) {
   std::ostringstream text;

@@ -1,7 +1,8 @@
 /// What tests do with files and outputs: load bytes, catch what is printed, run the program.
 #pragma once
 
-#include "kova/kova.h"
+#include "harness/invariants.h"
+#include "harness/scratch.h"
 #include "samples/builder.h"
 
 #include <functional>
@@ -10,17 +11,8 @@
 
 namespace kova::test {
 
+using namespace harness;
 using namespace samples;
-
-/// A file of its own, in memory where the system has such a place, removed with this.
-struct ScratchFile {
-  std::string path;
-
-  explicit ScratchFile(const Bytes &bytes = {});
-  ScratchFile(const ScratchFile &) = delete;
-  ScratchFile &operator=(const ScratchFile &) = delete;
-  ~ScratchFile();
-};
 
 std::string readFile(const std::string &path);
 

@@ -5,11 +5,9 @@
 
 #include "kova/check.h"
 #include "kova/kt.h"
-#include "tests/invariants.h"
 #include "tests/support.h"
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <fcntl.h>
@@ -132,15 +130,6 @@ struct Sweep {
   }
 };
 
-Word wordAt(const Bytes &bytes, std::size_t at) {
-  return Word{bytes[at]} << 24 | Word{bytes[at + 1]} << 16 | Word{bytes[at + 2]} << 8 | bytes[at + 3];
-}
-
-void putWord(Bytes &bytes, std::size_t at, Word word) {
-  for (std::size_t i = 0; i < 4; ++i)
-    bytes[at + i] = static_cast<unsigned char>(word >> (24 - 8 * i));
-}
-
 void report(const Sweep &sweep) {
   ::testing::Test::RecordProperty("rounds", std::to_string(sweep.rounds));
   EXPECT_EQ(sweep.fault, "");
@@ -163,23 +152,20 @@ TEST(SlowSweep, EveryCut) {
 /// The header is told of the cut: the list that is cut is as short as what is left of it, later lists are absent. So
 /// the load gets to that list, which then ends too early.
 TEST(SlowSweep, EveryCutOfAList) {
-  // The words with the sizes of the lists in file order; the last nine stand in the maker block of a 2.0 header.
-  constexpr std::array<std::size_t, 28> SIZE_WORD = {4,  5,  6,  7,  8,  9,  10, 14, 11, 12, 13, 15, 16, 17,
-                                                     18, 19, 20, 21, 22, 25, 26, 27, 28, 29, 30, 31, 32, 33};
   Sweep sweep;
   for (const Sample &sample : smallSamples()) {
     const Bytes &whole = sample.file.bytes;
-    const std::size_t lists = wordAt(whole, 0) == VERSION_1 ? 19 : 28;
+    const auto lists = std::span(LISTS).first(wordAt(whole, 0) == VERSION_1 ? VERSION_1_LIST_NUM : LIST_NUM);
     for (std::size_t size = wordAt(whole, 12); size < whole.size(); size += 4) {
       Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
-      putWord(cut, 4, static_cast<Word>(size));
+      setWordAt(cut, 4, static_cast<Word>(size));
       std::size_t left = size - wordAt(whole, 12);
       bool between_lists = true;
-      for (std::size_t i = 0; i < lists; ++i) {
-        const std::size_t list = wordAt(whole, 4 * SIZE_WORD[i]);
-        between_lists = between_lists && (left >= list || left == 0);
-        putWord(cut, 4 * SIZE_WORD[i], static_cast<Word>(std::min(list, left)));
-        left -= std::min(list, left);
+      for (const ListRow &list : lists) {
+        const std::size_t bytes = wordAt(whole, sizeOffset(list));
+        between_lists = between_lists && (left >= bytes || left == 0);
+        setWordAt(cut, sizeOffset(list), static_cast<Word>(std::min(bytes, left)));
+        left -= std::min(bytes, left);
       }
       const std::string what = sample.name + " told to end at " + std::to_string(size);
       if (sweep.round(cut, what).verdict != 0 && !between_lists && sweep.fault.empty())
@@ -213,10 +199,10 @@ TEST(SlowSweep, EveryWord) {
     for (std::size_t at = 0; at + 4 <= bytes.size(); at += 4) {
       const Word old = wordAt(bytes, at);
       for (const Word value : {0U, 1U, ~0U, old + 1, old - 1, 0x40000001U, 0x7fffffffU, 0x80000000U}) {
-        putWord(bytes, at, value);
+        setWordAt(bytes, at, value);
         sweep.round(bytes, sample.name + " word " + std::to_string(at / 4));
       }
-      putWord(bytes, at, old);
+      setWordAt(bytes, at, old);
     }
   }
   report(sweep);
@@ -249,14 +235,16 @@ TEST(SlowSweep, EveryAllocation) {
         continue;
       // A load says whose memory was lacking; a name that could not be kept fails only a second opening.
       const bool name_lost = kis->file_name.empty();
-      EXPECT_TRUE(name_lost || loaded || errors.ends_with(": out of memory.\n")) << sample.name << k << errors;
-      EXPECT_EQ(brokenInvariants(*kis), "") << sample.name;
+      EXPECT_TRUE(name_lost || loaded || errors.ends_with(": out of memory.\n"))
+          << sample.name << ", allocation " << k << "\n"
+          << errors;
+      EXPECT_EQ(brokenInvariants(*kis), "") << sample.name << ", allocation " << k;
       capture([&] {
         allocations_left = 0; // neither the checks nor the dump ask for memory
         checkKOVA1(*kis);
         checkKOVA2(*kis);
         kvSaveAsKt(*kis, "/dev/null");
-        EXPECT_EQ(allocations_left.exchange(-1), 0) << sample.name;
+        EXPECT_EQ(allocations_left.exchange(-1), 0) << sample.name << ", allocation " << k;
       });
     }
   }

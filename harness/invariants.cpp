@@ -1,8 +1,8 @@
-#include "tests/invariants.h"
+#include "harness/invariants.h"
 
 #include <algorithm>
 
-namespace kova {
+namespace kova::harness {
 
 namespace {
 
@@ -81,7 +81,7 @@ template <class Element, class Visit> void list(Walk &walk, const char *name, co
 
 constexpr auto NOTHING_ELSE = [](const auto &) {};
 
-void sceneRoom(Walk &walk, const Kis &kis) {
+void sceneLists(Walk &walk, const Kis &kis) {
   const Scene &scene = kis.scene;
   walk.place = "SceneList";
   whole(walk, scene.scene_obj_link_num, scene.obj_link, scene.scene_env_link_num, scene.env_link,
@@ -124,7 +124,7 @@ void reference(Walk &walk, const TriGroup &group, std::size_t kind) {
         ref.group_index);
 }
 
-void geometryRoom(Walk &walk, const Kis &kis) {
+void geometryLists(Walk &walk, const Kis &kis) {
   list(walk, "VtxList", kis.vtx, [&](const VtxGroup &group) { whole(walk, group.vtx_num, group.vtx); });
   list(walk, "TriList", kis.tri, [&](const TriGroup &group) {
     for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind)
@@ -149,7 +149,7 @@ void geometryRoom(Walk &walk, const Kis &kis) {
   list(walk, "PartList", kis.part, [&](const Part &part) { whole(walk, part.part_tri_num, part.tri_index); });
 }
 
-void materialRoom(Walk &walk, const Kis &kis) {
+void materialLists(Walk &walk, const Kis &kis) {
   list(walk, "MatList", kis.mat, [&](const Mat &mat) {
     whole(walk, mat.tex_num, mat.tex_index);
     if (const MatExt *const ext = mat.ext.get())
@@ -180,7 +180,7 @@ void nameText(Walk &walk, const Name &name) {
   whole(walk, length < 0 ? 0 : static_cast<Word>(length) / sizeof(Word), name.text);
 }
 
-void behaviorRoom(Walk &walk, const Kis &kis) {
+void behaviorLists(Walk &walk, const Kis &kis) {
   list(walk, "AnimList", kis.anim, [&](const AnimGroup &group) {
     const Word num = group.anim_num;
     const bool step = group.type == 0 || group.type == 2, keyframe = group.type == 3, node = group.type == 4;
@@ -220,7 +220,7 @@ void envelopeParts(Walk &walk, const Envelope &envelope) {
   whole(walk, envelope.envelope_tri_num, envelope.envelope_tri);
 }
 
-void version2Rooms(Walk &walk, const Kis &kis) {
+void version2Lists(Walk &walk, const Kis &kis) {
   const auto chain = [&](const auto &node) {
     whole(walk, node.obj_num, node.obj_index, node.external_obj_num, node.external_obj);
   };
@@ -244,12 +244,12 @@ void version2Rooms(Walk &walk, const Kis &kis) {
 std::string brokenInvariants(const Kis &kis) {
   Walk walk;
   blocks(walk, kis.file_header);
-  sceneRoom(walk, kis);
-  geometryRoom(walk, kis);
-  materialRoom(walk, kis);
-  behaviorRoom(walk, kis);
-  version2Rooms(walk, kis);
+  sceneLists(walk, kis);
+  geometryLists(walk, kis);
+  materialLists(walk, kis);
+  behaviorLists(walk, kis);
+  version2Lists(walk, kis);
   return walk.broken;
 }
 
-} // namespace kova
+} // namespace kova::harness

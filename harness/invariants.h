@@ -3,7 +3,7 @@
 
 #include "kova/kova.h"
 
-namespace kova {
+namespace kova::harness {
 
 /// Walks a whole model. Held must never be above a count; an array is held whole or not at all; only the last element
 /// of a list, where a failed read ended, may lack something; blocks are never longer than their sizes say; records of
@@ -11,4 +11,4 @@ namespace kova {
 /// @return a line for every violation: empty where all is well.
 std::string brokenInvariants(const Kis &kis);
 
-} // namespace kova
+} // namespace kova::harness

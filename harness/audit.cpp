@@ -1,0 +1,149 @@
+#include "harness/audit.h"
+
+#include "harness/invariants.h"
+#include "harness/scratch.h"
+#include "kova/check.h"
+#include "kova/kt.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace kova::harness {
+
+namespace {
+
+/// Checks and dumps a model as a file of the version in its header. @return the invariants that it breaks.
+std::string checkAndDump(const Kis &kis) {
+  const std::string broken = brokenInvariants(kis);
+  if (!broken.empty())
+    return broken;
+  checkKOVA(kis);
+  kvSaveAsKt(kis, "/dev/null");
+  return "";
+}
+
+/// Gives each list a size that fits into the `left` bytes not given away. @return what is left then.
+std::size_t fitSizes(Bytes &file, std::span<const ListRow> lists, std::size_t left) {
+  for (const ListRow &list : lists) {
+    const std::size_t size = std::min<std::size_t>(wordAt(file, sizeOffset(list)), left);
+    setWordAt(file, sizeOffset(list), static_cast<Word>(size));
+    left -= size;
+  }
+  return left;
+}
+
+} // namespace
+
+std::string auditFile(std::span<const unsigned char> input) {
+  Kis kis;
+  kvOpenKb(ScratchFile(input).path.c_str(), kis);
+  return checkAndDump(kis);
+}
+
+std::string auditList(std::span<const unsigned char> input) {
+  if (input.empty())
+    return "";
+  const std::size_t number = input[0] % LIST_NUM;
+  const ListRow &list = LISTS[number];
+  const Word bytes = static_cast<Word>(input.size() - 1);
+  Kis kis;
+  kis.file_header.version = number < VERSION_1_LIST_NUM ? VERSION_1 : VERSION_2;
+  kis.file_header.*list.size = bytes; // the dump passes over a version-2 list whose size is 0
+  Bytes copy(input.begin() + 1, input.end());
+  copy.push_back(0); // a stream over no bytes cannot be opened
+  if (const Stream stream{::fmemopen(copy.data(), copy.size(), "rb")})
+    kvReadList(stream.get(), bytes, kis, list.name);
+  return checkAndDump(kis);
+}
+
+std::string auditExtension(std::span<const unsigned char> input) {
+  if (input.size() < 2)
+    return "";
+  const std::span<const unsigned char> block = input.subspan(2);
+  Kis kis;
+  kis.file_header.version = VERSION_2;
+  const std::size_t count = 1 + input[0] / 8 % 4;
+  const Word held = static_cast<Word>(block.size());
+  // The last record of a list may hold less than it states: a read ended there.
+  const auto give = [&](auto &record, bool last = true) {
+    record.van_ext_blk_size = last ? held + input[1] % 16 * 4 : held;
+    record.ext_blk.words = std::make_unique<ExtBlkWords>();
+    record.ext_blk.words->van.resize(block.size() / sizeof(Word));
+    std::copy_n(block.data(), record.ext_blk.words->van.size() * sizeof(Word),
+                reinterpret_cast<unsigned char *>(record.ext_blk.words->van.data()));
+  };
+  const auto giveAll = [&](auto &list) {
+    list.num = static_cast<Word>(count);
+    list.element.resize(count);
+    for (auto &element : list.element)
+      give(element, &element == &list.element.back());
+  };
+  switch (input[0] % 8) {
+  case 0:
+    give(kis.scene);
+    kvSetupSceneListExt(kis.scene);
+    break;
+  case 1:
+    giveAll(kis.cam);
+    kvSetupCamExt(kis.cam);
+    break;
+  case 2:
+    giveAll(kis.obj);
+    kvSetupObjExt(kis.obj);
+    break;
+  case 3:
+    giveAll(kis.shape);
+    kvSetupShapeExt(kis.shape);
+    break;
+  case 4:
+    giveAll(kis.mat);
+    kvSetupMatExt(kis.mat);
+    break;
+  case 5:
+    giveAll(kis.tex);
+    for (Tex &tex : kis.tex.element) {
+      tex.tex_anim = input[1] / 16 % 2;
+      tex.tiles.tex_tile_img_num = tex.tex_anim * (input[1] / 32);
+      tex.tiles.tex_tile_img_key.resize(tex.tiles.tex_tile_img_num);
+      tex.tiles.tex_tile_img_index.resize(tex.tiles.tex_tile_img_num);
+    }
+    kvSetupTexExt(kis.tex);
+    break;
+  case 6:
+    giveAll(kis.teximg);
+    for (Teximg &image : kis.teximg.element)
+      image.tex_img_size = image.van_ext_blk_size; // no texels
+    kvSetupTeximgExt(kis.teximg);
+    break;
+  default:
+    giveAll(kis.anim);
+    kvSetupAnimGroupExt(kis.anim);
+  }
+  return checkAndDump(kis);
+}
+
+void repairHeader(Bytes &file) {
+  constexpr std::size_t VAN = offsetof(FileHeaderHead, van_ext_blk_size),
+                        USR = offsetof(FileHeaderHead, usr_ext_blk_size);
+  if (file.size() < FILE_HEADER_BYTES)
+    return;
+  std::size_t left = file.size() - FILE_HEADER_BYTES;
+  const Word version = wordAt(file, offsetof(FileHeaderHead, version));
+  const bool version2 = version % 2 == 0 && left >= VERSION_2_SIZES_BYTES && version != VERSION_1;
+  const std::size_t least = version2 ? VERSION_2_SIZES_BYTES : 0;
+  const std::size_t van = std::max(least, std::min<std::size_t>(wordAt(file, VAN) % 64 & ~std::size_t{3}, left));
+  const std::size_t usr = std::min<std::size_t>(wordAt(file, USR) % 64 & ~std::size_t{3}, left - van);
+  left -= van + usr;
+  setWordAt(file, offsetof(FileHeaderHead, version), version2 ? VERSION_2 : VERSION_1);
+  setWordAt(file, offsetof(FileHeaderHead, size), static_cast<Word>(file.size()));
+  setWordAt(file, offsetof(FileHeaderHead, header_tag), 0);
+  setWordAt(file, offsetof(FileHeaderHead, file_header_num), static_cast<Word>(FILE_HEADER_BYTES + van + usr));
+  setWordAt(file, VAN, static_cast<Word>(van));
+  setWordAt(file, USR, static_cast<Word>(usr));
+  // The last list takes what the others leave.
+  const std::span<const ListRow> lists = std::span(LISTS).first(version2 ? LIST_NUM : VERSION_1_LIST_NUM);
+  left = fitSizes(file, lists.first(lists.size() - 1), left);
+  setWordAt(file, sizeOffset(lists.back()), static_cast<Word>(left));
+}
+
+} // namespace kova::harness
