@@ -1,4 +1,3 @@
-#include "harness/invariants.h"
 #include "kova/check.h"
 #include "samples/builder.h"
 #include "tests/support.h"
@@ -39,9 +38,9 @@ void expectRow(const Row &row, const File &file, const std::string &findings, in
 
 std::string nothing() {
   std::string text;
-  for (const char *const list : kvListNames().subspan(19)) {
+  for (const ListRow &list : std::span(LISTS).last(VERSION_2_LIST_NUM)) {
     char line[64];
-    std::snprintf(line, sizeof line, "%-17s is nothing.\n", list);
+    std::snprintf(line, sizeof line, "%-17s is nothing.\n", list.name);
     text += line;
   }
   return text;
@@ -54,12 +53,13 @@ TEST(Checker, PrintsOnlyHeadingsForAGoodFile) {
   ASSERT_EQ(loadBytes(goodFile2().bytes, kis), 1);
   std::string version1;
   std::string version2;
-  for (const char *const list : kvListNames().first(18)) // names are not checked and have no heading
+  for (const char *const list :
+       kvListNames().first(VERSION_1_LIST_NUM - 1)) // names are not checked and have no heading
     version1 += std::string("---- checking ") + list + " ----\n";
   for (const char *const record :
        {"FileHeader", "SceneList", "CamNode", "ObjNode", "ShapeNode", "MatNode", "TexNode", "TeximgNode", "AnimNode"})
     version2 += std::string("---- checking ") + record + " Vantor Extension Block ----\n";
-  for (const char *const list : kvListNames().subspan(19))
+  for (const char *const list : kvListNames().last(VERSION_2_LIST_NUM))
     version2 += std::string("---- checking ") + list + " ----\n";
   EXPECT_EQ(capture([&] { EXPECT_EQ(checkKOVA1(kis), 1); }).out, version1);
   EXPECT_EQ(capture([&] { EXPECT_EQ(checkKOVA2(kis), 1); }).out, version2);
@@ -87,6 +87,7 @@ TEST(Checker, ComparesTheSizeOfEveryList) {
   for (const NamedWord &word : good.words) {
     if (word.field != "list_size" || word.kind == "NameList")
       continue;
+    SCOPED_TRACE(word.kind);
     const auto value = [&](const std::string &field) { return std::to_string(getWord(good, word.kind, 0, field)); };
     const bool two_kinds = word.kind == "ColorList" || word.kind == "VectorList";
     const std::string grown = std::to_string(getWord(good, word.kind, 0, "list_size") + 4);
@@ -110,9 +111,11 @@ TEST(Checker, ComparesTheIndexOfEveryElement) {
   const std::string unchecked = " DirLight0 DirLight1 Tri AnimStep AnimKey AnimNode Coll FullWeightedPart WeightedPart "
                                 "MorphPart EnvelopeTri Cluster ClusterTri ";
   for (const NamedWord &word : good.words) {
-    if ((!word.field.starts_with("this_") && word.kind + word.field != "VtxNvGroupvtx_nv_group_index") ||
-        word.field == "this_coll_data_index" || (word.kind == "Name" && word.number < 4))
+    const bool is_index = word.field.starts_with("this_") || word.field == "vtx_nv_group_index";
+    const bool of_name_list = word.kind == "Name" && word.number < 4; // only the external names are checked
+    if (!is_index || of_name_list || word.field == "this_coll_data_index")
       continue;
+    SCOPED_TRACE(nameOf(word));
     const std::string index = std::to_string(getWord(good, word.kind, word.number, word.field));
     const std::string name = word.kind == "CiImg" ? "Ciimg" : word.kind == "Name" ? "ExternalName" : word.kind;
     std::string expected = name == "Teximg" ? "Teximg" : name + "[" + index + "] index";
@@ -121,9 +124,8 @@ TEST(Checker, ComparesTheIndexOfEveryElement) {
       expected += "--- Error in " + name + "[" + index + "]\n";
     if (unchecked.find(" " + name + " ") != std::string::npos)
       expected.clear();
-    const Audit result =
-        audit(edited(good, word.kind + " " + std::to_string(word.number) + " " + word.field + " 99").bytes);
-    EXPECT_EQ(result.findings, expected) << word.kind << word.number;
+    const Audit result = audit(edited(good, nameOf(word) + " 99").bytes);
+    EXPECT_EQ(result.findings, expected);
     EXPECT_EQ(result.verdict, expected.empty() ? 1 : 0);
   }
 }
@@ -171,6 +173,7 @@ TEST(Checker, ComparesTheSizeOfElements) {
   };
   const File good = goodFile2();
   for (const Row &row : rows) {
+    SCOPED_TRACE(row.size);
     std::istringstream words(row.size);
     std::string kind, number, field;
     words >> kind >> number >> field;
@@ -195,7 +198,8 @@ TEST(Checker, FindsChangedWords) {
       {"DirLight1 0 dir_light_size 36", "Light[1].dirlight size is wrong. 36 != 44\n", 0},
       {"Obj 0 obj_size +4; ObjList 0 num_byte[0] +4; Obj 1 obj_size -4; ObjList 0 num_byte[1] -4",
        "Obj[0] size 184 != 88 + 4*(2 + 2 + 1) + 68 + 4\nObj[1] size 120 != 88 + 4*(0 + 0 + 2) + 28 + 0\n", 1},
-      {"TriGroup 1 tri_group_size +4; TriList 0 num_byte[1] +4; TriGroup 2 tri_group_size -8; TriList 0 num_byte[2] -8; "
+      {"TriGroup 1 tri_group_size +4; TriList 0 num_byte[1] +4; TriGroup 2 tri_group_size -8; "
+       "TriList 0 num_byte[2] -8; "
        "TriGroup 3 tri_group_size +4; TriList 0 num_byte[3] +4",
        "###### Warning!! ######:(TriGroup)Some of number/size is incorrect. "
        "188 != 12 + (12 + 12 + 12 + 12 + 12 + 32) +(76+4+0)\n"
@@ -239,7 +243,8 @@ TEST(Checker, FindsChangedWords) {
        0},
       {"MorphPart 0 this_index 5; MorphPart 0 size -4; EnvelopeTri 1 this_envelope_tri_index 8; "
        "EnvelopeTri 1 envelope_tri_size +4",
-       "MorphPart[5] size : 108 != 64 + 2 * 20 + 8 + 0\nEnvelopeTri[8] is wrong. 120 != 116\n--- Error in Envelope[0]\n",
+       "MorphPart[5] size : 108 != 64 + 2 * 20 + 8 + 0\nEnvelopeTri[8] is wrong. 120 != 116\n"
+       "--- Error in Envelope[0]\n",
        0},
       {"Cluster 1 size 57; Cluster 1 this_index 7; ClusterTri 0 cluster_tri_size 0",
        "Cluster[1] is wrong. 57 != 56\nClusterTri[0] is wrong. 0 != 100\n--- Error in ClusterShape[0]\n", 0},
@@ -283,47 +288,52 @@ TEST(Checker, PrimitivesPrintTheirTexts) {
   const Words sizes = {8, 12};
   const Words few = {5};
   struct Call {
+    const char *name;
     std::function<int()> check;
     const char *text;
   };
   const std::string fewer = FEWER + " 20 < 24\n" + MUST_BE;
   const std::string error = fewer + "Error in Cam[3]\n";
   const Call calls[] = {
-      {[] { return checksame("list size", 1, 0xffffffff); }, "list size is wrong. 1 != -1\n"},
-      {[] { return checksame("list size", 7, 7); }, nullptr},
-      {[] { return checkTag(0, 0x00270000); }, "irregular tag ! 0000000000 != 0x00270000\n"},
-      {[] { return checkTag(5, 5); }, nullptr},
-      {[] { return checkZero(0, "JointList"); }, "JointList         is nothing.\n"},
-      {[] { return checkZero(0, "A name of eighteen"); }, "A name of eighteen is nothing.\n"},
-      {[] { return checkZero(0x80000000, "JointList"); }, nullptr},
-      {[] { return checkExtsize(20, 24); }, fewer.c_str()},
-      {[] { return checkExtsize(24, 24) * checkExtsize(28, 24) * checkExtsize(0x80000000, 24); }, nullptr},
-      {[] { return checkExtsizeI(20, 24, 3, "Cam"); }, error.c_str()},
-      {[] { return checkExtsizeI(24, 24, 3, "Cam"); }, nullptr},
-      {[] { return check_whole_area_size("Env[2] size", 64, 56, 0, 0, 12, 0); },
+      {"unequal", [] { return checksame("list size", 1, 0xffffffff); }, "list size is wrong. 1 != -1\n"},
+      {"equal", [] { return checksame("list size", 7, 7); }, nullptr},
+      {"irregular tag", [] { return checkTag(0, 0x00270000); }, "irregular tag ! 0000000000 != 0x00270000\n"},
+      {"regular tag", [] { return checkTag(5, 5); }, nullptr},
+      {"zero", [] { return checkZero(0, "JointList"); }, "JointList         is nothing.\n"},
+      {"zero under a long name", [] { return checkZero(0, "A name of eighteen"); }, "A name of eighteen is nothing.\n"},
+      {"not zero", [] { return checkZero(0x80000000, "JointList"); }, nullptr},
+      {"short block", [] { return checkExtsize(20, 24); }, fewer.c_str()},
+      {"long blocks", [] { return checkExtsize(24, 24) * checkExtsize(28, 24) * checkExtsize(0x80000000, 24); },
+       nullptr},
+      {"short block of a record", [] { return checkExtsizeI(20, 24, 3, "Cam"); }, error.c_str()},
+      {"long block of a record", [] { return checkExtsizeI(24, 24, 3, "Cam"); }, nullptr},
+      {"area, unequal", [] { return check_whole_area_size("Env[2] size", 64, 56, 0, 0, 12, 0); },
        "Env[2] size 64 != 56 + 0 * 0 + 12 + 0\n"},
-      {[] { return check_whole_area_size("", 16, 56, 8, 0xfffffffb, 0, 0); }, nullptr},
-      {[&] { return check_whole_structured_size("", 1, 24, sizes, 2, 3, 4); },
+      {"area, equal with a count that wraps", [] { return check_whole_area_size("", 16, 56, 8, 0xfffffffb, 0, 0); },
+       nullptr},
+      {"structure, all terms", [&] { return check_whole_structured_size("", 1, 24, sizes, 2, 3, 4); },
        " Some of size data is incorrect. 1 != 24 + 4 * 2 + 8 + 12 + 3 + 4\n"},
-      {[&] { return check_whole_structured_size("x", 1, 24, sizes, 0, 3, 4); },
+      {"structure, no elements", [&] { return check_whole_structured_size("x", 1, 24, sizes, 0, 3, 4); },
        "x Some of size data is incorrect. 1 != 24 + 4 * 0 + 3 + 4\n"},
-      {[&] { return check_whole_structured_size("x", 1, 24, {}, 2, 0, 0); },
+      {"structure, a table that is not held", [&] { return check_whole_structured_size("x", 1, 24, {}, 2, 0, 0); },
        "x Some of size data is incorrect. 1 != 24 + 4 * 2 + 0 + 0\n"},
-      {[&] { return check_whole_structured_size("x", 1, 24, sizes, 0xffffffff, 0, 0); },
+      {"structure, a negative count", [&] { return check_whole_structured_size("x", 1, 24, sizes, 0xffffffff, 0, 0); },
        "x Some of size data is incorrect. 1 != 24 + 4 * -1 + 0 + 0\n"},
-      {[&] { return check_whole_structured_size("", 59, 24, sizes, 2, 3, 4); }, nullptr},
-      {[&] { return check_color_list_size(1, 28, sizes, 2, few, 1, 3, 4); },
+      {"structure, equal", [&] { return check_whole_structured_size("", 59, 24, sizes, 2, 3, 4); }, nullptr},
+      {"two kinds, unequal", [&] { return check_color_list_size(1, 28, sizes, 2, few, 1, 3, 4); },
        "Some of size data is incorrect. 1 != 28 + 4 * 2 + 4 * 1 + 8 + 12 + 5 + 3 + 4\n"},
-      {[&] { return check_color_list_size(72, 28, sizes, 2, few, 1, 3, 4); }, nullptr},
-      {[] { return checkChainRoot("Joint[0]", 1, 64, 2, 3, 5, 6); }, "Joint[0] 1 != 64 + 2*4 + 3*8 + 5 + 6\n"},
-      {[] { return checkChainRoot("Joint[0]", 107, 64, 2, 3, 5, 6); }, nullptr},
-      {[] { return check_index_size("Obj", 3, 4, 120, 124); },
+      {"two kinds, equal", [&] { return check_color_list_size(72, 28, sizes, 2, few, 1, 3, 4); }, nullptr},
+      {"chain, unequal", [] { return checkChainRoot("Joint[0]", 1, 64, 2, 3, 5, 6); },
+       "Joint[0] 1 != 64 + 2*4 + 3*8 + 5 + 6\n"},
+      {"chain, equal", [] { return checkChainRoot("Joint[0]", 107, 64, 2, 3, 5, 6); }, nullptr},
+      {"wrong index and size", [] { return check_index_size("Obj", 3, 4, 120, 124); },
        "Obj[3] index is wrong. 3 != 4\nObj[3] size is wrong. 120 != 124\n"},
-      {[] { return check_index_size("ColorPalette", 2147483647, 2147483647, 9, 8); },
+      {"wrong size", [] { return check_index_size("ColorPalette", 2147483647, 2147483647, 9, 8); },
        "ColorPalette[2147483647] size is wrong. 9 != 8\n"},
-      {[] { return check_index_size("Obj", 3, 3, 120, 120); }, nullptr},
+      {"right index and size", [] { return check_index_size("Obj", 3, 3, 120, 120); }, nullptr},
   };
   for (const Call &call : calls) {
+    SCOPED_TRACE(call.name);
     const std::string printed = capture([&] { EXPECT_EQ(call.check(), call.text == nullptr ? 1 : 0); }).out;
     EXPECT_EQ(printed, call.text == nullptr ? "" : call.text);
   }

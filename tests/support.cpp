@@ -88,6 +88,32 @@ std::string between(const std::string &text, const std::string &from, const std:
   return end == std::string::npos ? "no such part" : text.substr(begin, end + to.size() - begin);
 }
 
+::testing::AssertionResult sameText(const std::string &found, const std::string &expected) {
+  std::istringstream is(found), should(expected);
+  std::string section = "no section", line, wanted;
+  for (std::size_t number = 1; found != expected; ++number) {
+    const bool has_line = !std::getline(is, line).fail(), has_wanted = !std::getline(should, wanted).fail();
+    if (wanted.starts_with("<") && !wanted.starts_with("</"))
+      section = wanted.substr(0, wanted.find(' '));
+    if (line != wanted || !has_line || !has_wanted)
+      return ::testing::AssertionFailure()
+             << "line " << number << ", in " << section << "\n  found:    " << (has_line ? line : "(the end)")
+             << "\n  expected: " << (has_wanted ? wanted : "(the end)");
+  }
+  return ::testing::AssertionSuccess();
+}
+
+std::string sectionOf(const std::string &dump, const std::string &list) {
+  const std::size_t begin = dump.find("<" + list + "> ;");
+  if (begin == std::string::npos)
+    return "no section " + list;
+  const std::size_t end = dump.find("</" + list + ">", begin);
+  const std::size_t next = dump.find("\n<", end);
+  return dump.substr(begin, next == std::string::npos ? next : next + 2 - begin);
+}
+
+std::string nameOf(const NamedWord &word) { return word.kind + " " + std::to_string(word.number) + " " + word.field; }
+
 Ran runProgram(const std::vector<std::string> &arguments) {
   const ScratchFile out;
   const ScratchFile err;

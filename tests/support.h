@@ -6,6 +6,7 @@
 #include "samples/builder.h"
 
 #include <functional>
+#include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
@@ -45,8 +46,18 @@ Audit audit(const Bytes &bytes);
 /// The lines of a text that do not begin with `beginning`.
 std::string linesWithout(const std::string &text, const std::string &beginning);
 
+/// Whether two long texts are equal. Shows only the first lines that differ, and the section of the dump that they
+/// stand in.
+::testing::AssertionResult sameText(const std::string &found, const std::string &expected);
+
 /// The part of a text from the first `from` to the next `to`, both included.
 std::string between(const std::string &text, const std::string &from, const std::string &to);
+
+/// The section of a dump that shows a list, up to the "<" of what follows it.
+std::string sectionOf(const std::string &dump, const std::string &list);
+
+/// A word as `edited` names it: "Obj 1 obj_size".
+std::string nameOf(const NamedWord &word);
 
 struct Ran : Printed {
   int status;
