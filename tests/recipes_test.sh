@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# The recipes run as they are shown, print what they are shown to print, and are not fooled by forged verdicts.
+# The recipes run as they are shown, print what they are shown to print, are not deceived by forged verdicts, and tell
+# files without a verdict and missing tools.
 set -euo pipefail
 # shellcheck source=tests/lib.sh
 . "$(dirname "$0")/lib.sh"
@@ -11,7 +12,7 @@ folder=$scratch/folder
 fresh_folder() {
   rm -rf "$folder"
   mkdir "$folder"
-  cp "$SOURCE_DIR"/samples/{town,figure,damaged}.kb "$folder"
+  cp "$SOURCE_DIR"/samples/{town,figure,damaged,version}.kb "$folder"
 }
 
 # What a recipe needs that is not on every machine.
@@ -79,15 +80,63 @@ for claim in "$good:ERR_!!" "$bad:OK"; do
 done
 
 eval "$(sed -n '/^kova_verdict() {$/,/^}$/p' "$recipes"/*.sh)"
-for wanted in "$good:0" "$bad:1" "figure.kb:0" "missing.kb:2" "$KBAUDIT:2"; do
+for wanted in "$good:0" "$bad:1" "figure.kb:0" "version.kb:2" "missing.kb:2" "$KBAUDIT:2"; do
   status=0
   kova_verdict "${wanted%:*}" 2>/dev/null || status=$?
   same "kova_verdict of ${wanted%:*}" "${wanted##*:}" "$status"
 done
 
+# --- The recipes that sort many files ---
+
+# A find that also finds files which are gone when they are opened, before and behind the others.
+mkdir "$scratch/tools"
+cat >"$scratch/tools/find" <<END
+#!/bin/sh
+printf './gone\\n.kb\\0'
+$(command -v find) "\$@" && printf './gone.kb\\0'
+END
+chmod +x "$scratch/tools/find"
+
+# sorted LIST NAME...: the list has these names, in any order.
+sorted() {
+  local list=$1
+  shift
+  same "${recipe##*/}: $list" "$(printf '%s\0' "$@" | sort -z | tr '\0' '|')" "$(sort -z "$list" | tr '\0' '|')"
+}
+
+for number in 1 2 3 4; do # in the middle of the list too, whatever the order of the folder is
+  cp version.kb "version$number.kb"
+  cp figure.kb "figure$number.kb"
+done
 for recipe in "$recipes"/*.sh; do
-  if grep '>bad.list' "$recipe" >/dev/null && can_run "$recipe"; then
-    run 0 "${recipe##*/} on forged files" sh "$recipe"
-    cmp bad.list <(printf './%s\0' "$bad") || fail "${recipe##*/} lists: $(tr '\0' '|' <bad.list)"
+  if grep 'err\.list' "$recipe" >/dev/null && can_run "$recipe"; then
+    run 0 "${recipe##*/} on many files" env PATH="$scratch/tools:$PATH" sh "$recipe"
+    sorted ok.list "./$good" ./figure.kb ./figure{1..4}.kb
+    sorted err.list "./$bad"
+    sorted none.list ./version.kb ./version{1..4}.kb ./gone.kb $'./gone\n.kb'
   fi
+done
+
+# --- Missing tools ---
+
+tools_of() { sed -n 's/^for tool in \(.*\); do$/\1/p; s/^command -v \([a-z]*\) .*/\1/p' "$1"; }
+
+for recipe in "$recipes"/*.sh; do
+  for tool in kbaudit nproc parallel prlimit timeout xargs; do
+    ! grep -w "$tool" "$recipe" >/dev/null || tools_of "$recipe" | grep -w "$tool" >/dev/null ||
+      fail "${recipe##*/} does not look for $tool"
+  done
+  for missing in $(tools_of "$recipe"); do
+    fresh_folder
+    cd "$folder"
+    rm -rf "$scratch/tools"
+    mkdir "$scratch/tools"
+    for tool in cat cp grep rm sed sh tr $(tools_of "$recipe"); do
+      [ "$tool" = "$missing" ] || ! has "$tool" || ln -s "$(command -v "$tool")" "$scratch/tools/$tool"
+    done
+    run 1 "${recipe##*/} without $missing" env PATH="$scratch/tools" sh "$recipe"
+    [[ "$(cat "$scratch/err")" == *" is missing" ]] || fail "${recipe##*/} without $missing says: $(cat "$scratch/err")"
+    [ ! -s "$scratch/out" ] || fail "${recipe##*/} without $missing prints: $(cat "$scratch/out")"
+    ! compgen -G '*.list' >/dev/null || fail "${recipe##*/} without $missing leaves a list"
+  done
 done
