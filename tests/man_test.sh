@@ -9,6 +9,7 @@ same "sections" "$(printf '%s\n' NAME SYNOPSIS DESCRIPTION 'EXIT STATUS' FINDING
   "$(sed -n 's/^\.SH //p' "$page")"
 has groff || skip_test "groff (Debian: groff-base) is not here"
 same "warnings" "" "$(groff -man -Tutf8 -ww -z "$page" 2>&1)"
+! has mandoc || same "warnings of mandoc" "" "$(mandoc -Tlint "$page" 2>&1)"
 
 # What a reader of the page would copy: the literal blocks of EXAMPLES, as groff shows them, one blank line between two.
 awk '/^\.SH / { inside = /EXAMPLES/ } !inside { next }
@@ -17,7 +18,7 @@ awk '/^\.SH / { inside = /EXAMPLES/ } !inside { next }
   awk -v folder="$scratch" 'BEGIN { RS = "" } { print > (folder "/" NR ".sh") }'
 mkdir "$scratch/folder"
 cd "$scratch/folder"
-cp "$SOURCE_DIR"/samples/{town,damaged}.kb .
+cp "$SOURCE_DIR"/samples/{town,damaged,version}.kb .
 PATH=$(dirname "$KBAUDIT"):$PATH
 if has less; then
   run 0 "first example" sh "$scratch/1.sh"
@@ -30,5 +31,5 @@ same "second example" "**** check result : OK" "$(cat "$scratch/out")"
 run 0 "third example" sh "$scratch/3.sh"
 same "third example" "$("$KBAUDIT" town.kb | sed -n '/^<ObjList> ;/,/^<.ObjList>$/p')" "$(cat "$scratch/out")"
 run 0 "fourth example" sh "$scratch/4.sh"
-same "fourth example" ./damaged.kb "$(cat "$scratch/out")"
+same "fourth example" $'ERR ./damaged.kb\nNONE ./version.kb' "$(sort "$scratch/out")"
 [ ! -e "$scratch/5.sh" ] || fail "an example that this test does not know"
