@@ -1,31 +1,57 @@
-/// verdict: checks many KOVA files and prints one line for each, "OK" or "ERR", a tab and the path.
+/// verdict: checks many KOVA files and prints one line for each: "OK", "ERR" or "NONE", a tab and the path.
 ///
 ///     verdict file...
 ///
-/// Exit status 1 if any file is bad, 2 if no file is named. What is wrong with a file is not told: `kbaudit` tells it.
+/// NONE means that there is no verdict: the file cannot be read as a KOVA file of version 1.0 or 2.0. Bytes of the path
+/// outside printable ASCII, and backslashes, are printed as \xHH, so that no path can add a line.
+///
+/// Exit status 0: all files are OK; 1: some are ERR; 2: some have no verdict, or no file is named; 3: the output could
+/// not be written. If several apply, it is the highest.
 
 #include "kova/check.h"
 #include "kova/kova.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
 
 namespace {
 
-/// The library says what it finds on the standard streams, as the program does. This example wants only the verdict, so
-/// it keeps a stream of its own and points the standard ones at nothing.
+enum Status { ALL_OK, SOME_ERR, NO_VERDICT, NOT_WRITTEN };
+
+constexpr const char *LABELS[] = {"OK", "ERR", "NONE"};
+
+/// The library prints what it finds on the standard streams, as `kbaudit` does. This program prints only verdicts, so
+/// it keeps a stream of its own and redirects the standard ones to /dev/null. @return null where that fails.
 std::FILE *takeOverOutput() {
   const int own = ::dup(STDOUT_FILENO);
   const int nothing = ::open("/dev/null", O_WRONLY);
-  ::dup2(nothing, STDOUT_FILENO);
-  ::dup2(nothing, STDERR_FILENO);
+  if (own < 0 || nothing < 0 || ::dup2(nothing, STDOUT_FILENO) < 0 || ::dup2(nothing, STDERR_FILENO) < 0)
+    return nullptr;
   return ::fdopen(own, "w");
 }
 
-bool isGood(const char *path) {
+Status audit(const char *path) {
   const kova::KisHandle kis = kova::kvNewKis();
-  return kis && kova::kvOpenKb(path, *kis) && kova::checkKOVA(*kis);
+  if (!kis)
+    return NO_VERDICT;
+  int ok = kova::kvOpenKb(path, *kis);
+  const kova::Word version = kova::kvKOVAver(kis->file_header); // 0 where the file could not be opened or read
+  if (version != kova::VERSION_1 && version != kova::VERSION_2)
+    return NO_VERDICT;
+  ok *= kova::checkKOVA(*kis); // what could be read is checked, also after a failed load
+  return ok != 0 ? ALL_OK : SOME_ERR;
+}
+
+void printLine(std::FILE *out, const char *label, const char *path) {
+  std::fprintf(out, "%s\t", label);
+  for (; *path != '\0'; ++path) {
+    const auto byte = static_cast<unsigned char>(*path);
+    const bool printable = byte >= ' ' && byte <= '~' && byte != '\\';
+    std::fprintf(out, printable ? "%c" : "\\x%02x", byte);
+  }
+  std::fputc('\n', out);
 }
 
 } // namespace
@@ -33,18 +59,17 @@ bool isGood(const char *path) {
 int main(int argc, char **argv) {
   if (argc < 2) {
     std::fputs("Usage: verdict file...\n", stderr);
-    return 2;
+    return NO_VERDICT;
   }
   std::FILE *out = takeOverOutput();
   if (!out)
-    return 2;
-  int status = 0;
+    return NOT_WRITTEN;
+  Status status = ALL_OK;
   for (int i = 1; i < argc; ++i) {
-    const bool good = isGood(argv[i]);
-    std::fprintf(out, "%s\t%s\n", good ? "OK" : "ERR", argv[i]);
-    if (!good)
-      status = 1;
+    const Status one = audit(argv[i]);
+    printLine(out, LABELS[one], argv[i]);
+    status = std::max(status, one);
   }
-  std::fclose(out);
-  return status;
+  const bool failed = std::ferror(out) != 0; // fclose reports only the last write
+  return std::fclose(out) != 0 || failed ? NOT_WRITTEN : status;
 }
