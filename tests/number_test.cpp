@@ -138,5 +138,26 @@ TEST(Number, Hexadecimal) {
     expectHex(static_cast<std::uint32_t>(random()) >> i % 32);
 }
 
+TEST(Number, HighProducts) {
+  struct Case {
+    std::uint64_t a, b, high;
+  };
+  constexpr std::uint64_t MOST = 0xffffffffffffffff;
+  for (const Case &product : {Case{0, MOST, 0}, Case{1, MOST, 0}, Case{2, MOST, 1}, Case{MOST, MOST, MOST - 1},
+                              Case{0x100000000, 0x100000000, 1}, Case{0xffffffff, 0x100000001, 0},
+                              Case{0x8000000000000000, 0x8000000000000000, 0x4000000000000000},
+                              Case{0xffffffff00000000, 0xffffffff, 0xfffffffe},
+                              Case{0x123456789abcdef0, 0xfedcba9876543210, 0x121fa00ad77d7422}}) {
+    EXPECT_EQ(number::highProductOfHalves(product.a, product.b), product.high);
+    EXPECT_EQ(number::highProductOfHalves(product.b, product.a), product.high);
+  }
+  std::mt19937_64 random(4);
+  for (unsigned i = 0; i < 100000; ++i) {
+    const std::uint64_t a = random() >> i % 64;
+    const std::uint64_t b = random() >> i / 64 % 64;
+    ASSERT_EQ(number::highProductOfHalves(a, b), number::highProduct(a, b)) << a << " * " << b;
+  }
+}
+
 } // namespace
 } // namespace kova

@@ -14,26 +14,60 @@ constexpr std::size_t DECADE_COUNT = NAN_DECADE + 1;
 
 consteval std::size_t decadeIndex(int exponent) { return static_cast<std::size_t>(exponent - LEAST_EXPONENT); }
 
-consteval Wide powerOfFive(int exponent) { return exponent == 0 ? Wide{1} : 5 * powerOfFive(exponent - 1); }
+/// An integer of 192 bits, the lowest 32 first.
+using Limbs = std::array<std::uint32_t, 6>;
 
-/// ceil(factor * 10^ten * 2^two), exactly. The result must fit 64 bits; factor * 5^|ten| must fit 120, so that the long
-/// division has room to take 8 bits at a step.
-consteval std::uint64_t scaledUp(std::uint32_t factor, int ten, int two) {
-  const Wide dividend = ten > 0 ? factor * powerOfFive(ten) : factor;
-  const Wide divisor = ten < 0 ? powerOfFive(-ten) : 1;
-  int shift = ten + two;
-  if (shift < 0)
-    return static_cast<std::uint64_t>((dividend + (Wide{1} << -shift) - 1) >> -shift); // here ten > 0: no divisor
-  Wide quotient = dividend / divisor;
-  Wide rest = dividend % divisor;
-  while (shift > 0) {
-    const int step = shift < 8 ? shift : 8;
-    rest <<= step;
-    quotient = (quotient << step) + rest / divisor;
-    rest %= divisor;
-    shift -= step;
+consteval void multiply(Limbs &number, std::uint32_t factor) {
+  std::uint64_t carry = 0;
+  for (std::uint32_t &limb : number) {
+    carry += std::uint64_t{limb} * factor;
+    limb = static_cast<std::uint32_t>(carry);
+    carry >>= 32;
   }
-  return static_cast<std::uint64_t>(quotient + (rest != 0));
+}
+
+/// @return the remainder.
+consteval std::uint32_t divide(Limbs &number, std::uint32_t divisor) {
+  std::uint64_t rest = 0;
+  for (std::size_t i = number.size(); i-- > 0;) {
+    rest = rest << 32 | number[i];
+    number[i] = static_cast<std::uint32_t>(rest / divisor);
+    rest %= divisor;
+  }
+  return static_cast<std::uint32_t>(rest);
+}
+
+/// Takes from base^exponent a power that fits 32 bits, and leaves the exponent of the rest.
+consteval std::uint32_t takePower(std::uint32_t base, int &exponent) {
+  std::uint32_t power = 1;
+  for (; exponent > 0 && power <= 0xffffffff / base; --exponent)
+    power *= base;
+  return power;
+}
+
+/// Multiplies by base^exponent; by 1 where the exponent is not positive.
+consteval void multiplyByPower(Limbs &number, std::uint32_t base, int exponent) {
+  while (exponent > 0)
+    multiply(number, takePower(base, exponent));
+}
+
+/// Divides by base^exponent, rounding down; by 1 where the exponent is not positive. @return whether it is exact. The
+/// divisions are many, each rounded down; one by the whole power would give the same.
+consteval bool divideByPower(Limbs &number, std::uint32_t base, int exponent) {
+  bool isExact = true;
+  while (exponent > 0)
+    isExact &= divide(number, takePower(base, exponent)) == 0;
+  return isExact;
+}
+
+/// ceil(factor * 10^ten * 2^two), exactly. The result must fit 64 bits, what is divided for it 192.
+consteval std::uint64_t scaledUp(std::uint32_t factor, int ten, int two) {
+  Limbs number{factor};
+  multiplyByPower(number, 5, ten);
+  multiplyByPower(number, 2, ten + two);
+  bool isExact = divideByPower(number, 5, -ten);
+  isExact &= divideByPower(number, 2, -ten - two);
+  return (std::uint64_t{number[1]} << 32 | number[0]) + (isExact ? 0 : 1);
 }
 
 /// The least m whose m * 2^two is at least (10^6 - 1/2) * 10^(exponent - 5), that is, rounds to 10^(exponent + 1).

@@ -2,6 +2,8 @@
 /// writes it, with its sign.
 #pragma once
 
+#include "textdump/wide.h"
+
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -51,8 +53,6 @@ char *putFloat12(char *at, float value);     ///< "%#12g", 12 bytes
 // and NaN are the two "decades" of the topmost binade: their texts are complete, and the groups go behind the end of
 // them.
 namespace number {
-
-__extension__ using Wide = unsigned __int128;
 
 /// A number below 1000 in an integer. Copied whole, length included: four bytes are copied faster than up to three.
 struct Group {
@@ -105,7 +105,7 @@ inline Decimal toDecimal(std::uint32_t bits) {
   }
   const bool isUpper = magnitude > LOWER_END[ZERO_ROW + row];
   const std::size_t entry = 2 * (ZERO_ROW + row) + isUpper;
-  const auto scaled = static_cast<std::uint64_t>(Wide{significand} * MULTIPLIERS[entry] >> 64);
+  const std::uint64_t scaled = highProduct(significand, MULTIPLIERS[entry]);
   const std::uint64_t odd = scaled >> 40 & 1;
   const std::uint64_t rounded = scaled + ((std::uint64_t{1} << 39) - 1) + odd;
   return {static_cast<std::uint32_t>(rounded >> 40), DECADE_OF[entry]};
