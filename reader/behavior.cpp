@@ -26,7 +26,8 @@ int readAnims(Cursor &cursor, AnimGroup &group) {
 
 /// Ten words are taken whatever the kind; those past the end of the list are 0. They do not move the cursor.
 void readCollData(Cursor at, CollData &data) {
-  copyBytes(at, data.data(), std::min<std::uint64_t>(sizeof data, bytesLeft(at) / sizeof(Word) * sizeof(Word)));
+  const std::uint64_t there = bytesLeft(at) / sizeof(Word) * sizeof(Word);
+  copyBytes(at, data.data(), static_cast<std::size_t>(std::min<std::uint64_t>(sizeof data, there)));
 }
 
 int readColl(Cursor &cursor, Coll &coll, CollGroup &group) {
