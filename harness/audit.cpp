@@ -64,13 +64,15 @@ std::string auditExtension(std::span<const unsigned char> input) {
   kis.file_header.version = VERSION_2;
   const std::size_t count = 1 + input[0] / 8 % 4;
   const Word held = static_cast<Word>(block.size());
+  // Little-endian on every host: an input means the same words everywhere.
+  Words words;
+  for (std::size_t at = 0; at + sizeof(Word) <= block.size(); at += sizeof(Word))
+    words.push_back(Word{block[at]} | Word{block[at + 1]} << 8 | Word{block[at + 2]} << 16 | Word{block[at + 3]} << 24);
   // The last record of a list may hold less than it states: a read ended there.
   const auto give = [&](auto &record, bool last = true) {
     record.van_ext_blk_size = last ? held + input[1] % 16 * 4 : held;
     record.ext_blk.words = std::make_unique<ExtBlkWords>();
-    record.ext_blk.words->van.resize(block.size() / sizeof(Word));
-    std::copy_n(block.data(), record.ext_blk.words->van.size() * sizeof(Word),
-                reinterpret_cast<unsigned char *>(record.ext_blk.words->van.data()));
+    record.ext_blk.words->van = words;
   };
   const auto giveAll = [&](auto &list) {
     list.num = static_cast<Word>(count);
