@@ -2,7 +2,7 @@
 /// change while they are read.
 
 #include "samples/builder.h"
-#include "tests/invariants.h"
+#include "harness/invariants.h"
 #include "tests/support.h"
 
 #include <algorithm>
