@@ -104,9 +104,12 @@ if has pkg-config; then
   run 0 "building with pkg-config" "$CXX" -std=c++20 "$theirs/main.cpp" "${flags[@]}" -o "$scratch/by_pkg_config"
   consumer "pkg-config" "$scratch/by_pkg_config"
 
-  # The project's own driver stands for a program of somebody else.
-  run 0 "building the driver" "$CXX" -std=c++20 "$SOURCE_DIR/driver/main.cpp" "${flags[@]}" -o "$scratch/driver"
-  run 0 "the driver" "$scratch/driver" "$samples/town.kb"
+  # The project's own driver stands for a program of somebody else: it sees its own headers and the installed ones.
+  mkdir "$scratch/own"
+  cp -r "$SOURCE_DIR/driver" "$scratch/own"
+  run 0 "building the driver" "$CXX" -std=c++20 -I "$scratch/own" "$scratch"/own/driver/*.cpp "${flags[@]}" \
+    -o "$scratch/own/kbaudit"
+  run 0 "the driver" "$scratch/own/kbaudit" "$samples/town.kb"
   cmp "$scratch/out" "$scratch/town.out" || fail "the driver prints something else than kbaudit"
 
   # The program that the README shows.
@@ -131,10 +134,16 @@ cd "$samples"
 head -c 46000 town.kb >"$scratch/cut.kb"
 run 0 "verdict on good files" "$verdict" town.kb figure.kb
 same "verdict on good files" $'OK\ttown.kb\nOK\tfigure.kb' "$(cat "$scratch/out")"
-run 1 "verdict" "$verdict" town.kb damaged.kb missing.kb "$scratch/cut.kb" figure.kb
-same "verdict" $'OK\ttown.kb\nERR\tdamaged.kb\nERR\tmissing.kb\nERR\t'"$scratch/cut.kb"$'\nOK\tfigure.kb' \
+run 1 "verdict on bad files" "$verdict" town.kb damaged.kb "$scratch/cut.kb" figure.kb
+same "verdict on bad files" $'OK\ttown.kb\nERR\tdamaged.kb\nERR\t'"$scratch/cut.kb"$'\nOK\tfigure.kb' "$(cat "$scratch/out")"
+forged=$scratch/$'a\nOK\tb\\.kb'
+cp damaged.kb "$forged"
+run 2 "verdict" "$verdict" missing.kb version.kb . "$forged" town.kb
+same "verdict" $'NONE\tmissing.kb\nNONE\tversion.kb\nNONE\t.\nERR\t'"$scratch"'/a\x0aOK\x09b\x5c.kb'$'\nOK\ttown.kb' \
   "$(cat "$scratch/out")"
 run 2 "verdict on nothing" "$verdict"
+to_full_disk() { "$@" >/dev/full; }
+run 3 "verdict on a full disk" to_full_disk "$verdict" town.kb
 
 run 0 "names of figure.kb" "$names" figure.kb
 same "names of figure.kb" "walker
