@@ -8,6 +8,8 @@ function(kova_own_target target)
   target_compile_features(${target} PRIVATE cxx_std_20)
   # The private headers, which are named from here: "reader/lists.h".
   target_include_directories(${target} PRIVATE "${PROJECT_SOURCE_DIR}")
+  # Files of 2 GiB and more, also where `long` has 32 bits.
+  target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF POSITION_INDEPENDENT_CODE ON)
   if(KOVA_DEVELOPER)
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)

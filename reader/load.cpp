@@ -43,7 +43,7 @@ Bytes readAll(std::FILE *stream, Word size) {
     held.size += readBytes(stream, held.bytes.get() + held.size, capacity - held.size);
     if (length || held.size < capacity || capacity == size)
       return held;
-    capacity = std::min<std::size_t>(size, 2 * capacity);
+    capacity = static_cast<std::size_t>(std::min<std::uint64_t>(size, 2 * std::uint64_t{capacity}));
   }
 }
 
@@ -58,7 +58,8 @@ ListWindow windowFor(std::FILE *stream, Word size) {
   const std::uint64_t begin = streamPlace(stream).value_or(0);
   const std::uint64_t there = std::min<std::uint64_t>(size, bytesAhead(*length, begin));
   return {stream, begin, there, 0,
-          std::make_unique_for_overwrite<unsigned char[]>(std::min<std::uint64_t>(there, WINDOW_BYTES))};
+          std::make_unique_for_overwrite<unsigned char[]>(
+              static_cast<std::size_t>(std::min<std::uint64_t>(there, WINDOW_BYTES)))};
 }
 
 /// Tells of a read that failed, once for a model. @return 0.

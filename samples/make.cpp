@@ -1,12 +1,14 @@
 /// make_samples: writes the sample files that the project makes itself into a folder.
 ///
-///     make_samples folder            the bundled samples
-///     make_samples --small folder    the many small valid files of the sweeps, as seeds for fuzzing
+///     make_samples folder                       the bundled samples
+///     make_samples --small folder               the many small valid files of the sweeps, as seeds for fuzzing
+///     make_samples --build version text file    one file from the builder's notation
 
 #include "samples/made.h"
 
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <fstream>
 
 namespace {
@@ -21,12 +23,26 @@ int write(const std::string &path, const kova::samples::Bytes &bytes) {
   return 1;
 }
 
+int writeOne(const char *version, const char *text, const char *path) {
+  try {
+    const auto number = static_cast<kova::Word>(std::stoul(version, nullptr, 0));
+    return write(path, kova::samples::build(number, text).bytes);
+  } catch (const std::exception &error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 1;
+  }
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
+  if (argc == 5 && std::strcmp(argv[1], "--build") == 0)
+    return writeOne(argv[2], argv[3], argv[4]);
   const bool small = argc > 1 && std::strcmp(argv[1], "--small") == 0;
   if (argc != (small ? 3 : 2)) {
-    std::fputs("Usage: make_samples [--small] folder\n", stderr);
+    std::fputs("Usage: make_samples [--small] folder\n"
+               "       make_samples --build version text file\n",
+               stderr);
     return 1;
   }
   const std::string folder = argv[argc - 1];

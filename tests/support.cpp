@@ -117,7 +117,7 @@ std::string nameOf(const NamedWord &word) { return word.kind + " " + std::to_str
 Ran runProgram(const std::vector<std::string> &arguments) {
   const ScratchFile out;
   const ScratchFile err;
-  std::string command = "'" KBAUDIT_PROGRAM "'";
+  std::string command = KBAUDIT_COMMAND;
   for (const std::string &argument : arguments)
     command += " '" + argument + "'";
   const int status = std::system((command + " >" + out.path + " 2>" + err.path).c_str());
