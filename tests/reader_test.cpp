@@ -369,6 +369,9 @@ TEST(Primitives, ReadWithinTheBuffer) {
   ASSERT_EQ(pairs.size(), 3u);
   EXPECT_EQ(pairs[1].file_name * 10 + pairs[1].name, 82);
   EXPECT_EQ(cursor.offset, 24u);
+  std::vector<External> none = pairs;
+  EXPECT_EQ(kvReadExternal(cursor, none, 3), 0);
+  EXPECT_TRUE(none.empty()) << "pairs that are not all there leave nothing";
   kvSetNoExternal(pairs[0]);
   EXPECT_TRUE(pairs[0].file_name == -1 && pairs[0].name == -1);
 
