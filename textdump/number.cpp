@@ -74,7 +74,7 @@ consteval std::uint64_t scaledUp(std::uint32_t factor, int ten, int two) {
 consteval std::uint64_t firstAbove(int exponent, int two) { return scaledUp(1999999, exponent - 5, -two - 1); }
 
 struct FloatTables {
-  std::array<std::uint32_t, ROWS> lowerEnd{};
+  std::array<std::uint32_t, ROWS> lower_end{};
   std::array<std::uint64_t, ENTRIES> multipliers{};
   std::array<std::size_t, ENTRIES> decades{};
 };
@@ -83,7 +83,7 @@ struct FloatTables {
 consteval void fillRow(FloatTables &tables, std::size_t row, int two, int exponent) {
   const int unit = two < -149 ? -149 : two; // what one step of the bit pattern adds
   const std::uint64_t before = static_cast<std::uint64_t>(unit + 149) << 23;
-  tables.lowerEnd[row] = static_cast<std::uint32_t>(before + firstAbove(exponent, unit) - 1);
+  tables.lower_end[row] = static_cast<std::uint32_t>(before + firstAbove(exponent, unit) - 1);
   for (std::size_t upper = 0; upper < 2; ++upper) {
     const int decimal = exponent + static_cast<int>(upper);
     tables.multipliers[2 * row + upper] = scaledUp(1, 5 - decimal, 64 + two);
@@ -102,7 +102,7 @@ consteval FloatTables makeFloatTables() {
     fillRow(tables, row, two++, exponent);
   }
   tables.decades[2 * ZERO_ROW] = decadeIndex(0);
-  tables.lowerEnd[ROWS - 1] = 0x7f800000; // infinity, above it the NaNs
+  tables.lower_end[ROWS - 1] = 0x7f800000; // infinity, above it the NaNs
   tables.decades[ENTRIES - 2] = INFINITY_DECADE;
   tables.decades[ENTRIES - 1] = NAN_DECADE;
   return tables;
@@ -110,16 +110,16 @@ consteval FloatTables makeFloatTables() {
 
 constexpr FloatTables FLOAT_TABLES = makeFloatTables();
 
-/// `text` is the text of a positive value with zeros for digits, `digitsAt` the place of its first digit among the 12
+/// `text` is the text of a positive value with zeros for digits, `digits_at` the place of its first digit among the 12
 /// bytes, `point` the number of digits before the point, 0 if it is not among them.
-consteval Decade makeDecade(std::string_view text, std::size_t digitsAt, std::size_t point) {
+consteval Decade makeDecade(std::string_view text, std::size_t digits_at, std::size_t point) {
   const std::size_t indent = 12 - text.size();
-  const bool inFront = point >= 1 && point <= 3;
+  const bool in_front = point >= 1 && point <= 3;
   Decade decade{{},
                 static_cast<std::uint8_t>(indent),
-                static_cast<std::uint8_t>(digitsAt),
-                static_cast<std::uint8_t>(digitsAt + (inFront ? 4 : 3)),
-                &POINTED_GROUPS[inFront ? point : 0],
+                static_cast<std::uint8_t>(digits_at),
+                static_cast<std::uint8_t>(digits_at + (in_front ? 4 : 3)),
+                &POINTED_GROUPS[in_front ? point : 0],
                 &POINTED_GROUPS[point > 3 ? point - 3 : 0]};
   decade.text.fill(' ');
   for (std::size_t i = 0; i < text.size(); ++i)
@@ -153,10 +153,10 @@ consteval std::array<Decade, DECADE_COUNT> makeDecades() {
 constexpr std::array<Decade, DECADE_COUNT> DECADES = makeDecades();
 
 consteval std::array<const Decade *, ENTRIES> makeDecadeOf() {
-  std::array<const Decade *, ENTRIES> decadeOf{};
-  for (std::size_t i = 0; i < decadeOf.size(); ++i)
-    decadeOf[i] = &DECADES[FLOAT_TABLES.decades[i]];
-  return decadeOf;
+  std::array<const Decade *, ENTRIES> decade_of{};
+  for (std::size_t i = 0; i < decade_of.size(); ++i)
+    decade_of[i] = &DECADES[FLOAT_TABLES.decades[i]];
+  return decade_of;
 }
 
 consteval std::array<char, 3> threeDigits(std::size_t value) {
@@ -200,7 +200,7 @@ consteval std::array<std::array<char, 8>, 256> makeBytes() {
 
 } // namespace
 
-constinit const std::array<std::uint32_t, ROWS> LOWER_END = FLOAT_TABLES.lowerEnd;
+constinit const std::array<std::uint32_t, ROWS> LOWER_END = FLOAT_TABLES.lower_end;
 constinit const std::array<std::uint64_t, ENTRIES> MULTIPLIERS = FLOAT_TABLES.multipliers;
 constinit const std::array<const Decade *, ENTRIES> DECADE_OF = makeDecadeOf();
 constinit const std::array<PointedGroups, 4> POINTED_GROUPS = makePointedGroups();

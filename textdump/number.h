@@ -67,8 +67,8 @@ using PointedGroups = std::array<std::array<char, 4>, 1000>; ///< three digits a
 struct alignas(64) Decade {
   std::array<char, 45> text; ///< the 12 bytes from 0 if positive, from 16 if negative; 16 may be copied from any one
   std::uint8_t indent;       ///< spaces before the text if positive
-  std::uint8_t frontAt;      ///< place of the upper three digits
-  std::uint8_t backAt;       ///< place of the lower three digits
+  std::uint8_t front_at;     ///< place of the upper three digits
+  std::uint8_t back_at;      ///< place of the lower three digits
   const PointedGroups *front;
   const PointedGroups *back;
 };
@@ -103,8 +103,8 @@ inline Decimal toDecimal(std::uint32_t bits) {
     significand = std::uint64_t{magnitude} << (32 + zeros);
     row = 8 - zeros; // wraps below zero
   }
-  const bool isUpper = magnitude > LOWER_END[ZERO_ROW + row];
-  const std::size_t entry = 2 * (ZERO_ROW + row) + isUpper;
+  const bool is_upper = magnitude > LOWER_END[ZERO_ROW + row];
+  const std::size_t entry = 2 * (ZERO_ROW + row) + is_upper;
   const std::uint64_t scaled = highProduct(significand, MULTIPLIERS[entry]);
   const std::uint64_t odd = scaled >> 40 & 1;
   const std::uint64_t rounded = scaled + ((std::uint64_t{1} << 39) - 1) + odd;
@@ -114,8 +114,8 @@ inline Decimal toDecimal(std::uint32_t bits) {
 /// Writes the two groups. `at` is where the byte of place `start` goes.
 inline void putDigits(char *at, std::size_t start, Decimal decimal) {
   const Decade &decade = *decimal.decade;
-  std::memcpy(at + (decade.frontAt - start), (*decade.front)[decimal.digits / 1000].data(), 4);
-  std::memcpy(at + (decade.backAt - start), (*decade.back)[decimal.digits % 1000].data(), 4);
+  std::memcpy(at + (decade.front_at - start), (*decade.front)[decimal.digits / 1000].data(), 4);
+  std::memcpy(at + (decade.back_at - start), (*decade.back)[decimal.digits % 1000].data(), 4);
 }
 
 inline char *putGroup(char *at, const Group &group) {
