@@ -3,10 +3,10 @@
 #include "tests/support.h"
 #include "textdump/behavior.h"
 #include "textdump/chain.h"
-#include "textdump/extension.h"
 #include "textdump/geometry.h"
 #include "textdump/lines.h"
 #include "textdump/material.h"
+#include "textdump/palette.h"
 #include "textdump/scene.h"
 #include "textdump/skinning.h"
 
@@ -44,12 +44,20 @@ std::string dumpOf(Word version, const std::string &text) {
   return test::dumpOf(kis);
 }
 
-/// What the C library makes of a line and a word.
-std::string lineOf(const Line &line, Word word) {
-  const std::string format = line.text;
-  return format.find("%d") != format.npos       ? formatted(line.text, static_cast<int>(word))
-         : format.find("%0#10x") != format.npos ? formatted(line.text, word)
-                                                : formatted(line.text, static_cast<double>(std::bit_cast<float>(word)));
+/// What the C library makes of some steps of a table.
+template <class Record, class Words>
+std::string formattedSteps(const Table<Record> &table, const Steps &steps, const Words &words) {
+  std::string expected;
+  for (std::size_t i = steps.first; i < steps.end; ++i) {
+    const Step &step = table.step[i];
+    const std::string format = std::string(table.text + step.begin, step.length) + spellingOf(step.conversion).data();
+    const Word word = words[step.word];
+    expected += step.conversion == Conversion::decimal ? formatted(format.c_str(), static_cast<int>(word))
+                : step.conversion == Conversion::hex
+                    ? formatted(format.c_str(), word)
+                    : formatted(format.c_str(), static_cast<double>(std::bit_cast<float>(word)));
+  }
+  return expected + std::string(table.text + steps.last_begin, steps.last_length);
 }
 
 template <const auto &TABLE> void expectAsPrintf() {
@@ -59,11 +67,12 @@ template <const auto &TABLE> void expectAsPrintf() {
       real(1),    real(-0.5F), real(1e-5F), real(0.0001F), real(123456), real(1234567), real(3.4e38F),
       real(-1e6F)};
   for (std::size_t shift = 0; shift < std::size(values); ++shift) {
-    std::array<Word, TABLE.size()> record;
-    std::string expected;
-    for (std::size_t i = 0; i < record.size(); ++i)
-      expected += lineOf(TABLE[i], record[i] = values[(i + shift) % std::size(values)]);
-    EXPECT_EQ(written([&](Text &text) { putRecord<TABLE>(text, record); }), expected);
+    std::array<Word, TABLE.WORDS> words;
+    for (std::size_t i = 0; i < words.size(); ++i)
+      words[i] = values[(i + shift) % std::size(values)];
+    const auto record = std::bit_cast<RecordOf<TABLE>>(words);
+    EXPECT_EQ(written([&](Text &text) { putRecord<TABLE>(text, record); }), formattedSteps(TABLE, TABLE.now, words));
+    EXPECT_EQ(written([&](Text &text) { putLater<TABLE>(text, record); }), formattedSteps(TABLE, TABLE.later, words));
   }
 }
 
@@ -72,17 +81,23 @@ template <const auto &...TABLES> void expectAllAsPrintf() { (expectAsPrintf<TABL
 } // namespace
 
 TEST(Dump, LinesOfRecordsAreThoseOfPrintf) {
-  expectAllAsPrintf<FILE_HEADER_LINES, VERSION_2_SIZES_LINES, ELEMENT_TOP_LINES, SCENE_LINES, ENV_LIST_LINES, ENV_LINES,
-                    CAM_LIST_LINES, CAM_LINES, LIGHT_LIST_LINES, LIGHT_LINES, DIR_LIGHT_LINES, DIRECTION_LIGHT_LINES,
-                    OBJ_LIST_LINES, OBJ_LINES, SHAPE_LIST_LINES, SHAPE_LINES, VTX_LIST_LINES, VTX_GROUP_LINES,
-                    TRI_LIST_LINES, TRI_GROUP_LINES, TRI_LINES, COLOR_LIST_LINES, TRI_COLOR_GROUP_LINES,
-                    VTX_COLOR_GROUP_LINES, VECTOR_LIST_LINES, TRI_NV_GROUP_LINES, VTX_NV_GROUP_LINES, ST_LIST_LINES,
-                    ST_GROUP_LINES, PART_LIST_LINES, PART_LINES, MAT_LIST_LINES, MAT_LINES, TEX_LIST_LINES, TEX_LINES,
-                    TEXIMG_LIST_LINES, TEXIMG_LINES, ANIM_LIST_LINES, ANIM_GROUP_LINES, ANIM_STEP_LINES,
-                    ANIM_KEYFRAME_LINES, ANIM_NODE_LINES, COLL_LIST_LINES, COLL_GROUP_LINES, COLL_LINES, CIRCLE_LINES,
-                    BOX_LINES, SWITCH_LIST_LINES, SWITCH_LINES, NAME_LIST_LINES, SCENE_LIST_EXT_LINES, OBJ_EXT_LINES,
-                    TEX_EXT_LINES, JOINT_LINES, CI_IMG_LINES, COLOR_PALETTE_LINES, ENVELOPE_LINES, WEIGHTED_PART_LINES,
-                    ENVELOPE_TRI_LINES, CLUSTER_SHAPE_LINES, WEIGHT_GROUP_LINES, CHAIN_ROOT_LINES, EFFECTOR_LINES>();
+  expectAllAsPrintf<
+      FILE_HEADER_LINES, VERSION_2_SIZES_LINES, ELEMENT_TOP_LINES, LIST_TOP_LINES, ROTATE_E_LINES, SCALE_LINES,
+      PRIM_COLOR_ANIM_LINES, SCENE_LINES, ENV_LIST_LINES, ENV_LINES, CAM_LIST_LINES, CAM_LINES, LIGHT_LIST_LINES,
+      LIGHT_LINES, DIR_LIGHT_LINES, DIRECTION_LIGHT_LINES, OBJ_LIST_LINES, OBJ_LINES, SHAPE_LIST_LINES, SHAPE_LINES,
+      SCENE_LIST_EXT_LINES, CAM_EXT_LINES, OBJ_EXT_LINES, SHAPE_EXT_LINES, VTX_LIST_LINES, VTX_GROUP_LINES,
+      TRI_LIST_LINES, TRI_GROUP_LINES, TRI_LINES, COLOR_LIST_LINES, TRI_COLOR_GROUP_LINES, VTX_COLOR_GROUP_LINES,
+      VECTOR_LIST_LINES, TRI_NV_GROUP_LINES, VTX_NV_GROUP_LINES, ST_LIST_LINES, ST_GROUP_LINES, PART_LIST_LINES,
+      PART_LINES, MAT_LIST_LINES, MAT_LINES, TEX_LIST_LINES, TEX_LINES, TEX_STILL_LINES, TEX_TILES_LINES,
+      TEXIMG_LIST_LINES, TEXIMG_LINES, MAT_EXT_LINES, TEX_EXT_LINES, TEXIMG_EXT_LINES, ANIM_LIST_LINES,
+      ANIM_GROUP_LINES, ANIM_STEP_LINES, ANIM_KEYFRAME_LINES, ANIM_NODE_LINES, COLL_LIST_LINES, COLL_GROUP_LINES,
+      COLL_LINES, TERRAIN_LINES, POINT_LINES, CIRCLE_LINES, SPHERE_LINES, CYLINDER_LINES, BOX_LINES, SWITCH_LIST_LINES,
+      SWITCH_LINES, NAME_LIST_LINES, ANIM_GROUP_EXT_LINES, ROTATE_AXIS_LINES, ORIENTATION_XY_LINES, TRANSLATION_LINES,
+      CI_IMG_LIST_LINES, CI_IMG_LINES, COLOR_PALETTE_LIST_LINES, COLOR_PALETTE_LINES, VTX_TRI_NV_COLOR_LINES,
+      ENVELOPE_LIST_LINES, ENVELOPE_LINES, FULL_WEIGHTED_PART_LINES, WEIGHTED_PART_LINES, MORPH_PART_LINES,
+      ENVELOPE_VTX_LINES, ENVELOPE_TRI_LINES, CLUSTER_LIST_LINES, CLUSTER_SHAPE_LINES, CLUSTER_LINES, CLUSTER_VTX_LINES,
+      CLUSTER_TRI_LINES, WEIGHT_LIST_LINES, WEIGHT_GROUP_LINES, CHAIN_ROOT_LIST_LINES, CHAIN_ROOT_LINES,
+      JOINT_LIST_LINES, JOINT_LINES, EFFECTOR_LIST_LINES, EFFECTOR_LINES>();
 }
 
 TEST(Dump, SharedWritersWriteTheirTexts) {

@@ -2,9 +2,6 @@
 
 #include "reader/names.h"
 
-#include "textdump/extension.h"
-#include "textdump/lines.h"
-
 namespace kova {
 
 namespace {
@@ -41,7 +38,7 @@ void kvWriteKtAnimListFix1(Text &text, const AnimList &list) {
 
 void kvWriteKtAnimGroupFix1(Text &text, const AnimGroup &group, Index number) {
   print<"AnimGroup(%d)\n">(text, number);
-  putRecord<ANIM_GROUP_LINES, AnimGroupHead>(text, group);
+  putRecord<ANIM_GROUP_LINES>(text, group);
   switch (group.type) {
   case 0:
   case 2:
@@ -55,6 +52,36 @@ void kvWriteKtAnimGroupFix1(Text &text, const AnimGroup &group, Index number) {
   }
 }
 
+namespace {
+
+/// Writes keyframes, each with its position in a heading.
+template <const auto &TABLE, Format HEADING> void writeKeys(Text &text, const std::vector<RecordOf<TABLE>> &keys) {
+  Index position = 0;
+  for (const auto &key : keys) {
+    print<HEADING>(text, position++);
+    putRecord<TABLE>(text, key);
+  }
+}
+
+void writeAnimGroupExt(Text &text, const AnimGroup &group) {
+  if (!group.ext)
+    return writeExtBlkAfter(text, group, 0);
+  const AnimGroupExt &ext = *group.ext;
+  putRecord<ANIM_GROUP_EXT_LINES>(text, ext);
+  writeKeys<ROTATE_AXIS_LINES, "RotateAxis(%d)\n">(text, ext.rotate_axis);
+  kvWriteKtRotateX(text, ext.rotate_x, "RotateX");
+  kvWriteKtRotateX(text, ext.rotate_y, "RotateY");
+  kvWriteKtRotateX(text, ext.rotate_z, "RotateZ");
+  writeKeys<ORIENTATION_XY_LINES, "OrientationXY(%d)\n">(text, ext.orientation_xy);
+  writeKeys<TRANSLATION_LINES, "Translation(%d)\n">(text, ext.translation);
+  kvWriteKtUniqScale(text, ext.unique_scale, "Unique");
+  kvWriteKtUniqScale(text, ext.classic_scale, "Classic");
+  putLater<ANIM_GROUP_EXT_LINES>(text, ext);
+  writeExtBlkAfter(text, group, kvSizeofAnimGroupExt(ext));
+}
+
+} // namespace
+
 void kvWriteKtAnimList1(Text &text, const AnimList &list) { writeSection(text, ANIM_SECTION, list); }
 void kvWriteKtAnimList(Text &text, const AnimList &list) { writeSection(text, ANIM_SECTION, list, writeAnimGroupExt); }
 
@@ -65,18 +92,22 @@ namespace {
 struct CollKind {
   Word coll_type;
   const char *word; ///< ends the line of the type
-  void (*data)(Text &, const CollData &);
+  void (*data)(Text &, const Coll &);
 };
 
-void writeNoData(Text &, const CollData &) {}
+void writeNoData(Text &, const Coll &) {}
+
+template <const auto &TABLE> void writeData(Text &text, const Coll &coll) {
+  putRecord<TABLE>(text, collData<RecordOf<TABLE>>(coll));
+}
 
 constexpr std::array<CollKind, 7> COLL_KINDS = {{{0x00, "NONE\n", writeNoData},
-                                                 {0x10, "TERRAIN\n", putLeading<TERRAIN_LINES>},
-                                                 {0x20, "POINT\n", putLeading<POINT_LINES>},
-                                                 {0x21, "CIRCLE\n", putLeading<CIRCLE_LINES>},
-                                                 {0x22, "SPHERE\n", putLeading<SPHERE_LINES>},
-                                                 {0x23, "CYLINDER\n", putLeading<CYLINDER_LINES>},
-                                                 {0x24, "BOX\n", putLeading<BOX_LINES>}}};
+                                                 {0x10, "TERRAIN\n", writeData<TERRAIN_LINES>},
+                                                 {0x20, "POINT\n", writeData<POINT_LINES>},
+                                                 {0x21, "CIRCLE\n", writeData<CIRCLE_LINES>},
+                                                 {0x22, "SPHERE\n", writeData<SPHERE_LINES>},
+                                                 {0x23, "CYLINDER\n", writeData<CYLINDER_LINES>},
+                                                 {0x24, "BOX\n", writeData<BOX_LINES>}}};
 constexpr CollKind UNKNOWN_COLL_KIND = {0, "????\n", writeNoData};
 
 const CollKind &collKind(Word coll_type) {
@@ -88,10 +119,10 @@ const CollKind &collKind(Word coll_type) {
 
 void writeColl(Text &text, const Coll &coll, Index number) {
   print<"Coll(%d)\n">(text, number);
-  putRecord<COLL_LINES, CollHead>(text, coll);
+  putRecord<COLL_LINES>(text, coll);
   const CollKind &kind = collKind(coll.coll_type);
   putString(text, kind.word);
-  kind.data(text, coll.data);
+  kind.data(text, coll);
 }
 
 } // namespace
@@ -102,7 +133,7 @@ void kvWriteKtCollListFix1(Text &text, const CollList &list) {
 
 void kvWriteKtCollGroupFix1(Text &text, const CollGroup &group, Index number) {
   print<"CollGroup(%d)\n">(text, number);
-  putRecord<COLL_GROUP_LINES, CollGroupHead>(text, group);
+  putRecord<COLL_GROUP_LINES>(text, group);
   printEach<"coll_num_byte[%d]  %d \n">(text, counted(group.coll_num, group.coll_num_byte));
   Index position = 0;
   for (const Coll &coll : counted(group.coll_num, group.coll))
@@ -120,7 +151,7 @@ void kvWriteKtSwitchListFix1(Text &text, const SwitchList &list) {
 
 void kvWriteKtSwitchFix1(Text &text, const Switch &node, Index number) {
   print<"Switch(%d)\n">(text, number);
-  putRecord<SWITCH_LINES, SwitchHead>(text, node);
+  putRecord<SWITCH_LINES>(text, node);
   printEach<"case_val[%d]  %d\n">(text, counted(node.case_node_num, node.case_val));
   printEach<"case_dest_index[%d]  %d\n">(text, counted(node.case_node_num, node.case_dest_index));
 }
@@ -147,10 +178,12 @@ void putName(Text &text, const Name &name) {
 } // namespace
 
 void kvWriteKtNameListFix1(Text &text, const NameList &list) {
-  putRecord<NAME_LIST_LINES, ListHead>(text, list);
+  putRecord<NAME_LIST_LINES>(text, list);
   printEach<"name_num_byte[%d]    %d\n">(text, counted(list.num, list.num_byte));
   print<"\n">(text);
 }
+
+namespace {
 
 void writeNameSection(Text &text, const NameList &list, const char *name) {
   kvWriteKtListName(text, name);
@@ -164,7 +197,10 @@ void writeNameSection(Text &text, const NameList &list, const char *name) {
   writeListEnd(text, list, name);
 }
 
+} // namespace
+
 void kvWriteKtNameList1(Text &text, const NameList &list) { writeNameSection(text, list, "NameList"); }
 void kvWriteKtNameList(Text &text, const NameList &list) { kvWriteKtNameList1(text, list); }
+void kvWriteKtExternalNameList(Text &text, const NameList &list) { writeNameSection(text, list, "ExternalNameList"); }
 
 } // namespace kova

@@ -1,7 +1,5 @@
 #include "textdump/chain.h"
 
-#include "textdump/behavior.h"
-
 namespace kova {
 
 namespace {
@@ -12,41 +10,32 @@ void writeObjs(Text &text, const ChainObjs &objs) {
 }
 
 void writeChainRoot(Text &text, const ChainRoot &root, Index) {
-  kvWriteKtElementTop(text, root, "ChainRoot");
-  putRecord<CHAIN_ROOT_LINES, ChainRootWords>(text, root);
+  kvWriteKtElementTop<CHAIN_ROOT_LINES>(text, root, "ChainRoot");
   writeObjs(text, root);
 }
 
 void writeJoint(Text &text, const Joint &joint, Index) {
-  kvWriteKtElementTop(text, joint, "Joint");
-  putRecord<JOINT_LINES, JointForm>(text, joint);
-  kvWriteKtXYZ(text, joint.resplain_axis, "resplain_axis");
-  putRecord<JOINT_WORD_LINES, JointWords>(text, joint);
+  kvWriteKtElementTop<JOINT_LINES>(text, joint, "Joint");
   writeObjs(text, joint);
 }
 
 void writeEffector(Text &text, const Effector &effector, Index) {
-  kvWriteKtElementTop(text, effector, "Effector");
-  putRecord<EFFECTOR_LINES, EffectorWords>(text, effector);
+  kvWriteKtElementTop<EFFECTOR_LINES>(text, effector, "Effector");
   writeObjs(text, effector);
 }
 
 } // namespace
 
 void kvWriteKtChainRootList(Text &text, const ChainRootList &list) {
-  writeVersion2Section<"chain_root_num     %d\n">(text, list, "ChainRootList", "chain_root_num_byte", writeChainRoot);
+  writeVersion2Section<CHAIN_ROOT_LIST_LINES>(text, list, "ChainRootList", "chain_root_num_byte", writeChainRoot);
 }
 
 void kvWriteKtJointList(Text &text, const JointList &list) {
-  writeVersion2Section<"joint_num          %d\n">(text, list, "JointList", "joint_num_byte", writeJoint);
+  writeVersion2Section<JOINT_LIST_LINES>(text, list, "JointList", "joint_num_byte", writeJoint);
 }
 
 void kvWriteKtEffectorList(Text &text, const EffectorList &list) {
-  writeVersion2Section<"effector_num       %d\n">(text, list, "EffectorList", "effector_num_byte", writeEffector);
-}
-
-void kvWriteKtExternalNameList(Text &text, const ExternalNameList &list) {
-  writeNameSection(text, list, "ExternalNameList");
+  writeVersion2Section<EFFECTOR_LIST_LINES>(text, list, "EffectorList", "effector_num_byte", writeEffector);
 }
 
 } // namespace kova

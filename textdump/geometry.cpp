@@ -1,7 +1,5 @@
 #include "textdump/geometry.h"
 
-#include "textdump/lines.h"
-
 namespace kova {
 
 namespace {
@@ -51,7 +49,7 @@ void kvWriteKtVtxListFix1(Text &text, const VtxList &list) {
 
 void kvWriteKtVtxFix1(Text &text, const VtxGroup &group, Index number) {
   print<"VtxGroup(%d)\n">(text, number);
-  putRecord<VTX_GROUP_LINES, VtxGroupHead>(text, group);
+  putRecord<VTX_GROUP_LINES>(text, group);
   writeTuples<" Vtx(%d) %#12g %#12g %#12g   ; x,y,z\n">(text, counted(group.vtx_num, group.vtx));
 }
 
@@ -134,7 +132,7 @@ void kvWriteKtTriListFix1(Text &text, const TriList &list) {
 
 void kvWriteKtTriGroupFix1(Text &text, const TriGroup &group, Index number) {
   print<"TriGroup(%d)\n">(text, number);
-  putRecord<TRI_GROUP_LINES, TriGroupHead>(text, group);
+  putRecord<TRI_GROUP_LINES>(text, group);
   for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind)
     REF_WRITERS[kind](text, group.ref[kind], refForm(group.tri_anim_type, kind));
   writeElements(text, group.tri_num, group.tri, kvWriteKtTriFix1, writeExtBlk<Tri>);
@@ -142,7 +140,7 @@ void kvWriteKtTriGroupFix1(Text &text, const TriGroup &group, Index number) {
 
 void kvWriteKtTriFix1(Text &text, const Tri &tri, Index number) {
   print<"Tri(%d)\n">(text, number);
-  putRecord<TRI_LINES, TriHead>(text, tri);
+  putRecord<TRI_LINES>(text, tri);
 }
 
 void kvWriteKtTriList1(Text &text, const TriList &list) { writeSection(text, TRI_SECTION, list, writeTriGroupEnd); }
@@ -152,7 +150,7 @@ void kvWriteKtTriList(Text &text, const TriList &list) { kvWriteKtTriList1(text,
 
 void kvWriteKtColorListFix1(Text &text, const ColorList &list) {
   kvWriteKtListName(text, COLOR_SECTION);
-  putRecord<COLOR_LIST_LINES, TwoKindListHead>(text, list);
+  putRecord<COLOR_LIST_LINES>(text, list);
   printEach<"tri_color_group_size[%d]   %d\n">(text, counted(list.tri_group_num, list.tri_group_size));
   printEach<"vtx_color_group_size[%d]   %d\n">(text, counted(list.vtx_group_num, list.vtx_group_size));
   print<"\n">(text);
@@ -162,13 +160,13 @@ void kvWriteKtColorListFix1(Text &text, const ColorList &list) {
 
 void kvWriteKtTriColorFix1(Text &text, const TriColorGroup &group, Index number) {
   print<"TriColorGroup(%d)\n">(text, number);
-  putRecord<TRI_COLOR_GROUP_LINES, TriColorGroupHead>(text, group);
+  putRecord<TRI_COLOR_GROUP_LINES>(text, group);
   writeTuples<"TriColor(%d) %#12g %#12g %#12g %#12g    ; RGBA\n">(text, counted(group.tri_color_num, group.color));
 }
 
 void kvWriteKtVtxColorFix1(Text &text, const VtxColorGroup &group, Index number) {
   print<"VtxColorGroup(%d)\n">(text, number);
-  putRecord<VTX_COLOR_GROUP_LINES, VtxColorGroupHead>(text, group);
+  putRecord<VTX_COLOR_GROUP_LINES>(text, group);
   writeTuples<"VtxColor(%d) %#12g %#12g %#12g %#12g    ; RGBA\n">(text, counted(group.vtx_color_num, group.color));
 }
 
@@ -182,7 +180,7 @@ void kvWriteKtColorList(Text &text, const ColorList &list) { kvWriteKtColorList1
 
 void kvWriteKtVectorListFix1(Text &text, const VectorList &list) {
   kvWriteKtListName(text, VECTOR_SECTION);
-  putRecord<VECTOR_LIST_LINES, TwoKindListHead>(text, list);
+  putRecord<VECTOR_LIST_LINES>(text, list);
   printEach<"tri_nv_group_size[%d]     %d\n">(text, counted(list.tri_group_num, list.tri_group_size));
   printEach<"vtx_nv_group_size[%d]     %d\n">(text, counted(list.vtx_group_num, list.vtx_group_size));
   print<"\n">(text);
@@ -192,13 +190,13 @@ void kvWriteKtVectorListFix1(Text &text, const VectorList &list) {
 
 void kvWriteKtTriNvFix1(Text &text, const TriNvGroup &group, Index number) {
   print<"TriNvGroup(%d)\n">(text, number);
-  putRecord<TRI_NV_GROUP_LINES, TriNvGroupHead>(text, group);
+  putRecord<TRI_NV_GROUP_LINES>(text, group);
   writeTuples<" TriNv(%d) %#12g %#12g %#12g    ; Nx,Ny,Nz\n">(text, counted(group.tri_nv_num, group.normal));
 }
 
 void kvWriteKtVtxNvFix1(Text &text, const VtxNvGroup &group, Index number) {
   print<"VtxNvGroup(%d)\n">(text, number);
-  putRecord<VTX_NV_GROUP_LINES, VtxNvGroupHead>(text, group);
+  putRecord<VTX_NV_GROUP_LINES>(text, group);
   writeTuples<" VtxNv(%d) %#12g %#12g %#12g    ; Nx,Ny,Nz\n">(text, counted(group.vtx_nv_num, group.normal));
 }
 
@@ -218,7 +216,7 @@ void kvWriteKtStListFix1(Text &text, const StList &list) {
 
 void kvWriteKtStFix1(Text &text, const StGroup &group, Index number) {
   print<"StGroup(%d)\n">(text, number);
-  putRecord<ST_GROUP_LINES, StGroupHead>(text, group);
+  putRecord<ST_GROUP_LINES>(text, group);
   writeTuples<"St(%d)  %#12g  %#12g    ; s,t\n">(text, counted(group.st_num, group.st));
 }
 
@@ -236,7 +234,7 @@ void kvWriteKtPartListFix1(Text &text, const PartList &list) {
 
 void kvWriteKtPartFix1(Text &text, const Part &part, Index number) {
   print<"Part(%d)\n">(text, number);
-  putRecord<PART_LINES, PartHead>(text, part);
+  putRecord<PART_LINES>(text, part);
   printEach<"tri_index[%d]     %d\n">(text, counted(part.part_tri_num, part.tri_index));
 }
 

@@ -1,61 +1,87 @@
 #include "kova/kt.h"
 
-#include "textdump/behavior.h"
-#include "textdump/extension.h"
-#include "textdump/geometry.h"
+#include "reader/lists.h"
 #include "textdump/lines.h"
-#include "textdump/material.h"
-#include "textdump/scene.h"
+#include "textdump/sections.h"
 
 namespace kova {
 
 namespace {
 
-void writeVersion1(Text &text, const Kis &kis) {
-  kvWriteKtFileHeader1(text, kis.file_header);
-  kvWriteKtSceneList1(text, kis.scene);
-  kvWriteKtEnvList1(text, kis.env);
-  kvWriteKtCamList1(text, kis.cam);
-  kvWriteKtLightList1(text, kis.light);
-  kvWriteKtObjList1(text, kis.obj);
-  kvWriteKtShapeList1(text, kis.shape);
-  kvWriteKtVtxList1(text, kis.vtx);
-  kvWriteKtTriList1(text, kis.tri);
-  kvWriteKtColorList1(text, kis.color);
-  kvWriteKtVectorList1(text, kis.vector);
-  kvWriteKtStList1(text, kis.st);
-  kvWriteKtPartList1(text, kis.part);
-  kvWriteKtMatList1(text, kis.mat);
-  kvWriteKtTexList1(text, kis.tex);
-  kvWriteKtTeximgList1(text, kis.teximg);
-  kvWriteKtAnimList1(text, kis.anim);
-  kvWriteKtCollList1(text, kis.coll);
-  kvWriteKtSwitchList1(text, kis.switch_);
-  kvWriteKtNameList1(text, kis.name);
+/// How the section of a list is written.
+struct SectionRow {
+  const char *list;
+  void (*version1)(Text &, const Kis &); ///< in a 1.0 dump; null for a list of version 2.0
+  void (*version2)(Text &, const Kis &); ///< in a 2.0 dump
+};
+
+template <auto RECORD, auto VERSION1, auto VERSION2> constexpr SectionRow section(const char *list) {
+  return {list, [](Text &text, const Kis &kis) { VERSION1(text, kis.*RECORD); },
+          [](Text &text, const Kis &kis) { VERSION2(text, kis.*RECORD); }};
+}
+template <auto RECORD, auto VERSION2> constexpr SectionRow section(const char *list) {
+  return {list, nullptr, [](Text &text, const Kis &kis) { VERSION2(text, kis.*RECORD); }};
 }
 
+constexpr auto SECTIONS = inListOrder({
+    section<&Kis::scene, kvWriteKtSceneList1, kvWriteKtSceneList>("SceneList"),
+    section<&Kis::env, kvWriteKtEnvList1, kvWriteKtEnvList>("EnvList"),
+    section<&Kis::cam, kvWriteKtCamList1, kvWriteKtCamList>("CamList"),
+    section<&Kis::light, kvWriteKtLightList1, kvWriteKtLightList>("LightList"),
+    section<&Kis::obj, kvWriteKtObjList1, kvWriteKtObjList>("ObjList"),
+    section<&Kis::shape, kvWriteKtShapeList1, kvWriteKtShapeList>("ShapeList"),
+    section<&Kis::vtx, kvWriteKtVtxList1, kvWriteKtVtxList>("VtxList"),
+    section<&Kis::tri, kvWriteKtTriList1, kvWriteKtTriList>("TriList"),
+    section<&Kis::color, kvWriteKtColorList1, kvWriteKtColorList>("ColorList"),
+    section<&Kis::vector, kvWriteKtVectorList1, kvWriteKtVectorList>("VectorList"),
+    section<&Kis::st, kvWriteKtStList1, kvWriteKtStList>("StList"),
+    section<&Kis::part, kvWriteKtPartList1, kvWriteKtPartList>("PartList"),
+    section<&Kis::mat, kvWriteKtMatList1, kvWriteKtMatList>("MatList"),
+    section<&Kis::tex, kvWriteKtTexList1, kvWriteKtTexList>("TexList"),
+    section<&Kis::teximg, kvWriteKtTeximgList1, kvWriteKtTeximgList>("TeximgList"),
+    section<&Kis::anim, kvWriteKtAnimList1, kvWriteKtAnimList>("AnimList"),
+    section<&Kis::coll, kvWriteKtCollList1, kvWriteKtCollList>("CollList"),
+    section<&Kis::switch_, kvWriteKtSwitchList1, kvWriteKtSwitchList>("SwitchList"),
+    section<&Kis::name, kvWriteKtNameList1, kvWriteKtNameList>("NameList"),
+    section<&Kis::ci_img, kvWriteKtCiimgList>("CiImgList"),
+    section<&Kis::color_palette, kvWriteKtColorPaletteList>("ColorPaletteList"),
+    section<&Kis::envelope, kvWriteKtEnvelopeList>("EnvelopeList"),
+    section<&Kis::cluster, kvWriteKtClusterList>("ClusterList"),
+    section<&Kis::weight, kvWriteKtWeightList>("WeightList"),
+    section<&Kis::chain_root, kvWriteKtChainRootList>("ChainRootList"),
+    section<&Kis::joint, kvWriteKtJointList>("JointList"),
+    section<&Kis::effector, kvWriteKtEffectorList>("EffectorList"),
+    section<&Kis::external_name, kvWriteKtExternalNameList>("ExternalNameList"),
+});
+
+void writeVersion1(Text &text, const Kis &kis) {
+  kvWriteKtFileHeader1(text, kis.file_header);
+  for (std::size_t list = 0; list < VERSION_1_LIST_NUM; ++list)
+    SECTIONS[list].version1(text, kis);
+}
+
+/// The lists of version 1.0 always print, the others only where the file has them.
 void writeVersion2(Text &text, const Kis &kis) {
   kvWriteKtFileHeader(text, kis.file_header);
-  kvWriteKtSceneList(text, kis.scene);
-  kvWriteKtEnvList(text, kis.env);
-  kvWriteKtCamList(text, kis.cam);
-  kvWriteKtLightList(text, kis.light);
-  kvWriteKtObjList(text, kis.obj);
-  kvWriteKtShapeList(text, kis.shape);
-  kvWriteKtVtxList(text, kis.vtx);
-  kvWriteKtTriList(text, kis.tri);
-  kvWriteKtColorList(text, kis.color);
-  kvWriteKtVectorList(text, kis.vector);
-  kvWriteKtStList(text, kis.st);
-  kvWriteKtPartList(text, kis.part);
-  kvWriteKtMatList(text, kis.mat);
-  kvWriteKtTexList(text, kis.tex);
-  kvWriteKtTeximgList(text, kis.teximg);
-  kvWriteKtAnimList(text, kis.anim);
-  kvWriteKtCollList(text, kis.coll);
-  kvWriteKtSwitchList(text, kis.switch_);
-  kvWriteKtNameList(text, kis.name);
-  kvWriteKt2Ext(text, kis);
+  for (std::size_t list = 0; list < LIST_NUM; ++list)
+    if (list < VERSION_1_LIST_NUM || kis.file_header.*LISTS[list].size != 0)
+      SECTIONS[list].version2(text, kis);
+}
+
+/// @return the version of the dump of a file.
+Word dumpVersion(const Kis &kis) { return kvKOVAver(kis.file_header) == VERSION_1 ? VERSION_1 : VERSION_2; }
+
+/// Writes the dump of this version and leaves the stream open.
+int writeDump(std::FILE *stream, const Kis &kis, Word version) {
+  Text text(stream);
+  version == VERSION_1 ? writeVersion1(text, kis) : writeVersion2(text, kis);
+  flush(text);
+  return 1;
+}
+
+int saveDump(const Kis &kis, const char *path, Word version) {
+  const Stream stream = kvKtWriteOpen(path);
+  return stream ? writeDump(stream.get(), kis, version) : 0;
 }
 
 } // namespace
@@ -70,18 +96,12 @@ int kvPrintKt(std::FILE *stream, const Kis &kis) {
   return std::fflush(stream) == 0 && std::ferror(stream) == 0;
 }
 int kvWriteKt(std::FILE *stream, const Kis &kis) {
-  if (kvKOVAver(kis.file_header) == VERSION_1)
-    return kvWriteKt1(stream, kis);
-  Text text(stream);
-  writeVersion2(text, kis);
-  flush(text);
-  return 1;
+  const Word version = dumpVersion(kis);
+  return version == VERSION_1 ? kvWriteKt1(stream, kis) : writeDump(stream, kis, version);
 }
 
 int kvWriteKt1(std::FILE *stream, const Kis &kis) {
-  Text text(stream);
-  writeVersion1(text, kis);
-  flush(text);
+  writeDump(stream, kis, VERSION_1);
   std::fclose(stream);
   return 1;
 }
@@ -90,16 +110,8 @@ int kvOutputKt(const Kis &kis) { return kvWriteKt(stdout, kis); }
 
 int kvOutputKt1(const Kis &kis) { return kvWriteKt1(stdout, kis); }
 
-int kvSaveAsKt(const Kis &kis, const char *path) {
-  if (kvKOVAver(kis.file_header) == VERSION_1)
-    return kvSaveAsKt1(kis, path);
-  const Stream stream = kvKtWriteOpen(path);
-  return stream ? kvWriteKt(stream.get(), kis) : 0;
-}
+int kvSaveAsKt(const Kis &kis, const char *path) { return saveDump(kis, path, dumpVersion(kis)); }
 
-int kvSaveAsKt1(const Kis &kis, const char *path) {
-  Stream stream = kvKtWriteOpen(path);
-  return stream ? kvWriteKt1(stream.release(), kis) : 0; // the dump closes what it is given
-}
+int kvSaveAsKt1(const Kis &kis, const char *path) { return saveDump(kis, path, VERSION_1); }
 
 } // namespace kova

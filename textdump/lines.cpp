@@ -5,13 +5,11 @@ namespace kova {
 namespace {
 
 template <Format FORMAT, class Number>
-void printEachBehind(Text &text, std::string_view label, std::span<const Number> numbers) {
+void printEachLabelled(Text &text, std::string_view label, std::span<const Number> numbers) {
   Index position = 0;
   for (const Number number : numbers)
-    printBehind<FORMAT>(text, label, position++, number);
+    printLabelled<FORMAT>(text, label, position++, number);
 }
-
-constexpr std::size_t WORDS_TO_A_ROW = 6;
 
 /// The part of a block from byte `bytes` on.
 std::span<const Word> wordsAfter(std::span<const Word> words, Word bytes) {
@@ -22,33 +20,21 @@ std::span<const Word> wordsAfter(std::span<const Word> words, Word bytes) {
 
 void kvWriteKtListName(Text &text, const char *name) {
   print<"<">(text);
-  printBehind<"> ;--------------------------------------------------\n\n">(text, name);
+  printLabelled<"> ;--------------------------------------------------\n\n">(text, name);
 }
 
 void kvWriteKtListEnd(Text &text, const char *name) {
   print<"</">(text);
-  printBehind<">\n\n">(text, name);
-}
-
-void kvWriteKtListTop(Text &text, const ListHead &head, const char *name) {
-  kvWriteKtListName(text, name);
-  print<"list_tag     %0#10x\n">(text, head.list_tag);
-  print<"header_size  %d\n">(text, head.list_header_size);
-  print<"list_size    %d\n">(text, head.list_size);
-}
-
-void kvWriteKtElementTop(Text &text, const ElementHead &head, const char *label) {
-  printBehind<"(%d)\n">(text, label, head.this_index);
-  putRecord<ELEMENT_TOP_LINES, ElementHead>(text, head);
+  printLabelled<">\n\n">(text, name);
 }
 
 void kvWriteKtList(Text &text, std::span<const Word> words, Word bytes, const char *label) {
-  print<"[">(text);
-  printBehind<"]\n">(text, label);
+  print<BLOCK_OPENER_TEXT>(text);
+  printLabelled<BLOCK_LABEL_TEXT>(text, label);
   words = words.first(std::min<std::size_t>(bytes / sizeof(Word), words.size()));
-  eachRow<WORDS_TO_A_ROW>(words, [&text](auto row) {
-    printRow<"%0#10x  ">(text, row);
-    print<"\n">(text);
+  eachRow<BLOCK_WORDS_TO_A_ROW>(words, [&text](auto row) {
+    printRow<BLOCK_WORD_TEXT>(text, row);
+    print<BLOCK_ROW_TEXT>(text);
   });
 }
 
@@ -69,63 +55,56 @@ void kvWriteKtExtBlk2(Text &text, const ExtBlk &blk, Word van_size, Word usr_siz
 }
 
 void kvWriteKtArray(Text &text, std::span<const Word> words, const char *label) {
-  printEachBehind<"[%d]  %d\n">(text, label, words);
+  printEachLabelled<"[%d]  %d\n">(text, label, words);
 }
 
 void kvWriteKtArray(Text &text, std::span<const Index> indices, const char *label) {
-  printEachBehind<"[%d]  %d\n">(text, label, indices);
+  printEachLabelled<"[%d]  %d\n">(text, label, indices);
 }
 
 void kvWriteKtArrayf(Text &text, std::span<const float> floats, const char *label) {
-  printEachBehind<"[%d]  %#g\n">(text, label, floats);
+  printEachLabelled<"[%d]  %#g\n">(text, label, floats);
 }
 
 void kvWriteKtExternal(Text &text, std::span<const External> externals, const char *label) {
   Index position = 0;
   for (const External &external : externals)
-    printBehind<" file name[%d]   %d\n">(text, label, position++, external.file_name);
+    printLabelled<EXTERNAL_FILE_TEXT>(text, label, position++, external.file_name);
   position = 0;
   for (const External &external : externals)
-    printBehind<" name[%d]        %d\n">(text, label, position++, external.name);
+    printLabelled<EXTERNAL_NAME_TEXT>(text, label, position++, external.name);
 }
 
 void kvWriteKtNodeIndex(Text &text, std::span<const NodeIndex> nodes, const char *label) {
   Index position = 0;
   for (const NodeIndex &node : nodes)
-    printBehind<" kind[%d]   %0#10x\n">(text, label, position++, node.kind);
+    printLabelled<NODE_KIND_TEXT>(text, label, position++, node.kind);
   position = 0;
   for (const NodeIndex &node : nodes)
-    printBehind<" index[%d]  %d\n">(text, label, position++, node.index);
+    printLabelled<NODE_INDEX_TEXT>(text, label, position++, node.index);
 }
 
 void kvWriteKtRGBA(Text &text, const Rgba &colour, const char *label) {
-  printBehind<" red  %#g green %#g blue %#g alpha %#g\n">(text, label, colour.red, colour.green, colour.blue,
-                                                          colour.alpha);
+  printLabelled<RGBA_TEXT>(text, label, colour.red, colour.green, colour.blue, colour.alpha);
 }
 
 void kvWriteKtXYZ(Text &text, const Xyz &vector, const char *label) {
-  printBehind<"  %#g %#g %#g ; x,y,z\n">(text, label, vector.x, vector.y, vector.z);
+  printLabelled<XYZ_TEXT>(text, label, vector.x, vector.y, vector.z);
 }
 
 void kvWriteKtRotateX(Text &text, std::span<const RotateE> keys, const char *label) {
   Index position = 0;
   for (const RotateE &key : keys) {
-    printBehind<"(%d)\n">(text, label, position++);
-    print<"interpolation type  %0#10x\n">(text, key.interpolation_type);
-    print<"key  %d\n">(text, key.key);
-    print<"rotation angle  %#g\n">(text, key.rotation_angle);
-    print<"differential rotation angle  %#g\n">(text, key.differential_rotation_angle);
+    printLabelled<"(%d)\n">(text, label, position++);
+    putRecord<ROTATE_E_LINES>(text, key);
   }
 }
 
 void kvWriteKtUniqScale(Text &text, std::span<const Scale> keys, const char *label) {
   Index position = 0;
   for (const Scale &key : keys) {
-    printBehind<"Scale(%d)">(text, label, position++); // no line end, on purpose: the next text continues the line
-    print<"interpolation type  %0#10x\n">(text, key.interpolation_type);
-    print<"key  %d\n">(text, key.key);
-    kvWriteKtXYZ(text, key.scale, "scale");
-    kvWriteKtXYZ(text, key.differential_scale, "differential scale");
+    printLabelled<"Scale(%d)">(text, label, position++); // no line end, on purpose: the next text continues the line
+    putRecord<SCALE_LINES>(text, key);
   }
 }
 
@@ -133,28 +112,26 @@ void kvWriteKtPrimColorAnim(Text &text, std::span<const PrimColorAnim> keys, con
   Index position = 0;
   for (const PrimColorAnim &key : keys) {
     print<"PrimColorAnim">(text);
-    printBehind<"(%d)\n">(text, label, position++);
-    print<"interpolation_type  %0#10x\n">(text, key.interpolation_type);
-    print<"key                 %d\n">(text, key.key);
-    kvWriteKtRGBA(text, key.prim_color_anim, "prim_color_anim");
+    printLabelled<"(%d)\n">(text, label, position++);
+    putRecord<PRIM_COLOR_ANIM_LINES>(text, key);
   }
 }
 
 void kvWriteKtFileHeaderFix1(Text &text, const FileHeader &header) {
   kvWriteKtListName(text, "FileHeader");
-  putRecord<FILE_HEADER_LINES, FileHeaderHead>(text, header);
+  putRecord<FILE_HEADER_LINES>(text, header);
 }
 
 void kvWriteKtFileHeader1(Text &text, const FileHeader &header) {
   kvWriteKtFileHeaderFix1(text, header);
-  kvWriteKtExtBlk1(text, header.ext_blk, header.van_ext_blk_size, header.usr_ext_blk_size);
+  writeExtBlk(text, header);
   kvWriteKtListEnd(text, "FileHeader");
 }
 
 void kvWriteKtFileHeader(Text &text, const FileHeader &header) {
   kvWriteKtFileHeaderFix1(text, header);
-  putRecord<VERSION_2_SIZES_LINES, Version2Sizes>(text, header);
-  kvWriteKtExtBlk2(text, header.ext_blk, header.van_ext_blk_size, header.usr_ext_blk_size, VERSION_2_SIZES_BYTES);
+  putRecord<VERSION_2_SIZES_LINES>(text, header);
+  writeExtBlkAfter(text, header, VERSION_2_SIZES_BYTES);
   kvWriteKtListEnd(text, "FileHeader");
 }
 

@@ -1,8 +1,5 @@
 #include "textdump/material.h"
 
-#include "textdump/extension.h"
-#include "textdump/lines.h"
-
 namespace kova {
 
 namespace {
@@ -22,9 +19,25 @@ void kvWriteKtMatListFix1(Text &text, const MatList &list) {
 
 void kvWriteKtMatFix1(Text &text, const Mat &mat, Index number) {
   print<"Mat(%d)\n">(text, number);
-  putRecord<MAT_LINES, MatHead>(text, mat);
+  putRecord<MAT_LINES>(text, mat);
   printEach<"tex_index[%d]   %0#10x\n">(text, counted(mat.tex_num, mat.tex_index));
 }
+
+namespace {
+
+void writeMatExt(Text &text, const Mat &mat) {
+  if (!mat.ext)
+    return writeExtBlkAfter(text, mat, 0);
+  const MatExt &ext = *mat.ext;
+  putRecord<MAT_EXT_LINES>(text, ext);
+  kvWriteKtPrimColorAnim(text, ext.prim_color_anim, "");
+  kvWriteKtPrimColorAnim(text, ext.prim_color_anim_for_fog, "ForFog");
+  putLater<MAT_EXT_LINES>(text, ext);
+  kvWriteKtExternal(text, ext.external_tex, "external tex");
+  writeExtBlkAfter(text, mat, kvSizeofMatExt(ext));
+}
+
+} // namespace
 
 void kvWriteKtMatList1(Text &text, const MatList &list) { writeSection(text, MAT_SECTION, list); }
 void kvWriteKtMatList(Text &text, const MatList &list) { writeSection(text, MAT_SECTION, list, writeMatExt); }
@@ -34,7 +47,7 @@ void kvWriteKtMatList(Text &text, const MatList &list) { writeSection(text, MAT_
 namespace {
 
 void writeTiles(Text &text, const TexTiles &tiles) {
-  putRecord<TEX_TILES_LINES, TexTilesHead>(text, tiles);
+  putRecord<TEX_TILES_LINES>(text, tiles);
   printEach<"tex_tile_scale_key[%d]   %d\n">(text, counted(tiles.tex_tile_scale_num, tiles.tex_tile_scale_key));
   printEach<"tex_tile_width[%d]       %d\n">(text, counted(tiles.tex_tile_scale_num, tiles.tex_tile_width));
   printEach<"tex_tile_height[%d]      %d\n">(text, counted(tiles.tex_tile_scale_num, tiles.tex_tile_height));
@@ -46,6 +59,18 @@ void writeTiles(Text &text, const TexTiles &tiles) {
   print<"\n">(text); // an empty line that a still texture has not
 }
 
+void writeTexExt(Text &text, const Tex &tex) {
+  if (!tex.ext)
+    return writeExtBlkAfter(text, tex, 0);
+  const TexExt &ext = *tex.ext;
+  putRecord<TEX_EXT_LINES>(text, ext);
+  kvWriteKtArray(text, ext.color_palette_index, "color_palette_index");
+  kvWriteKtArray(text, ext.tlut_palette_number, "tlut_palette_number");
+  kvWriteKtExternal(text, ext.external_tex_img, "external_tex_img");
+  kvWriteKtExternal(text, ext.external_palette, "external_palette");
+  writeExtBlkAfter(text, tex, kvSizeofTexExt(ext, kvCiTileNum(tex)));
+}
+
 } // namespace
 
 void kvWriteKtTexListFix1(Text &text, const TexList &list) {
@@ -54,7 +79,7 @@ void kvWriteKtTexListFix1(Text &text, const TexList &list) {
 
 void kvWriteKtTexFix1(Text &text, const Tex &tex, Index number) {
   print<"Tex(%d)\n">(text, number);
-  putRecord<TEX_LINES, TexHead>(text, tex);
+  putRecord<TEX_LINES>(text, tex);
   if (tex.tex_anim == 0)
     putRecord<TEX_STILL_LINES>(text, tex.still);
   else
@@ -85,7 +110,12 @@ void writeTeximgEnd1(Text &text, const Teximg &image) {
 
 void writeTeximgEnd2(Text &text, const Teximg &image) {
   print<"\n">(text);
-  writeTeximgExt(text, image);
+  if (!image.ext)
+    return writeExtBlkAfter(text, image, 0);
+  const TeximgExt &ext = *image.ext;
+  putRecord<TEXIMG_EXT_LINES>(text, ext);
+  kvWriteKtArray(text, ext.mipmap_img_offset, "mipmap img offset");
+  writeExtBlkAfter(text, image, kvSizeofTeximgExt(ext));
 }
 
 } // namespace
@@ -97,7 +127,7 @@ void kvWriteKtTeximgListFix1(Text &text, const TeximgList &list) {
 /// The texels are held whole or not at all, so what is held needs no count.
 void kvWriteKtTeximgFix1(Text &text, const Teximg &image, Index number) {
   print<"TexImg(%d)\n">(text, number);
-  putRecord<TEXIMG_LINES, TeximgHead>(text, image);
+  putRecord<TEXIMG_LINES>(text, image);
   writeTexels(text, std::span<const unsigned char>(image.texel));
 }
 

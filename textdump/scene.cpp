@@ -1,8 +1,5 @@
 #include "textdump/scene.h"
 
-#include "textdump/extension.h"
-#include "textdump/lines.h"
-
 namespace kova {
 
 namespace {
@@ -18,7 +15,7 @@ template <const auto &TABLE> void writeDirLights(Text &text, const Light &light)
   Index number = 0;
   for (const DirLight &dir_light : counted(light.dir_light_num, light.dir_light)) {
     print<"DirLight(%d)\n">(text, number++);
-    putLeading<TABLE>(text, dir_light);
+    putRecord<TABLE>(text, dir_light);
   }
 }
 
@@ -28,7 +25,7 @@ template <const auto &TABLE> void writeDirLights(Text &text, const Light &light)
 
 void kvWriteKtSceneListFix1(Text &text, const Scene &scene) {
   kvWriteKtListName(text, SCENE_SECTION);
-  putRecord<SCENE_LINES, SceneHead>(text, scene);
+  putRecord<SCENE_LINES>(text, scene);
   printEach<"obj link[%d]    %d\n">(text, counted(scene.scene_obj_link_num, scene.obj_link));
   printEach<"env link[%d]    %d\n">(text, counted(scene.scene_env_link_num, scene.env_link));
   printEach<"cam link[%d]    %d\n">(text, counted(scene.scene_cam_link_num, scene.cam_link));
@@ -39,6 +36,23 @@ void kvWriteKtSceneList1(Text &text, const Scene &scene) {
   kvWriteKtSceneListFix1(text, scene);
   writeListEnd(text, scene, SCENE_SECTION);
 }
+
+namespace {
+
+void writeSceneListExt(Text &text, const Scene &scene) {
+  if (!scene.ext)
+    return writeExtBlkAfter(text, scene, 0);
+  const SceneListExt &ext = *scene.ext;
+  putRecord<SCENE_LIST_EXT_LINES>(text, ext);
+  kvWriteKtArray(text, ext.chain_root_link, "chain root link");
+  kvWriteKtExternal(text, ext.external_obj, "external obj");
+  kvWriteKtExternal(text, ext.external_env, "external env");
+  kvWriteKtExternal(text, ext.external_cam, "external cam");
+  kvWriteKtExternal(text, ext.external_light, "external light");
+  writeExtBlkAfter(text, scene, kvSizeofSceneListExt(ext));
+}
+
+} // namespace
 
 void kvWriteKtSceneList(Text &text, const Scene &scene) {
   kvWriteKtSceneListFix1(text, scene);
@@ -55,7 +69,7 @@ void kvWriteKtEnvListFix1(Text &text, const EnvList &list) {
 
 void kvWriteKtEnvFix1(Text &text, const Env &env, Index number) {
   print<"Env(%d)\n">(text, number);
-  putRecord<ENV_LINES, EnvHead>(text, env);
+  putRecord<ENV_LINES>(text, env);
 }
 
 void kvWriteKtEnvList1(Text &text, const EnvList &list) { writeSection(text, ENV_SECTION, list); }
@@ -70,8 +84,19 @@ void kvWriteKtCamListFix1(Text &text, const CamList &list) {
 
 void kvWriteKtCamFix1(Text &text, const Cam &cam, Index number) {
   print<"Cam(%d)\n">(text, number);
-  putRecord<CAM_LINES, CamHead>(text, cam);
+  putRecord<CAM_LINES>(text, cam);
 }
+
+namespace {
+
+void writeCamExt(Text &text, const Cam &cam) {
+  if (!cam.ext)
+    return writeExtBlkAfter(text, cam, 0);
+  putRecord<CAM_EXT_LINES>(text, *cam.ext);
+  writeExtBlkAfter(text, cam, sizeof(CamExt));
+}
+
+} // namespace
 
 void kvWriteKtCamList1(Text &text, const CamList &list) { writeSection(text, CAM_SECTION, list); }
 void kvWriteKtCamList(Text &text, const CamList &list) { writeSection(text, CAM_SECTION, list, writeCamExt); }
@@ -86,7 +111,7 @@ void kvWriteKtLightListFix1(Text &text, const LightList &list) {
 /// A light of a type that stores no directional lights prints none, whatever its count says.
 void kvWriteKtLightFix1(Text &text, const Light &light, Index number) {
   print<"Light(%d)\n">(text, number);
-  putRecord<LIGHT_LINES, LightHead>(text, light);
+  putRecord<LIGHT_LINES>(text, light);
   if (light.light_type == 0)
     writeDirLights<DIRECTION_LIGHT_LINES>(text, light);
   else if (light.light_type == 1)
@@ -104,12 +129,28 @@ void kvWriteKtObjListFix1(Text &text, const ObjList &list) {
 
 void kvWriteKtObjFix1(Text &text, const Obj &obj, Index number) {
   print<"Obj(%d)\n">(text, number);
-  putRecord<OBJ_LINES, ObjHead>(text, obj);
+  putRecord<OBJ_LINES>(text, obj);
   printEach<"LOD_dist[%d]   %#g\n">(text, counted(obj.obj_lod_num, obj.LOD_dist));
   printEach<"LOD_link[%d]   %d\n">(text, counted(obj.obj_lod_num, obj.LOD_link));
   for (const Word link : counted(obj.obj_child_num, obj.child_link))
     print<"child link    %0#10x\n">(text, link); // without its position, unlike all other arrays
 }
+
+namespace {
+
+void writeObjExt(Text &text, const Obj &obj) {
+  if (!obj.ext)
+    return writeExtBlkAfter(text, obj, 0);
+  const ObjExt &ext = *obj.ext;
+  putRecord<OBJ_EXT_LINES>(text, ext);
+  printEach<"obj_chain_root_link[%d] %d\n">(text, ext.obj_chain_root_link);
+  printEach<"external_lod_obj_dist[%d]  %#g\n">(text, ext.external_lod_obj_dist);
+  kvWriteKtExternal(text, ext.external_lod_obj, "external lod obj");
+  kvWriteKtExternal(text, ext.external_obj, "external obj");
+  writeExtBlkAfter(text, obj, kvSizeofObjExt(ext));
+}
+
+} // namespace
 
 void kvWriteKtObjList1(Text &text, const ObjList &list) { writeSection(text, OBJ_SECTION, list); }
 void kvWriteKtObjList(Text &text, const ObjList &list) { writeSection(text, OBJ_SECTION, list, writeObjExt); }
@@ -122,9 +163,20 @@ void kvWriteKtShapeListFix1(Text &text, const ShapeList &list) {
 
 void kvWriteKtShapeFix1(Text &text, const Shape &shape, Index number) {
   print<"Shape(%d)\n">(text, number);
-  putRecord<SHAPE_LINES, ShapeHead>(text, shape);
+  putRecord<SHAPE_LINES>(text, shape);
   printEach<"shape_part_link[%d]   %d\n">(text, counted(shape.shape_part_num, shape.shape_part_link));
 }
+
+namespace {
+
+void writeShapeExt(Text &text, const Shape &shape) {
+  if (!shape.ext)
+    return writeExtBlkAfter(text, shape, 0);
+  putRecord<SHAPE_EXT_LINES>(text, *shape.ext);
+  writeExtBlkAfter(text, shape, sizeof(ShapeExt));
+}
+
+} // namespace
 
 void kvWriteKtShapeList1(Text &text, const ShapeList &list) { writeSection(text, SHAPE_SECTION, list); }
 void kvWriteKtShapeList(Text &text, const ShapeList &list) { writeSection(text, SHAPE_SECTION, list, writeShapeExt); }

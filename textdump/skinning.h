@@ -1,120 +1,124 @@
 /// The sections of the envelopes, the clusters and the weights.
 #pragma once
 
-#include "textdump/palette.h"
+#include "textdump/lines.h"
 
 namespace kova {
 
-void kvWriteKtEnvelopeList(Text &text, const EnvelopeList &list);
-void kvWriteKtClusterList(Text &text, const ClusterList &list);
-void kvWriteKtWeightList(Text &text, const WeightList &list);
+// --- Line tables ----------------------------------------------------------------------------------------------------
 
-// --- Line tables: the words behind a heading, but for the node and external references among them -------------------
-
+inline constexpr char VTX_TRI_NV_COLOR_HEADING[] = "VtxTriNvColor(%d)\n";
 inline constexpr auto VTX_TRI_NV_COLOR_LINES = lines<VtxTriNvColor>({
-    "vtx_group_index        %d\n",
-    "vtx_nv_group_index     %d\n",
-    "tri_nv_group_index     %d\n",
-    "vtx_color_group_index  %d\n",
-    "tri_color_group_index  %d\n",
+    {"vtx_group_index        %d\n", &VtxTriNvColor::vtx_group_index},
+    {"vtx_nv_group_index     %d\n", &VtxTriNvColor::vtx_nv_group_index},
+    {"tri_nv_group_index     %d\n", &VtxTriNvColor::tri_nv_group_index},
+    {"vtx_color_group_index  %d\n", &VtxTriNvColor::vtx_color_group_index},
+    {"tri_color_group_index  %d\n", &VtxTriNvColor::tri_color_group_index},
 });
 
-using EnvelopeWords = Run<EnvelopeHead, &EnvelopeHead::envelope_type, &EnvelopeHead::usr_ext_blk_size>;
-inline constexpr auto ENVELOPE_LINES = lines<EnvelopeWords>({
-    "envelope_type           %0#10x\n",
-    "full_weighted_part_num  %d\n",
-    "weighted_part_num       %d\n",
-    "morph_part_num          %d\n",
-    "envelope_tri_num        %d\n",
-    "van_ext_blk_size        %d\n",
-    "usr_ext_blk_size        %d\n",
+inline constexpr auto ENVELOPE_LIST_LINES = version2ListLines("envelope_num       %d\n");
+inline constexpr auto ENVELOPE_LINES = lines<EnvelopeHead>({
+    ELEMENT_TOP_LINES,
+    {"envelope_type           %0#10x\n", &EnvelopeHead::envelope_type},
+    {"full_weighted_part_num  %d\n", &EnvelopeHead::full_weighted_part_num},
+    {"weighted_part_num       %d\n", &EnvelopeHead::weighted_part_num},
+    {"morph_part_num          %d\n", &EnvelopeHead::morph_part_num},
+    {"envelope_tri_num        %d\n", &EnvelopeHead::envelope_tri_num},
+    {"van_ext_blk_size        %d\n", &EnvelopeHead::van_ext_blk_size},
+    {"usr_ext_blk_size        %d\n", &EnvelopeHead::usr_ext_blk_size},
 });
 
-using FullWeightedPartWords = Run<FullWeightedPartHead, &FullWeightedPartHead::full_weighted_st_group_index,
-                                  &FullWeightedPartHead::usr_ext_blk_size>;
-inline constexpr auto FULL_WEIGHTED_PART_LINES = lines<FullWeightedPartWords>({
-    "full_weighted_st_group_index  %d\n",
-    "van_ext_blk_size              %d\n",
-    "usr_ext_blk_size              %d\n",
+inline constexpr auto FULL_WEIGHTED_PART_LINES = lines<FullWeightedPartHead>({
+    ELEMENT_TOP_LINES,
+    nodeIndexLines("transform_node_full", &FullWeightedPartHead::transform_node_full),
+    externalLines("external_transform_obj", &FullWeightedPartHead::external_transform_obj),
+    nested(VTX_TRI_NV_COLOR_HEADING, VTX_TRI_NV_COLOR_LINES, &FullWeightedPartHead::group_index),
+    {"full_weighted_st_group_index  %d\n", &FullWeightedPartHead::full_weighted_st_group_index},
+    {"van_ext_blk_size              %d\n", &FullWeightedPartHead::van_ext_blk_size},
+    {"usr_ext_blk_size              %d\n", &FullWeightedPartHead::usr_ext_blk_size},
 });
 
-using WeightedPartWords =
-    Run<WeightedPartHead, &WeightedPartHead::affected_node_num, &WeightedPartHead::usr_ext_blk_size>;
-inline constexpr auto WEIGHTED_PART_LINES = lines<WeightedPartWords>({
-    "affected_node_num          %d\n",
-    "weight_st_group_index      %d\n",
-    "external_affected_obj_num  %d\n",
-    "van_ext_blk_size           %d\n",
-    "usr_ext_blk_size           %d\n",
+inline constexpr auto WEIGHTED_PART_LINES = lines<WeightedPartHead>({
+    ELEMENT_TOP_LINES,
+    {"affected_node_num          %d\n", &WeightedPartHead::affected_node_num},
+    {"weight_st_group_index      %d\n", &WeightedPartHead::weight_st_group_index},
+    {"external_affected_obj_num  %d\n", &WeightedPartHead::external_affected_obj_num},
+    {"van_ext_blk_size           %d\n", &WeightedPartHead::van_ext_blk_size},
+    {"usr_ext_blk_size           %d\n", &WeightedPartHead::usr_ext_blk_size},
 });
 
-using MorphPartWords = Run<MorphPartHead, &MorphPartHead::morph_st_group_index, &MorphPartHead::usr_ext_blk_size>;
-inline constexpr auto MORPH_PART_LINES = lines<MorphPartWords>({
-    "morph_st_group_index  %d\n",
-    "table_num             %d\n",
-    "van_ext_blk_size      %d\n",
-    "usr_ext_blk_size      %d\n",
+inline constexpr auto MORPH_PART_LINES = lines<MorphPartHead>({
+    ELEMENT_TOP_LINES,
+    nodeIndexLines("node[0]", &MorphPartHead::node0),
+    externalLines("external_obj[0]", &MorphPartHead::external_obj0),
+    nodeIndexLines("node[1]", &MorphPartHead::node1),
+    externalLines("external_obj[1]", &MorphPartHead::external_obj1),
+    {"morph_st_group_index  %d\n", &MorphPartHead::morph_st_group_index},
+    {"table_num             %d\n", &MorphPartHead::table_num},
+    {"van_ext_blk_size      %d\n", &MorphPartHead::van_ext_blk_size},
+    {"usr_ext_blk_size      %d\n", &MorphPartHead::usr_ext_blk_size},
 });
 
-using EnvelopeTriTop = Run<EnvelopeTri, &EnvelopeTri::envelope_tri_tag, &EnvelopeTri::envelope_tri_size>;
-inline constexpr auto ENVELOPE_TRI_LINES = lines<EnvelopeTriTop>({
-    "envelope_tri_tag         %0#10x\n",
-    "this_envelope_tri_index  %d\n",
-    "envelope_tri_size        %d\n",
+inline constexpr auto ENVELOPE_VTX_LINES = lines<EnvelopeVtx>({
+    nodeIndexLines("envelope_part", &EnvelopeVtx::envelope_part),
+    {"vtx_index        %d\n", &EnvelopeVtx::vtx_index},
+    {"st_index         %d\n", &EnvelopeVtx::st_index},
+    {"vtx_nv_index     %d\n", &EnvelopeVtx::vtx_nv_index},
+    {"vtx_color_index  %d\n", &EnvelopeVtx::vtx_color_index},
+    {"weight_index     %d\n", &EnvelopeVtx::weight_index},
+});
+inline constexpr auto ENVELOPE_TRI_LINES = lines<EnvelopeTri>({
+    {"envelope_tri_tag         %0#10x\n", &EnvelopeTri::envelope_tri_tag},
+    {"this_envelope_tri_index  %d\n", &EnvelopeTri::this_envelope_tri_index},
+    {"envelope_tri_size        %d\n", &EnvelopeTri::envelope_tri_size},
+    nodeIndexLines("envelope_part_for_tri", &EnvelopeTri::envelope_part_for_tri),
+    {"tri_nv_index             %d\n", &EnvelopeTri::tri_nv_index},
+    {"tri_color_index          %d\n", &EnvelopeTri::tri_color_index},
+    {"weight_index_tri         %d\n", &EnvelopeTri::weight_index_tri},
+    nested("EnvelopeVtx(%d)\n", ENVELOPE_VTX_LINES, &EnvelopeTri::vtx),
 });
 
-using EnvelopeTriIndices = Run<EnvelopeTri, &EnvelopeTri::tri_nv_index, &EnvelopeTri::weight_index_tri>;
-inline constexpr auto ENVELOPE_TRI_INDEX_LINES = lines<EnvelopeTriIndices>({
-    "tri_nv_index             %d\n",
-    "tri_color_index          %d\n",
-    "weight_index_tri         %d\n",
+inline constexpr auto CLUSTER_LIST_LINES = version2ListLines("cluster_shape_num  %d\n");
+inline constexpr auto CLUSTER_SHAPE_LINES = lines<ClusterShapeHead>({
+    ELEMENT_TOP_LINES,
+    {"cluster_shape_type  %0#10x\n", &ClusterShapeHead::cluster_shape_type},
+    {"cluster_num         %d\n", &ClusterShapeHead::cluster_num},
+    {"cluster_tri_num     %d\n", &ClusterShapeHead::cluster_tri_num},
+    {"van_ext_blk_size    %d\n", &ClusterShapeHead::van_ext_blk_size},
+    {"usr_ext_blk_size    %d\n", &ClusterShapeHead::usr_ext_blk_size},
 });
 
-using EnvelopeVtxIndices = Run<EnvelopeVtx, &EnvelopeVtx::vtx_index, &EnvelopeVtx::weight_index>;
-inline constexpr auto ENVELOPE_VTX_LINES = lines<EnvelopeVtxIndices>({
-    "vtx_index        %d\n",
-    "st_index         %d\n",
-    "vtx_nv_index     %d\n",
-    "vtx_color_index  %d\n",
-    "weight_index     %d\n",
+inline constexpr auto CLUSTER_LINES = lines<Cluster>({
+    ELEMENT_TOP_LINES,
+    nodeIndexLines("transform_node", &Cluster::transform_node),
+    externalLines("external_transform_obj", &Cluster::external_transform_obj),
+    nested(VTX_TRI_NV_COLOR_HEADING, VTX_TRI_NV_COLOR_LINES, &Cluster::group_index),
+    {"cluster_st_group_index  %d\n", &Cluster::cluster_st_group_index},
 });
 
-using ClusterShapeWords =
-    Run<ClusterShapeHead, &ClusterShapeHead::cluster_shape_type, &ClusterShapeHead::usr_ext_blk_size>;
-inline constexpr auto CLUSTER_SHAPE_LINES = lines<ClusterShapeWords>({
-    "cluster_shape_type  %0#10x\n",
-    "cluster_num         %d\n",
-    "cluster_tri_num     %d\n",
-    "van_ext_blk_size    %d\n",
-    "usr_ext_blk_size    %d\n",
+inline constexpr auto CLUSTER_VTX_LINES = lines<ClusterVtx>({
+    nodeIndexLines("cluster", &ClusterVtx::cluster),
+    {"vtx_index        %d\n", &ClusterVtx::vtx_index},
+    {"st_index         %d\n", &ClusterVtx::st_index},
+    {"vtx_nv_index     %d\n", &ClusterVtx::vtx_nv_index},
+    {"vtx_color_index  %d\n", &ClusterVtx::vtx_color_index},
+});
+inline constexpr auto CLUSTER_TRI_LINES = lines<ClusterTri>({
+    {"cluster_tri_tag         %0#10x\n", &ClusterTri::cluster_tri_tag},
+    {"this_cluster_tri_index  %d\n", &ClusterTri::this_cluster_tri_index},
+    {"cluster_tri_size        %d\n", &ClusterTri::cluster_tri_size},
+    nodeIndexLines("cluster_for_tri", &ClusterTri::cluster_for_tri),
+    {"tri_nv_index            %d\n", &ClusterTri::tri_nv_index},
+    {"tri_color_index         %d\n", &ClusterTri::tri_color_index},
+    nested("ClusterVtx(%d)\n", CLUSTER_VTX_LINES, &ClusterTri::vtx),
 });
 
-using ClusterTriTop = Run<ClusterTri, &ClusterTri::cluster_tri_tag, &ClusterTri::cluster_tri_size>;
-inline constexpr auto CLUSTER_TRI_LINES = lines<ClusterTriTop>({
-    "cluster_tri_tag         %0#10x\n",
-    "this_cluster_tri_index  %d\n",
-    "cluster_tri_size        %d\n",
-});
-
-using ClusterTriIndices = Run<ClusterTri, &ClusterTri::tri_nv_index, &ClusterTri::tri_color_index>;
-inline constexpr auto CLUSTER_TRI_INDEX_LINES = lines<ClusterTriIndices>({
-    "tri_nv_index            %d\n",
-    "tri_color_index         %d\n",
-});
-
-using ClusterVtxIndices = Run<ClusterVtx, &ClusterVtx::vtx_index, &ClusterVtx::vtx_color_index>;
-inline constexpr auto CLUSTER_VTX_LINES = lines<ClusterVtxIndices>({
-    "vtx_index        %d\n",
-    "st_index         %d\n",
-    "vtx_nv_index     %d\n",
-    "vtx_color_index  %d\n",
-});
-
-using WeightGroupWords = Run<WeightGroupHead, &WeightGroupHead::weight_num, &WeightGroupHead::usr_ext_blk_size>;
-inline constexpr auto WEIGHT_GROUP_LINES = lines<WeightGroupWords>({
-    "weight_num        %d\n",
-    "van_ext_blk_size  %d\n",
-    "usr_ext_blk_size  %d\n",
+inline constexpr auto WEIGHT_LIST_LINES = version2ListLines("weight_group_num   %d\n");
+inline constexpr auto WEIGHT_GROUP_LINES = lines<WeightGroupHead>({
+    ELEMENT_TOP_LINES,
+    {"weight_num        %d\n", &WeightGroupHead::weight_num},
+    {"van_ext_blk_size  %d\n", &WeightGroupHead::van_ext_blk_size},
+    {"usr_ext_blk_size  %d\n", &WeightGroupHead::usr_ext_blk_size},
 });
 
 } // namespace kova

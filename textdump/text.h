@@ -1,20 +1,18 @@
-/// The text buffer and the line formats of the dump.
+/// The text buffer of the dump, and writing format texts and line tables into it.
 ///
-/// A format text stands in the code exactly as it prints; it is taken apart at compile time into literals and
-/// conversions, so that writing a line is a few copies of known length and the numbers. A text with a wrong or missing
-/// conversion, or an argument of the wrong kind, does not compile.
+/// Writing a line is a few copies of known length and the numbers. A text with a wrong or missing conversion, or an
+/// argument of the wrong kind, does not compile.
 #pragma once
 
-#include "kova/words.h"
 #include "textdump/number.h"
-#include "textdump/run.h"
+#include "textdump/table.h"
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
 #include <string_view>
-#include <tuple>
+#include <utility>
 
 namespace kova {
 
@@ -59,89 +57,22 @@ inline void putString(Text &text, const char *string) { putBytes(text, string, s
 
 // --- Format texts ---------------------------------------------------------------------------------------------------
 
-/// The conversions that the format uses.
-enum class Conversion : std::uint8_t {
-  none,
-  decimal, ///< %d
-  hex,     ///< %0#10x
-  real,    ///< %#g
-  real12,  ///< %#12g
-  byte     ///< %0#4x with the blank behind it
-};
-
-/// One literal of a format text and the conversion that follows it; the last piece of a text has none.
-struct Piece {
-  std::size_t begin = 0;
-  std::size_t length = 0;
-  Conversion conversion = Conversion::none;
-};
-
-/// A string literal as a template argument.
-template <std::size_t N> struct Format {
-  char text[N];
-  consteval Format(const char (&literal)[N]) { std::copy_n(literal, N, text); }
-};
-
-struct Spelling {
-  const char *text;
-  Conversion conversion;
-};
-inline constexpr std::array<Spelling, 5> SPELLINGS = {{
-    {"%d", Conversion::decimal},
-    {"%0#10x", Conversion::hex},
-    {"%#g", Conversion::real},
-    {"%#12g", Conversion::real12},
-    {"%0#4x ", Conversion::byte},
-}};
-
-inline constexpr std::size_t PIECES_MAX = 8;
-
-struct Pieces {
-  std::array<Piece, PIECES_MAX> piece{};
-  std::size_t count = 0;
-};
-
-/// Takes a format text apart. Throws, which is a compile error here, at a conversion that the format does not know.
-constexpr Pieces parseFormat(const char *text) {
-  Pieces pieces;
-  std::size_t at = 0;
-  for (;;) {
-    Piece &piece = pieces.piece.at(pieces.count++);
-    piece.begin = at;
-    while (text[at] != '\0' && text[at] != '%')
-      ++at;
-    piece.length = at - piece.begin;
-    if (text[at] == '\0')
-      return pieces;
-    for (const Spelling &spelling : SPELLINGS) {
-      const std::string_view known(spelling.text);
-      if (std::string_view(text + at).starts_with(known)) {
-        piece.conversion = spelling.conversion;
-        at += known.size();
-        break;
-      }
-    }
-    if (piece.conversion == Conversion::none)
-      throw "a conversion that the dump does not know";
-  }
-}
-
 /// No number is longer; "%0#10x", "%d" and "%#12g" come close.
 inline constexpr std::size_t NUMBER_MAX = 12;
 
 /// Writes one number.
 template <Conversion CONVERSION, class Number> char *putNumber(char *at, Number number) {
   if constexpr (CONVERSION == Conversion::decimal) {
-    static_assert(std::is_integral_v<Number>, "%d takes a word or an index");
+    static_assert(std::is_integral_v<Number>, "%d takes a Word or an Index");
     return putDec(at, static_cast<std::int32_t>(number));
   } else if constexpr (CONVERSION == Conversion::hex) {
-    static_assert(std::is_same_v<Number, Word>, "%0#10x takes a word");
+    static_assert(std::is_same_v<Number, Word>, "%0#10x takes a Word");
     return putHex(at, number);
   } else if constexpr (CONVERSION == Conversion::byte) {
     static_assert(std::is_same_v<Number, unsigned char>, "%0#4x takes a byte");
     return putByte(at, number);
   } else {
-    static_assert(std::is_same_v<Number, float>, "%#g takes a float");
+    static_assert(std::is_same_v<Number, float>, "%#g and %#12g take a float");
     return CONVERSION == Conversion::real ? putFloat(at, number) : putFloat12(at, number);
   }
 }
@@ -172,11 +103,11 @@ template <Format FORMAT, class... Numbers> void print(Text &text, Numbers... num
   advanceTo(text, putFormat<FORMAT>(at, numbers...));
 }
 
-/// Labels up to this length share one test for room with the line behind them.
+/// Labels up to this length share one test for room with the line after them.
 inline constexpr std::size_t SHORT_LABEL = 256;
 
-/// Writes a label of any length and a format text behind it.
-template <Format FORMAT, class... Numbers> void printBehind(Text &text, std::string_view label, Numbers... numbers) {
+/// Writes a label of any length and a format text after it.
+template <Format FORMAT, class... Numbers> void printLabelled(Text &text, std::string_view label, Numbers... numbers) {
   if (label.size() > SHORT_LABEL) [[unlikely]] {
     putBytes(text, label.data(), label.size());
     label = {};
@@ -212,62 +143,51 @@ template <Format FORMAT, class Numbers> void printEach(Text &text, const Numbers
 
 // --- Line tables ----------------------------------------------------------------------------------------------------
 
-/// The line of one word of a record: literal, conversion, literal.
-struct Line {
-  const char *text; ///< the whole format text
-  Pieces pieces;
-};
+/// Literals are copied in whole pieces of this size: what is too much is overwritten by the number after it, or lies in
+/// the slack at the end.
+inline constexpr std::size_t LITERAL_PIECE = 16;
+static_assert(LITERAL_PIECE <= NUMBER_SLACK);
 
-/// The lines of a record's fixed words, one text per word, in file order. A table whose length is not the record's does
-/// not compile.
-template <class Record, std::size_t N> consteval auto lines(const char *const (&texts)[N]) {
-  static_assert(N * sizeof(Word) == sizeof(Record), "one line for each word of the record");
-  std::array<Line, N> table{};
-  for (std::size_t i = 0; i < N; ++i) {
-    table[i] = Line{texts[i], parseFormat(texts[i])};
-    if (table[i].pieces.count != 2)
-      throw "a line has one conversion";
-  }
-  return table;
+constexpr std::size_t inWholePieces(std::size_t length) {
+  return (length + LITERAL_PIECE - 1) / LITERAL_PIECE * LITERAL_PIECE;
 }
 
-/// @return the bytes that a record's lines need at most.
-template <const auto &TABLE> consteval std::size_t linesRoom() {
-  std::size_t bytes = NUMBER_SLACK;
-  for (const Line &line : TABLE)
-    bytes += line.pieces.piece[0].length + NUMBER_MAX + line.pieces.piece[1].length;
-  return bytes;
+template <const auto &TABLE> consteval auto literalsOf() {
+  std::array<char, TABLE.later.last_begin + TABLE.later.last_length + LITERAL_PIECE> literals{};
+  std::copy_n(TABLE.text, literals.size() - LITERAL_PIECE, literals.begin());
+  return literals;
 }
+/// The literals of a table, as many as there are, with a piece to spare.
+template <const auto &TABLE> inline constexpr auto LITERALS = literalsOf<TABLE>();
 
-template <const auto &TABLE, std::size_t I> char *putLine(char *at, Word word) {
-  constexpr const Line &LINE = TABLE[I];
-  constexpr Piece BEFORE = LINE.pieces.piece[0];
-  constexpr Piece AFTER = LINE.pieces.piece[1];
-  std::memcpy(at, LINE.text + BEFORE.begin, BEFORE.length);
-  at += BEFORE.length;
-  if constexpr (BEFORE.conversion == Conversion::real || BEFORE.conversion == Conversion::real12)
-    at = putNumber<BEFORE.conversion>(at, std::bit_cast<float>(word));
+template <const auto &TABLE, std::size_t I> char *putStep(char *at, Word word) {
+  constexpr Step STEP = TABLE.step[I];
+  std::memcpy(at, LITERALS<TABLE>.data() + STEP.begin, inWholePieces(STEP.length));
+  at += STEP.length;
+  if constexpr (STEP.conversion == Conversion::real || STEP.conversion == Conversion::real12)
+    return putNumber<STEP.conversion>(at, std::bit_cast<float>(word));
   else
-    at = putNumber<BEFORE.conversion>(at, word);
-  std::memcpy(at, LINE.text + AFTER.begin, AFTER.length);
-  return at + AFTER.length;
+    return putNumber<STEP.conversion>(at, word);
 }
 
-/// Writes the fixed words of a record through its table: putRecord<ENV_LINES, EnvHead>(text, env).
-template <const auto &TABLE, class Record> void putRecord(Text &text, const Record &record) {
-  const auto words = std::bit_cast<std::array<Word, TABLE.size()>>(record);
-  char *at = room(text, linesRoom<TABLE>());
-  [&]<std::size_t... I>(std::index_sequence<I...>) { ((at = putLine<TABLE, I>(at, words[I])), ...); }
-  (std::make_index_sequence<TABLE.size()>());
-  advanceTo(text, at);
+template <const auto &TABLE, std::size_t FIRST, std::size_t... I>
+void putSteps(Text &text, const RecordOf<TABLE> &record, const Steps &steps, std::index_sequence<I...>) {
+  const auto words = std::bit_cast<std::array<Word, TABLE.WORDS>>(record);
+  char *at = room(text, LITERALS<TABLE>.size() + NUMBER_MAX * sizeof...(I) + NUMBER_SLACK);
+  ((at = putStep<TABLE, FIRST + I>(at, words[TABLE.step[FIRST + I].word])), ...);
+  std::memcpy(at, LITERALS<TABLE>.data() + steps.last_begin, inWholePieces(steps.last_length));
+  advanceTo(text, at + steps.last_length);
 }
 
-/// Writes the leading words of a record, as many as the table has lines.
-template <const auto &TABLE, class Record> void putLeading(Text &text, const Record &record) {
-  std::array<Word, TABLE.size()> words;
-  static_assert(sizeof words <= sizeof record && std::is_trivially_copyable_v<Record>);
-  std::memcpy(words.data(), &record, sizeof words);
-  putRecord<TABLE>(text, words);
+/// Writes a record through its table: putRecord<ENV_LINES>(text, env).
+template <const auto &TABLE> void putRecord(Text &text, const RecordOf<TABLE> &record) {
+  putSteps<TABLE, TABLE.now.first>(text, record, TABLE.now, std::make_index_sequence<TABLE.now.end>());
+}
+
+/// Writes the lines that `putRecord` leaves for later.
+template <const auto &TABLE> void putLater(Text &text, const RecordOf<TABLE> &record) {
+  putSteps<TABLE, TABLE.later.first>(text, record, TABLE.later,
+                                     std::make_index_sequence<TABLE.later.end - TABLE.later.first>());
 }
 
 } // namespace kova

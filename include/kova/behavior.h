@@ -4,6 +4,8 @@
 #include "kova/list.h"
 
 #include <array>
+#include <cstring>
+#include <type_traits>
 
 namespace kova {
 
@@ -104,15 +106,12 @@ struct AnimHead {
   Index this_anim_index;
   Word anim_size;
 };
-struct AnimPose {
+/// Types 0 and 2.
+struct AnimStep : AnimHead {
   Xyz translate;
   Xyz rotate_axis;
   Word rotate_expand_flag;
   Xyz scale;
-};
-/// Types 0 and 2.
-struct AnimStep : AnimHead {
-  AnimPose pose;
 };
 static_assert(sizeof(AnimStep) == 52);
 /// Type 3.
@@ -120,7 +119,10 @@ struct AnimKeyframe : AnimHead {
   Index key;
   Index next_key;
   Index interpolation;
-  AnimPose pose;
+  Xyz translate;
+  Xyz rotate_axis;
+  Word rotate_expand_flag;
+  Xyz scale;
 };
 static_assert(sizeof(AnimKeyframe) == 64);
 /// Type 4.
@@ -174,6 +176,53 @@ using CollData = std::array<Word, 10>;
 struct Coll : CollHead {
   CollData data;
 };
+
+/// What the data of every kind begins with.
+struct CollDataHead {
+  Word coll_data_tag;
+  Index this_coll_data_index;
+  Word coll_data_size;
+};
+struct CollTerrain : CollDataHead {
+  Index x_subdivide;
+  Index z_subdivide;
+  Index shape_list_index;
+};
+static_assert(sizeof(CollTerrain) == 24);
+struct CollPoint : CollDataHead {
+  Xyz coll_point;
+};
+static_assert(sizeof(CollPoint) == 24);
+struct CollCircle : CollDataHead {
+  Xyz center;
+  Xyz normal;
+  float radius;
+};
+static_assert(sizeof(CollCircle) == 40);
+struct CollSphere : CollDataHead {
+  Xyz center;
+  float radius;
+};
+static_assert(sizeof(CollSphere) == 28);
+struct CollCylinder : CollDataHead {
+  Xyz center;
+  float radius;
+  float height;
+};
+static_assert(sizeof(CollCylinder) == 32);
+struct CollBox : CollDataHead {
+  Xyz center;
+  Xyz length;
+};
+static_assert(sizeof(CollBox) == 36);
+
+/// @return the data of a collision as the kind that `Data` is: collData<CollBox>(coll).
+template <class Data> Data collData(const Coll &coll) {
+  static_assert(std::is_base_of_v<CollDataHead, Data> && sizeof(Data) <= sizeof(CollData));
+  Data data;
+  std::memcpy(&data, coll.data.data(), sizeof data);
+  return data;
+}
 
 struct CollGroupHead {
   Word coll_group_tag;

@@ -4,8 +4,7 @@
 /// writers and order are thus the very same; what differs is only how a line becomes text.
 #pragma once
 
-#include "kova/words.h"
-#include "textdump/run.h"
+#include "textdump/table.h"
 
 #include <algorithm>
 #include <array>
@@ -13,6 +12,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 namespace kova {
 
@@ -26,11 +26,6 @@ inline void flush(Text &) {}
 inline void putBytes(Text &text, const char *bytes, std::size_t count) { std::fwrite(bytes, 1, count, text.stream); }
 inline void putString(Text &text, const char *string) { std::fputs(string, text.stream); }
 
-template <std::size_t N> struct Format {
-  char text[N];
-  consteval Format(const char (&literal)[N]) { std::copy_n(literal, N, text); }
-};
-
 // The texts are the tables' own, checked against their arguments where the fast dump compiles them.
 #pragma GCC diagnostic ignored "-Wformat-security"
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
@@ -39,7 +34,7 @@ template <Format FORMAT, class... Numbers> void print(Text &text, Numbers... num
   std::fprintf(text.stream, FORMAT.text, numbers...);
 }
 
-template <Format FORMAT, class... Numbers> void printBehind(Text &text, std::string_view label, Numbers... numbers) {
+template <Format FORMAT, class... Numbers> void printLabelled(Text &text, std::string_view label, Numbers... numbers) {
   std::fwrite(label.data(), 1, label.size(), text.stream);
   std::fprintf(text.stream, FORMAT.text, numbers...);
 }
@@ -60,37 +55,77 @@ template <Format FORMAT, class Numbers> void printEach(Text &text, const Numbers
     std::fprintf(text.stream, FORMAT.text, position++, number);
 }
 
-struct Line {
-  const char *text;
-  bool real;
+/// A line of a table: its format text, with a terminating zero, and its steps.
+struct LineText {
+  std::size_t begin = 0;
+  std::size_t first = 0;
+  std::size_t end = 0;
 };
 
-consteval bool isReal(std::string_view text) {
-  const std::size_t conversion = text.find_first_of("dxg", text.find('%'));
-  return text[conversion] == 'g';
+/// The lines of some steps. Every line has a line end, but perhaps the last one.
+template <const auto &TABLE> struct LineTexts {
+  std::array<char, 2 * TABLE.TEXT_MAX> text{};
+  std::array<LineText, TABLE.TEXT_MAX> line{};
+  std::size_t count = 0;
+
+  consteval LineTexts(const Steps &steps) {
+    std::size_t length = 0;
+    LineText current = {0, steps.first, steps.first};
+    const auto addLine = [&] {
+      text[length++] = '\0';
+      line[count++] = current;
+      current = {length, current.end, current.end};
+    };
+    const auto add = [&](std::size_t begin, std::size_t bytes) {
+      for (std::size_t i = begin; i < begin + bytes; ++i) {
+        text[length++] = TABLE.text[i];
+        if (TABLE.text[i] == '\n')
+          addLine();
+      }
+    };
+    for (std::size_t i = steps.first; i < steps.end; ++i) {
+      add(TABLE.step[i].begin, TABLE.step[i].length);
+      for (const char character : spellingOf(TABLE.step[i].conversion))
+        text[length++] = character;
+      ++current.end;
+    }
+    add(steps.last_begin, steps.last_length);
+    if (current.begin != length)
+      addLine();
+  }
+};
+
+template <const auto &TABLE, std::size_t I> auto argument(const auto &words) {
+  constexpr Step STEP = TABLE.step[I];
+  if constexpr (STEP.conversion == Conversion::real || STEP.conversion == Conversion::real12)
+    return static_cast<double>(std::bit_cast<float>(words[STEP.word]));
+  else
+    return words[STEP.word];
 }
 
-template <class Record, std::size_t N> consteval auto lines(const char *const (&texts)[N]) {
-  static_assert(N * sizeof(Word) == sizeof(Record));
-  std::array<Line, N> table{};
-  for (std::size_t i = 0; i < N; ++i)
-    table[i] = Line{texts[i], isReal(texts[i])};
-  return table;
+template <const auto &TABLE, const auto &TEXTS, std::size_t LINE> void putLine(Text &text, const auto &words) {
+  constexpr LineText CURRENT = TEXTS.line[LINE];
+  [&]<std::size_t... I>(std::index_sequence<I...>) {
+    std::fprintf(text.stream, TEXTS.text.data() + CURRENT.begin, argument<TABLE, CURRENT.first + I>(words)...);
+  }
+  (std::make_index_sequence<CURRENT.end - CURRENT.first>());
 }
 
-template <const auto &TABLE, class Record> void putRecord(Text &text, const Record &record) {
-  const auto words = std::bit_cast<std::array<Word, TABLE.size()>>(record);
-  for (std::size_t i = 0; i < TABLE.size(); ++i)
-    if (TABLE[i].real)
-      std::fprintf(text.stream, TABLE[i].text, static_cast<double>(std::bit_cast<float>(words[i])));
-    else
-      std::fprintf(text.stream, TABLE[i].text, words[i]);
+template <const auto &TABLE, const auto &TEXTS> void putLines(Text &text, const RecordOf<TABLE> &record) {
+  const auto words = std::bit_cast<std::array<Word, TABLE.WORDS>>(record);
+  [&]<std::size_t... LINE>(std::index_sequence<LINE...>) { (putLine<TABLE, TEXTS, LINE>(text, words), ...); }
+  (std::make_index_sequence<TEXTS.count>());
 }
 
-template <const auto &TABLE, class Record> void putLeading(Text &text, const Record &record) {
-  std::array<Word, TABLE.size()> words;
-  std::memcpy(words.data(), &record, sizeof words);
-  putRecord<TABLE>(text, words);
+template <const auto &TABLE> inline constexpr LineTexts<TABLE> NOW_TEXTS(TABLE.now);
+template <const auto &TABLE> inline constexpr LineTexts<TABLE> LATER_TEXTS(TABLE.later);
+
+template <const auto &TABLE> void putRecord(Text &text, const RecordOf<TABLE> &record) {
+  putLines<TABLE, NOW_TEXTS<TABLE>>(text, record);
+}
+
+template <const auto &TABLE> void putLater(Text &text, const RecordOf<TABLE> &record) {
+  putLines<TABLE, LATER_TEXTS<TABLE>>(text, record);
 }
 
 } // namespace kova
