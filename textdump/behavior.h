@@ -1,4 +1,4 @@
-/// The dump sections of animation, collision, switches and names.
+/// The line tables and the writers of animation, collision, switches and names.
 ///
 /// Trailing blanks and odd names in the tables are the format's own.
 #pragma once

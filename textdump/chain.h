@@ -1,4 +1,4 @@
-/// The sections of the chain roots, the joints and the effectors.
+/// The line tables of the chain roots, the joints and the effectors.
 #pragma once
 
 #include "textdump/lines.h"

@@ -1,4 +1,4 @@
-/// The dump sections of vertices, triangles, colours, normals, texture coordinates and parts.
+/// The line tables and the writers of vertices, triangles, colours, normals, texture coordinates and parts.
 ///
 /// Trailing blanks and odd names in the tables are the format's own.
 #pragma once

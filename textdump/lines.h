@@ -157,7 +157,7 @@ inline constexpr auto PRIM_COLOR_ANIM_LINES = lines<PrimColorAnim>({
 
 // --- Writers --------------------------------------------------------------------------------------------------------
 
-/// "<%s> ;" with 50 dashes behind it, then an empty line.
+/// "<%s> ;" with 50 dashes after it, then an empty line.
 void kvWriteKtListName(Text &text, const char *name);
 
 /// "</%s>", then an empty line.

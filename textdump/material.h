@@ -1,4 +1,4 @@
-/// The dump sections of materials, textures and texture images.
+/// The line tables and the writers of materials, textures and texture images.
 #pragma once
 
 #include "textdump/lines.h"

@@ -1,4 +1,4 @@
-/// The tables behind the numbers. All of them are computed by the compiler; number.h says what they are for.
+/// The tables that the numbers are made from. The compiler computes all of them; number.h says what they are for.
 #include "textdump/number.h"
 
 #include <string_view>

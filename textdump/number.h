@@ -12,7 +12,7 @@
 
 namespace kova {
 
-/// Texts are copied in pieces of fixed size, so each function may overwrite up to this many bytes behind the text that
+/// Texts are copied in pieces of fixed size, so each function may overwrite up to this many bytes after the text that
 /// it writes. The caller sees to it that there is room for them.
 inline constexpr std::size_t NUMBER_SLACK = 16;
 
@@ -50,7 +50,7 @@ char *putFloat12(char *at, float value);     ///< "%#12g", 12 bytes
 // over it.
 //
 // Zero, infinity and NaN are rows of the same tables. Zero is a binade with multipliers 0 in the decade of 1. Infinity
-// and NaN are the two "decades" of the topmost binade: their texts are complete, and the groups go behind the end of
+// and NaN are the two "decades" of the topmost binade: their texts are complete, and the groups go after the end of
 // them.
 namespace number {
 

@@ -1,4 +1,4 @@
-/// The sections of the colour-index images and the colour palettes.
+/// The line tables of the colour-index images and the colour palettes.
 #pragma once
 
 #include "textdump/lines.h"

@@ -1,4 +1,4 @@
-/// The dump sections of the scene, environments, cameras, lights, objects and shapes.
+/// The line tables and the writers of the scene, environments, cameras, lights, objects and shapes.
 ///
 /// Trailing blanks, tabs and odd names in the tables are the format's own.
 #pragma once

@@ -1,4 +1,4 @@
-/// The sections of the envelopes, the clusters and the weights.
+/// The line tables of the envelopes, the clusters and the weights.
 #pragma once
 
 #include "textdump/lines.h"

@@ -77,7 +77,11 @@ template <class R> struct Table {
   Steps now;   ///< what `putRecord` prints
   Steps later; ///< what `putLater` prints
 
-  constexpr TableView view() const { return {{text, now.last_begin + now.last_length}, {step, now.end}}; }
+  constexpr TableView view() const {
+    if (later.end != now.end)
+      throw "a table with lines that print later cannot be part of another one";
+    return {{text, now.last_begin + now.last_length}, {step, now.end}};
+  }
 };
 
 template <const auto &TABLE> using RecordOf = typename std::remove_cvref_t<decltype(TABLE)>::Record;
@@ -120,6 +124,7 @@ constexpr NestedLines<Record, Holder> nested(const char *heading, const Table<Re
 template <class Record, std::size_t N, class Holder>
 constexpr NestedLines<std::array<Record, N>, Holder> nested(const char *heading, const Table<Record> &table,
                                                             std::array<Record, N> Holder::*member) {
+  static_assert(N <= 10, "a position is one digit");
   return {heading, table.view(), member, N};
 }
 
@@ -194,7 +199,7 @@ template <class Record> struct TableMaker {
     literal = length;
   }
 
-  /// Adds a text that shows the words from `word` on. @return how many of `kinds` are left.
+  /// Adds a text that shows words of these kinds, from `word` on. @return the kinds of those that it leaves over.
   constexpr std::span<const Kind> addText(std::string_view text, std::span<const Kind> kinds, std::size_t word,
                                           std::size_t position) {
     for (std::size_t at = 0; at < text.size();) {

@@ -170,24 +170,25 @@ template <const auto &TABLE, std::size_t I> char *putStep(char *at, Word word) {
     return putNumber<STEP.conversion>(at, word);
 }
 
-template <const auto &TABLE, std::size_t FIRST, std::size_t... I>
-void putSteps(Text &text, const RecordOf<TABLE> &record, const Steps &steps, std::index_sequence<I...>) {
+template <const auto &TABLE, bool IS_LATER, std::size_t... I>
+void putSteps(Text &text, const RecordOf<TABLE> &record, std::index_sequence<I...>) {
+  constexpr Steps STEPS = IS_LATER ? TABLE.later : TABLE.now;
   const auto words = std::bit_cast<std::array<Word, TABLE.WORDS>>(record);
   char *at = room(text, LITERALS<TABLE>.size() + NUMBER_MAX * sizeof...(I) + NUMBER_SLACK);
-  ((at = putStep<TABLE, FIRST + I>(at, words[TABLE.step[FIRST + I].word])), ...);
-  std::memcpy(at, LITERALS<TABLE>.data() + steps.last_begin, inWholePieces(steps.last_length));
-  advanceTo(text, at + steps.last_length);
+  ((at = putStep<TABLE, STEPS.first + I>(at, words[TABLE.step[STEPS.first + I].word])), ...);
+  std::memcpy(at, LITERALS<TABLE>.data() + STEPS.last_begin, inWholePieces(STEPS.last_length));
+  advanceTo(text, at + STEPS.last_length);
 }
 
 /// Writes a record through its table: putRecord<ENV_LINES>(text, env).
 template <const auto &TABLE> void putRecord(Text &text, const RecordOf<TABLE> &record) {
-  putSteps<TABLE, TABLE.now.first>(text, record, TABLE.now, std::make_index_sequence<TABLE.now.end>());
+  putSteps<TABLE, false>(text, record, std::make_index_sequence<TABLE.now.end>());
 }
 
 /// Writes the lines that `putRecord` leaves for later.
 template <const auto &TABLE> void putLater(Text &text, const RecordOf<TABLE> &record) {
-  putSteps<TABLE, TABLE.later.first>(text, record, TABLE.later,
-                                     std::make_index_sequence<TABLE.later.end - TABLE.later.first>());
+  static_assert(TABLE.later.first != TABLE.later.end, "no line of the table prints later");
+  putSteps<TABLE, true>(text, record, std::make_index_sequence<TABLE.later.end - TABLE.later.first>());
 }
 
 } // namespace kova
