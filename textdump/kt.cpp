@@ -4,6 +4,8 @@
 #include "textdump/lines.h"
 #include "textdump/sections.h"
 
+#include <cstring>
+
 namespace kova {
 
 namespace {
@@ -54,57 +56,71 @@ constexpr auto SECTIONS = inListOrder({
     section<&Kis::external_name, kvWriteKtExternalNameList>("ExternalNameList"),
 });
 
-void writeVersion1(Text &text, const Kis &kis) {
-  kvWriteKtFileHeader1(text, kis.file_header);
-  for (std::size_t list = 0; list < VERSION_1_LIST_NUM; ++list)
-    SECTIONS[list].version1(text, kis);
-}
-
-/// The lists of version 1.0 always print, the others only where the file has them.
-void writeVersion2(Text &text, const Kis &kis) {
-  kvWriteKtFileHeader(text, kis.file_header);
-  for (std::size_t list = 0; list < LIST_NUM; ++list)
-    if (list < VERSION_1_LIST_NUM || kis.file_header.*LISTS[list].size != 0)
-      SECTIONS[list].version2(text, kis);
+/// Writes the section of a list. The lists of version 1.0 always print, the others only in a 2.0 dump of a file that
+/// has them.
+void writeList(Text &text, const Kis &kis, Word version, std::size_t list) {
+  if (list >= VERSION_1_LIST_NUM && (version == VERSION_1 || kis.file_header.*LISTS[list].size == 0))
+    return;
+  const SectionRow &section = SECTIONS[list];
+  version == VERSION_1 ? section.version1(text, kis) : section.version2(text, kis);
 }
 
 /// @return the version of the dump of a file.
 Word dumpVersion(const Kis &kis) { return kvKOVAver(kis.file_header) == VERSION_1 ? VERSION_1 : VERSION_2; }
 
+/// Hands the rest of a text to its stream. @return 0 where the stream has not taken all of it.
+int finish(Text &text) {
+  flush(text);
+  return std::fflush(text.stream) == 0 && std::ferror(text.stream) == 0;
+}
+
 /// Writes the dump of this version and leaves the stream open.
 int writeDump(std::FILE *stream, const Kis &kis, Word version) {
   Text text(stream);
-  version == VERSION_1 ? writeVersion1(text, kis) : writeVersion2(text, kis);
-  flush(text);
-  return 1;
+  if (version == VERSION_1)
+    kvWriteKtFileHeader1(text, kis.file_header);
+  else
+    kvWriteKtFileHeader(text, kis.file_header);
+  for (std::size_t list = 0; list < LIST_NUM; ++list)
+    writeList(text, kis, version, list);
+  return finish(text);
+}
+
+/// As `writeDump`, but closes the stream, which may fail, too.
+int writeAndClose(std::FILE *stream, const Kis &kis, Word version) {
+  const int ok = writeDump(stream, kis, version);
+  return std::fclose(stream) == 0 && ok;
 }
 
 int saveDump(const Kis &kis, const char *path, Word version) {
-  const Stream stream = kvKtWriteOpen(path);
-  return stream ? writeDump(stream.get(), kis, version) : 0;
+  Stream stream = kvKtWriteOpen(path);
+  if (!stream)
+    return 0;
+  const int ok = writeAndClose(stream.release(), kis, version);
+  if (!ok)
+    std::fputs(OUTPUT_WRITE_ERROR, stderr);
+  return ok;
 }
 
 } // namespace
 
-int kvPrintKt(std::FILE *stream, const Kis &kis) {
-  Text text(stream);
-  if (kvKOVAver(kis.file_header) == VERSION_1)
-    writeVersion1(text, kis);
-  else
-    writeVersion2(text, kis);
-  flush(text);
-  return std::fflush(stream) == 0 && std::ferror(stream) == 0;
-}
-int kvWriteKt(std::FILE *stream, const Kis &kis) {
-  const Word version = dumpVersion(kis);
-  return version == VERSION_1 ? kvWriteKt1(stream, kis) : writeDump(stream, kis, version);
+int kvPrintKt(std::FILE *stream, const Kis &kis) { return writeDump(stream, kis, dumpVersion(kis)); }
+
+int kvPrintKtList(std::FILE *stream, const Kis &kis, const char *name) {
+  for (std::size_t list = 0; list < LIST_NUM; ++list)
+    if (std::strcmp(LISTS[list].name, name) == 0) {
+      Text text(stream);
+      writeList(text, kis, dumpVersion(kis), list);
+      return finish(text);
+    }
+  return 0;
 }
 
-int kvWriteKt1(std::FILE *stream, const Kis &kis) {
-  writeDump(stream, kis, VERSION_1);
-  std::fclose(stream);
-  return 1;
+int kvWriteKt(std::FILE *stream, const Kis &kis) {
+  return dumpVersion(kis) == VERSION_1 ? kvWriteKt1(stream, kis) : writeDump(stream, kis, VERSION_2);
 }
+
+int kvWriteKt1(std::FILE *stream, const Kis &kis) { return writeAndClose(stream, kis, VERSION_1); }
 
 int kvOutputKt(const Kis &kis) { return kvWriteKt(stdout, kis); }
 
