@@ -21,12 +21,12 @@ int checkTwoKindList(const Kis &kis, const ListRow &row, const TwoKindList<ForTr
   return ok;
 }
 
-Word refBytes(const TriGroup &group, std::size_t kind) {
+Word refBytes(const TriGroupHead &group, const AnimRef &ref, std::size_t kind) {
   switch (refForm(group.tri_anim_type, kind)) {
   case RefForm::frames:
     return fixedBytes<Index> * (1 + static_cast<Word>(group.tri_anim_frame_num));
   case RefForm::keys: // their number, then as many keys and as many groups
-    return fixedBytes<Word> + 2 * fixedBytes<Index> * group.ref[kind].key_num;
+    return fixedBytes<Word> + 2 * fixedBytes<Index> * ref.key_num;
   case RefForm::single:
     break;
   }
@@ -37,8 +37,9 @@ Word refBytes(const TriGroup &group, std::size_t kind) {
 void warnOfTriGroup(const TriGroup &group) {
   std::array<Word, REF_KIND_NUM> ref;
   Word expected = fixedBytes<TriGroupHead> + fixedBytes<TriHead> * group.tri_num;
+  const std::array<AnimRef, REF_KIND_NUM> refs = kvRefs(group);
   for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind)
-    expected += ref[kind] = refBytes(group, kind);
+    expected += ref[kind] = refBytes(group, refs[kind], kind);
   const std::span<const Tri> triangles = counted(group.tri_num, group.tri);
   expected += sumofMemberVal(triangles, &Tri::van_ext_blk_size) + sumofMemberVal(triangles, &Tri::usr_ext_blk_size);
   if (group.tri_group_size == expected)

@@ -111,7 +111,7 @@ void sceneLists(Walk &walk, const Kis &kis) {
 }
 
 void reference(Walk &walk, const TriGroup &group, std::size_t kind) {
-  const AnimRef &ref = group.ref[kind];
+  const AnimRef ref = kvRefs(group)[kind];
   const RefForm form = refForm(group.tri_anim_type, kind);
   const std::int64_t frames = std::max(std::int64_t{group.tri_anim_frame_num} + 1, std::int64_t{0});
   const Word keys = form == RefForm::keys ? ref.key_num : 0;

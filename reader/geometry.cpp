@@ -2,6 +2,8 @@
 
 #include "reader/elements.h"
 
+#include <algorithm>
+
 namespace kova {
 
 namespace {
@@ -12,20 +14,89 @@ int readGroup(Cursor &cursor, Group &group, Word tag, Word Head::*count, std::ve
   return readHead<Head>(cursor, group, tag) && readRun(cursor, group.*tuples, group.*count);
 }
 
-/// Reads one reference of a triangle group in the form that its two bits choose.
-int readRef(Cursor &cursor, AnimRef &ref, RefForm form, Index frame_num) {
-  switch (form) {
-  case RefForm::frames: {
-    const std::int64_t frames = std::int64_t{frame_num} + 1; // frames 0 to frame_num
-    return readRun(cursor, ref.group_index, frames > 0 ? static_cast<std::uint64_t>(frames) : 0);
-  }
+/// How many frames a reference in the frame form has: 0 to `tri_anim_frame_num`.
+std::uint64_t framesOf(const TriGroupHead &group) {
+  const std::int64_t frames = std::int64_t{group.tri_anim_frame_num} + 1;
+  return frames > 0 ? static_cast<std::uint64_t>(frames) : 0;
+}
+
+int skipWords(Cursor &cursor, std::uint64_t count) {
+  if (!require(cursor, count, sizeof(Word)))
+    return 0;
+  cursor.offset += count * sizeof(Word);
+  return 1;
+}
+
+/// Moves past one reference of a triangle group, in the form that its two bits choose; past its leading arrays alone
+/// where not all of it is there.
+int skipRef(Cursor &cursor, const TriGroupHead &group, std::size_t kind) {
+  Word key_num;
+  switch (refForm(group.tri_anim_type, kind)) {
+  case RefForm::frames:
+    return skipWords(cursor, framesOf(group));
   case RefForm::keys:
-    return readFixed(cursor, ref.key_num) && kvReadArray(cursor, ref.key, ref.key_num) &&
-           kvReadArray(cursor, ref.group_index, ref.key_num);
+    return readFixed(cursor, key_num) && skipWords(cursor, key_num) && skipWords(cursor, key_num);
   case RefForm::single:
     break;
   }
-  return kvReadArray(cursor, ref.group_index, 1);
+  return skipWords(cursor, 1);
+}
+
+/// What stands before the words of the six references in memory: their number, and the form in which they were read,
+/// which a program may have changed in the head since.
+enum RefRun : std::size_t { refWordNum, refAnimType, refFrameNum, refWords };
+
+/// Reads the six references as one run: first it is measured, then taken, with memory for exactly what is there.
+int readRefs(Cursor &cursor, TriGroup &group) {
+  Cursor end = cursor;
+  int ok = 1;
+  for (std::size_t kind = 0; ok && kind < REF_KIND_NUM; ++kind)
+    ok = skipRef(end, group, kind);
+  const auto words = static_cast<std::size_t>((end.offset - cursor.offset) / sizeof(Word));
+  if (words > 0) {
+    group.ref = std::make_unique_for_overwrite<Index[]>(refWords + words);
+    group.ref[refWordNum] = static_cast<Index>(words);
+    group.ref[refAnimType] = static_cast<Index>(group.tri_anim_type);
+    group.ref[refFrameNum] = group.tri_anim_frame_num;
+    if (!copyBytes(cursor, &group.ref[refWords], words * sizeof(Word))) {
+      group.ref.reset();
+      return 0;
+    }
+  }
+  return ok ? 1 : refuse(cursor, end.fault);
+}
+
+/// Takes an array off the front of a group's words; nothing where it is not all there.
+std::span<const Index> takeWords(std::span<const Index> &words, std::uint64_t count) {
+  const std::size_t taken = count <= words.size() ? static_cast<std::size_t>(count) : 0;
+  const std::span<const Index> array = words.first(taken);
+  words = words.subspan(taken);
+  return array;
+}
+
+/// Takes one reference off the front of a group's words.
+AnimRef takeRef(std::span<const Index> &words, const TriGroupHead &group, std::size_t kind) {
+  switch (refForm(group.tri_anim_type, kind)) {
+  case RefForm::frames:
+    return {0, {}, takeWords(words, framesOf(group))};
+  case RefForm::keys: {
+    const std::span<const Index> count = takeWords(words, 1);
+    const Word key_num = count.empty() ? 0 : static_cast<Word>(count[0]);
+    const std::span<const Index> key = takeWords(words, key_num);
+    return {key_num, key, takeWords(words, key_num)};
+  }
+  case RefForm::single:
+    break;
+  }
+  return {0, {}, takeWords(words, 1)};
+}
+
+/// Cuts a reference to what the head of its group says now.
+void limitRef(AnimRef &ref, const TriGroupHead &group, std::size_t kind) {
+  const RefForm form = refForm(group.tri_anim_type, kind);
+  const std::uint64_t limit = form == RefForm::frames ? framesOf(group) : form == RefForm::keys ? ref.key_num : 1;
+  ref.group_index =
+      ref.group_index.first(static_cast<std::size_t>(std::min<std::uint64_t>(limit, ref.group_index.size())));
 }
 
 int readTri(Cursor &cursor, Tri &tri) {
@@ -34,12 +105,8 @@ int readTri(Cursor &cursor, Tri &tri) {
 }
 
 int readTriGroup(Cursor &cursor, TriGroup &group) {
-  if (!readHead<TriGroupHead>(cursor, group, TRI_LIST_TAG + ELEMENT_KIND))
-    return 0;
-  for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind)
-    if (!readRef(cursor, group.ref[kind], refForm(group.tri_anim_type, kind), group.tri_anim_frame_num))
-      return 0;
-  return readElements<TriHead>(cursor, group.tri, group.tri_num, sizeof(TriHead), readTri);
+  return readHead<TriGroupHead>(cursor, group, TRI_LIST_TAG + ELEMENT_KIND) && readRefs(cursor, group) &&
+         readElements<TriHead>(cursor, group.tri, group.tri_num, sizeof(TriHead), readTri);
 }
 
 /// Reads a list of two kinds of group. `vtx_count` is how many groups of the second kind follow.
@@ -109,6 +176,21 @@ int kvSetupPartList(Cursor &cursor, PartList &list) {
     return readHead<PartHead>(at, part, PART_LIST_TAG + ELEMENT_KIND) &&
            kvReadArray(at, part.tri_index, part.part_tri_num) && readExtBlk(at, part);
   });
+}
+
+std::array<AnimRef, REF_KIND_NUM> kvRefs(const TriGroup &group) {
+  std::array<AnimRef, REF_KIND_NUM> refs{};
+  if (!group.ref)
+    return refs;
+  TriGroupHead read = group;
+  read.tri_anim_type = static_cast<Word>(group.ref[refAnimType]);
+  read.tri_anim_frame_num = group.ref[refFrameNum];
+  std::span<const Index> words = {&group.ref[refWords], static_cast<Word>(group.ref[refWordNum])};
+  for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind) {
+    refs[kind] = takeRef(words, read, kind);
+    limitRef(refs[kind], group, kind);
+  }
+  return refs;
 }
 
 int kvSetVtx0(VtxList &) { return 1; }

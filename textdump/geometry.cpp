@@ -70,10 +70,10 @@ void writeRef(Text &text, const AnimRef &ref, RefForm form) {
     printEach<FRAME_INDEX>(text, ref.group_index);
   } else if (form == RefForm::keys) {
     print<KEY_NUM>(text, ref.key_num);
-    printEach<KEY>(text, counted(ref.key_num, ref.key));
-    printEach<KEY_INDEX>(text, counted(ref.key_num, ref.group_index));
+    printEach<KEY>(text, ref.key);
+    printEach<KEY_INDEX>(text, ref.group_index);
   } else {
-    for (const Index index : counted(1, ref.group_index))
+    for (const Index index : ref.group_index) // one, or none where reading ended before it
       print<SINGLE_INDEX>(text, index);
   }
 }
@@ -133,8 +133,9 @@ void kvWriteKtTriListFix1(Text &text, const TriList &list) {
 void kvWriteKtTriGroupFix1(Text &text, const TriGroup &group, Index number) {
   print<"TriGroup(%d)\n">(text, number);
   putRecord<TRI_GROUP_LINES>(text, group);
+  const std::array<AnimRef, REF_KIND_NUM> refs = kvRefs(group);
   for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind)
-    REF_WRITERS[kind](text, group.ref[kind], refForm(group.tri_anim_type, kind));
+    REF_WRITERS[kind](text, refs[kind], refForm(group.tri_anim_type, kind));
   writeElements(text, group.tri_num, group.tri, kvWriteKtTriFix1, writeExtBlk<Tri>);
 }
 

@@ -94,11 +94,12 @@ struct StGroup : StGroupHead {
   std::vector<St> st;
 };
 
-/// What a triangle group says of one kind of data: the group of that kind that it uses, once, per frame or per key.
+/// What a triangle group says of one kind of data: the group of that kind that it uses, once, per frame or per key. A
+/// view of the group's words; see `kvRefs`.
 struct AnimRef {
-  Word key_num; ///< only in the key form
-  Indices key;  ///< only in the key form
-  Indices group_index;
+  Word key_num;               ///< only in the key form
+  std::span<const Index> key; ///< only in the key form
+  std::span<const Index> group_index;
 };
 
 /// The six references of a triangle group, in file order.
@@ -142,7 +143,9 @@ struct TriGroupHead {
 static_assert(sizeof(TriGroupHead) == 32);
 
 struct TriGroup : TriGroupHead {
-  std::array<AnimRef, REF_KIND_NUM> ref;
+  /// The words of the six references as the file has them, after a few of the library's own; null where there are none.
+  /// `kvRefs` takes them apart. A file can have very many small groups, so this costs one pointer.
+  std::unique_ptr<Index[]> ref;
   std::vector<Tri> tri;
 };
 
@@ -179,6 +182,11 @@ KOVA_API int kvSetupColorList(Cursor &cursor, ColorList &list);
 KOVA_API int kvSetupVectorList(Cursor &cursor, VectorList &list);
 KOVA_API int kvSetupStList(Cursor &cursor, StList &list);
 KOVA_API int kvSetupPartList(Cursor &cursor, PartList &list);
+
+/// @return the six references of a group, by `RefKind`. An array is there whole or, where reading ended before it,
+/// empty; where a program has lowered `tri_anim_frame_num` since, it is as long as that says. The views stay good as long
+/// as the group does.
+KOVA_API std::array<AnimRef, REF_KIND_NUM> kvRefs(const TriGroup &group);
 
 /// The clearers; see `kvSetScene0`.
 KOVA_API int kvSetVtx0(VtxList &list);
