@@ -1,8 +1,8 @@
 /// Input that does not behave: reads that fail, that are interrupted, that give less than was asked for; files that
 /// change while they are read.
 
-#include "samples/builder.h"
 #include "harness/invariants.h"
+#include "samples/builder.h"
 #include "tests/support.h"
 
 #include <algorithm>

@@ -15,6 +15,9 @@ namespace kova::test {
 using namespace harness;
 using namespace samples;
 
+/// The most that the checks and the dump may print for a file of that size: what is promised.
+inline constexpr std::size_t outputBound(std::size_t size) { return 64 * 1024 + 192 * size; }
+
 std::string readFile(const std::string &path);
 
 /// What was printed on standard output and on standard error.

@@ -5,44 +5,13 @@
 
 #include "kova/check.h"
 #include "kova/kt.h"
+#include "tests/allocations.h"
 #include "tests/support.h"
 
 #include <algorithm>
-#include <atomic>
-#include <cstdlib>
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <new>
-#include <optional>
 #include <unistd.h>
-
-namespace {
-
-/// Counts down to the allocation that fails; below zero none does.
-std::atomic<long> allocations_left = -1;
-
-} // namespace
-
-// Not inlined: the compiler would take malloc and delete, or new and free, for a mismatched pair.
-[[gnu::noinline]] void *operator new(std::size_t bytes) {
-  if (allocations_left >= 0 && allocations_left-- == 0)
-    throw std::bad_alloc();
-  if (void *const at = std::malloc(bytes != 0 ? bytes : 1))
-    return at;
-  throw std::bad_alloc();
-}
-[[gnu::noinline]] void *operator new(std::size_t bytes, const std::nothrow_t &) noexcept {
-  try {
-    return operator new(bytes);
-  } catch (const std::bad_alloc &) {
-    return nullptr;
-  }
-}
-[[gnu::noinline]] void *operator new[](std::size_t bytes) { return operator new(bytes); }
-[[gnu::noinline]] void operator delete(void *at) noexcept { std::free(at); }
-[[gnu::noinline]] void operator delete(void *at, std::size_t) noexcept { std::free(at); }
-[[gnu::noinline]] void operator delete[](void *at) noexcept { std::free(at); }
-[[gnu::noinline]] void operator delete[](void *at, std::size_t) noexcept { std::free(at); }
 
 namespace kova::test {
 
@@ -124,7 +93,7 @@ struct Sweep {
     ++rounds;
     if (fault.empty() && !done.broken.empty())
       fault = what + ": " + done.broken;
-    if (fault.empty() && done.output > 64 * 1024 + 160 * bytes.size())
+    if (fault.empty() && done.output > outputBound(bytes.size()))
       fault = what + ": " + std::to_string(done.output) + " bytes of output";
     return done;
   }
@@ -220,10 +189,10 @@ TEST(SlowSweep, EveryAllocation) {
       int loaded = 0;
       bool all_given = false;
       const std::string errors = capture([&] {
-                                   allocations_left = k;
+                                   allocations.left = k;
                                    kis = kvNewKis();
                                    loaded = kis ? kvOpenKb(file.path.c_str(), *kis) : 0;
-                                   const long left = allocations_left.exchange(-1);
+                                   const long left = allocations.left.exchange(-1);
                                    all_given = left >= 0;
                                  }).err;
       if (all_given) {
@@ -240,11 +209,11 @@ TEST(SlowSweep, EveryAllocation) {
           << errors;
       EXPECT_EQ(brokenInvariants(*kis), "") << sample.name << ", allocation " << k;
       capture([&] {
-        allocations_left = 0; // neither the checks nor the dump ask for memory
+        allocations.left = 0; // neither the checks nor the dump ask for memory
         checkKOVA1(*kis);
         checkKOVA2(*kis);
         kvSaveAsKt(*kis, "/dev/null");
-        EXPECT_EQ(allocations_left.exchange(-1), 0) << sample.name << ", allocation " << k;
+        EXPECT_EQ(allocations.left.exchange(-1), 0) << sample.name << ", allocation " << k;
       });
     }
   }
