@@ -107,6 +107,8 @@ enum RefKind : std::size_t { refVtx, refTriColor, refVtxColor, refTriNv, refVtxN
 
 /// How a reference is stored; each has two bits of `tri_anim_type`, and the frame bit wins.
 enum class RefForm : std::uint8_t { single, frames, keys };
+
+/// @return how reference `kind`, a RefKind, is stored in a group of this `tri_anim_type`.
 inline constexpr RefForm refForm(Word tri_anim_type, std::size_t kind) {
   const Word bits = tri_anim_type >> (4 * kind);
   return (bits & 1) != 0 ? RefForm::frames : (bits & 2) != 0 ? RefForm::keys : RefForm::single;

@@ -203,8 +203,8 @@ KOVA_API int kvSetupMatExt(MatList &list);
 KOVA_API int kvSetupTexExt(TexList &list);
 KOVA_API int kvSetupTeximgExt(TeximgList &list);
 
-/// @return the bytes of maker block that the counts call for; see `kvSizeofSceneListExt`.
-/// @param tile_num what `kvCiTileNum` says of the texture
+/// @return the bytes of maker block that the counts call for; see `kvSizeofSceneListExt`. `tile_num` is what
+/// `kvCiTileNum` says of the texture.
 KOVA_API Word kvSizeofMatExt(const MatExtHead &ext);
 KOVA_API Word kvSizeofTexExt(const TexExtHead &ext, Word tile_num);
 KOVA_API Word kvSizeofTeximgExt(const TeximgExtHead &ext);

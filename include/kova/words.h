@@ -51,6 +51,7 @@ struct St {
 // --- Streams and byte order -----------------------------------------------------------------------------------------
 
 struct CloseStream {
+  /// Takes a stream that is open; the result of closing it is dropped.
   void operator()(std::FILE *stream) const { std::fclose(stream); }
 };
 /// An open file that closes itself; null where opening failed.
