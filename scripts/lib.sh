@@ -22,23 +22,31 @@ apt_get() {
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=300 -qq "$@"
 }
 
+# here TOOL: whether a tool is there. For g++ any compiler will do that CXX names.
+here() {
+  if [ "$1" = g++ ] && [ -n "${CXX-}" ]; then
+    command -v "${CXX%% *}" >/dev/null && return 0
+  fi
+  command -v "$1" >/dev/null
+}
+
 # install_missing ITEM...: an item is a Debian package, or tool=package when any tool of that name will do.
 install_missing() {
   local item missing=()
   for item in "$@"; do
     if [[ $item == *=* ]]; then
-      command -v "${item%%=*}" >/dev/null || missing+=("${item#*=}")
+      here "${item%=*}" || missing+=("${item##*=}")
     else
       [ "$(dpkg-query -W -f '${db:Status-Status}' "$item" 2>/dev/null)" = installed ] || missing+=("$item")
     fi
   done
   [ ${#missing[@]} -gt 0 ] || return 0
 
-  echo "installing ${missing[*]}" >&2
-  if ! command -v apt-get >/dev/null; then
-    echo "no apt-get here: install these by hand" >&2
+  if ! command -v apt-get >/dev/null || { [ "$(id -u)" -ne 0 ] && ! command -v sudo >/dev/null; }; then
+    echo "missing here, install by hand (names of Debian packages): ${missing[*]}" >&2
     return 1
   fi
+  echo "installing ${missing[*]}" >&2
   # The package lists of a fresh machine are empty or old; only then are they fetched.
   apt_get install -y --no-install-recommends "${missing[@]}" >/dev/null 2>&1 && return 0
   quietly apt_get update || true
