@@ -1,18 +1,33 @@
 include(CMakePackageConfigHelpers)
 
+# Three components, each of which is a Debian package of its own: program, library (the shared one, for programs that
+# are linked with it) and development.
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/kova")
 set(pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+set(doc_dir "${CMAKE_INSTALL_DATAROOTDIR}/doc")
 
-install(TARGETS kbaudit)
-install(TARGETS kova kova_static kova_shared EXPORT kovaTargets)
-install(FILES ${PUBLIC_HEADERS} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kova")
+# --- The program ---
 
-install(EXPORT kovaTargets NAMESPACE kova:: DESTINATION "${package_dir}")
+install(TARGETS kbaudit COMPONENT program)
+install(FILES docs/kbaudit.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT program)
+install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION "${doc_dir}/kbaudit" COMPONENT program)
+install(FILES docs/findings.md docs/format.md docs/performance.md docs/recipes.md docs/robustness.md
+        DESTINATION "${doc_dir}/kbaudit/docs" COMPONENT program)
+install(DIRECTORY samples/ DESTINATION "${CMAKE_INSTALL_DATADIR}/kova/samples" COMPONENT program
+        FILES_MATCHING PATTERN "*.kb")
+
+# --- The libraries ---
+
+install(TARGETS kova kova_static kova_shared EXPORT kovaTargets RUNTIME COMPONENT library LIBRARY COMPONENT library
+        NAMELINK_COMPONENT development ARCHIVE COMPONENT development)
+install(FILES ${PUBLIC_HEADERS} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kova" COMPONENT development)
+
+install(EXPORT kovaTargets NAMESPACE kova:: DESTINATION "${package_dir}" COMPONENT development)
 configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/kovaConfig.cmake.in" "${PROJECT_BINARY_DIR}/kovaConfig.cmake"
                               INSTALL_DESTINATION "${package_dir}")
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/kovaConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
 install(FILES "${PROJECT_BINARY_DIR}/kovaConfig.cmake" "${PROJECT_BINARY_DIR}/kovaConfigVersion.cmake"
-        DESTINATION "${package_dir}")
+        DESTINATION "${package_dir}" COMPONENT development)
 
 # Told relative to the .pc file, so that the tree can be installed with any prefix and moved later. A folder that was
 # configured as an absolute one stays absolute: it does not move with the prefix.
@@ -28,9 +43,15 @@ if(NOT IS_ABSOLUTE "${pkgconfig_dir}")
   string(PREPEND KOVA_PC_PREFIX "\${pcfiledir}/")
 endif()
 configure_file("${CMAKE_CURRENT_LIST_DIR}/kova.pc.in" "${PROJECT_BINARY_DIR}/kova.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/kova.pc" DESTINATION "${pkgconfig_dir}")
+install(FILES "${PROJECT_BINARY_DIR}/kova.pc" DESTINATION "${pkgconfig_dir}" COMPONENT development)
 
-install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/kbaudit" RENAME copyright)
-install(FILES "${PROJECT_SOURCE_DIR}/docs/kbaudit.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" OPTIONAL)
-install(DIRECTORY "${PROJECT_SOURCE_DIR}/samples/" DESTINATION "${CMAKE_INSTALL_DATADIR}/kova/samples"
-        FILES_MATCHING PATTERN "*.kb")
+install(FILES examples/CMakeLists.txt examples/names.cpp examples/verdict.cpp
+        DESTINATION "${doc_dir}/libkova-dev/examples" COMPONENT development)
+if(KOVA_API_REFERENCE)
+  install(DIRECTORY "${PROJECT_BINARY_DIR}/api/" DESTINATION "${doc_dir}/libkova-dev/html" COMPONENT development)
+endif()
+
+foreach(package IN ITEMS kbaudit:program libkova${PROJECT_VERSION_MAJOR}:library libkova-dev:development)
+  string(REGEX MATCH "(.*):(.*)" package "${package}")
+  install(FILES LICENSE DESTINATION "${doc_dir}/${CMAKE_MATCH_1}" RENAME copyright COMPONENT ${CMAKE_MATCH_2})
+endforeach()

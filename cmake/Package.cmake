@@ -1,18 +1,52 @@
+# Three Debian packages, one for each component of the installation.
 set(CPACK_GENERATOR DEB)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_PACKAGE_NAME kbaudit)
-set(CPACK_PACKAGE_CONTACT "the kbaudit authors")
-set(CPACK_PACKAGE_DESCRIPTION "Checks every tag, size, count and index of a KOVA scene file, prints what is
-wrong with it and a verdict, and dumps the scene as text. The library behind it
-is included, with its headers.")
-set(CPACK_RESOURCE_FILE_LICENSE "${PROJECT_SOURCE_DIR}/LICENSE")
+set(CPACK_PACKAGE_CONTACT "kbaudit maintainers <maintainers@kbaudit.example>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
 set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL program library development)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 
+# The first paragraph of each description.
+set(about "KOVA files hold scenes of a 3D interchange format, in versions 1.0 and 2.0.")
+
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME kbaudit)
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION graphics)
+set(CPACK_COMPONENT_PROGRAM_DESCRIPTION "checks and dumps KOVA scene files
+${about}
+.
+kbaudit checks every tag, size, count and index of such a file, prints what is
+wrong with it and a verdict, and dumps the scene as text. Files may come from
+anywhere. The package also has the manual and some files to try.")
+
+set(library_package libkova${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME ${library_package})
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/triggers")
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "library for KOVA scene files
+${about}
+.
+The library reads such a file into memory, checks it and dumps it as text. This
+package has what programs need that are linked with it.")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkova-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${library_package} (= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "library for KOVA scene files - development files
+${about}
+.
+The library reads such a file into memory, checks it and dumps it as text. This
+package has its headers, the static library, examples, the reference of its
+functions, and the files for CMake and pkg-config.")
+
+# What cpack does to the files before it packs them, and where that finds what it needs.
+set(CPACK_KOVA_LIBRARY_PACKAGE ${library_package})
 set(CPACK_KOVA_SOURCE_DIR "${PROJECT_SOURCE_DIR}")
 set(CPACK_PROJECT_CONFIG_FILE "${CMAKE_CURRENT_LIST_DIR}/SourceDate.cmake")
 set(CPACK_PRE_BUILD_SCRIPTS "${CMAKE_CURRENT_LIST_DIR}/StagedFiles.cmake")

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # What is installed is whole, hardened, and serves programs of others.
 #
-#     slow_install_test.sh [usr]    what the build installs, or the usr folder of an unpacked package of it
+#     slow_install_test.sh [usr]    what the build installs, or the usr folder of its packages, all unpacked
 set -euo pipefail
 # shellcheck source=tests/lib.sh
 . "$(dirname "$0")/lib.sh"
@@ -32,11 +32,13 @@ bin/kbaudit
 $(cd "$SOURCE_DIR" && printf "%s\n" include/kova/*.h)
 $(printf 'lib/%s\n' libkova.{a,so,"so.${version%%.*}","so.$version"} pkgconfig/kova.pc \
   cmake/kova/kova{Config,ConfigVersion,Targets,Targets-release}.cmake)
-share/doc/kbaudit/copyright
+$(printf 'share/doc/%s\n' {kbaudit,"libkova${version%%.*}",libkova-dev}/copyright kbaudit/{README,CHANGELOG,SECURITY}.md \
+  kbaudit/docs/{findings,format,performance,recipes,robustness}.md libkova-dev/examples/{CMakeLists.txt,names.cpp,verdict.cpp})
 share/man/man1/kbaudit.1$packed
 $(cd "$SOURCE_DIR" && printf 'share/kova/%s\n' samples/*.kb)
 END
-)" "$(cd "$installed" && find . ! -type d | sed "s|^\./||; s|^${library#"$installed"/}/|lib/|" | sort)"
+)" "$(cd "$installed" && find . ! -type d ! -path '*/libkova-dev/html/*' ! -name changelog.gz \
+  ! -path '*/lintian/*' | sed "s|^\./||; s|^${library#"$installed"/}/|lib/|" | sort)"
 
 program=$installed/bin/kbaudit
 for sample in town figure damaged; do
