@@ -32,9 +32,9 @@ int checkAnimList(const Kis &kis) {
                                .size = &AnimGroup::anim_group_size,
                                .fixed_bytes = fixedBytes<AnimGroupHead>,
                                .item_num = &AnimGroup::anim_num};
-  return checkList(kis, listRow("AnimList"), kis.anim, [&row](Word number, Word table_size, const AnimGroup &group) {
-    row.item_bytes = animBytes(group.type, row.item_bytes);
-    return checkElement(row, number, table_size, group);
+  return checkList(kis, listRow("AnimList"), kis.anim, [&row](const Listed<AnimGroup> &group) {
+    row.item_bytes = animBytes(group.element.type, row.item_bytes);
+    return checkElement(row, group);
   });
 }
 
@@ -55,7 +55,8 @@ int checkNameList(const Kis &) { return 1; }
 
 /// The heading has another name than the lines below it.
 int checkAnimGroupExt(const AnimList &list) {
-  return checkBlocks<AnimGroup>(list, {.heading = "AnimNode Vantor Extension Block",
+  return checkBlocks<AnimGroup>(list, {.list = "AnimList",
+                                       .heading = "AnimNode Vantor Extension Block",
                                        .name = "AnimGroup",
                                        .fixed_bytes = fixedBytes<AnimGroupExtHead>,
                                        .counted_bytes = [](const AnimGroup &group) {

@@ -9,10 +9,11 @@ namespace {
 /// The check of the list of chain roots, joints or effectors, whose elements are called `name`.
 template <class Head, class Node>
 int checkNodeList(const Kis &kis, const ListRow &row, const List<Node> &list, const char *name) {
-  return checkList(kis, row, list, [name](Word number, Word table_size, const Head &node) {
-    int ok = checkIndexSize(name, number, table_size, node);
-    ok *= checkChainRoot(elementLabel(name, number, "").text, node.size, fixedBytes<Head>, node.obj_num,
-                         node.external_obj_num, node.van_ext_blk_size, node.usr_ext_blk_size);
+  return checkList(kis, row, list, [name](const Listed<Node> &listed) {
+    const Node &node = listed.element;
+    int ok = checkIndexSize(name, listed);
+    ok *= checkChainNodeSum(listed.place, {name, listed.number, ""}, node.size, fixedBytes<Head>, node.obj_num,
+                            node.external_obj_num, node.van_ext_blk_size, node.usr_ext_blk_size);
     return ok;
   });
 }
@@ -34,14 +35,13 @@ int checkExternalNameList(const Kis &kis) {
   constexpr const ListRow &LIST = listRow("ExternalNameList");
   const ExternalNameList &list = kis.external_name;
   checkHeading(LIST.name);
-  int ok = checkTag(list.list_tag, LIST.tag);
-  ok *= checkListSizes(kis, LIST, list, list.num_byte);
-  ok *=
-      checkElements(list.num_byte, counted(list.num, list.element), [](Word number, Word table_size, const Name &name) {
-        int name_ok = checkTag(name.name_tag, LIST.tag + ELEMENT_KIND);
-        name_ok *= check_index_size("ExternalName", number, name.this_name_index, table_size, name.name_size);
-        return name_ok;
-      });
+  int ok = checkNameTag(listPlace(kis, LIST, list.offset), list.list_tag, LIST.tag);
+  ok *= checkListSizes(kis, LIST, list);
+  ok *= checkElements(LIST.name, list.num_byte, counted(list.num, list.element), [](const Listed<Name> &name) {
+    int name_ok = checkNameTag(name.place, name.element.name_tag, LIST.tag + ELEMENT_KIND);
+    name_ok *= checkIndexSize<Name>("ExternalName", name, &Name::this_name_index, &Name::name_size);
+    return name_ok;
+  });
   return ok;
 }
 

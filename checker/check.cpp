@@ -78,21 +78,19 @@ int checkKOVA2(const Kis &kis) {
 
 int checkFileHeaderExt(const FileHeader &header) {
   checkHeading("FileHeader Vantor Extension Block");
-  int ok = checkExtsize(header.van_ext_blk_size, fixedBytes<Version2Sizes>);
+  int ok = checkBlockSize(wordOf(HEADER, header, &FileHeader::van_ext_blk_size), header.van_ext_blk_size,
+                          fixedBytes<Version2Sizes>);
 
   Word sum = kvSizeofKOVA1file(header);
   for (const ListRow &list : VERSION_2_LISTS)
     sum += header.*list.size;
-  if (header.size != sum) {
-    std::printf("file size=%d,sum of list=%d\n"
-                "Some of list_num data is incorrect.\n",
-                asSigned(header.size), asSigned(sum));
-    ok = 0;
-  }
+  if (header.size != sum)
+    ok = report<"all-lists-sum">(wordOf(HEADER, header, &FileHeader::size), {header.size, sum}, header.size, sum);
 
   // A 2.0 file need not have these lists: a missing one is reported and leaves the verdict as it is.
   for (const ListRow &list : VERSION_2_LISTS)
-    checkZero(header.*list.size, list.name);
+    if (header.*list.size == 0)
+      report<"version-2-list-missing">(sizeWordPlace(header, list), {}, list.name);
   return ok;
 }
 

@@ -13,11 +13,12 @@ template <class ForTri, class ForVtx>
 int checkTwoKindList(const Kis &kis, const ListRow &row, const TwoKindList<ForTri, ForVtx> &list,
                      const ElementRow<ForTri> &tri_row, const ElementRow<ForVtx> &vtx_row) {
   checkHeading(row.name);
-  int ok = checkListSize(kis, row, list.list_size);
-  ok *= check_color_list_size(list.list_size, fixedBytes<TwoKindListHead>, list.tri_group_size, list.tri_group_num,
-                              list.vtx_group_size, list.vtx_group_num, list.van_ext_blk_size, list.usr_ext_blk_size);
-  ok *= checkElements(list.tri_group_size, counted(list.tri_group_num, list.tri_group), tri_row);
-  ok *= checkElements(list.vtx_group_size, counted(list.vtx_group_num, list.vtx_group), vtx_row);
+  int ok = checkListSize(kis, row, list, &TwoKindList<ForTri, ForVtx>::list_size);
+  ok *= checkTwoKindListSum(listPlace(kis, row, list.offset), list.list_size, fixedBytes<TwoKindListHead>,
+                            list.tri_group_size, list.tri_group_num, list.vtx_group_size, list.vtx_group_num,
+                            list.van_ext_blk_size, list.usr_ext_blk_size);
+  ok *= checkElements(row.name, list.tri_group_size, counted(list.tri_group_num, list.tri_group), tri_row);
+  ok *= checkElements(row.name, list.vtx_group_size, counted(list.vtx_group_num, list.vtx_group), vtx_row);
   return ok;
 }
 
@@ -33,8 +34,18 @@ Word refBytes(const TriGroupHead &group, const AnimRef &ref, std::size_t kind) {
   return fixedBytes<Index>;
 }
 
+/// Of each triangle its fixed bytes and the sizes of its two blocks.
+Terms<3> termsOfTriangles(std::span<const Tri> triangles) {
+  return {{triangles.data(), triangles.size(),
+           [](const void *records, std::size_t number, int column) {
+             const Tri &tri = static_cast<const Tri *>(records)[number];
+             return column == 0 ? fixedBytes<TriHead> : column == 1 ? tri.van_ext_blk_size : tri.usr_ext_blk_size;
+           },
+           3}};
+}
+
 /// Only a warning: it has no verdict. The bytes of the group's head come after those of its references.
-void warnOfTriGroup(const TriGroup &group) {
+void warnOfTriGroup(const Place &place, const TriGroup &group) {
   std::array<Word, REF_KIND_NUM> ref;
   Word expected = fixedBytes<TriGroupHead> + fixedBytes<TriHead> * group.tri_num;
   const std::array<AnimRef, REF_KIND_NUM> refs = kvRefs(group);
@@ -45,15 +56,9 @@ void warnOfTriGroup(const TriGroup &group) {
   if (group.tri_group_size == expected)
     return;
 
-  std::printf("###### Warning!! ######:(TriGroup)Some of number/size is incorrect. "
-              "%d != %d + (%d + %d + %d + %d + %d + %d)",
-              asSigned(group.tri_group_size), asSigned(ref[refVtx]), asSigned(ref[refTriColor]),
-              asSigned(ref[refVtxColor]), asSigned(ref[refTriNv]), asSigned(ref[refVtxNv]), asSigned(ref[refSt]),
-              asSigned(fixedBytes<TriGroupHead>));
-  for (const Tri &tri : triangles)
-    std::printf(" +(%d+%d+%d)", asSigned(fixedBytes<TriHead>), asSigned(tri.van_ext_blk_size),
-                asSigned(tri.usr_ext_blk_size));
-  std::printf("\n");
+  report<"triangle-group-sum">(place, {group.tri_group_size, expected}, group.tri_group_size, ref[refVtx],
+                               ref[refTriColor], ref[refVtxColor], ref[refTriNv], ref[refVtxNv], ref[refSt],
+                               fixedBytes<TriGroupHead>, termsOfTriangles(triangles));
 }
 
 } // namespace
@@ -71,11 +76,14 @@ int checkVtxList(const Kis &kis) {
 }
 
 int checkTriList(const Kis &kis) {
+  constexpr const ListRow &LIST = listRow("TriList");
   const int ok = checkList<TriGroup>(
-      kis, listRow("TriList"), kis.tri,
+      kis, LIST, kis.tri,
       {.name = "TriGroup", .index = &TriGroup::this_tri_group_index, .size = &TriGroup::tri_group_size});
-  for (const TriGroup &group : counted(kis.tri.num, kis.tri.element))
-    warnOfTriGroup(group);
+  checkElements(LIST.name, {}, counted(kis.tri.num, kis.tri.element), [](const Listed<TriGroup> &group) {
+    warnOfTriGroup(group.place, group.element);
+    return 1;
+  });
   return ok;
 }
 

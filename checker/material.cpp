@@ -34,8 +34,8 @@ int checkTexList(const Kis &kis) {
 
 /// An image's size is compared with nothing, and the label has no number.
 int checkTeximgList(const Kis &kis) {
-  return checkList(kis, listRow("TeximgList"), kis.teximg, [](Word number, Word, const Teximg &image) {
-    return checksame("Teximg", number, static_cast<Word>(image.this_tex_img_index));
+  return checkList(kis, listRow("TeximgList"), kis.teximg, [](const Listed<Teximg> &image) {
+    return checkIndex<Teximg>("Teximg", image, &Teximg::this_tex_img_index);
   });
 }
 
@@ -43,14 +43,16 @@ int checkTeximgList(const Kis &kis) {
 
 int checkMatExt(const MatList &list) {
   return checkBlocks<Mat>(list,
-                          {.heading = "MatNode Vantor Extension Block",
+                          {.list = "MatList",
+                           .heading = "MatNode Vantor Extension Block",
                            .name = "Mat",
                            .fixed_bytes = fixedBytes<MatExtHead>,
                            .counted_bytes = [](const Mat &mat) { return kvSizeofMatExt(blockHead<MatExtHead>(mat)); }});
 }
 
 int checkTexExt(const TexList &list) {
-  return checkBlocks<Tex>(list, {.heading = "TexNode Vantor Extension Block",
+  return checkBlocks<Tex>(list, {.list = "TexList",
+                                 .heading = "TexNode Vantor Extension Block",
                                  .name = "Tex",
                                  .fixed_bytes = fixedBytes<TexExtHead>,
                                  .counted_bytes = texBlockBytes});
@@ -58,7 +60,8 @@ int checkTexExt(const TexList &list) {
 
 int checkTeximgExt(const TeximgList &list) {
   return checkBlocks<Teximg>(
-      list, {.heading = "TeximgNode Vantor Extension Block",
+      list, {.list = "TeximgList",
+             .heading = "TeximgNode Vantor Extension Block",
              .name = "Teximg",
              .fixed_bytes = fixedBytes<TeximgExtHead>,
              .counted_bytes = [](const Teximg &image) { return kvSizeofTeximgExt(blockHead<TeximgExtHead>(image)); }});

@@ -9,7 +9,8 @@ namespace kova {
 namespace {
 
 /// The size of the directional lights is that of the light's type, also in a light of a type that stores none.
-int checkLight(Word number, Word table_size, const Light &light) {
+int checkLight(const Listed<Light> &listed) {
+  const Light &light = listed.element;
   const Word dir_light_bytes = light.light_type != 0 ? fixedBytes<DirLight> : Word{DIRECTION_LIGHT_BYTES};
   const ElementRow<Light> row = {.name = "Light",
                                  .index = &Light::this_light_index,
@@ -17,27 +18,34 @@ int checkLight(Word number, Word table_size, const Light &light) {
                                  .fixed_bytes = fixedBytes<LightHead>,
                                  .item_bytes = dir_light_bytes,
                                  .item_num = &Light::dir_light_num};
-  int ok = checkElement(row, number, table_size, light);
+  int ok = checkElement(row, listed);
   // One label for all of them: it carries the light's number, not the directional light's.
-  const Label label = elementLabel(row.name, number, ".dirlight size");
-  for (const DirLight &dir_light : counted(light.dir_light_num, light.dir_light))
-    ok *= checksame(label.text, dir_light.dir_light_size, dir_light_bytes);
+  const Label label = {row.name, listed.number, ".dirlight size"};
+  Place place = after(listed.place, light.light_header_size);
+  for (const DirLight &dir_light : counted(light.dir_light_num, light.dir_light)) {
+    const Word size = dir_light.dir_light_size;
+    ok *= checkSame<"directional-light-size">(wordOf(place, dir_light, &DirLight::dir_light_size), label, size,
+                                              dir_light_bytes, {size, dir_light_bytes});
+    place = after(place, dir_light_bytes);
+  }
+  // Those that the file does not hold have no place of their own: it is the type that is wrong, or their number.
   for (std::size_t i = 0; i < std::min(light.dir_light_num, light.zeroed_dir_light_num); ++i)
-    ok *= checksame(label.text, 0, dir_light_bytes);
+    ok *= checkSame<"directional-light-size">(wordOf(listed.place, light, &Light::light_type), label, 0,
+                                              dir_light_bytes, {});
   return ok;
 }
 
 /// Each level of detail has a distance and a link. A wrong size is reported only: it does not fail the list.
-int checkObj(Word number, Word table_size, const Obj &obj) {
-  const int ok = check_index_size("Obj", number, obj.this_obj_index, table_size, obj.obj_size);
+int checkObj(const Listed<Obj> &listed) {
+  const Obj &obj = listed.element;
+  const int ok = checkIndexSize<Obj>("Obj", listed, &Obj::this_obj_index, &Obj::obj_size);
   const Word lods = obj.obj_lod_num;
   const Word children = obj.obj_child_num;
   const Word expected = fixedBytes<ObjHead> + fixedBytes<float> * lods + fixedBytes<Index> * lods +
                         fixedBytes<Word> * children + obj.van_ext_blk_size + obj.usr_ext_blk_size;
   if (obj.obj_size != expected)
-    std::printf("Obj[%d] size %d != %d + 4*(%d + %d + %d) + %d + %d\n", asSigned(number), asSigned(obj.obj_size),
-                asSigned(fixedBytes<ObjHead>), asSigned(lods), asSigned(lods), asSigned(children),
-                asSigned(obj.van_ext_blk_size), asSigned(obj.usr_ext_blk_size));
+    report<"object-sum">(listed.place, {obj.obj_size, expected}, listed.number, obj.obj_size, fixedBytes<ObjHead>, lods,
+                         lods, children, obj.van_ext_blk_size, obj.usr_ext_blk_size);
   return ok;
 }
 
@@ -59,18 +67,16 @@ int checkSceneList(const Kis &kis) {
   constexpr const ListRow &LIST = listRow("SceneList");
   const Scene &scene = kis.scene;
   checkHeading(LIST.name);
-  int ok = checkListSize(kis, LIST, scene.scene_size);
+  int ok = checkListSize(kis, LIST, scene, &Scene::scene_size);
   const Word links =
       scene.scene_obj_link_num + scene.scene_env_link_num + scene.scene_cam_link_num + scene.scene_light_link_num;
-  if (scene.scene_size !=
-      scene.scene_header_size + fixedBytes<Index> * links + scene.van_ext_blk_size + scene.usr_ext_blk_size) {
-    std::printf("Some of size data is incorrect. %d ! = %d + %d * (%d + %d + %d + %d) + %d + %d\n",
-                asSigned(scene.scene_size), asSigned(scene.scene_header_size), asSigned(fixedBytes<Index>),
-                asSigned(scene.scene_obj_link_num), asSigned(scene.scene_env_link_num),
-                asSigned(scene.scene_cam_link_num), asSigned(scene.scene_light_link_num),
-                asSigned(scene.van_ext_blk_size), asSigned(scene.usr_ext_blk_size));
-    ok = 0;
-  }
+  const Word sum =
+      scene.scene_header_size + fixedBytes<Index> * links + scene.van_ext_blk_size + scene.usr_ext_blk_size;
+  if (scene.scene_size != sum)
+    ok = report<"scene-sum">(listPlace(kis, LIST, scene.offset), {scene.scene_size, sum}, scene.scene_size,
+                             scene.scene_header_size, fixedBytes<Index>, scene.scene_obj_link_num,
+                             scene.scene_env_link_num, scene.scene_cam_link_num, scene.scene_light_link_num,
+                             scene.van_ext_blk_size, scene.usr_ext_blk_size);
   return ok;
 }
 
@@ -104,26 +110,32 @@ int checkShapeList(const Kis &kis) {
 
 int checkSceneListExt(const Scene &scene) {
   checkHeading("SceneList Vantor Extension Block");
-  int ok = checkExtsize(scene.van_ext_blk_size, fixedBytes<SceneListExtHead>);
-  ok *= checkExtsize(scene.van_ext_blk_size, kvSizeofSceneListExt(blockHead<SceneListExtHead>(scene)));
+  const Place place = wordOf({.list = "SceneList", .offset = scene.offset}, scene, &Scene::van_ext_blk_size);
+  int ok = checkBlockSize(place, scene.van_ext_blk_size, fixedBytes<SceneListExtHead>);
+  ok *= checkBlockSize(place, scene.van_ext_blk_size, kvSizeofSceneListExt(blockHead<SceneListExtHead>(scene)));
   return ok;
 }
 
 int checkCamExt(const CamList &list) {
-  return checkBlocks<Cam>(
-      list, {.heading = "CamNode Vantor Extension Block", .name = "Cam", .fixed_bytes = fixedBytes<CamExt>});
+  return checkBlocks<Cam>(list, {.list = "CamList",
+                                 .heading = "CamNode Vantor Extension Block",
+                                 .name = "Cam",
+                                 .fixed_bytes = fixedBytes<CamExt>});
 }
 
 int checkObjExt(const ObjList &list) {
-  return checkBlocks<Obj>(list, {.heading = "ObjNode Vantor Extension Block",
+  return checkBlocks<Obj>(list, {.list = "ObjList",
+                                 .heading = "ObjNode Vantor Extension Block",
                                  .name = "Obj",
                                  .fixed_bytes = fixedBytes<ObjExtHead>,
                                  .counted_bytes = objBlockBytes});
 }
 
 int checkShapeExt(const ShapeList &list) {
-  return checkBlocks<Shape>(
-      list, {.heading = "ShapeNode Vantor Extension Block", .name = "Shape", .fixed_bytes = fixedBytes<ShapeExt>});
+  return checkBlocks<Shape>(list, {.list = "ShapeList",
+                                   .heading = "ShapeNode Vantor Extension Block",
+                                   .name = "Shape",
+                                   .fixed_bytes = fixedBytes<ShapeExt>});
 }
 
 } // namespace kova

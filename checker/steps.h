@@ -2,6 +2,7 @@
 #pragma once
 
 #include "kova/check.h"
+#include "reader/findings.h"
 #include "reader/lists.h"
 
 namespace kova {
@@ -14,33 +15,78 @@ inline constexpr Index asSigned(Word word) { return static_cast<Index>(word); }
 /// The bytes that a word, an item of an array or the fixed words of a record take in the file.
 template <class Fixed> inline constexpr Word fixedBytes = sizeof(Fixed);
 
-/// A label with an element's number, in a buffer that holds the longest one.
-struct Label {
-  char text[48];
-};
+/// `checksame` of two words, reported as the finding called `ID`. `label` is what the message begins with, `compared`
+/// the same words as what is in the file and what was expected.
+template <FindingId ID>
+int checkSame(const Place &place, const Label &label, Word left, Word right, const Compared &compared) {
+  return left == right ? 1 : report<ID>(place, compared, label, left, right);
+}
 
-/// @return "%s[%d]%s" of the three arguments, such as "Env[3] size".
-Label elementLabel(const char *name, Word number, const char *what);
+// The public checks of sums, of a record at `place`.
+int checkAreaSize(const Place &place, const Label &label, Word declared, Word header, Word element_size, Word count,
+                  Word ext1, Word ext2);
+int checkListSum(const Place &place, Word declared, Word header, std::span<const Word> sizes, Word count, Word ext1,
+                 Word ext2);
+int checkWordArraySum(const Place &place, const Label &label, Word declared, Word header, Word count, Word ext1,
+                      Word ext2);
+int checkTwoKindListSum(const Place &place, Word declared, Word header, std::span<const Word> sizes1, Word count1,
+                        std::span<const Word> sizes2, Word count2, Word ext1, Word ext2);
+int checkChainNodeSum(const Place &place, const Label &label, Word declared, Word header, Word count4, Word count8,
+                      Word ext1, Word ext2);
 
-/// Prints "---- checking %s ----\n".
-void checkHeading(const char *name);
+/// `checkTag` of the external name list or one of its names, whose tag is at `place`.
+int checkNameTag(const Place &place, Word found, Word expected);
+
+/// `checkExtsize` of the maker block whose size is at `place`.
+int checkBlockSize(const Place &place, Word declared, Word required);
+
+/// The same for the block of element `number`, which messages call `name`.
+int checkElementBlockSize(const Place &place, Word declared, Word required, Word number, const char *name);
 
 // --- Elements -------------------------------------------------------------------------------------------------------
 
-/// Folds `checkElement(number, table_size, element)` over `elements`, in order from number 0. The size table of a list
-/// that was read is at least as long; an entry that is not held counts as 0.
+/// An element of a list, as checks see it.
+template <class Element> struct Listed {
+  Place place;
+  Word number;     ///< its position
+  Word table_size; ///< its entry in the size table
+  const Element &element;
+};
+
+/// Folds `checkElement(listed)` over `elements`, in order from number 0. The size table of a list that was read is at
+/// least as long; an entry that is not held counts as 0.
 template <class Element, class CheckElement>
-int checkElements(std::span<const Word> table, std::span<const Element> elements, CheckElement checkElement) {
+int checkElements(const char *list_name, std::span<const Word> table, std::span<const Element> elements,
+                  CheckElement checkElement) {
   int ok = 1;
-  for (std::size_t i = 0; i < elements.size(); ++i)
-    ok *= checkElement(static_cast<Word>(i), i < table.size() ? table[i] : 0, elements[i]);
+  for (std::size_t i = 0; i < elements.size(); ++i) {
+    const Word number = static_cast<Word>(i);
+    const Word table_size = i < table.size() ? table[i] : 0;
+    ok *= checkElement(Listed<Element>{{list_name, number, elements[i].offset}, number, table_size, elements[i]});
+  }
   return ok;
 }
 
-/// As `checkElements` for records without a size table: folds `checkRecord(number, record)`.
-template <class Record, class CheckRecord> int checkEach(std::span<const Record> records, CheckRecord checkRecord) {
-  return checkElements({}, records,
-                       [&](Word number, Word, const Record &record) { return checkRecord(number, record); });
+/// The index of an element against its position.
+template <class Element> int checkIndex(const Label &label, const Listed<Element> &listed, Index Element::*index) {
+  const Word stored = static_cast<Word>(listed.element.*index);
+  return checkSame<"element-index">(wordOf(listed.place, listed.element, index), label, listed.number, stored,
+                                    {stored, listed.number});
+}
+
+/// `check_index_size` of an element.
+template <class Element>
+int checkIndexSize(const char *name, const Listed<Element> &listed, Index Element::*index, Word Element::*size) {
+  int ok = checkIndex({name, listed.number, " index"}, listed, index);
+  const Word stored = listed.element.*size;
+  ok *= checkSame<"element-size">(wordOf(listed.place, listed.element, size), {name, listed.number, " size"},
+                                  listed.table_size, stored, {stored, listed.table_size});
+  return ok;
+}
+
+/// The same for an element of a version-2 list.
+template <class Element> int checkIndexSize(const char *name, const Listed<Element> &listed) {
+  return checkIndexSize<Element>(name, listed, &Element::this_index, &Element::size);
 }
 
 /// What differs between the elements of the regular lists.
@@ -56,13 +102,12 @@ template <class Element> struct ElementRow {
 
 /// `check_index_size`; then `check_whole_area_size` of the fixed words, the items and the blocks, which are 0 for the
 /// records that the format gives none.
-template <class Element>
-int checkElement(const ElementRow<Element> &row, Word number, Word table_size, const Element &element) {
-  const Word size = element.*row.size;
-  int ok = check_index_size(row.name, number, element.*row.index, table_size, size);
+template <class Element> int checkElement(const ElementRow<Element> &row, const Listed<Element> &listed) {
+  const Element &element = listed.element;
+  int ok = checkIndexSize(row.name, listed, row.index, row.size);
   if (row.fixed_bytes == 0)
     return ok;
-  const Label label = elementLabel(row.size_name != nullptr ? row.size_name : row.name, number, " size");
+  const char *const size_name = row.size_name != nullptr ? row.size_name : row.name;
   const Word item_num = row.item_num != nullptr ? element.*row.item_num : 0;
   Word van = 0;
   Word usr = 0;
@@ -70,20 +115,18 @@ int checkElement(const ElementRow<Element> &row, Word number, Word table_size, c
     van = element.van_ext_blk_size;
     usr = element.usr_ext_blk_size;
   }
-  ok *= check_whole_area_size(label.text, size, row.fixed_bytes, row.item_bytes, item_num, van, usr);
+  ok *= checkAreaSize(listed.place, {size_name, listed.number, " size"}, element.*row.size, row.fixed_bytes,
+                      row.item_bytes, item_num, van, usr);
   return ok;
 }
 
 /// `checkElement` of all `elements`.
 template <class Element>
-int checkElements(std::span<const Word> table, std::span<const Element> elements, const ElementRow<Element> &row) {
-  return checkElements(table, elements, [&row](Word number, Word table_size, const Element &element) {
-    return checkElement(row, number, table_size, element);
-  });
+int checkElements(const char *list_name, std::span<const Word> table, std::span<const Element> elements,
+                  const ElementRow<Element> &row) {
+  return checkElements(list_name, table, elements,
+                       [&row](const Listed<Element> &listed) { return checkElement(row, listed); });
 }
-
-/// `check_index_size` of an element of a version-2 list.
-int checkIndexSize(const char *name, Word number, Word table_size, const ElementHead &element);
 
 // --- Lists ----------------------------------------------------------------------------------------------------------
 
@@ -95,19 +138,37 @@ consteval const ListRow &listRow(std::string_view name) {
   throw "no list has this name";
 }
 
-/// `checksame` under "list size" of the header's word for the list and `list_size`, the list's own.
-int checkListSize(const Kis &kis, const ListRow &row, Word list_size);
+/// @return the place of the list's size word in the header or in its maker block, which may lack it.
+Place sizeWordPlace(const FileHeader &header, const ListRow &row);
 
-/// `checkListSize`, then `check_whole_structured_size` of the list without a label.
-/// @param num_byte the list's size table
-int checkListSizes(const Kis &kis, const ListRow &row, const ListHead &list, std::span<const Word> num_byte);
+/// @return the place of a list. A list that was not read has that of its size word.
+Place listPlace(const Kis &kis, const ListRow &row, std::uint64_t offset);
+
+/// `checksame` under "list size" of the header's word for the list and the list's own, which is `size`.
+template <class List, class Holder>
+int checkListSize(const Kis &kis, const ListRow &row, const List &list, Word Holder::*size) {
+  const Word in_header = kis.file_header.*row.size;
+  const Word in_list = list.*size;
+  const Place place = listPlace(kis, row, list.offset);
+  if (list.offset == NO_OFFSET)
+    return checkSame<"list-size">(place, "list size", in_header, in_list, {in_header, in_list});
+  return checkSame<"list-size">(wordOf(place, list, size), "list size", in_header, in_list, {in_list, in_header});
+}
+
+/// `checkListSize`, then the sum of the list.
+template <class Element> int checkListSizes(const Kis &kis, const ListRow &row, const List<Element> &list) {
+  int ok = checkListSize(kis, row, list, &List<Element>::list_size);
+  ok *= checkListSum(listPlace(kis, row, list.offset), list.list_size, fixedBytes<ListHead>, list.num_byte, list.num,
+                     list.van_ext_blk_size, list.usr_ext_blk_size);
+  return ok;
+}
 
 /// The common form of a list check: heading, `checkListSizes`, then `checkElements`.
 template <class Element, class CheckElement>
 int checkList(const Kis &kis, const ListRow &row, const List<Element> &list, CheckElement checkElement) {
   checkHeading(row.name);
-  int ok = checkListSizes(kis, row, list, list.num_byte);
-  ok *= checkElements(list.num_byte, counted(list.num, list.element), checkElement);
+  int ok = checkListSizes(kis, row, list);
+  ok *= checkElements(row.name, list.num_byte, counted(list.num, list.element), checkElement);
   return ok;
 }
 
@@ -126,6 +187,7 @@ template <class Head, class Record> Head blockHead(const Record &record) {
 
 /// What differs between the checks of the maker blocks of the lists' elements.
 template <class Element> struct BlockRow {
+  const char *list;
   const char *heading;
   const char *name; ///< as messages call the element
   Word fixed_bytes;
@@ -136,10 +198,12 @@ template <class Element> struct BlockRow {
 /// tests always run, so a block that is shorter than its fixed words is reported twice where it has arrays.
 template <class Element> int checkBlocks(const List<Element> &list, const BlockRow<Element> &row) {
   checkHeading(row.heading);
-  return checkEach(counted(list.num, list.element), [&row](Word number, const Element &element) {
-    int ok = checkExtsizeI(element.van_ext_blk_size, row.fixed_bytes, number, row.name);
+  return checkElements(row.list, {}, counted(list.num, list.element), [&row](const Listed<Element> &listed) {
+    const Element &element = listed.element;
+    const Place place = wordOf(listed.place, element, &Element::van_ext_blk_size);
+    int ok = checkElementBlockSize(place, element.van_ext_blk_size, row.fixed_bytes, listed.number, row.name);
     if (row.counted_bytes != nullptr)
-      ok *= checkExtsizeI(element.van_ext_blk_size, row.counted_bytes(element), number, row.name);
+      ok *= checkElementBlockSize(place, element.van_ext_blk_size, row.counted_bytes(element), listed.number, row.name);
     return ok;
   });
 }

@@ -50,10 +50,8 @@ int readCollGroup(Cursor &cursor, CollGroup &group) {
 /// Both name lists are read here, and a name may carry the tag of either whatever its list's tag is.
 bool isOneOf(Word tag, Word kind) { return tag == NAME_LIST_TAG + kind || tag == EXTERNAL_NAME_LIST_TAG + kind; }
 
-int sayIrregular(Word list_tag) {
-  std::fprintf(stderr, "irregular tag ! %0#10x\n", list_tag);
-  return 0;
-}
+/// The message shows the list's tag, also if the wrong one is a name's.
+int sayIrregular(const Place &place, Word found, Word list_tag) { return report<"name-tag">(place, {found}, list_tag); }
 
 } // namespace
 
@@ -78,13 +76,14 @@ int kvSetupSwitchList(Cursor &cursor, SwitchList &list) {
 
 int kvSetupNameList(Cursor &cursor, NameList &list) {
   return readListTagged<NameHead>(
-      cursor, list, sizeof(NameHead), [](Word found) { return isOneOf(found, 0) ? 1 : sayIrregular(found); },
+      cursor, list, sizeof(NameHead),
+      [](const Place &place, Word found) { return isOneOf(found, 0) ? 1 : sayIrregular(place, found, found); },
       [&list](Cursor &at, Name &name) {
         NameHead &head = name;
         if (!readFixed(at, head))
           return 0;
         if (!isOneOf(name.name_tag, ELEMENT_KIND))
-          return sayIrregular(list.list_tag); // the list's tag also when the name's was the wrong one
+          return sayIrregular(placeBefore(at, sizeof(NameHead)), name.name_tag, list.list_tag);
         const Index length = kvGetNamelen(name);
         return kvReadArray(at, name.text, length < 0 ? 0 : static_cast<Word>(length) / sizeof(Word));
       });

@@ -1,6 +1,7 @@
 #include "reader/cursor.h"
 
 #include "reader/byte_order.h"
+#include "reader/findings.h"
 #include "reader/window.h"
 
 #include <algorithm>
@@ -95,10 +96,7 @@ int copyBytes(Cursor &cursor, void *to, std::size_t bytes) {
 
 int copyFileOrder(Cursor &cursor, unsigned char *to, std::size_t bytes) { return take(cursor, to, bytes, Order::file); }
 
-int sayNoMemory(const char *list_name) {
-  std::fprintf(stderr, "%s: out of memory.\n", list_name);
-  return 0;
-}
+int sayNoMemory(const char *list_name) { return report<"out-of-memory">({.list = list_name}, {}, list_name); }
 
 int kvReadArray(Cursor &cursor, Words &destination, Word count) { return readRun(cursor, destination, count); }
 int kvReadArray(Cursor &cursor, Indices &destination, Word count) { return readRun(cursor, destination, count); }

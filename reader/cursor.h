@@ -50,7 +50,7 @@ template <class Body> int withinMemory(Cursor &cursor, Body &&body) {
   }
 }
 
-/// Prints "%s: out of memory.\n" on standard error. @return 0, the result of whoever has to give up.
+/// Reports that there is no memory for a list. @return 0, the result of whoever has to give up.
 int sayNoMemory(const char *list_name);
 
 /// Anything that is nothing but 32-bit words: a word, a tuple, the fixed head of a record.

@@ -3,10 +3,22 @@
 
 #include "kova/list.h"
 #include "reader/cursor.h"
+#include "reader/findings.h"
 
 #include <cstring>
 
 namespace kova {
+
+/// Elements of a list know where they begin in the file; the records inside of them do not.
+template <class Element>
+concept ListElement = requires(Element element) {
+  element.offset;
+};
+
+/// @return the place of what begins `bytes` bytes before the cursor.
+inline Place placeBefore(const Cursor &cursor, std::uint64_t bytes) {
+  return {cursor.list, cursor.element, offsetAfter(cursor.begin, cursor.offset - bytes)};
+}
 
 /// Reads `count` elements, each from its fixed head on. An element whose head lies inside the buffer is held, with as
 /// much as could be read of it; `readElement(cursor, element)` reads it, head included.
@@ -20,13 +32,23 @@ int readElements(Cursor &cursor, std::vector<Element> &destination, Word count, 
   const std::uint64_t room = min_bytes == 0 ? count : bytesLeft(cursor) / min_bytes;
   destination.reserve(static_cast<std::size_t>(count < room ? count : room));
   for (Word i = 0; i < count; ++i) {
+    if constexpr (ListElement<Element>)
+      cursor.element = i;
     if (!require(cursor, 1, sizeof(Head)))
       return 0;
-    if (!readElement(cursor, destination.emplace_back()))
+    Element &element = destination.emplace_back();
+    if constexpr (ListElement<Element>)
+      element.offset = offsetAfter(cursor.begin, cursor.offset);
+    if (!readElement(cursor, element))
       return 0;
   }
+  if constexpr (ListElement<Element>)
+    cursor.element.reset();
   return 1;
 }
+
+/// As `kvCheckTag` for the tag of what is at `place`.
+int checkTagAt(const Place &place, Word found, Word expected);
 
 /// Reads the fixed head of an element and tests its tag, which is its first word.
 template <class Head, class Element> int readHead(Cursor &cursor, Element &element, Word tag) {
@@ -35,27 +57,32 @@ template <class Head, class Element> int readHead(Cursor &cursor, Element &eleme
     return 0;
   Word found;
   std::memcpy(&found, &head, sizeof found);
-  return kvCheckTag(found, tag);
+  return checkTagAt(placeBefore(cursor, sizeof(Head)), found, tag);
 }
 
 /// Reads a list that begins with the common header: header, list tag, size table, elements, blocks.
-/// @param tagIsRight tests the list tag and prints its message.
+/// @param tagIsRight tests the list tag and reports a wrong one; its arguments are the list's place and the tag.
 template <class Head, class Element, class TagIsRight, class ReadElement>
 int readListTagged(Cursor &cursor, List<Element> &list, std::size_t min_bytes, TagIsRight tagIsRight,
                    ReadElement readElement) {
   return withinMemory(cursor, [&] {
     list = List<Element>();
     ListHead &head = list;
-    return readFixed(cursor, head) && tagIsRight(list.list_tag) && kvReadArray(cursor, list.num_byte, list.num) &&
-           readElements<Head>(cursor, list.element, list.num, min_bytes, readElement) &&
-           kvReadExtBlk1(cursor, list.ext_blk, list.van_ext_blk_size, list.usr_ext_blk_size);
+    if (!readFixed(cursor, head))
+      return 0;
+    const Place place = placeBefore(cursor, sizeof head);
+    list.offset = place.offset;
+    return int{tagIsRight(place, list.list_tag) && kvReadArray(cursor, list.num_byte, list.num) &&
+               readElements<Head>(cursor, list.element, list.num, min_bytes, readElement) &&
+               kvReadExtBlk1(cursor, list.ext_blk, list.van_ext_blk_size, list.usr_ext_blk_size)};
   });
 }
 
 template <class Head, class Element, class ReadElement>
 int readList(Cursor &cursor, List<Element> &list, Word list_tag, ReadElement readElement) {
   return readListTagged<Head>(
-      cursor, list, sizeof(Head), [list_tag](Word found) { return kvCheckTag(found, list_tag); }, readElement);
+      cursor, list, sizeof(Head),
+      [list_tag](const Place &place, Word found) { return checkTagAt(place, found, list_tag); }, readElement);
 }
 
 /// Hands out `count` records that a count promises and the form does not store. They are records of zeros, so only

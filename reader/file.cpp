@@ -1,6 +1,10 @@
 #include "reader/file.h"
 
+#include "reader/findings.h"
+
+#include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -24,8 +28,16 @@ InputFile identityOf(const struct stat &status) {
           .change_nanoseconds = status.st_ctim.tv_nsec};
 }
 
-Stream sayAndFail(const char *message) {
-  std::fputs(message, stderr);
+Stream sayCannotOpen() {
+  report<"input-open">({}, {});
+  return nullptr;
+}
+
+/// The second opening found something else than the first one had read, if that could be identified.
+Stream sayNotTheSame(const InputFile &first) {
+  if (!first.known)
+    return sayCannotOpen();
+  report<"input-changed">({}, {});
   return nullptr;
 }
 
@@ -61,6 +73,32 @@ std::optional<std::uint64_t> streamLength(std::FILE *stream) {
   return end;
 }
 
+std::size_t readBytes(Input &input, void *to, std::size_t bytes) {
+  if (input.stream != nullptr)
+    return readBytes(input.stream, to, bytes);
+  const std::uint64_t there = input.bytes.size() - std::min<std::uint64_t>(input.at, input.bytes.size());
+  const auto got = static_cast<std::size_t>(std::min<std::uint64_t>(bytes, there));
+  if (got != 0)
+    std::memcpy(to, input.bytes.data() + input.at, got);
+  input.at += got;
+  return got;
+}
+
+std::optional<std::uint64_t> inputPlace(const Input &input) {
+  return input.stream != nullptr ? streamPlace(input.stream) : input.at;
+}
+
+bool seekInput(Input &input, std::uint64_t place) {
+  if (input.stream != nullptr)
+    return seekStream(input.stream, place);
+  input.at = place;
+  return true;
+}
+
+std::optional<std::uint64_t> inputLength(const Input &input) {
+  return input.stream != nullptr ? streamLength(input.stream) : input.bytes.size();
+}
+
 InputFile identify(std::FILE *stream) {
   struct stat status;
   return ::fstat(::fileno(stream), &status) == 0 ? identityOf(status) : InputFile{};
@@ -68,20 +106,19 @@ InputFile identify(std::FILE *stream) {
 
 Stream openAgain(const char *path, const InputFile &first) {
   struct stat status;
-  const char *const not_this = first.known ? INPUT_HAS_CHANGED : INPUT_OPEN_ERROR;
   if (::stat(path, &status) != 0)
-    return sayAndFail(INPUT_OPEN_ERROR);
+    return sayCannotOpen();
   if (!canBeReadTwice(status)) // not even opened: that can wait for ever, or disturb whoever writes to a pipe
-    return sayAndFail(not_this);
+    return sayNotTheSame(first);
   const int descriptor = ::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   Stream stream(descriptor < 0 ? nullptr : ::fdopen(descriptor, "rb"));
   if (!stream) {
     if (descriptor >= 0)
       ::close(descriptor);
-    return sayAndFail(INPUT_OPEN_ERROR);
+    return sayCannotOpen();
   }
   const InputFile second = identify(stream.get());
-  return second.known && (!first.known || first == second) ? std::move(stream) : sayAndFail(not_this);
+  return second.known && (!first.known || first == second) ? std::move(stream) : sayNotTheSame(first);
 }
 
 } // namespace kova

@@ -1,4 +1,5 @@
-/// What the reader asks of the system: bytes of a stream, places in it, and which file it is.
+/// What the reader asks of the system: bytes of a stream, positions in it, and which file it is; and the same of a file
+/// in memory.
 #pragma once
 
 #include "kova/kova.h"
@@ -20,13 +21,26 @@ bool seekStream(std::FILE *stream, std::uint64_t place);
 /// @return the length of the stream in bytes; none where its end cannot be found (a pipe).
 std::optional<std::uint64_t> streamLength(std::FILE *stream);
 
+/// What a model is read from: a stream, or the bytes of a whole file in memory.
+struct Input {
+  std::FILE *stream;                         ///< not owned; null for bytes in memory
+  std::span<const unsigned char> bytes = {}; ///< not owned
+  std::uint64_t at = 0;                      ///< the place in `bytes` from which is read next
+};
+
+// The functions above for either of them. Reading bytes in memory never fails, it only ends.
+std::size_t readBytes(Input &input, void *to, std::size_t bytes);
+std::optional<std::uint64_t> inputPlace(const Input &input);
+bool seekInput(Input &input, std::uint64_t place);
+std::optional<std::uint64_t> inputLength(const Input &input);
+
 /// @return which file the stream reads. Unknown for whatever is neither a regular file nor a block device.
 InputFile identify(std::FILE *stream);
 
 /// Opens the file at `path` once more, for binary reading. Nothing but a regular file or a block device is opened, and
 /// the opening never waits.
-/// @return the stream; null after "Input File Open Error\n" on standard error, or after "Input File Has Changed\n"
-/// where `first` is known and this is another file, or the same one changed.
+/// @return the stream; null after "Input File Open Error\n", or after "Input File Has Changed\n" where `first` is known
+/// and this is another file, or the same one changed.
 Stream openAgain(const char *path, const InputFile &first);
 
 } // namespace kova

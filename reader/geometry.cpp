@@ -116,9 +116,12 @@ int readTwoKinds(Cursor &cursor, TwoKinds &list, Word list_tag, Word TwoKindList
   return withinMemory(cursor, [&] {
     list = TwoKinds();
     TwoKindListHead &head = list;
+    if (!readFixed(cursor, head))
+      return 0;
+    const Place place = placeBefore(cursor, sizeof head);
+    list.offset = place.offset;
     return int{
-        readFixed(cursor, head) && kvCheckTag(list.list_tag, list_tag) &&
-        kvReadArray(cursor, list.tri_group_size, list.tri_group_num) &&
+        checkTagAt(place, list.list_tag, list_tag) && kvReadArray(cursor, list.tri_group_size, list.tri_group_num) &&
         kvReadArray(cursor, list.vtx_group_size, list.vtx_group_num) &&
         readElements<TriHeadWords>(cursor, list.tri_group, list.tri_group_num, sizeof(TriHeadWords), readTriKind) &&
         readElements<VtxHeadWords>(cursor, list.vtx_group, list.*vtx_count, sizeof(VtxHeadWords), readVtxKind) &&

@@ -2,6 +2,7 @@
 
 #include "reader/cursor.h"
 #include "reader/file.h"
+#include "reader/findings.h"
 #include "reader/lists.h"
 #include "reader/window.h"
 
@@ -14,9 +15,9 @@ namespace kova {
 
 namespace {
 
-// --- Bytes from a stream --------------------------------------------------------------------------------------------
+// --- Bytes of the file ---------------------------------------------------------------------------------------------
 
-/// @return the bytes between a place in a stream and its end.
+/// @return the bytes between a place in a file and its end.
 std::uint64_t bytesAhead(std::uint64_t length, std::uint64_t here) { return length > here ? length - here : 0; }
 
 struct Bytes {
@@ -30,44 +31,50 @@ void grow(Bytes &held, std::size_t capacity) {
   held.bytes = std::move(bytes);
 }
 
-/// Reads up to `size` bytes from the stream's position, as they stand in the file. Memory is asked for by what the
-/// stream holds; where that cannot be told, by what it has given so far. Throws where memory cannot be had.
-Bytes readAll(std::FILE *stream, Word size) {
+/// Reads up to `size` bytes from the input's position, as they stand in the file. Memory is asked for by what the
+/// input holds; where that cannot be told, by what it has given so far. Throws where memory cannot be had.
+Bytes readAll(Input &input, Word size) {
   constexpr std::size_t FIRST_GUESS = 64 * 1024;
-  const std::optional<std::uint64_t> length = streamLength(stream);
-  const std::uint64_t ahead = length ? bytesAhead(*length, streamPlace(stream).value_or(0)) : FIRST_GUESS;
+  const std::optional<std::uint64_t> length = inputLength(input);
+  const std::uint64_t ahead = length ? bytesAhead(*length, inputPlace(input).value_or(0)) : FIRST_GUESS;
   std::size_t capacity = static_cast<std::size_t>(std::min<std::uint64_t>(size, ahead));
   Bytes held;
   for (;;) {
     grow(held, capacity);
-    held.size += readBytes(stream, held.bytes.get() + held.size, capacity - held.size);
+    held.size += readBytes(input, held.bytes.get() + held.size, capacity - held.size);
     if (length || held.size < capacity || capacity == size)
       return held;
     capacity = static_cast<std::size_t>(std::min<std::uint64_t>(size, 2 * std::uint64_t{capacity}));
   }
 }
 
-/// A window at the stream's position for a list of `size` bytes, or of as many as are there. A stream whose length
+/// A window at the input's position for a list of `size` bytes, or of as many as are there. A stream whose length
 /// cannot be told (a pipe) is read now, and the window holds all of the list. Throws where memory cannot be had.
-ListWindow windowFor(std::FILE *stream, Word size) {
-  const std::optional<std::uint64_t> length = streamLength(stream);
+ListWindow windowFor(Input &input, Word size) {
+  const std::optional<std::uint64_t> length = inputLength(input);
   if (!length) {
-    Bytes held = readAll(stream, size);
-    return {stream, 0, held.size, held.size, std::move(held.bytes), 0, held.size};
+    Bytes held = readAll(input, size);
+    const unsigned char *const bytes = held.bytes.get();
+    return {nullptr, NO_OFFSET, held.size, held.size, std::move(held.bytes), bytes, 0, held.size};
   }
-  const std::uint64_t begin = streamPlace(stream).value_or(0);
+  const std::uint64_t begin = std::min(inputPlace(input).value_or(0), *length);
   const std::uint64_t there = std::min<std::uint64_t>(size, bytesAhead(*length, begin));
-  return {stream, begin, there, 0,
-          std::make_unique_for_overwrite<unsigned char[]>(
-              static_cast<std::size_t>(std::min<std::uint64_t>(there, WINDOW_BYTES)))};
+  if (input.stream == nullptr)
+    return {nullptr, begin, there, there, nullptr, input.bytes.data() + begin, 0, there};
+  auto owned = std::make_unique_for_overwrite<unsigned char[]>(
+      static_cast<std::size_t>(std::min<std::uint64_t>(there, WINDOW_BYTES)));
+  const unsigned char *const bytes = owned.get();
+  return {input.stream, begin, there, 0, std::move(owned), bytes};
 }
 
-/// Tells of a read that failed, once for a model. @return 0.
-int sayReadError(std::FILE *stream, Kis &kis) {
+bool failed(const Input &input) { return input.stream != nullptr && std::ferror(input.stream) != 0; }
+
+/// Reports a read that failed, once for a model. @return 0.
+int sayReadError(const Input &input, Kis &kis, const char *list) {
   if (!kis.input_file.read_error)
-    std::fputs(INPUT_READ_ERROR, stderr);
+    report<"input-read">({.list = list}, {});
   kis.input_file.read_error = true;
-  std::clearerr(stream); // told: what is read from the stream next is judged by itself
+  std::clearerr(input.stream); // reported: what is read from the stream next is judged by itself
   return 0;
 }
 
@@ -144,23 +151,31 @@ constexpr auto READERS = inListOrder({
     listReader<&Kis::external_name, kvSetupExternalNameList, kvSetExternalName0, &Name::name_size>("ExternalNameList"),
 });
 
-/// Reads a list of `size` bytes from the stream's position, or clears its record where the size is 0.
-int readList(std::FILE *stream, Word size, Kis &kis, std::size_t list) {
+/// The place at which the reader of a list stopped, which is not behind the list.
+Place stoppedAt(const Cursor &cursor) {
+  return {cursor.list, cursor.element, offsetAfter(cursor.begin, std::min<std::uint64_t>(cursor.offset, cursor.size))};
+}
+
+/// Reads a list of `size` bytes from the input's position, or clears its record where the size is 0.
+int readList(Input &input, Word size, Kis &kis, std::size_t list) {
   if (size == 0)
     return READERS[list].clear(kis);
   const char *const name = LISTS[list].name;
   try {
-    ListWindow window = windowFor(stream, size);
+    ListWindow window = windowFor(input, size);
     Cursor cursor;
     cursor.size = static_cast<std::size_t>(window.list_size);
     cursor.window = &window;
+    cursor.list = name;
+    cursor.begin = window.list_begin;
     const int ok = READERS[list].read(cursor, kis);
     // Whatever its reader made of it, the list ends where the header says.
-    seekStream(stream, window.list_begin + window.list_size);
-    if (std::ferror(stream) != 0)
-      return sayReadError(stream, kis);
+    if (window.list_begin != NO_OFFSET)
+      seekInput(input, window.list_begin + window.list_size);
+    if (failed(input))
+      return sayReadError(input, kis, name);
     if (cursor.fault == Fault::past_end)
-      std::fprintf(stderr, "%s runs past its end.\n", name);
+      report<"list-runs-past-end">(stoppedAt(cursor), {}, name);
     return cursor.fault == Fault::no_memory ? sayNoMemory(name) : ok;
   } catch (const std::exception &) {
     return sayNoMemory(name);
@@ -169,9 +184,9 @@ int readList(std::FILE *stream, Word size, Kis &kis, std::size_t list) {
 
 /// Reads the lists `first` to `last` - 1 in file order. The first that fails ends it: where the next one begins is
 /// known, but the format's library gives up here, and the verdict says so.
-int readLists(std::FILE *stream, Kis &kis, std::size_t first, std::size_t last) {
+int readLists(Input &input, Kis &kis, std::size_t first, std::size_t last) {
   for (std::size_t list = first; list < last; ++list)
-    if (!readList(stream, kis.file_header.*LISTS[list].size, kis, list))
+    if (!readList(input, kis.file_header.*LISTS[list].size, kis, list))
       return 0;
   return 1;
 }
@@ -182,24 +197,22 @@ int checkVersion(const FileHeader &header) {
   const Word version = kvKOVAver(header);
   if (version == VERSION_1 || version == VERSION_2)
     return 1;
-  std::fprintf(stderr, "%8x\n", header.version);
-  std::fputs("Unknown version number.\n", stderr);
-  return 0;
+  return report<"version-unknown">(HEADER, {header.version}, header.version);
 }
 
 int checkFileSize(const FileHeader &header, std::uint64_t length) {
   if (length == header.size)
     return 1;
-  std::fprintf(stderr, "file size %d %d\n", static_cast<Index>(length), static_cast<Index>(header.size));
-  std::fprintf(stderr, "Data file size is incorrect - %s data.\n", length < header.size ? "missing" : "extra");
-  return 0;
+  const Word shown = static_cast<Word>(length);
+  return report<"file-size">(wordOf(HEADER, header, &FileHeader::size), {header.size, shown}, shown, header.size,
+                             length < header.size ? "missing" : "extra");
 }
 
 int checkHeaderSize(const FileHeader &header) {
-  if (header.file_header_num == header.van_ext_blk_size + header.usr_ext_blk_size + Word{FILE_HEADER_BYTES})
+  const Word sum = header.van_ext_blk_size + header.usr_ext_blk_size + Word{FILE_HEADER_BYTES};
+  if (header.file_header_num == sum)
     return 1;
-  std::fputs("Incorrect file header size.\n", stderr);
-  return 0;
+  return report<"header-size">(wordOf(HEADER, header, &FileHeader::file_header_num), {header.file_header_num, sum});
 }
 
 int checkListSum(const FileHeader &header) {
@@ -207,30 +220,76 @@ int checkListSum(const FileHeader &header) {
   // The version-2 sizes are not known yet; the checker adds them up.
   if (kvKOVAver(header) != VERSION_1 || header.size == sum)
     return 1;
-  std::fprintf(stderr, "file size=%d,sum of list=%d\n", static_cast<Index>(header.size), static_cast<Index>(sum));
-  std::fputs("Some of list_num data is incorrect.\n", stderr);
-  return 0;
+  return report<"lists-sum">(wordOf(HEADER, header, &FileHeader::size), {header.size, sum}, header.size, sum);
 }
 
 int checkHeaderTag(const FileHeader &header) {
   if (header.header_tag == 0)
     return 1;
-  std::fputs("tag error.\n", stderr);
-  return 0;
+  return report<"header-tag">(wordOf(HEADER, header, &FileHeader::header_tag), {header.header_tag, 0});
 }
 
 /// Reads the header's two blocks with one read of their sum, which wraps. A shortage is none of the header's faults.
-int readHeaderBlocks(std::FILE *stream, Kis &kis) {
+int readHeaderBlocks(Input &input, Kis &kis) {
   FileHeader &header = kis.file_header;
   try {
-    const Bytes held = readAll(stream, header.van_ext_blk_size + header.usr_ext_blk_size);
+    const Bytes held = readAll(input, header.van_ext_blk_size + header.usr_ext_blk_size);
     endianSwap4(held.bytes.get(), held.size);
     Cursor cursor{held.bytes.get(), held.size};
     if (kvSetupExtBlk1(cursor, header.ext_blk, header.van_ext_blk_size, header.usr_ext_blk_size))
-      return std::ferror(stream) == 0 ? 1 : sayReadError(stream, kis);
+      return failed(input) ? sayReadError(input, kis, HEADER.list) : 1;
   } catch (const std::exception &) { // told below, like the fault of the cursor
   }
-  return sayNoMemory("FileHeader");
+  return sayNoMemory(HEADER.list);
+}
+
+int readFileHeader(Input &input, Kis &kis) {
+  FileHeader &header = kis.file_header;
+  header = FileHeader();
+  FileHeaderHead &words = header;
+  readBytes(input, &words, sizeof words); // what the file lacks stays 0, also the rest of a word
+  endianSwap4(&words, sizeof words);
+  if (failed(input))
+    return sayReadError(input, kis, HEADER.list);
+  const int known_version = checkVersion(header);
+  int ok = known_version;
+  ok *= checkFileSize(header, inputLength(input).value_or(0));
+  ok *= checkHeaderSize(header);
+  ok *= checkListSum(header);
+  ok *= checkHeaderTag(header);
+  if (known_version) // else nothing would look at them
+    ok *= readHeaderBlocks(input, kis);
+  ok *= kvSetupFileHeaderExt(header);
+  return ok;
+}
+
+// --- The two parts of a file ----------------------------------------------------------------------------------------
+
+/// The header and the version-1 lists.
+int readVersion1(Input &input, Kis &kis) {
+  return readFileHeader(input, kis) && readLists(input, kis, 0, VERSION_1_LIST_NUM);
+}
+
+/// The version-2 lists.
+int readVersion2(Input &input, Kis &kis) {
+  return seekInput(input, kvSizeofKOVA1file(kis.file_header)) && readLists(input, kis, VERSION_1_LIST_NUM, LIST_NUM);
+}
+
+/// Whether the version-2 lists are to be read, once the version-1 part was read with the result `ok`: decodes the maker
+/// blocks of a 2.0 file, also of what a part that failed has left.
+struct Version2 {
+  int ok;          ///< 0 where the load has failed
+  bool read_lists; ///< whether the file has version-2 lists
+};
+Version2 version2Of(Kis &kis, int ok) {
+  if (kvKOVAver(kis.file_header) != VERSION_2)
+    return {ok, false};
+  if (!kvSetupSceneListExt(kis.scene) || !kvSetupCamExt(kis.cam) || !kvSetupObjExt(kis.obj) ||
+      !kvSetupShapeExt(kis.shape) || !kvSetupMatExt(kis.mat) || !kvSetupTexExt(kis.tex) ||
+      !kvSetupTeximgExt(kis.teximg) || !kvSetupAnimGroupExt(kis.anim))
+    return {0, false};
+  // A maker block that cannot hold the nine sizes means a file without version-2 lists, which is no error.
+  return {ok, kis.file_header.van_ext_blk_size >= VERSION_2_SIZES_BYTES};
 }
 
 } // namespace
@@ -238,18 +297,17 @@ int readHeaderBlocks(std::FILE *stream, Kis &kis) {
 KisHandle kvNewKis() { return KisHandle(new (std::nothrow) Kis); }
 
 int kvOpenKb(const char *path, Kis &kis) {
-  const int ok = kvOpenKb1(path, kis);
-  if (kvKOVAver(kis.file_header) != VERSION_2)
-    return ok;
-  // Also run on what a version-1 part that failed has left.
-  if (!kvSetupSceneListExt(kis.scene) || !kvSetupCamExt(kis.cam) || !kvSetupObjExt(kis.obj) ||
-      !kvSetupShapeExt(kis.shape) || !kvSetupMatExt(kis.mat) || !kvSetupTexExt(kis.tex) ||
-      !kvSetupTeximgExt(kis.teximg) || !kvSetupAnimGroupExt(kis.anim))
-    return 0;
-  // A maker block that cannot hold the nine sizes means a file without version-2 lists, which is no error.
-  if (kis.file_header.van_ext_blk_size < VERSION_2_SIZES_BYTES)
-    return ok;
-  return kvOpenKb2Ext(kis) ? ok : 0;
+  const Version2 version_2 = version2Of(kis, kvOpenKb1(path, kis));
+  return version_2.read_lists ? kvOpenKb2Ext(kis) * version_2.ok : version_2.ok;
+}
+
+int kvOpenKbMemory(std::span<const unsigned char> bytes, const char *name, Kis &kis) {
+  Kis cleared; // `name` may lie in the model, so it is kept before the model is cleared
+  kvSetFilename(name, cleared);
+  kis = std::move(cleared);
+  Input input = {nullptr, bytes};
+  const Version2 version_2 = version2Of(kis, readVersion1(input, kis));
+  return version_2.read_lists ? readVersion2(input, kis) * version_2.ok : version_2.ok;
 }
 
 int kvOpenKb1(const char *path, Kis &kis) {
@@ -262,33 +320,21 @@ int kvOpenKb1(const char *path, Kis &kis) {
   kis = std::move(cleared);
   if (!stream)
     return 0;
-  return kvReadFileHeader(stream.get(), kis) && readLists(stream.get(), kis, 0, VERSION_1_LIST_NUM);
+  Input input = {stream.get()};
+  return readVersion1(input, kis);
 }
 
 int kvOpenKb2Ext(Kis &kis) {
   const Stream stream = openAgain(kis.file_name.c_str(), kis.input_file);
-  if (!stream || !seekStream(stream.get(), kvSizeofKOVA1file(kis.file_header)))
+  if (!stream)
     return 0;
-  return readLists(stream.get(), kis, VERSION_1_LIST_NUM, LIST_NUM);
+  Input input = {stream.get()};
+  return readVersion2(input, kis);
 }
 
 int kvReadFileHeader(std::FILE *stream, Kis &kis) {
-  FileHeader &header = kis.file_header;
-  header = FileHeader();
-  FileHeaderHead &words = header;
-  freadEndianSwap4(&words, sizeof words, stream); // what the file lacks stays 0
-  if (std::ferror(stream) != 0)
-    return sayReadError(stream, kis);
-  const int known_version = checkVersion(header);
-  int ok = known_version;
-  ok *= checkFileSize(header, streamLength(stream).value_or(0));
-  ok *= checkHeaderSize(header);
-  ok *= checkListSum(header);
-  ok *= checkHeaderTag(header);
-  if (known_version) // else nothing would look at them
-    ok *= readHeaderBlocks(stream, kis);
-  ok *= kvSetupFileHeaderExt(header);
-  return ok;
+  Input input = {stream};
+  return readFileHeader(input, kis);
 }
 
 int kvSetupFileHeaderExt(FileHeader &header) {
@@ -303,9 +349,10 @@ int kvSetupFileHeaderExt(FileHeader &header) {
 }
 
 int kvReadList(std::FILE *stream, Word size, Kis &kis, const char *name) {
+  Input input = {stream};
   for (std::size_t list = 0; list < LIST_NUM; ++list)
     if (std::strcmp(LISTS[list].name, name) == 0)
-      return readList(stream, size, kis, list);
+      return readList(input, size, kis, list);
   return 0;
 }
 

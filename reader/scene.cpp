@@ -25,13 +25,14 @@ int readDirLights(Cursor &cursor, Light &light) {
 
 /// The one element whose recorded header size moves the cursor, from the element's start and before its tag is tested.
 int readLight(Cursor &cursor, Light &light) {
+  const Place place = placeBefore(cursor, 0);
   const std::uint64_t start = cursor.offset;
   LightHead &head = light;
   if (!readFixed(cursor, head))
     return 0;
   cursor.offset = start;
   return moveBy(cursor, static_cast<Index>(light.light_header_size)) &&
-         kvCheckTag(light.light_tag, LIGHT_LIST_TAG + ELEMENT_KIND) && readDirLights(cursor, light) &&
+         checkTagAt(place, light.light_tag, LIGHT_LIST_TAG + ELEMENT_KIND) && readDirLights(cursor, light) &&
          readExtBlk(cursor, light);
 }
 
@@ -40,12 +41,14 @@ int readLight(Cursor &cursor, Light &light) {
 int kvSetupSceneList(Cursor &cursor, Scene &scene) {
   return withinMemory(cursor, [&] {
     scene = Scene();
+    const Place place = placeBefore(cursor, 0);
     const std::uint64_t start = cursor.offset;
     SceneHead &head = scene;
     if (!readFixed(cursor, head))
       return 0;
+    scene.offset = place.offset;
     cursor.offset = start + scene.scene_header_size; // not a fixed place: this header size is meant
-    return int{kvCheckTag(scene.scene_header_tag, SCENE_LIST_TAG) &&
+    return int{checkTagAt(place, scene.scene_header_tag, SCENE_LIST_TAG) &&
                kvReadArray(cursor, scene.obj_link, scene.scene_obj_link_num) &&
                kvReadArray(cursor, scene.env_link, scene.scene_env_link_num) &&
                kvReadArray(cursor, scene.cam_link, scene.scene_cam_link_num) &&
@@ -68,7 +71,8 @@ int kvSetupCamList(Cursor &cursor, CamList &list) {
 int kvSetupLightList(Cursor &cursor, LightList &list) {
   // A light may not move the cursor at all (header size 0), so only the size table bounds their number.
   return readListTagged<LightHead>(
-      cursor, list, 0, [](Word found) { return kvCheckTag(found, LIGHT_LIST_TAG); }, readLight);
+      cursor, list, 0, [](const Place &place, Word found) { return checkTagAt(place, found, LIGHT_LIST_TAG); },
+      readLight);
 }
 
 int kvSetupObjList(Cursor &cursor, ObjList &list) {

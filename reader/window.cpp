@@ -21,7 +21,7 @@ void moveTo(ListWindow &window, std::uint64_t offset) {
   window.begin = offset / sizeof(Word) * sizeof(Word);
   const std::uint64_t wanted = std::min<std::uint64_t>(WINDOW_BYTES, window.list_size - window.begin);
   seek(window, window.begin);
-  window.stream_at += readBytes(window.stream, window.bytes.get(), static_cast<std::size_t>(wanted));
+  window.stream_at += readBytes(window.stream, window.owned.get(), static_cast<std::size_t>(wanted));
   window.end = window.stream_at;
 }
 
@@ -52,6 +52,8 @@ int takeFromWindow(ListWindow &window, std::uint64_t offset, unsigned char *to, 
   const std::size_t unit = order == Order::host ? sizeof(Word) : 1;
   while (bytes > 0) {
     if (heldFrom(window, offset) < unit) {
+      if (window.stream == nullptr)
+        return 0;
       if (bytes >= WINDOW_BYTES)
         return readPast(window, offset, to, bytes, order);
       moveTo(window, offset);
@@ -60,7 +62,7 @@ int takeFromWindow(ListWindow &window, std::uint64_t offset, unsigned char *to, 
     }
     const std::uint64_t held = heldFrom(window, offset) / unit * unit;
     const auto piece = static_cast<std::size_t>(std::min<std::uint64_t>(bytes, held));
-    copyOut(to, window.bytes.get() + (offset - window.begin), piece, order);
+    copyOut(to, window.bytes + (offset - window.begin), piece, order);
     to += piece;
     offset += piece;
     bytes -= piece;

@@ -1,6 +1,7 @@
 #include "kova/words.h"
 
 #include "reader/byte_order.h"
+#include "reader/elements.h"
 #include "reader/file.h"
 
 #include <algorithm>
@@ -12,10 +13,17 @@ namespace kova {
 
 namespace {
 
-Stream openOrSay(const char *path, const char *mode, const char *message) {
+Stream openInput(const char *path, const char *mode) {
   Stream stream(std::fopen(path, mode));
   if (!stream)
-    std::fputs(message, stderr);
+    report<"input-open">({}, {});
+  return stream;
+}
+
+Stream openOutput(const char *path, const char *mode) {
+  Stream stream(std::fopen(path, mode));
+  if (!stream)
+    report<"output-open">({}, {});
   return stream;
 }
 
@@ -52,17 +60,16 @@ std::size_t fwriteEndianSwap4(const void *buffer, std::size_t size, std::size_t 
   }
 }
 
-Stream kvKbReadOpen(const char *path) { return openOrSay(path, "rb", INPUT_OPEN_ERROR); }
-Stream kvKbWriteOpen(const char *path) { return openOrSay(path, "wb", OUTPUT_OPEN_ERROR); }
-Stream kvKtReadOpen(const char *path) { return openOrSay(path, "r", INPUT_OPEN_ERROR); }
-Stream kvKtWriteOpen(const char *path) { return openOrSay(path, "w", OUTPUT_OPEN_ERROR); }
+Stream kvKbReadOpen(const char *path) { return openInput(path, "rb"); }
+Stream kvKbWriteOpen(const char *path) { return openOutput(path, "wb"); }
+Stream kvKtReadOpen(const char *path) { return openInput(path, "r"); }
+Stream kvKtWriteOpen(const char *path) { return openOutput(path, "w"); }
 
-int kvCheckTag(Word found, Word expected) {
-  if (found == expected)
-    return 1;
-  std::fprintf(stderr, "irregular tag ! %0#10x != %0#10x\n", found, expected);
-  return 0;
+int checkTagAt(const Place &place, Word found, Word expected) {
+  return found == expected ? 1 : report<"tag">(place, {found, expected}, found, expected);
 }
+
+int kvCheckTag(Word found, Word expected) { return checkTagAt({}, found, expected); }
 
 void kvSetNoExternal(External &external) { external = {-1, -1}; }
 

@@ -37,10 +37,23 @@ NameList { Name text=root  Name text=arm }
 ExternalNameList { Name text=other.kb }
 )";
 
+/// The skin of a figure, its bones and its palettes.
+constexpr const char *SKIN = R"(
+SceneList scene_obj_link_num=1
+ObjList { Obj }
+CiImgList { CiImg ci_img_width=4 ci_img_height=4 ci_img_pixel_depth=8 }
+EnvelopeList { Envelope { FullWeightedPart  WeightedPart affected_node_num=1  MorphPart table_num=1  EnvelopeTri*2 }  Envelope }
+ClusterList { ClusterShape { Cluster Cluster ClusterTri }  ClusterShape { Cluster } }
+WeightList { WeightGroup weight_num=2 }
+ChainRootList { ChainRoot obj_num=1 }
+NameList { Name text=root }
+)";
+
 struct Damage {
   const char *name;
   Word version;
   std::function<void(File &)> inflict;
+  const char *scene = version == 0x200 ? SCENE_2 : SCENE_1;
 };
 
 void add(File &file, const std::string &kind, std::size_t number, const std::string &field, Word delta) {
@@ -72,6 +85,24 @@ const std::vector<Damage> &damages() {
       {"maker-block-short", 0x200, [](File &file) { setWord(file, "ObjExt", 0, "external_obj_num", 2); }},
       {"envelope", 0x200, [](File &file) { add(file, "WeightedPart", 0, "size", 4); }},
       {"external-name-tag", 0x200, [](File &file) { setWord(file, "ExternalNameList", 0, "list_tag", 0x00110000); }},
+      {"header-tag", 0x100, [](File &file) { setWord(file, "FileHeader", 0, "header_tag", 1); }},
+      {"scene-size", 0x100, [](File &file) { add(file, "SceneList", 0, "scene_size", 4); }},
+      {"color-size", 0x100, [](File &file) { add(file, "ColorList", 0, "vtx_group_size[0]", 4); }},
+      {"name-tag", 0x100, [](File &file) { setWord(file, "Name", 1, "name_tag", 0x00110000); }},
+      {"scene-block-short", 0x200, [](File &file) { setWord(file, "SceneListExt", 0, "external_obj_num", 2); }},
+      {"list-size-2", 0x200, [](File &file) { add(file, "FileHeaderExt", 0, "external_name_list_num", 4); }},
+      {"skin", 0x200,
+       [](File &file) {
+         add(file, "CiImg", 0, "size", 4);
+         add(file, "Envelope", 1, "size", 4);
+         for (const char *const part : {"FullWeightedPart", "WeightedPart", "MorphPart", "ChainRoot", "WeightGroup"})
+           add(file, part, 0, "size", 4);
+         add(file, "EnvelopeTri", 1, "envelope_tri_size", 4);
+         add(file, "Cluster", 1, "size", 4);
+         add(file, "ClusterTri", 0, "cluster_tri_size", 4);
+         add(file, "ClusterShape", 1, "size", 4);
+       },
+       SKIN},
   };
   return DAMAGES;
 }
@@ -85,7 +116,7 @@ std::vector<Made> madeSamples() {
                             {"small-1", build(0x100, SCENE_1).bytes},
                             {"small-2", build(0x200, SCENE_2).bytes}};
   for (const Damage &damage : damages()) {
-    File file = build(damage.version == 0x200 ? 0x200 : 0x100, damage.version == 0x200 ? SCENE_2 : SCENE_1);
+    File file = build(damage.version == 0x200 ? 0x200 : 0x100, damage.scene);
     setWord(file, "FileHeader", 0, "version", damage.version);
     damage.inflict(file);
     made.push_back({damage.name, file.bytes});

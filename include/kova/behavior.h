@@ -157,6 +157,7 @@ struct AnimGroup : AnimGroupHead {
   Word zeroed_anim_num;
   ExtBlk ext_blk;
   std::unique_ptr<AnimGroupExt> ext;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct CollHead {
@@ -241,6 +242,7 @@ struct CollGroup : CollGroupHead {
   Words coll_num_byte;
   std::vector<Coll> coll;
   ExtBlk ext_blk;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct SwitchHead {
@@ -260,6 +262,7 @@ struct Switch : SwitchHead {
   Indices case_val;
   Indices case_dest_index;
   ExtBlk ext_blk;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct NameHead {
@@ -271,7 +274,8 @@ struct NameHead {
 static_assert(sizeof(NameHead) == 16);
 
 struct Name : NameHead {
-  Words text; ///< four characters to a word, the first in the highest byte
+  Words text;                       ///< four characters to a word, the first in the highest byte
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 using AnimList = List<AnimGroup>;

@@ -14,6 +14,7 @@ struct ChainObjs {
   Indices obj_index;
   std::vector<External> external_obj;
   ExtBlk ext_blk;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct ChainRootHead : ElementHead {

@@ -5,10 +5,11 @@
 ///
 ///     const int ok = kova::checkKOVA(kis);
 ///
-/// Every check only reads the model, asks for no memory, prints its findings on standard output and returns its
-/// verdict: 1 for consistent, 0 for inconsistent. Verdicts are folded by multiplication, and every check runs, also
-/// after one has failed, so that one run reports everything. A model that was only partly read is checked as far as it
-/// goes: loops walk the records held, never more than their count.
+/// Every check only reads the model, asks for no memory, prints its findings on standard output, or gives them to the
+/// thread's `FindingReceiver` (kova/findings.h), and returns its verdict: 1 for consistent, 0 for inconsistent.
+/// Verdicts are folded by multiplication, and every check runs, also after one has failed, so that one run reports
+/// everything. A model that was only partly read is checked as far as it goes: loops walk the records held, never more
+/// than their count.
 ///
 /// Sizes, counts and indices are words: their sums wrap at 32 bits, and messages show them as signed decimals.
 #pragma once

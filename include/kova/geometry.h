@@ -26,6 +26,7 @@ static_assert(sizeof(VtxGroupHead) == 24);
 
 struct VtxGroup : VtxGroupHead {
   std::vector<Xyz> vtx;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct TriColorGroupHead {
@@ -39,6 +40,7 @@ static_assert(sizeof(TriColorGroupHead) == 20);
 
 struct TriColorGroup : TriColorGroupHead {
   std::vector<Rgba> color;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct VtxColorGroupHead {
@@ -52,6 +54,7 @@ static_assert(sizeof(VtxColorGroupHead) == 20);
 
 struct VtxColorGroup : VtxColorGroupHead {
   std::vector<Rgba> color;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct TriNvGroupHead {
@@ -65,6 +68,7 @@ static_assert(sizeof(TriNvGroupHead) == 20);
 
 struct TriNvGroup : TriNvGroupHead {
   std::vector<Xyz> normal;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 /// Two of the names miss a part that their siblings have; the format has them so.
@@ -79,6 +83,7 @@ static_assert(sizeof(VtxNvGroupHead) == 20);
 
 struct VtxNvGroup : VtxNvGroupHead {
   std::vector<Xyz> normal;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct StGroupHead {
@@ -92,6 +97,7 @@ static_assert(sizeof(StGroupHead) == 20);
 
 struct StGroup : StGroupHead {
   std::vector<St> st;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 /// What a triangle group says of one kind of data: the group of that kind that it uses, once, per frame or per key. A
@@ -149,6 +155,7 @@ struct TriGroup : TriGroupHead {
   /// `kvRefs` takes them apart. A file can have very many small groups, so this costs one pointer.
   std::unique_ptr<Index[]> ref;
   std::vector<Tri> tri;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct PartHead {
@@ -167,6 +174,7 @@ static_assert(sizeof(PartHead) == 36);
 struct Part : PartHead {
   Indices tri_index;
   ExtBlk ext_blk;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 using VtxList = List<VtxGroup>;

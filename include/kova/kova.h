@@ -7,10 +7,18 @@
 ///
 /// and walks the lists of `kis`. After a failed load the model holds what was read before the fault. Counts are
 /// what the file claims; the containers hold what was there. No function here throws.
+///
+/// Threads: nothing in the library is shared between models. Any number of threads may each load, check and dump models
+/// of their own at the same time, and several may read one model at the same time. A `FindingReceiver` receives only
+/// the findings of its own thread; findings that are printed go to the standard streams of the process one by one.
+///
+/// Errors are findings (kova/findings.h): where a comment here says that something is printed, a receiver gets it
+/// instead, if the thread has one.
 #pragma once
 
 #include "kova/behavior.h"
 #include "kova/chain.h"
+#include "kova/findings.h"
 #include "kova/geometry.h"
 #include "kova/material.h"
 #include "kova/palette.h"
@@ -134,6 +142,11 @@ KOVA_API KisHandle kvNewKis();
 /// error; a read that fails is told once, as "Input File Read Error\n".
 /// @return 1 where the file was read whole and its header is consistent; else 0.
 KOVA_API int kvOpenKb(const char *path, Kis &kis);
+
+/// As `kvOpenKb` for a file that is in memory, or mapped there. Nothing is opened, and nothing of the model refers to
+/// `bytes` afterwards.
+/// @param name the file's name, for `kis` and the summary; it may be `kis.file_name`
+KOVA_API int kvOpenKbMemory(std::span<const unsigned char> bytes, const char *name, Kis &kis);
 
 /// The first step of `kvOpenKb`: the header and the version-1 lists. The first list that fails ends it.
 KOVA_API int kvOpenKb1(const char *path, Kis &kis);

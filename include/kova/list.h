@@ -27,6 +27,7 @@ template <class Element> struct List : ListHead {
   Words num_byte; ///< the size table: bytes of each element, as the file gives them
   std::vector<Element> element;
   ExtBlk ext_blk;
+  std::uint64_t offset = NO_OFFSET; ///< in the file, as that of each element
 
   List() : ListHead{} {}
 };
@@ -50,6 +51,7 @@ template <class TriGroupElement, class VtxGroupElement> struct TwoKindList : Two
   std::vector<TriGroupElement> tri_group;
   std::vector<VtxGroupElement> vtx_group;
   ExtBlk ext_blk;
+  std::uint64_t offset = NO_OFFSET; ///< in the file, as that of each group
 
   TwoKindList() : TwoKindListHead{} {}
 };

@@ -100,6 +100,7 @@ struct Mat : MatHead {
   Words tex_index;
   ExtBlk ext_blk;
   std::unique_ptr<MatExt> ext;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct TexHead {
@@ -158,6 +159,7 @@ struct Tex : TexHead {
   TexTiles tiles;
   ExtBlk ext_blk;
   std::unique_ptr<TexExt> ext;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct TeximgHead {
@@ -174,6 +176,7 @@ struct Teximg : TeximgHead {
   std::vector<unsigned char> texel; ///< in file order
   ExtBlk ext_blk;
   std::unique_ptr<TeximgExt> ext;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 using MatList = List<Mat>;

@@ -23,6 +23,7 @@ static_assert(sizeof(CiImgHead) == 84);
 struct CiImg : CiImgHead {
   Words pixel_index_array; ///< `kvSizeofPixelIndexArray` words
   ExtBlk ext_blk;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct ColorPaletteHead : ElementHead {
@@ -37,6 +38,7 @@ static_assert(sizeof(ColorPaletteHead) == 84);
 struct ColorPalette : ColorPaletteHead {
   Words color_array; ///< two 16-bit colours to a word; the last colour of an odd number is not kept
   ExtBlk ext_blk;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 using CiImgList = List<CiImg>;

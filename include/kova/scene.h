@@ -88,6 +88,7 @@ struct Scene : SceneHead {
   Indices light_link;
   ExtBlk ext_blk;
   std::unique_ptr<SceneListExt> ext;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct EnvHead {
@@ -110,6 +111,7 @@ static_assert(sizeof(EnvHead) == 56);
 
 struct Env : EnvHead {
   ExtBlk ext_blk;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct CamHead {
@@ -138,6 +140,7 @@ static_assert(sizeof(CamHead) == 76);
 struct Cam : CamHead {
   ExtBlk ext_blk;
   std::unique_ptr<CamExt> ext;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 /// A directional light. Type 0 stores the first nine words, and its pos_x, pos_y, pos_z are the direction dir_x,
@@ -180,6 +183,7 @@ struct Light : LightHead {
   /// Directional lights that `dir_light_num` promises and the type does not store: records of zeros, so only their
   /// number is kept. A light has these or `dir_light`, never both.
   Word zeroed_dir_light_num;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct ObjHead {
@@ -214,6 +218,7 @@ struct Obj : ObjHead {
   Words child_link;
   ExtBlk ext_blk;
   std::unique_ptr<ObjExt> ext;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct ShapeHead {
@@ -234,6 +239,7 @@ struct Shape : ShapeHead {
   Indices shape_part_link;
   ExtBlk ext_blk;
   std::unique_ptr<ShapeExt> ext;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 using EnvList = List<Env>;

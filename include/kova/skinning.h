@@ -109,6 +109,7 @@ struct Envelope : EnvelopeHead {
   std::vector<MorphPart> morph_part;
   std::vector<EnvelopeTri> envelope_tri;
   ExtBlk ext_blk;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct Cluster : ElementHead {
@@ -152,6 +153,7 @@ struct ClusterShape : ClusterShapeHead {
   std::vector<Cluster> cluster;
   std::vector<ClusterTri> cluster_tri;
   ExtBlk ext_blk;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 struct WeightGroupHead : ElementHead {
@@ -164,6 +166,7 @@ static_assert(sizeof(WeightGroupHead) == 28);
 struct WeightGroup : WeightGroupHead {
   Floats weight;
   ExtBlk ext_blk;
+  std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
 using EnvelopeList = List<Envelope>;

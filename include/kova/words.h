@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -96,6 +97,9 @@ enum class Fault : std::uint8_t {
 /// A list that is read from its stream piece by piece; private to the library.
 struct ListWindow;
 
+/// The offset of what was not read from a file, or from a stream that has no positions.
+inline constexpr std::uint64_t NO_OFFSET = ~std::uint64_t{0};
+
 /// A byte offset into a list of host-order words, which lies in memory or comes from a stream. Moving it is free, also
 /// past the end; a read needs all of its words inside the list, and a read of nothing succeeds wherever the cursor
 /// stands.
@@ -106,6 +110,10 @@ struct Cursor {
   std::uint64_t zeroed = 0;            ///< records handed out so far that a count promised and the form does not store
   Fault fault = Fault::none;           ///< the first refusal
   ListWindow *window = nullptr;        ///< not owned; null for a list in memory
+  // For findings: what is being read.
+  const char *list = nullptr;       ///< the list's name
+  std::uint64_t begin = NO_OFFSET;  ///< of the list in its file
+  std::optional<Word> element = {}; ///< its position in the list
 };
 
 /// @return a cursor at the start of a block of words.
