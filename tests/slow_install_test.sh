@@ -33,7 +33,7 @@ $(cd "$SOURCE_DIR" && printf "%s\n" include/kova/*.h)
 $(printf 'lib/%s\n' libkova.{a,so,"so.${version%%.*}","so.$version"} pkgconfig/kova.pc \
   cmake/kova/kova{Config,ConfigVersion,Targets,Targets-release}.cmake)
 $(printf 'share/doc/%s\n' {kbaudit,"libkova${version%%.*}",libkova-dev}/copyright kbaudit/{README,CHANGELOG,SECURITY}.md \
-  kbaudit/docs/{findings,format,performance,recipes,robustness}.md libkova-dev/examples/{CMakeLists.txt,names.cpp,verdict.cpp})
+  kbaudit/docs/{findings,format,performance,recipes,robustness}.md libkova-dev/examples/{CMakeLists.txt,findings.cpp,names.cpp,verdict.cpp})
 share/man/man1/kbaudit.1$packed
 $(cd "$SOURCE_DIR" && printf 'share/kova/%s\n' samples/*.kb)
 END
@@ -131,6 +131,7 @@ fi
 
 built "$SOURCE_DIR/examples" examples -DCMAKE_PREFIX_PATH="$installed"
 verdict=$scratch/examples/verdict
+findings=$scratch/examples/findings
 names=$scratch/examples/names
 cd "$samples"
 head -c 46000 town.kb >"$scratch/cut.kb"
@@ -146,6 +147,14 @@ same "verdict" $'NONE\tmissing.kb\nNONE\tversion.kb\nNONE\t.\nERR\t'"$scratch"'/
 run 2 "verdict on nothing" "$verdict"
 to_full_disk() { "$@" >/dev/full; }
 run 3 "verdict on a full disk" to_full_disk "$verdict" town.kb
+
+run 0 "findings of a good file" "$findings" town.kb
+same "findings of a good file" "" "$(cat "$scratch/out")"
+run 1 "findings" "$findings" index.kb
+same "findings" $'element-index\t1036\tObj[2] index is wrong. 2 != 7\\n' "$(cat "$scratch/out")"
+run 1 "findings of a missing file" "$findings" missing.kb
+same "findings of a missing file" $'input-open\t-\tInput File Open Error\\n' "$(cat "$scratch/out")"
+run 2 "findings of nothing" "$findings"
 
 run 0 "names of figure.kb" "$names" figure.kb
 same "names of figure.kb" "walker
