@@ -14,6 +14,8 @@ inline constexpr FindingRow FINDING_ROWS[] = {
      "The file cannot be opened for reading.", "Check the path and the permissions; store a pipe in a regular file."},
     {"output-open", Stage::load, Severity::error, OUTPUT_OPEN_ERROR, //
      "A file cannot be opened for writing.", "Check that the folder exists and that you may write to it."},
+    {"output-write", Stage::load, Severity::error, OUTPUT_WRITE_ERROR, //
+     "A file that is being written does not take all of it.", "Make room on the disk, and save again."},
     {"input-read", Stage::load, Severity::error, INPUT_READ_ERROR, //
      "The file was opened, but reading it failed.", "Check the device and the path; a directory cannot be read."},
     {"input-changed", Stage::load, Severity::error, INPUT_HAS_CHANGED,

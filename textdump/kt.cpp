@@ -1,5 +1,6 @@
 #include "kova/kt.h"
 
+#include "reader/findings.h"
 #include "reader/lists.h"
 #include "textdump/lines.h"
 #include "textdump/sections.h"
@@ -98,7 +99,7 @@ int saveDump(const Kis &kis, const char *path, Word version) {
     return 0;
   const int ok = writeAndClose(stream.release(), kis, version);
   if (!ok)
-    std::fputs(OUTPUT_WRITE_ERROR, stderr);
+    report<"output-write">({}, {});
   return ok;
 }
 

@@ -144,8 +144,7 @@ KOVA_API KisHandle kvNewKis();
 KOVA_API int kvOpenKb(const char *path, Kis &kis);
 
 /// As `kvOpenKb` for a file that is in memory, or mapped there. Nothing is opened, and nothing of the model refers to
-/// `bytes` afterwards.
-/// @param name the file's name, for `kis` and the summary; it may be `kis.file_name`
+/// `bytes` afterwards. `name` is what `kis` holds as the file's name; it may be `kis.file_name`.
 KOVA_API int kvOpenKbMemory(std::span<const unsigned char> bytes, const char *name, Kis &kis);
 
 /// The first step of `kvOpenKb`: the header and the version-1 lists. The first list that fails ends it.
