@@ -30,14 +30,21 @@ void readCollData(Cursor at, CollData &data) {
   copyBytes(at, data.data(), static_cast<std::size_t>(std::min<std::uint64_t>(sizeof data, there)));
 }
 
+/// The group's blocks stand once behind every collision; those of the last one are the group's.
+int readGroupBlocks(Cursor &cursor, Coll &coll, CollGroup &group) {
+  const int ok = readExtBlk(cursor, group);
+  if (group.ext_blk.words)
+    coll.group_ext_blk.words = std::make_unique<ExtBlkWords>(*group.ext_blk.words);
+  return ok;
+}
+
 int readColl(Cursor &cursor, Coll &coll, CollGroup &group) {
   if (!readHead<CollHead>(cursor, coll, COLL_TAG))
     return 0;
   readCollData(cursor, coll.data);
   const std::int64_t data_bytes =
       std::int64_t{static_cast<Index>(coll.coll_size)} - static_cast<Index>(coll.coll_header_size);
-  // The group's blocks stand once behind every collision; those of the last one stay.
-  return moveBy(cursor, data_bytes) && readExtBlk(cursor, group);
+  return moveBy(cursor, data_bytes) && readGroupBlocks(cursor, coll, group);
 }
 
 int readCollGroup(Cursor &cursor, CollGroup &group) {

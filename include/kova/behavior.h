@@ -176,6 +176,7 @@ using CollData = std::array<Word, 10>;
 
 struct Coll : CollHead {
   CollData data;
+  ExtBlk group_ext_blk; ///< the group's blocks as they stand behind this collision
 };
 
 /// What the data of every kind begins with.
