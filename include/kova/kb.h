@@ -1,0 +1,45 @@
+/// The binary form of a KOVA file, written from a model: the way back from `kvOpenKb`.
+///
+/// Words are written as the model holds them, also wrong ones: tags, indices, counts and sizes. So a damaged file that
+/// was loaded comes back as damaged as it was. Nothing is computed anew; whoever changes the number of something keeps
+/// the sizes right with `kvAdjustListSizeData`. Maker blocks are written from their raw words, not from what was
+/// decoded from them; only the nine sizes of the version-2 lists are taken from the header's table.
+///
+/// A file for which `kvOpenKb` returned 1 comes back byte for byte, but for the bytes that no record takes in. The
+/// model does not hold them, and they are written as zeros:
+///
+/// - the gap between a light or the scene and what its header size points to,
+/// - what stands in a list behind its blocks, or in the file behind its last list: where a size says more than the
+///   content fills, such as the last colour of an odd number, or bytes that are no whole word,
+/// - the data of a collision after its tenth word,
+/// - the version-2 lists of a file whose maker block is too short for their sizes,
+/// - single bytes beside words that stand at a place that is no multiple of 4, as behind an odd number of texels. Those
+///   words are stored so that a load takes them as they are in the model.
+///
+/// A list begins and ends where the sizes in the header say. What a list holds beyond its size, or beyond the size of
+/// the file, is not written. A model of a file that was not read whole is written as far as it is held, zeros in place
+/// of what is lacking: loaded again it is the same model. A model without any list, as a load leaves it that ended at
+/// the header, is written as its header and the header's blocks alone.
+#pragma once
+
+#include "kova/kova.h"
+
+namespace kova {
+
+/// Writes a model of version 1.0 or 2.0 to the stream's position and flushes the stream, which stays open. Asks for no
+/// memory.
+/// @return 1; 0 where the stream fails, and 0 with nothing written for a model of another version, or of a 2.0 file
+/// with version-2 lists whose version-1 sizes add up to more than 32 bits (its lists lie upon each other).
+KOVA_API int kvWriteKb(std::FILE *stream, const Kis &kis);
+
+/// Writes the model to the file at `path`, whole or not at all: to a new file in the same folder, which is flushed to
+/// the disk and then takes the place of the old one. Whoever reads `path` sees the old file or the new one. A symbolic
+/// link stays, and the file that it leads to is replaced; other hard links to that file keep the old one. The new file
+/// has the permissions of the old one, or those that the umask gives. What is no regular file (a device, a pipe) is not
+/// replaced but written to.
+/// @return 1; 0 after "Output File Open Error\n" on standard error where the target may not be written or no file can
+/// be made beside it, or after "Output File Write Error\n" where writing fails or `kvWriteKb` refuses the model. Then
+/// the target is as it was and the new file is gone; only a process that is killed leaves it (".kova-" and 16 digits).
+KOVA_API int kvSaveAsKb(const Kis &kis, const char *path);
+
+} // namespace kova

@@ -1,0 +1,335 @@
+/// The way back: what was loaded is written again as the same file, byte for byte, or, where the file was damaged, as a
+/// file that loads as the same model; and a save leaves the old file or the new one.
+
+#include "kova/kb.h"
+#include "tests/damage.h"
+#include "tests/support.h"
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <optional>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace kova::test {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// What `kvWriteKb` writes; none where it refuses.
+std::optional<Bytes> written(const Kis &kis) {
+  char *at = nullptr;
+  std::size_t size = 0;
+  Stream stream(::open_memstream(&at, &size));
+  const int ok = kvWriteKb(stream.get(), kis);
+  stream.reset();
+  Bytes bytes(at, at + size);
+  std::free(at);
+  return ok ? std::optional(bytes) : std::nullopt;
+}
+
+Bytes bytesOf(const std::string &text) { return Bytes(text.begin(), text.end()); }
+
+/// How a file came back.
+enum class Back { same, zeros, model, refused };
+
+struct Returned {
+  Back how;
+  std::string fault; ///< empty where all is as it must be
+};
+
+/// Loads a file, writes it and loads that again.
+Returned roundTrip(const Bytes &bytes) {
+  const Audit first = audit(bytes);
+  const std::optional<Bytes> saved = written(first.kis);
+  if (!saved)
+    return {Back::refused, first.loaded ? "a file that was read whole is refused" : ""};
+  const Audit second = audit(*saved);
+  if (second.dump != first.dump || second.findings != first.findings || second.verdict != first.verdict)
+    return {Back::model, "another model"};
+  if (!first.loaded)
+    return {Back::model, ""};
+  if (!second.loaded || saved->size() != bytes.size())
+    return {Back::zeros, "no longer read whole"};
+  for (std::size_t i = 0; i < bytes.size(); ++i)
+    if ((*saved)[i] != bytes[i] && (*saved)[i] != 0)
+      return {Back::zeros, "byte " + std::to_string(i) + " is neither what it was nor zero"};
+  return {*saved == bytes ? Back::same : Back::zeros, ""};
+}
+
+/// What came back of many files.
+struct Tally {
+  std::array<std::size_t, 4> files{};
+  std::string fault; ///< the first
+
+  void add(const Bytes &bytes, const std::string &what) {
+    const Returned returned = roundTrip(bytes);
+    ++files[static_cast<std::size_t>(returned.how)];
+    if (fault.empty() && !returned.fault.empty())
+      fault = what + ": " + returned.fault;
+  }
+
+  std::size_t operator[](Back how) const { return files[static_cast<std::size_t>(how)]; }
+};
+
+std::vector<Sample> allSamples() {
+  std::vector<Sample> samples = smallSamples();
+  samples.push_back({"everything of 1.0", goodFile1()});
+  samples.push_back({"everything of 2.0", goodFile2()});
+  return samples;
+}
+
+/// Every `step`-th file of all sweeps.
+Tally sweep(const std::vector<Sample> &samples, std::size_t step) {
+  Tally tally;
+  std::size_t number = 0;
+  for (const Sample &sample : samples)
+    for (const auto every : {everyCut, everyCutOfAList, everyByte, everyWord})
+      every(sample.file, [&](const Bytes &bytes, const std::string &what) {
+        if (number++ % step == 0)
+          tally.add(bytes, sample.name + ", " + what);
+      });
+  return tally;
+}
+
+/// Nearly all that is read whole is the same again; only damaged sizes leave bytes that no record takes in.
+void expectAsPromised(const Tally &tally) {
+  EXPECT_EQ(tally.fault, "");
+  EXPECT_GT(tally[Back::same], 20 * tally[Back::zeros]);
+  EXPECT_GT(tally[Back::model], tally[Back::refused]);
+  for (const auto &[how, name] : {std::pair(Back::same, "same"), std::pair(Back::zeros, "zeros"),
+                                  std::pair(Back::model, "model"), std::pair(Back::refused, "refused")})
+    ::testing::Test::RecordProperty(name, std::to_string(tally[how]));
+}
+
+/// A folder of its own, removed with this.
+struct ScratchFolder {
+  std::string path;
+
+  ScratchFolder() {
+    path = ScratchFile().path + "-folder";
+    fs::create_directory(path);
+  }
+  ScratchFolder(const ScratchFolder &) = delete;
+  ScratchFolder &operator=(const ScratchFolder &) = delete;
+  ~ScratchFolder() { fs::remove_all(path); }
+
+  std::size_t files() const {
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(path), fs::directory_iterator()));
+  }
+};
+
+/// Saves a model. @return what was printed on standard error, and the result.
+std::string save(const Kis &kis, const std::string &path) {
+  int ok = 0;
+  const std::string errors = capture([&] { ok = kvSaveAsKb(kis, path.c_str()); }).err;
+  return errors + (ok ? "saved" : "failed");
+}
+
+mode_t modeOf(const std::string &path) {
+  struct stat status {};
+  ::lstat(path.c_str(), &status);
+  return status.st_mode;
+}
+
+} // namespace
+
+TEST(Writer, ValidFilesComeBackByteForByte) {
+  Tally tally;
+  for (const Sample &sample : allSamples())
+    tally.add(sample.file.bytes, sample.name);
+  EXPECT_EQ(tally.fault, "");
+  EXPECT_EQ(tally[Back::same], allSamples().size());
+}
+
+TEST(Writer, BundledSamplesComeBack) {
+  Tally tally;
+  for (const auto &entry : fs::directory_iterator(KOVA_SOURCE_DIR "/samples"))
+    if (entry.path().extension() == ".kb")
+      tally.add(bytesOf(readFile(entry.path())), entry.path().filename());
+  EXPECT_EQ(tally.fault, "");
+  EXPECT_GE(tally[Back::same], 12U);
+  EXPECT_EQ(tally[Back::zeros], 1U) << "light-type.kb: a light of this type stores no directional lights";
+  EXPECT_EQ(tally[Back::refused], 1U) << "version.kb";
+}
+
+TEST(Writer, DamagedFilesComeBack) { expectAsPromised(sweep(smallSamples(), 97)); }
+
+TEST(SlowWriter, EveryDamagedFileComesBack) { expectAsPromised(sweep(smallSamples(), 1)); }
+
+/// Places that others can lie upon, or that nothing lies upon.
+TEST(Writer, OddPlacesAndGaps) {
+  struct Case {
+    const char *what;
+    Word version;
+    const char *text;
+    const char *edits;
+    Back how;
+  };
+  const Case cases[] = {
+      {"a light upon its head", 0x100, "LightList { Light light_type=3  Light light_type=3 U=4 }",
+       "Light 1 light_header_size 40; Light 1 usr_ext_blk_size 8", Back::zeros},
+      {"the links of a scene upon its head", 0x100, "SceneList scene_obj_link_num=3",
+       "SceneList 0 scene_header_size 40", Back::zeros},
+      {"a gap in a light", 0x100, "LightList { Light light_type=3 U=8 }",
+       "Light 0 light_header_size 52; Light 0 usr_ext_blk_size 4", Back::zeros},
+      {"words behind an odd number of texels", 0x100, "TeximgList { Teximg texels=8 U=12 }",
+       "Teximg 0 tex_img_size 37; Teximg 0 usr_ext_blk_size 8", Back::zeros},
+      {"the blocks of a group, different ones behind each collision", 0x100,
+       "CollList { CollGroup V=8 U=4 { Coll  Coll  Coll } }", "CollGroup 0 usr[0] 77", Back::same},
+      {"a collision longer than ten words", 0x100, "CollList { CollGroup U=48 { Coll } }",
+       "Coll 0 coll_size +44; CollGroup 0 usr_ext_blk_size 4", Back::zeros},
+      {"a collision that ends at an odd place", 0x100, "CollList { CollGroup U=4 { Coll } }",
+       "Coll 0 coll_size +3; CollGroup 0 usr_ext_blk_size 0", Back::same},
+      {"blocks of the header that are no whole words", 0x100, "FileHeader V=8 U=8",
+       "FileHeader 0 van_ext_blk_size 6; FileHeader 0 usr_ext_blk_size 10", Back::zeros},
+      {"an odd number of colours", 0x200, "SceneList { SceneListExt }  ColorPaletteList { ColorPalette color_num=6 }",
+       "ColorPalette 0 color_num 5", Back::zeros},
+      {"text that is no whole words", 0x100, "NameList { Name text=doorway }", "Name 0 name_size -2", Back::zeros},
+  };
+  for (const Case &a : cases) {
+    SCOPED_TRACE(a.what);
+    const Returned returned = roundTrip(edited(build(a.version, a.text), a.edits).bytes);
+    EXPECT_EQ(returned.fault, "");
+    EXPECT_EQ(returned.how, a.how);
+  }
+}
+
+/// Large pieces, at odd places, too: what does not fit into the buffer at once.
+TEST(Writer, LargeFilesComeBack) {
+  const File file = build(0x100, "LightList { Light light_type=1 { DirLight1*2000 }  Light*500 }"
+                                 " VtxList { VtxGroup vtx_num=10000 }  TeximgList { Teximg texels=70001 }");
+  EXPECT_EQ(roundTrip(file.bytes).how, Back::same);
+  const File odd = edited(build(0x100, "TeximgList { Teximg texels=70000 U=70000 }"),
+                          "Teximg 0 tex_img_size -3; Teximg 0 usr_ext_blk_size 69996");
+  const Returned returned = roundTrip(odd.bytes);
+  EXPECT_EQ(returned.fault, "");
+  EXPECT_EQ(returned.how, Back::zeros);
+}
+
+/// What is changed in a model is what stands in the file, by its place.
+TEST(Writer, ChangesOfTheModelAreWritten) {
+  const File file = build(0x200, "SceneList { SceneListExt }  ObjList { Obj U=4 { ObjExt }  Obj { ObjExt } }"
+                                 " WeightList { WeightGroup weight_num=2  WeightGroup weight_num=1 }");
+  Kis kis;
+  ASSERT_TRUE(loadBytes(file.bytes, kis));
+  kis.obj.element[1].this_obj_index = 7;
+  kis.obj.element[0].ext_blk.words->usr[0] = 0x01020304;
+  kis.weight.element[0].weight.push_back(0.5F);
+  kis.weight.element[0].weight_num = 3;
+  kvAdjustListSizeData(kis, 0, 4, WEIGHT_LIST_TAG + ELEMENT_KIND);
+  const std::optional<Bytes> saved = written(kis);
+  ASSERT_TRUE(saved);
+  File expected = build(0x200, "SceneList { SceneListExt }  ObjList { Obj U=4 { ObjExt }  Obj { ObjExt } }"
+                               " WeightList { WeightGroup weight_num=3  WeightGroup weight_num=1 }");
+  setWord(expected, "Obj", 1, "this_obj_index", 7);
+  setWord(expected, "Obj", 0, "usr[0]", 0x01020304);
+  setWord(expected, "WeightGroup", 0, "weight[2]", 0x3f000000);
+  EXPECT_EQ(*saved, expected.bytes);
+}
+
+TEST(Writer, OtherVersionsAndListsUponEachOtherAreRefused) {
+  File file = goodFile1();
+  Kis kis;
+  ASSERT_TRUE(loadBytes(file.bytes, kis));
+  kis.file_header.version = 0x300;
+  EXPECT_FALSE(written(kis));
+  ASSERT_TRUE(loadBytes(goodFile2().bytes, kis));
+  kis.file_header.name_list_num = ~Word{0};
+  EXPECT_FALSE(written(kis));
+}
+
+TEST(Writer, AStreamThatFailsIsTold) {
+  for (const File &file : {goodFile1(), build(0x100, "VtxList { VtxGroup vtx_num=40000 }")}) {
+    Kis kis;
+    ASSERT_TRUE(loadBytes(file.bytes, kis));
+    const Stream full(std::fopen("/dev/full", "wb"));
+    if (!full)
+      GTEST_SKIP() << "no /dev/full";
+    EXPECT_EQ(kvWriteKb(full.get(), kis), 0);
+    EXPECT_EQ(save(kis, "/dev/full"), "Output File Write Error\nfailed");
+  }
+  EXPECT_TRUE(fs::is_character_file("/dev/full")) << "a device is not replaced";
+}
+
+TEST(Save, ReplacesTheTargetAndKeepsItsPermissions) {
+  const ScratchFolder folder;
+  Kis kis;
+  ASSERT_TRUE(loadBytes(goodFile2().bytes, kis));
+  const std::string path = folder.path + "/" + std::string(250, 'n'); // no room for an ending
+  const mode_t mask = ::umask(027);
+  EXPECT_EQ(save(kis, path), "saved");
+  ::umask(mask);
+  EXPECT_EQ(modeOf(path), S_IFREG | 0640U);
+  EXPECT_EQ(bytesOf(readFile(path)), goodFile2().bytes);
+  ASSERT_TRUE(loadBytes(goodFile1().bytes, kis));
+  ::chmod(path.c_str(), 0604);
+  EXPECT_EQ(save(kis, path), "saved");
+  EXPECT_EQ(modeOf(path), S_IFREG | 0604U);
+  EXPECT_EQ(bytesOf(readFile(path)), goodFile1().bytes);
+  EXPECT_EQ(folder.files(), 1U);
+}
+
+TEST(Save, FollowsSymbolicLinks) {
+  const ScratchFolder folder;
+  Kis kis;
+  ASSERT_TRUE(loadBytes(goodFile1().bytes, kis));
+  fs::create_directory(folder.path + "/there");
+  fs::create_symlink("there/second", folder.path + "/first");
+  fs::create_symlink("file", folder.path + "/there/second");
+  for (int round = 0; round < 2; ++round) { // at first the link leads to nothing
+    EXPECT_EQ(save(kis, folder.path + "/first"), "saved");
+    EXPECT_TRUE(fs::is_symlink(folder.path + "/first"));
+    EXPECT_TRUE(fs::is_symlink(folder.path + "/there/second"));
+    EXPECT_EQ(bytesOf(readFile(folder.path + "/there/file")), goodFile1().bytes);
+  }
+  fs::create_symlink("round", folder.path + "/round");
+  EXPECT_EQ(save(kis, folder.path + "/round"), "Output File Open Error\nfailed");
+  EXPECT_EQ(folder.files(), 3U);
+}
+
+TEST(Save, AFailureLeavesTheTargetAsItWas) {
+  const ScratchFolder folder;
+  const std::string path = folder.path + "/file";
+  Kis kis;
+  ASSERT_TRUE(loadBytes(goodFile1().bytes, kis));
+  ASSERT_EQ(save(kis, path), "saved");
+  EXPECT_EQ(save(kis, folder.path), "Output File Open Error\nfailed");
+  EXPECT_EQ(save(kis, folder.path + "/none/file"), "Output File Open Error\nfailed");
+  EXPECT_EQ(save(kis, path + "/file"), "Output File Open Error\nfailed");
+  kis.file_header.version = 0; // writing fails after the new file was made
+  EXPECT_EQ(save(kis, path), "Output File Write Error\nfailed");
+  EXPECT_EQ(save(kis, folder.path + "/new"), "Output File Write Error\nfailed");
+  EXPECT_EQ(bytesOf(readFile(path)), goodFile1().bytes);
+  EXPECT_EQ(folder.files(), 1U);
+}
+
+/// Whoever may not write to the file or its folder cannot save there, also where the other one would allow it.
+TEST(Save, NeedsTheRightToWrite) {
+  // The superuser may write everywhere, and so is somebody else for a while.
+  const uid_t user = ::geteuid();
+  if (user == 0 && ::seteuid(65534) != 0)
+    GTEST_SKIP() << "the superuser may write everywhere";
+  {
+    const ScratchFolder folder;
+    const std::string path = folder.path + "/file";
+    Kis kis;
+    EXPECT_TRUE(loadBytes(goodFile1().bytes, kis));
+    EXPECT_EQ(save(kis, path), "saved");
+    ::chmod(path.c_str(), 0400);
+    EXPECT_EQ(save(kis, path), "Output File Open Error\nfailed");
+    ::chmod(path.c_str(), 0600);
+    ::chmod(folder.path.c_str(), 0500);
+    EXPECT_EQ(save(kis, path), "Output File Open Error\nfailed");
+    EXPECT_EQ(save(kis, folder.path + "/new"), "Output File Open Error\nfailed");
+    ::chmod(folder.path.c_str(), 0700);
+    EXPECT_EQ(bytesOf(readFile(path)), goodFile1().bytes);
+    EXPECT_EQ(folder.files(), 1U);
+  }
+  EXPECT_EQ(::seteuid(user), 0);
+}
+
+} // namespace kova::test
