@@ -1,5 +1,5 @@
-/// libFuzzer target: a whole file through load, check and dump. Its mutator repairs the header, so that most inputs get
-/// past it; one in eight is left as it is.
+/// libFuzzer target: a whole file through load, check, dump and save. Its mutator repairs the header, so that most
+/// inputs get past it; one in eight is left as it is.
 #include "fuzz/target.h"
 #include "harness/audit.h"
 

@@ -3,10 +3,12 @@
 #include "harness/invariants.h"
 #include "harness/scratch.h"
 #include "kova/check.h"
+#include "kova/kb.h"
 #include "kova/kt.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
 
 namespace kova::harness {
 
@@ -19,6 +21,41 @@ std::string checkAndDump(const Kis &kis) {
     return broken;
   checkKOVA(kis);
   kvSaveAsKt(kis, "/dev/null");
+  return "";
+}
+
+/// What `write` puts into a stream. @param ok its result
+template <class Write> std::string written(Write write, int &ok) {
+  char *at = nullptr;
+  std::size_t size = 0;
+  Stream stream(::open_memstream(&at, &size));
+  ok = write(stream.get());
+  stream.reset();
+  const std::string text(at, size);
+  std::free(at);
+  return text;
+}
+
+std::string dumpOf(const Kis &kis) {
+  int ok = 0;
+  return written([&](std::FILE *stream) { return kvPrintKt(stream, kis); }, ok);
+}
+
+/// Written and loaded again, a model is the same: the same dump, the same verdict. What was read whole is the same
+/// file, with zeros for the bytes that no record takes in. A model that was not read whole may be refused.
+std::string changedByWriting(const Kis &first, int loaded, std::span<const unsigned char> input) {
+  int ok = 0;
+  const std::string file = written([&](std::FILE *stream) { return kvWriteKb(stream, first); }, ok);
+  if (!ok)
+    return loaded ? "a model that was read whole is not written\n" : "";
+  const Bytes bytes(file.begin(), file.end());
+  Kis second;
+  const int loaded_again = kvOpenKbMemory(bytes, "written", second);
+  if (dumpOf(first) != dumpOf(second) || checkKOVA(first) != checkKOVA(second))
+    return "another model after it was written\n";
+  const auto is_same = [](unsigned char now, unsigned char was) { return now == was || now == 0; };
+  if (loaded && (!loaded_again || !std::equal(bytes.begin(), bytes.end(), input.begin(), input.end(), is_same)))
+    return "another file after it was written\n";
   return "";
 }
 
@@ -36,8 +73,9 @@ std::size_t fitSizes(Bytes &file, std::span<const ListRow> lists, std::size_t le
 
 std::string auditFile(std::span<const unsigned char> input) {
   Kis kis;
-  kvOpenKb(ScratchFile(input).path.c_str(), kis);
-  return checkAndDump(kis);
+  const int loaded = kvOpenKb(ScratchFile(input).path.c_str(), kis);
+  const std::string broken = checkAndDump(kis);
+  return broken.empty() ? changedByWriting(kis, loaded, input) : broken;
 }
 
 std::string auditList(std::span<const unsigned char> input) {

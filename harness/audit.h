@@ -1,7 +1,7 @@
 /// What the fuzz targets and the replay of their corpus share: one function per target, which takes any bytes.
 ///
-/// Each runs a model through reader, checker and dump, and returns the invariants that the model breaks, a line for
-/// each: empty where all is well. The checks print on standard output, as everywhere; whoever runs many rounds closes
+/// Each runs a model through reader, checker and dump, and returns what does not hold of it, a line for each: empty where
+/// all is well. The checks print on standard output, as everywhere; whoever runs many rounds closes
 /// or redirects it.
 #pragma once
 
@@ -12,7 +12,7 @@
 
 namespace kova::harness {
 
-/// A whole file: load, check, dump, as the program does.
+/// A whole file: load, check, dump, as the program does; then write and load again, which must give the same model.
 std::string auditFile(std::span<const unsigned char> input);
 
 /// The first byte chooses one of the 28 list readers, the rest is the list in file order.
