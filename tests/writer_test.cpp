@@ -41,12 +41,17 @@ struct Returned {
   std::string fault; ///< empty where all is as it must be
 };
 
-/// Loads a file, writes it and loads that again.
+/// Loads a file and writes it. What is not the same file then is loaded again: it must be the same model.
 Returned roundTrip(const Bytes &bytes) {
-  const Audit first = audit(bytes);
-  const std::optional<Bytes> saved = written(first.kis);
+  Kis kis;
+  int loaded = 0;
+  capture([&] { loaded = loadBytes(bytes, kis); });
+  const std::optional<Bytes> saved = written(kis);
   if (!saved)
-    return {Back::refused, first.loaded ? "a file that was read whole is refused" : ""};
+    return {Back::refused, loaded ? "a file that was read whole is refused" : ""};
+  if (loaded && *saved == bytes)
+    return {Back::same, ""};
+  const Audit first = audit(bytes);
   const Audit second = audit(*saved);
   if (second.dump != first.dump || second.findings != first.findings || second.verdict != first.verdict)
     return {Back::model, "another model"};
@@ -57,7 +62,7 @@ Returned roundTrip(const Bytes &bytes) {
   for (std::size_t i = 0; i < bytes.size(); ++i)
     if ((*saved)[i] != bytes[i] && (*saved)[i] != 0)
       return {Back::zeros, "byte " + std::to_string(i) + " is neither what it was nor zero"};
-  return {*saved == bytes ? Back::same : Back::zeros, ""};
+  return {Back::zeros, ""};
 }
 
 /// What came back of many files.
@@ -82,17 +87,15 @@ std::vector<Sample> allSamples() {
   return samples;
 }
 
-/// Every `step`-th file of all sweeps.
-Tally sweep(const std::vector<Sample> &samples, std::size_t step) {
-  Tally tally;
+/// Every `step`-th file of a sweep.
+using Every = void (*)(const File &, const Visit &);
+void sweep(Tally &tally, Every every, std::size_t step) {
   std::size_t number = 0;
-  for (const Sample &sample : samples)
-    for (const auto every : {everyCut, everyCutOfAList, everyByte, everyWord})
-      every(sample.file, [&](const Bytes &bytes, const std::string &what) {
-        if (number++ % step == 0)
-          tally.add(bytes, sample.name + ", " + what);
-      });
-  return tally;
+  for (const Sample &sample : smallSamples())
+    every(sample.file, [&](const Bytes &bytes, const std::string &what) {
+      if (number++ % step == 0)
+        tally.add(bytes, sample.name + ", " + what);
+    });
 }
 
 /// Nearly all that is read whole is the same again; only damaged sizes leave bytes that no record takes in.
@@ -156,9 +159,31 @@ TEST(Writer, BundledSamplesComeBack) {
   EXPECT_EQ(tally[Back::refused], 1U) << "version.kb";
 }
 
-TEST(Writer, DamagedFilesComeBack) { expectAsPromised(sweep(smallSamples(), 97)); }
+TEST(Writer, DamagedFilesComeBack) {
+  Tally tally;
+  for (const Every every : {everyCut, everyCutOfAList, everyByte, everyWord})
+    sweep(tally, every, 97);
+  expectAsPromised(tally);
+}
 
-TEST(SlowWriter, EveryDamagedFileComesBack) { expectAsPromised(sweep(smallSamples(), 1)); }
+TEST(SlowWriter, EveryCutFileComesBack) {
+  Tally tally;
+  sweep(tally, everyCut, 1);
+  sweep(tally, everyCutOfAList, 1);
+  EXPECT_EQ(tally.fault, "");
+}
+
+TEST(SlowWriter, EveryDamagedByteComesBack) {
+  Tally tally;
+  sweep(tally, everyByte, 1);
+  expectAsPromised(tally);
+}
+
+TEST(SlowWriter, EveryDamagedWordComesBack) {
+  Tally tally;
+  sweep(tally, everyWord, 1);
+  expectAsPromised(tally);
+}
 
 /// Places that others can lie upon, or that nothing lies upon.
 TEST(Writer, OddPlacesAndGaps) {
