@@ -235,6 +235,18 @@ TEST(Writer, LargeFilesComeBack) {
   EXPECT_EQ(returned.how, Back::zeros);
 }
 
+/// Lights whose blocks lie upon the last words of their heads, also where the buffer is handed on.
+TEST(Writer, ManyShortLightsComeBack) {
+  constexpr std::size_t LIGHTS = 1989; // then a buffer of 64 KiB ends within those words
+  File file = build(0x100, "LightList { Light*1989 light_type=3 U=4 }");
+  for (std::size_t i = 0; i < LIGHTS; ++i) {
+    setWord(file, "Light", i, "light_header_size", 40);
+    setWord(file, "Light", i, "van_ext_blk_size", 4);
+    setWord(file, "Light", i, "usr_ext_blk_size", 8);
+  }
+  EXPECT_EQ(roundTrip(file.bytes).how, Back::same);
+}
+
 /// What is changed in a model is what stands in the file, by its place.
 TEST(Writer, ChangesOfTheModelAreWritten) {
   const File file = build(0x200, "SceneList { SceneListExt }  ObjList { Obj U=4 { ObjExt }  Obj { ObjExt } }"
