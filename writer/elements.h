@@ -5,7 +5,8 @@
 #include "reader/cursor.h"
 #include "writer/output.h"
 
-#include <concepts>
+#include <algorithm>
+#include <type_traits>
 
 namespace kova {
 
