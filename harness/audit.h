@@ -1,8 +1,8 @@
 /// What the fuzz targets and the replay of their corpus share: one function per target, which takes any bytes.
 ///
-/// Each runs a model through reader, checker and dump, and returns what does not hold of it, a line for each: empty where
-/// all is well. The checks print on standard output, as everywhere; whoever runs many rounds closes
-/// or redirects it.
+/// Each runs a model through reader, checker and dump, and returns what does not hold of it, a line for each: empty
+/// where all is well. The checks print on standard output, as everywhere; whoever runs many rounds closes or redirects
+/// it.
 #pragma once
 
 #include "harness/bytes.h"

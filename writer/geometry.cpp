@@ -5,26 +5,20 @@ namespace kova {
 
 namespace {
 
-/// Writes one reference of a triangle group in the form that its two bits choose.
-void putRef(Output &out, const AnimRef &ref, RefForm form, Index frame_num) {
-  switch (form) {
-  case RefForm::frames:
-    putRun(out, ref.group_index, static_cast<std::uint64_t>(std::max<std::int64_t>(std::int64_t{frame_num} + 1, 0)));
-    return;
-  case RefForm::keys:
+/// Writes one reference of a triangle group.
+void putRef(Output &out, const AnimRef &ref, RefForm form) {
+  if (form == RefForm::keys) {
     putFixed<Word>(out, ref.key_num);
-    putRun(out, ref.key, ref.key_num);
-    putRun(out, ref.group_index, ref.key_num);
-    return;
-  case RefForm::single:
-    putRun(out, ref.group_index, 1);
+    putWords(out, ref.key.data(), ref.key.size_bytes());
   }
+  putWords(out, ref.group_index.data(), ref.group_index.size_bytes());
 }
 
 void putTriGroup(Output &out, const TriGroup &group) {
   putFixed<TriGroupHead>(out, group);
+  const std::array<AnimRef, REF_KIND_NUM> refs = kvRefs(group);
   for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind)
-    putRef(out, group.ref[kind], refForm(group.tri_anim_type, kind), group.tri_anim_frame_num);
+    putRef(out, refs[kind], refForm(group.tri_anim_type, kind));
   for (const Tri &tri : counted(group.tri_num, group.tri)) {
     putFixed<TriHead>(out, tri);
     putExtBlk(out, tri);
