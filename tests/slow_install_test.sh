@@ -151,7 +151,7 @@ run 3 "verdict on a full disk" to_full_disk "$verdict" town.kb
 run 0 "findings of a good file" "$findings" town.kb
 same "findings of a good file" "" "$(cat "$scratch/out")"
 run 1 "findings" "$findings" index.kb
-same "findings" $'element-index\t1036\tObj[2] index is wrong. 2 != 7\\n' "$(cat "$scratch/out")"
+same "findings" $'element-index\t760\tObj[2] index is wrong. 2 != 7\\n' "$(cat "$scratch/out")"
 run 1 "findings of a missing file" "$findings" missing.kb
 same "findings of a missing file" $'input-open\t-\tInput File Open Error\\n' "$(cat "$scratch/out")"
 run 2 "findings of nothing" "$findings"
