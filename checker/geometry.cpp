@@ -36,12 +36,10 @@ Word refBytes(const TriGroupHead &group, const AnimRef &ref, std::size_t kind) {
 
 /// Of each triangle its fixed bytes and the sizes of its two blocks.
 Terms<3> termsOfTriangles(std::span<const Tri> triangles) {
-  return {{triangles.data(), triangles.size(),
-           [](const void *records, std::size_t number, int column) {
+  return {{triangles.data(), triangles.size(), [](const void *records, std::size_t number, int column) {
              const Tri &tri = static_cast<const Tri *>(records)[number];
              return column == 0 ? fixedBytes<TriHead> : column == 1 ? tri.van_ext_blk_size : tri.usr_ext_blk_size;
-           },
-           3}};
+           }}};
 }
 
 /// Only a warning: it has no verdict. The bytes of the group's head come after those of its references.

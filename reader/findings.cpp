@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cstring>
 #include <exception>
+#include <utility>
 
 namespace kova {
 
@@ -87,10 +88,12 @@ template <class Text> void appendTerms(Text &text, std::string_view part, const 
 template <class Text> void appendArgument(Text &text, std::string_view piece, const Argument &argument) {
   if (const Word *const word = std::get_if<Word>(&argument))
     appendNumber(text, piece, *word);
-  else if (const Label *const label = std::get_if<Label>(&argument))
-    appendLabel(text, piece, *label);
-  else if (const AnyTerms *const terms = std::get_if<AnyTerms>(&argument))
-    appendTerms(text, piece, *terms);
+  else if (const char *const *const name = std::get_if<const char *>(&argument))
+    appendLabel(text, piece, *name);
+  else if (const Label *const *const label = std::get_if<const Label *>(&argument))
+    appendLabel(text, piece, **label);
+  else if (const AnyTerms *const *const terms = std::get_if<const AnyTerms *>(&argument))
+    appendTerms(text, piece, **terms);
 }
 
 /// Appends the text of a finding piece by piece to `text`, which has `append(std::string_view)`.
@@ -138,12 +141,7 @@ std::string kvFindingText(const Finding &finding) {
 
 int kvPrintFinding(std::FILE *stream, const Finding &finding) { return print(stream, *finding.text); }
 
-FindingReceiver::FindingReceiver(std::function<void(const Finding &)> function)
-    : receive(std::move(function)), outer(innermost_receiver) {
-  innermost_receiver = this;
-}
-
-FindingReceiver::~FindingReceiver() { innermost_receiver = outer; }
+FindingReceiver *kvSetFindingReceiver(FindingReceiver *receiver) { return std::exchange(innermost_receiver, receiver); }
 
 int deliver(const FindingRow &row, const Place &place, const Compared &compared, std::span<const Argument> arguments) {
   const FindingText text = {row.format, arguments};

@@ -70,17 +70,17 @@ struct AnyTerms {
   const void *records;
   std::size_t count;
   Word (*word)(const void *records, std::size_t term, int column);
-  int columns;
 };
-template <int COLUMNS> struct Terms : AnyTerms {};
+template <int COUNT> struct Terms : AnyTerms { static constexpr int COLUMNS = COUNT; };
 
 /// One column: the words themselves.
 inline Terms<1> termsOfWords(std::span<const Word> words) {
   return {{words.data(), words.size(),
-           [](const void *records, std::size_t term, int) { return static_cast<const Word *>(records)[term]; }, 1}};
+           [](const void *records, std::size_t term, int) { return static_cast<const Word *>(records)[term]; }}};
 }
 
-using Argument = std::variant<Word, Label, AnyTerms>;
+/// Refers to labels and terms, which live as long as the call that reports.
+using Argument = std::variant<Word, const char *, const Label *, const AnyTerms *>;
 
 // --- Formats --------------------------------------------------------------------------------------------------------
 
@@ -113,12 +113,10 @@ template <class Type> consteval ArgumentType argumentType() {
     return {'x'};
   if (std::is_same_v<Plain, Index>)
     return {'d'};
-  if (std::is_same_v<Plain, Label> || std::is_same_v<std::decay_t<Type>, const char *>)
+  if (std::is_same_v<Plain, Label> || std::is_convertible_v<const Plain &, const char *>)
     return {'s'};
-  if constexpr (std::is_base_of_v<AnyTerms, Plain> && !std::is_same_v<AnyTerms, Plain>)
-    return []<int COLUMNS>(const Terms<COLUMNS> *) {
-      return ArgumentType{'t', COLUMNS};
-    }(static_cast<Plain *>(nullptr));
+  if constexpr (requires { Plain::COLUMNS; })
+    return {'t', Plain::COLUMNS};
   return {};
 }
 
@@ -165,12 +163,13 @@ template <std::size_t SIZE> struct FindingId {
 
 constexpr Argument argumentOf(Word word) { return word; }
 constexpr Argument argumentOf(Index number) { return static_cast<Word>(number); }
-constexpr Argument argumentOf(const Label &label) { return label; }
-constexpr Argument argumentOf(const AnyTerms &terms) { return terms; }
+constexpr Argument argumentOf(const char *text) { return text; }
+constexpr Argument argumentOf(const Label &label) { return &label; }
+constexpr Argument argumentOf(const AnyTerms &terms) { return &terms; }
 
 /// Reports the finding of the row called `ID`; its text is made of `arguments`. @return 0.
 template <FindingId ID, class... Arguments>
-int report(const Place &place, const Compared &compared, const Arguments &...arguments) {
+[[gnu::noinline, gnu::cold]] int report(const Place &place, const Compared &compared, const Arguments &...arguments) {
   constexpr const FindingRow &ROW = findingRow(ID.text);
   static_assert(formatFits<Arguments...>(ROW.format), "the arguments do not fit the format");
   const std::array<Argument, sizeof...(Arguments)> list = {argumentOf(arguments)...};

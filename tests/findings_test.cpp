@@ -4,6 +4,7 @@
 
 #include "kova/check.h"
 #include "kova/kt.h"
+#include "reader/findings.h"
 #include "samples/made.h"
 #include "tests/support.h"
 
@@ -162,6 +163,21 @@ std::vector<std::string> codeSpansOf(const std::string &text) {
 }
 
 } // namespace
+
+// Arguments that do not fit a format do not compile.
+static_assert(formatFits<>("no conversion\n"));
+static_assert(formatFits<const char *, Word, Index, Terms<1>>("%s %0#10x %d{ + %d}\n"));
+static_assert(formatFits<Label, char[3], Terms<3>>("%s %-17s{ +(%d+%d+%d)}"));
+static_assert(!formatFits<>("%d"));
+static_assert(!formatFits<Word, Word>("%d"));
+static_assert(!formatFits<const char *>("%d"));
+static_assert(!formatFits<std::uint64_t>("%d"));
+static_assert(!formatFits<Word>("%s"));
+static_assert(!formatFits<Index>("%8x"));
+static_assert(!formatFits<Word>("%u"));
+static_assert(!formatFits<Word>("{ + %d}"));
+static_assert(!formatFits<Terms<2>>("{ + %d}"));
+static_assert(!formatFits<Terms<1>>("%d"));
 
 TEST(Findings, RowsAreFoundByTheirIds) {
   std::set<std::string> ids;

@@ -16,6 +16,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 namespace kova {
 
@@ -68,13 +69,20 @@ KOVA_API std::string kvFindingText(const Finding &finding);
 /// Writes the same text to a stream without asking for memory. @return 1; 0 if the stream fails.
 KOVA_API int kvPrintFinding(std::FILE *stream, const Finding &finding);
 
+struct FindingReceiver;
+
+/// Makes `receiver`, which may be null, the one that gets the findings of the calling thread; a `FindingReceiver` calls
+/// it itself. @return the receiver until now; null if there was none.
+KOVA_API FindingReceiver *kvSetFindingReceiver(FindingReceiver *receiver);
+
 /// Receives the findings of the calling thread from its construction to its destruction. Receivers may be nested: the
 /// innermost one gets the findings. `receive` must not throw.
 struct FindingReceiver {
-  KOVA_API explicit FindingReceiver(std::function<void(const Finding &)> function);
+  explicit FindingReceiver(std::function<void(const Finding &)> function)
+      : receive(std::move(function)), outer(kvSetFindingReceiver(this)) {}
   FindingReceiver(const FindingReceiver &) = delete;
   FindingReceiver &operator=(const FindingReceiver &) = delete;
-  KOVA_API ~FindingReceiver();
+  ~FindingReceiver() { kvSetFindingReceiver(outer); }
 
   std::function<void(const Finding &)> receive;
   FindingReceiver *outer; ///< the receiver that this one replaces; null if there is none
