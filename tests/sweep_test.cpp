@@ -4,6 +4,7 @@
 /// invariants, and when the output stays within its bound.
 
 #include "kova/check.h"
+#include "kova/findings.h"
 #include "kova/kt.h"
 #include "tests/allocations.h"
 #include "tests/damage.h"
@@ -171,6 +172,9 @@ TEST(SlowSweep, EveryAllocation) {
         checkKOVA1(*kis);
         checkKOVA2(*kis);
         kvSaveAsKt(*kis, "/dev/null");
+        const FindingReceiver receiver([](const Finding &finding) { kvPrintFinding(stdout, finding); });
+        checkKOVA1(*kis);
+        checkKOVA2(*kis);
         EXPECT_EQ(allocations.left.exchange(-1), 0) << sample.name << ", allocation " << k;
       });
     }
