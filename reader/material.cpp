@@ -19,14 +19,10 @@ int readTiles(Cursor &cursor, TexTiles &tiles) {
          kvReadArray(cursor, tiles.tex_tile_img_index, tiles.tex_tile_img_num);
 }
 
-Word sizeofTexels(const TeximgHead &image) {
-  return image.tex_img_size - image.tex_img_header_size - image.van_ext_blk_size - image.usr_ext_blk_size;
-}
-
 /// Texels are the one thing of the format that is bytes, not words: where their number is no multiple of 4 the cursor
 /// goes on from that odd offset.
 int readTexels(Cursor &cursor, Teximg &image) {
-  const Word bytes = sizeofTexels(image);
+  const Word bytes = kvSizeofTeximg(image);
   if (!require(cursor, bytes, 1))
     return 0;
   image.texel.resize(bytes);
@@ -61,7 +57,11 @@ int kvSetTex0(TexList &) { return 1; }
 int kvSetTeximg0(TeximgList &) { return 1; }
 
 Word kvSizeofTeximg(const TeximgList &list, std::size_t index) {
-  return index < list.element.size() ? sizeofTexels(list.element[index]) : 0;
+  return index < list.element.size() ? kvSizeofTeximg(list.element[index]) : 0;
+}
+
+Word kvSizeofTeximg(const TeximgHead &image) {
+  return image.tex_img_size - image.tex_img_header_size - image.van_ext_blk_size - image.usr_ext_blk_size;
 }
 
 Word kvCiTileNum(const Tex &tex) {

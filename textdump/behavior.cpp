@@ -55,7 +55,7 @@ void kvWriteKtAnimGroupFix1(Text &text, const AnimGroup &group, Index number) {
 namespace {
 
 /// Writes keyframes, each with its position in a heading.
-template <const auto &TABLE, Format HEADING> void writeKeys(Text &text, const std::vector<RecordOf<TABLE>> &keys) {
+template <const auto &TABLE, Format HEADING> void writeKeys(Text &text, std::span<const RecordOf<TABLE>> keys) {
   Index position = 0;
   for (const auto &key : keys) {
     print<HEADING>(text, position++);
@@ -68,14 +68,14 @@ void writeAnimGroupExt(Text &text, const AnimGroup &group) {
     return writeExtBlkAfter(text, group, 0);
   const AnimGroupExt &ext = *group.ext;
   putRecord<ANIM_GROUP_EXT_LINES>(text, ext);
-  writeKeys<ROTATE_AXIS_LINES, "RotateAxis(%d)\n">(text, ext.rotate_axis);
-  kvWriteKtRotateX(text, ext.rotate_x, "RotateX");
-  kvWriteKtRotateX(text, ext.rotate_y, "RotateY");
-  kvWriteKtRotateX(text, ext.rotate_z, "RotateZ");
-  writeKeys<ORIENTATION_XY_LINES, "OrientationXY(%d)\n">(text, ext.orientation_xy);
-  writeKeys<TRANSLATION_LINES, "Translation(%d)\n">(text, ext.translation);
-  kvWriteKtUniqScale(text, ext.unique_scale, "Unique");
-  kvWriteKtUniqScale(text, ext.classic_scale, "Classic");
+  writeKeys<ROTATE_AXIS_LINES, "RotateAxis(%d)\n">(text, counted(ext.rotate_axis_num, ext.rotate_axis));
+  kvWriteKtRotateX(text, counted(ext.rotate_x_num, ext.rotate_x), "RotateX");
+  kvWriteKtRotateX(text, counted(ext.rotate_y_num, ext.rotate_y), "RotateY");
+  kvWriteKtRotateX(text, counted(ext.rotate_z_num, ext.rotate_z), "RotateZ");
+  writeKeys<ORIENTATION_XY_LINES, "OrientationXY(%d)\n">(text, counted(ext.orientation_xy_num, ext.orientation_xy));
+  writeKeys<TRANSLATION_LINES, "Translation(%d)\n">(text, counted(ext.translation_num, ext.translation));
+  kvWriteKtUniqScale(text, counted(ext.unique_scale_num, ext.unique_scale), "Unique");
+  kvWriteKtUniqScale(text, counted(ext.classic_scale_num, ext.classic_scale), "Classic");
   putLater<ANIM_GROUP_EXT_LINES>(text, ext);
   writeExtBlkAfter(text, group, kvSizeofAnimGroupExt(ext));
 }

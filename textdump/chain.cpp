@@ -4,9 +4,10 @@ namespace kova {
 
 namespace {
 
-void writeObjs(Text &text, const ChainObjs &objs) {
-  kvWriteKtArray(text, objs.obj_index, "obj_index");
-  kvWriteKtExternal(text, objs.external_obj, "external_obj");
+/// The objects that a chain root, a joint or an effector moves.
+template <class Node> void writeObjs(Text &text, const Node &node) {
+  kvWriteKtArray(text, counted(node.obj_num, node.obj_index), "obj_index");
+  kvWriteKtExternal(text, counted(node.external_obj_num, node.external_obj), "external_obj");
 }
 
 void writeChainRoot(Text &text, const ChainRoot &root, Index) {

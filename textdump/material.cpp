@@ -30,10 +30,10 @@ void writeMatExt(Text &text, const Mat &mat) {
     return writeExtBlkAfter(text, mat, 0);
   const MatExt &ext = *mat.ext;
   putRecord<MAT_EXT_LINES>(text, ext);
-  kvWriteKtPrimColorAnim(text, ext.prim_color_anim, "");
-  kvWriteKtPrimColorAnim(text, ext.prim_color_anim_for_fog, "ForFog");
+  kvWriteKtPrimColorAnim(text, counted(ext.prim_color_anim_num, ext.prim_color_anim), "");
+  kvWriteKtPrimColorAnim(text, counted(ext.prim_color_anim_num_for_fog, ext.prim_color_anim_for_fog), "ForFog");
   putLater<MAT_EXT_LINES>(text, ext);
-  kvWriteKtExternal(text, ext.external_tex, "external tex");
+  kvWriteKtExternal(text, counted(ext.external_tex_num, ext.external_tex), "external tex");
   writeExtBlkAfter(text, mat, kvSizeofMatExt(ext));
 }
 
@@ -64,11 +64,12 @@ void writeTexExt(Text &text, const Tex &tex) {
     return writeExtBlkAfter(text, tex, 0);
   const TexExt &ext = *tex.ext;
   putRecord<TEX_EXT_LINES>(text, ext);
-  kvWriteKtArray(text, ext.color_palette_index, "color_palette_index");
-  kvWriteKtArray(text, ext.tlut_palette_number, "tlut_palette_number");
-  kvWriteKtExternal(text, ext.external_tex_img, "external_tex_img");
-  kvWriteKtExternal(text, ext.external_palette, "external_palette");
-  writeExtBlkAfter(text, tex, kvSizeofTexExt(ext, kvCiTileNum(tex)));
+  const Word tile_num = kvCiTileNum(tex);
+  kvWriteKtArray(text, counted(tile_num, ext.color_palette_index), "color_palette_index");
+  kvWriteKtArray(text, counted(tile_num, ext.tlut_palette_number), "tlut_palette_number");
+  kvWriteKtExternal(text, counted(ext.external_tex_img_num, ext.external_tex_img), "external_tex_img");
+  kvWriteKtExternal(text, counted(ext.external_tex_img_num, ext.external_palette), "external_palette");
+  writeExtBlkAfter(text, tex, kvSizeofTexExt(ext, tile_num));
 }
 
 } // namespace
@@ -114,7 +115,7 @@ void writeTeximgEnd2(Text &text, const Teximg &image) {
     return writeExtBlkAfter(text, image, 0);
   const TeximgExt &ext = *image.ext;
   putRecord<TEXIMG_EXT_LINES>(text, ext);
-  kvWriteKtArray(text, ext.mipmap_img_offset, "mipmap img offset");
+  kvWriteKtArray(text, counted(ext.mipmap_max_level, ext.mipmap_img_offset), "mipmap img offset");
   writeExtBlkAfter(text, image, kvSizeofTeximgExt(ext));
 }
 
@@ -124,11 +125,10 @@ void kvWriteKtTeximgListFix1(Text &text, const TeximgList &list) {
   writeListHead<TEXIMG_LIST_LINES, "tex_img_num_byte[%d]    %d\n">(text, list, TEXIMG_SECTION.name);
 }
 
-/// The texels are held whole or not at all, so what is held needs no count.
 void kvWriteKtTeximgFix1(Text &text, const Teximg &image, Index number) {
   print<"TexImg(%d)\n">(text, number);
   putRecord<TEXIMG_LINES>(text, image);
-  writeTexels(text, std::span<const unsigned char>(image.texel));
+  writeTexels(text, counted(kvSizeofTeximg(image), image.texel));
 }
 
 void kvWriteKtTeximgList1(Text &text, const TeximgList &list) {

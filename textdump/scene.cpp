@@ -44,11 +44,11 @@ void writeSceneListExt(Text &text, const Scene &scene) {
     return writeExtBlkAfter(text, scene, 0);
   const SceneListExt &ext = *scene.ext;
   putRecord<SCENE_LIST_EXT_LINES>(text, ext);
-  kvWriteKtArray(text, ext.chain_root_link, "chain root link");
-  kvWriteKtExternal(text, ext.external_obj, "external obj");
-  kvWriteKtExternal(text, ext.external_env, "external env");
-  kvWriteKtExternal(text, ext.external_cam, "external cam");
-  kvWriteKtExternal(text, ext.external_light, "external light");
+  kvWriteKtArray(text, counted(ext.scene_chain_root_link_num, ext.chain_root_link), "chain root link");
+  kvWriteKtExternal(text, counted(ext.external_obj_num, ext.external_obj), "external obj");
+  kvWriteKtExternal(text, counted(ext.external_env_num, ext.external_env), "external env");
+  kvWriteKtExternal(text, counted(ext.external_cam_num, ext.external_cam), "external cam");
+  kvWriteKtExternal(text, counted(ext.external_light_num, ext.external_light), "external light");
   writeExtBlkAfter(text, scene, kvSizeofSceneListExt(ext));
 }
 
@@ -143,10 +143,10 @@ void writeObjExt(Text &text, const Obj &obj) {
     return writeExtBlkAfter(text, obj, 0);
   const ObjExt &ext = *obj.ext;
   putRecord<OBJ_EXT_LINES>(text, ext);
-  printEach<"obj_chain_root_link[%d] %d\n">(text, ext.obj_chain_root_link);
-  printEach<"external_lod_obj_dist[%d]  %#g\n">(text, ext.external_lod_obj_dist);
-  kvWriteKtExternal(text, ext.external_lod_obj, "external lod obj");
-  kvWriteKtExternal(text, ext.external_obj, "external obj");
+  printEach<"obj_chain_root_link[%d] %d\n">(text, counted(ext.obj_chain_root_link_num, ext.obj_chain_root_link));
+  printEach<"external_lod_obj_dist[%d]  %#g\n">(text, counted(ext.external_lod_obj_num, ext.external_lod_obj_dist));
+  kvWriteKtExternal(text, counted(ext.external_lod_obj_num, ext.external_lod_obj), "external lod obj");
+  kvWriteKtExternal(text, counted(ext.external_obj_num, ext.external_obj), "external obj");
   writeExtBlkAfter(text, obj, kvSizeofObjExt(ext));
 }
 

@@ -18,15 +18,16 @@ void writeFullWeightedPart(Text &text, const FullWeightedPart &part, Index) {
 
 void writeWeightedPart(Text &text, const WeightedPart &part, Index) {
   kvWriteKtElementTop<WEIGHTED_PART_LINES>(text, part, "WeightedPart");
-  kvWriteKtNodeIndex(text, part.affected_node, "affected_node");
-  kvWriteKtExternal(text, part.external_affected_obj, "external_affected_obj");
-  kvWriteKtArray(text, part.weight_group_index, "weight_group_index");
-  writeVtxTriNvColor(text, part.group_index);
+  const std::uint64_t affected = std::uint64_t{part.affected_node_num} + part.external_affected_obj_num;
+  kvWriteKtNodeIndex(text, counted(part.affected_node_num, part.affected_node), "affected_node");
+  kvWriteKtExternal(text, counted(part.external_affected_obj_num, part.external_affected_obj), "external_affected_obj");
+  kvWriteKtArray(text, counted(affected, part.weight_group_index), "weight_group_index");
+  writeVtxTriNvColor(text, counted(affected, part.group_index));
 }
 
 void writeMorphPart(Text &text, const MorphPart &part, Index) {
   kvWriteKtElementTop<MORPH_PART_LINES>(text, part, "MorphPart");
-  writeVtxTriNvColor(text, part.group_index);
+  writeVtxTriNvColor(text, counted(part.table_num, part.group_index));
 }
 
 void writeEnvelope(Text &text, const Envelope &envelope, Index) {
@@ -55,7 +56,7 @@ void writeClusterShape(Text &text, const ClusterShape &shape, Index) {
 
 void writeWeightGroup(Text &text, const WeightGroup &group, Index) {
   kvWriteKtElementTop<WEIGHT_GROUP_LINES>(text, group, "WeightGroup");
-  kvWriteKtArrayf(text, group.weight, "weight");
+  kvWriteKtArrayf(text, counted(group.weight_num, group.weight), "weight");
 }
 
 } // namespace

@@ -194,8 +194,8 @@ KOVA_API int kvSetupStList(Cursor &cursor, StList &list);
 KOVA_API int kvSetupPartList(Cursor &cursor, PartList &list);
 
 /// @return the six references of a group, by `RefKind`. An array is there whole or, where reading ended before it,
-/// empty; where a program has lowered `tri_anim_frame_num` since, it is as long as that says. The views stay good as long
-/// as the group does.
+/// empty; where a program has lowered `tri_anim_frame_num` since, it is as long as that says. The views stay good as
+/// long as the group does.
 KOVA_API std::array<AnimRef, REF_KIND_NUM> kvRefs(const TriGroup &group);
 
 /// The clearers; see `kvSetScene0`.

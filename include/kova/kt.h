@@ -15,8 +15,8 @@ namespace kova {
 /// @return 1; 0 where the stream does not take all of it.
 KOVA_API int kvPrintKt(std::FILE *stream, const Kis &kis);
 
-/// Writes the section of the list called `name` ("SceneList" to "ExternalNameList") as the whole dump has it, and closes
-/// nothing. A version-2 list that the dump leaves out prints nothing.
+/// Writes the section of the list called `name` ("SceneList" to "ExternalNameList") as the whole dump has it, and
+/// closes nothing. A version-2 list that the dump leaves out prints nothing.
 /// @return 1; 0 for a name that no list has, or where the stream does not take all of it.
 KOVA_API int kvPrintKtList(std::FILE *stream, const Kis &kis, const char *name);
 

@@ -67,8 +67,8 @@ static_assert(sizeof(ElementHead) == 16);
 
 /// The first `count` records of those that are held; all of them where there are fewer. For loops that walk what a
 /// count takes in: `for (const Env &env : counted(list.num, list.element))`.
-template <class Record> std::span<const Record> counted(Word count, const std::vector<Record> &held) {
-  return std::span<const Record>(held).first(count < held.size() ? count : held.size());
+template <class Record> std::span<const Record> counted(std::uint64_t count, const std::vector<Record> &held) {
+  return std::span<const Record>(held).first(count < held.size() ? static_cast<std::size_t>(count) : held.size());
 }
 
 } // namespace kova

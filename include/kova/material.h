@@ -196,6 +196,7 @@ KOVA_API int kvSetTeximg0(TeximgList &list);
 /// @return the bytes of texels that image `index` claims (wraps at 32 bits); it may hold fewer. 0 for an index that no
 /// image has.
 KOVA_API Word kvSizeofTeximg(const TeximgList &list, std::size_t index);
+KOVA_API Word kvSizeofTeximg(const TeximgHead &image);
 
 /// @return the number of colour-index tiles of a texture: 0 where it uses no palette (or has no decoded maker block), 1
 /// for a still texture, else its `tex_tile_img_num`.
