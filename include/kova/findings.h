@@ -78,6 +78,7 @@ KOVA_API FindingReceiver *kvSetFindingReceiver(FindingReceiver *receiver);
 /// Receives the findings of the calling thread from its construction to its destruction. Receivers may be nested: the
 /// innermost one gets the findings. `receive` must not throw.
 struct FindingReceiver {
+  /// @param function called for each finding; it must not throw
   explicit FindingReceiver(std::function<void(const Finding &)> function)
       : receive(std::move(function)), outer(kvSetFindingReceiver(this)) {}
   FindingReceiver(const FindingReceiver &) = delete;

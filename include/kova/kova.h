@@ -94,6 +94,7 @@ struct InputFile {
   std::int64_t change_nanoseconds = 0;
   bool read_error = false; ///< a read failed, and that was told
 
+  /// @return whether all that is known of two files is equal.
   bool operator==(const InputFile &) const = default;
 };
 
