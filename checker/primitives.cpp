@@ -63,7 +63,7 @@ int checkTwoKindListSum(const Place &place, Word declared, Word header, std::spa
                                      fixedBytes<Word>, count2, termsOfWords(terms1), termsOfWords(terms2), ext1, ext2);
 }
 
-/// In this message a count stands before the bytes of its items, in those above behind them, on purpose.
+/// In this message a count stands before the bytes of its items, in those above after them, on purpose.
 int checkChainNodeSum(const Place &place, const Label &label, Word declared, Word header, Word count4, Word count8,
                       Word ext1, Word ext2) {
   const Word sum = header + fixedBytes<Index> * count4 + fixedBytes<External> * count8 + ext1 + ext2;

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int EXIT_REFUSED = -1; // no verdict or no complete report; a bad file is told by the verdict alone
+constexpr int EXIT_REFUSED = -1; // no verdict or no complete report; a damaged file is reported by the verdict alone
 constexpr const char *STARS = "************************************************************\n";
 
 bool asksForUsage(const char *argument) {
@@ -32,8 +32,8 @@ void noteWriteError(Output &output) {
   errno = 0;
 }
 
-/// Closes standard output. @return `status`, or `EXIT_REFUSED` where the output is not complete. That is told, unless
-/// the reader of a pipe has closed it and wants no more.
+/// Closes standard output. @return `status`, or `EXIT_REFUSED` where the output is not complete. This is reported,
+/// unless the reader of a pipe has closed it.
 int finish(Output &output, int status) {
   noteWriteError(output);
   if (std::fclose(stdout) != 0 && output.error == 0)
@@ -93,7 +93,7 @@ int main(int argc, char **argv) {
   const char *const path = argc > 1 ? argv[1] : nullptr;
   if (path != nullptr)
     reserveMemory(path);
-  // The model lives until the process ends: taking it apart would cost time for nothing.
+  // The model lives until the process ends: to free it would only cost time.
   static kova::Kis *const kis = kova::kvNewKis().release();
   if (kis == nullptr) {
     std::fputs("kbaudit: out of memory.\n", stderr);

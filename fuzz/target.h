@@ -7,7 +7,7 @@
 
 namespace kova::fuzz {
 
-/// Ends a round, and the process where the round broke an invariant. @return what libFuzzer wants of a target.
+/// Ends a round, and the process where the round broke an invariant. @return what libFuzzer expects of a target.
 inline int endRound(const std::string &broken) {
   if (broken.empty())
     return 0;

@@ -6,7 +6,7 @@ namespace kova::harness {
 
 namespace {
 
-/// Where the walk is and what it has found.
+/// The place that is looked at, and what was found.
 struct Walk {
   std::string place = "FileHeader";
   std::string broken = {};

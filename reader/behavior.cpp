@@ -30,7 +30,7 @@ void readCollData(Cursor at, CollData &data) {
   copyBytes(at, data.data(), static_cast<std::size_t>(std::min<std::uint64_t>(sizeof data, there)));
 }
 
-/// The group's blocks stand once behind every collision; those of the last one are the group's.
+/// The group's blocks follow every collision; those of the last one are the group's.
 int readGroupBlocks(Cursor &cursor, Coll &coll, CollGroup &group) {
   const int ok = readExtBlk(cursor, group);
   if (group.ext_blk.words)

@@ -14,7 +14,7 @@ inline std::uint64_t bytesLeft(const Cursor &cursor) {
   return cursor.offset < cursor.size ? cursor.size - cursor.offset : 0;
 }
 
-/// Notes a fault. @return 0, the result of whoever has to give up.
+/// Notes a fault. @return 0, the result of a reader that fails.
 inline int refuse(Cursor &cursor, Fault fault) {
   cursor.fault = fault;
   return 0;
@@ -50,7 +50,7 @@ template <class Body> int withinMemory(Cursor &cursor, Body &&body) {
   }
 }
 
-/// Reports that there is no memory for a list. @return 0, the result of whoever has to give up.
+/// Reports that there is no memory for a list. @return 0, the result of a reader that fails.
 int sayNoMemory(const char *list_name);
 
 /// Anything that is nothing but 32-bit words: a word, a tuple, the fixed head of a record.

@@ -3,7 +3,7 @@
 ///     return report<"object-sum">(place, {size, sum}, number, size, ...);
 ///
 /// An id that the catalogue lacks, or an argument that does not fit the row's format, does not compile. Nothing here
-/// asks for memory, and no text is made before somebody wants it.
+/// asks for memory, and no text is made before it is asked for.
 #pragma once
 
 #include "kova/list.h"
@@ -25,12 +25,12 @@ struct Place {
   std::uint64_t offset = NO_OFFSET; ///< in the file
 };
 
-/// @return `bytes` behind an offset, which may be none.
+/// @return the offset `bytes` after another, which may be none.
 inline std::uint64_t offsetAfter(std::uint64_t offset, std::uint64_t bytes) {
   return offset == NO_OFFSET ? NO_OFFSET : offset + bytes;
 }
 
-/// @return the place `bytes` behind another.
+/// @return the place `bytes` after another.
 inline Place after(Place place, std::uint64_t bytes) {
   place.offset = offsetAfter(place.offset, bytes);
   return place;

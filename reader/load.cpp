@@ -32,7 +32,7 @@ void grow(Bytes &held, std::size_t capacity) {
 }
 
 /// Reads up to `size` bytes from the input's position, as they stand in the file. Memory is asked for by what the
-/// input holds; where that cannot be told, by what it has given so far. Throws where memory cannot be had.
+/// input holds; where that is not known, by what it has given so far. Throws where memory cannot be had.
 Bytes readAll(Input &input, Word size) {
   constexpr std::size_t FIRST_GUESS = 64 * 1024;
   const std::optional<std::uint64_t> length = inputLength(input);
@@ -49,7 +49,7 @@ Bytes readAll(Input &input, Word size) {
 }
 
 /// A window at the input's position for a list of `size` bytes, or of as many as are there. A stream whose length
-/// cannot be told (a pipe) is read now, and the window holds all of the list. Throws where memory cannot be had.
+/// is not known (a pipe) is read now, and the window holds all of the list. Throws where memory cannot be had.
 ListWindow windowFor(Input &input, Word size) {
   const std::optional<std::uint64_t> length = inputLength(input);
   if (!length) {
@@ -151,7 +151,7 @@ constexpr auto READERS = inListOrder({
     listReader<&Kis::external_name, kvSetupExternalNameList, kvSetExternalName0, &Name::name_size>("ExternalNameList"),
 });
 
-/// The place at which the reader of a list stopped, which is not behind the list.
+/// The place at which the reader of a list stopped, which is not past its end.
 Place stoppedAt(const Cursor &cursor) {
   return {cursor.list, cursor.element, offsetAfter(cursor.begin, std::min<std::uint64_t>(cursor.offset, cursor.size))};
 }
@@ -183,7 +183,7 @@ int readList(Input &input, Word size, Kis &kis, std::size_t list) {
 }
 
 /// Reads the lists `first` to `last` - 1 in file order. The first that fails ends it: where the next one begins is
-/// known, but the format's library gives up here, and the verdict says so.
+/// known, but the format's library stops here, and the verdict says so.
 int readLists(Input &input, Kis &kis, std::size_t first, std::size_t last) {
   for (std::size_t list = first; list < last; ++list)
     if (!readList(input, kis.file_header.*LISTS[list].size, kis, list))
@@ -238,7 +238,7 @@ int readHeaderBlocks(Input &input, Kis &kis) {
     Cursor cursor{held.bytes.get(), held.size};
     if (kvSetupExtBlk1(cursor, header.ext_blk, header.van_ext_blk_size, header.usr_ext_blk_size))
       return failed(input) ? sayReadError(input, kis, HEADER.list) : 1;
-  } catch (const std::exception &) { // told below, like the fault of the cursor
+  } catch (const std::exception &) { // reported below, like the fault of the cursor
   }
   return sayNoMemory(HEADER.list);
 }

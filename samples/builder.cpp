@@ -328,7 +328,7 @@ struct Node {
   std::vector<Node> child;
 };
 
-/// Parses nodes up to the end or a closing brace. What stands behind `Kind*2` goes for both.
+/// Parses nodes up to the end or a closing brace. What follows `Kind*2` holds for both.
 std::vector<Node> parseNodes(std::istringstream &tokens) {
   std::vector<Node> nodes;
   std::size_t times = 0;
@@ -522,7 +522,7 @@ void putChildren(Out &out, const Record &record, Word tag) {
     for (const Field &field : record.layout)
       if (field.mark == '*' && isMeant(child, field.count) && entries[field.name] < entriesOf(record, field))
         patch(out, record, entry(field.name, entries[field.name]++), bytes);
-    if (child.kind == "Coll") // a collision group's blocks stand behind each of its collisions
+    if (child.kind == "Coll") // a collision group's blocks follow each of its collisions
       putBlocks(out, record);
   }
   if (record.node.kind != "CollGroup")

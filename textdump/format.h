@@ -1,6 +1,6 @@
 /// Format texts: what a line of the dump looks like.
 ///
-/// A format text stands in the code exactly as it prints; it is taken apart at compile time into literals and
+/// A format text is written exactly as it prints; it is split at compile time into literals and
 /// conversions. A conversion that the format does not have does not compile.
 #pragma once
 
@@ -71,7 +71,7 @@ struct Pieces {
   std::size_t count = 0;
 };
 
-/// Takes a format text apart.
+/// Splits a format text.
 constexpr Pieces parseFormat(std::string_view text) {
   Pieces pieces;
   std::size_t at = 0;

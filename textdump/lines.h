@@ -250,7 +250,7 @@ template <class List> void writeListEnd(Text &text, const List &list, const char
   kvWriteKtListEnd(text, name);
 }
 
-/// What tells the sections of the common shape apart.
+/// What differs between the sections of the common form.
 template <class Element> struct Section {
   const char *name;
   void (*head)(Text &, const List<Element> &);     ///< opener, header lines, size table

@@ -65,7 +65,7 @@ constexpr auto WRITERS = inListOrder({
 /// @return the bytes that the header's blocks take: one sum, which wraps.
 std::uint64_t sizeofBlocks(const FileHeader &header) { return Word{header.van_ext_blk_size + header.usr_ext_blk_size}; }
 
-/// The same of the blocks as far as they are held. Bytes that are no whole words stand behind both blocks.
+/// The same of the blocks as far as they are held. Bytes that are no whole words follow both blocks.
 std::uint64_t sizeofHeldBlocks(const FileHeader &header) {
   const std::size_t van = vanExtBlk(header.ext_blk).size();
   const std::size_t usr = usrExtBlk(header.ext_blk).size();
@@ -88,7 +88,7 @@ std::uint64_t sizeofVersion1(const FileHeader &header) {
   return sum;
 }
 
-/// @return whether a model can be written: its version is known, and its version-2 lists stand behind the others.
+/// @return whether a model can be written: its version is known, and its version-2 lists follow the others.
 bool canBeWritten(const FileHeader &header) {
   const Word version = kvKOVAver(header);
   const bool wraps = sizeofVersion1(header) != kvSizeofKOVA1file(header);

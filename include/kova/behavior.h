@@ -176,7 +176,7 @@ using CollData = std::array<Word, 10>;
 
 struct Coll : CollHead {
   CollData data;
-  ExtBlk group_ext_blk; ///< the group's blocks as they stand behind this collision
+  ExtBlk group_ext_blk; ///< the group's blocks as they follow this collision
 };
 
 /// What the data of every kind begins with.
@@ -297,7 +297,7 @@ KOVA_API int kvSetColl0(CollList &list);
 KOVA_API int kvSetSwitch0(SwitchList &list);
 KOVA_API int kvSetName0(NameList &list);
 
-/// @return the number of text bytes that a name claims: `name_size` less `name_header_size`, negative in a corrupt one.
+/// @return the number of text bytes that a name states: `name_size` less `name_header_size`, negative in a corrupt one.
 KOVA_API Index kvGetNamelen(const NameHead &name);
 
 /// @return the text of a name, blanks turned into underscores; empty where the length is negative or memory cannot be

@@ -1,15 +1,15 @@
 /// The consistency checker: recomputes every size and index that a KOVA file declares about itself, and reports each
 /// disagreement.
 ///
-/// A program that wants a verdict on a loaded model calls
+/// For a verdict on a loaded model, call
 ///
 ///     const int ok = kova::checkKOVA(kis);
 ///
 /// Every check only reads the model, asks for no memory, prints its findings on standard output, or gives them to the
 /// thread's `FindingReceiver` (kova/findings.h), and returns its verdict: 1 for consistent, 0 for inconsistent.
 /// Verdicts are folded by multiplication, and every check runs, also after one has failed, so that one run reports
-/// everything. A model that was only partly read is checked as far as it goes: loops walk the records held, never more
-/// than their count.
+/// everything. A model that was only partly read is checked as far as it goes: loops go over the records held, never
+/// more than their count.
 ///
 /// Sizes, counts and indices are words: their sums wrap at 32 bits, and messages show them as signed decimals.
 #pragma once
@@ -174,7 +174,7 @@ KOVA_API int checkEffectorList(const Kis &kis);
 KOVA_API int checkExternalNameList(const Kis &kis);
 
 // The parts of an envelope, each against the size that its counts call for. The messages carry the index that the
-// part stores, not its position; behind the size they show the terms that it should be the sum of.
+// part stores, not its position; after the size they show the terms whose sum it should be.
 
 /// "FullWeightedPart[%d] size : %d != %d + %d + %d\n".
 KOVA_API int checkFullWeightedPart(const FullWeightedPart &part);

@@ -1,7 +1,7 @@
 /// Findings: what the reader and the checks report about a file, as data.
 ///
 /// Without a receiver every finding is printed where it is made: those of stage `load` on standard error, those of
-/// stage `check` on standard output. A program that wants them as data makes a receiver, which works for the calling
+/// stage `check` on standard output. To get them as data, make a receiver, which works for the calling
 /// thread until it is destroyed:
 ///
 ///     std::vector<std::string> ids;

@@ -9,11 +9,11 @@
 /// model does not hold them, and they are written as zeros:
 ///
 /// - the gap between a light or the scene and what its header size points to,
-/// - what stands in a list behind its blocks, or in the file behind its last list: where a size says more than the
+/// - what a list has after its blocks, or the file after its last list: where a size says more than the
 ///   content fills, such as the last colour of an odd number, or bytes that are no whole word,
 /// - the data of a collision after its tenth word,
 /// - the version-2 lists of a file whose maker block is too short for their sizes,
-/// - single bytes beside words that stand at a place that is no multiple of 4, as behind an odd number of texels. Those
+/// - single bytes beside words at a place that is no multiple of 4, as after an odd number of texels. Those
 ///   words are stored so that a load takes them as they are in the model.
 ///
 /// A list begins and ends where the sizes in the header say. What a list holds beyond its size, or beyond the size of

@@ -1,12 +1,12 @@
 /// The KOVA reader: loads a binary scene file, version 1.0 or 2.0, into an in-memory model.
 ///
-/// The front door of the reader. A program that wants a file's content does
+/// The main header of the reader. To read a file, call
 ///
 ///     kova::KisHandle kis = kova::kvNewKis();
 ///     int ok = kis && kova::kvOpenKb("scene.kb", *kis);
 ///
-/// and walks the lists of `kis`. After a failed load the model holds what was read before the fault. Counts are
-/// what the file claims; the containers hold what was there. No function here throws.
+/// and go over the lists of `kis`. After a failed load the model holds what was read before the fault. Counts are
+/// what the file states; the containers hold what was there. No function here throws.
 ///
 /// Threads: nothing in the library is shared between models. Any number of threads may each load, check and dump models
 /// of their own at the same time, and several may read one model at the same time. A `FindingReceiver` receives only
@@ -32,7 +32,7 @@ inline constexpr Word VERSION_1 = 0x100;
 inline constexpr Word VERSION_2 = 0x200;
 
 /// The 25 words that a file begins with. Every ..._list_num is a size in bytes, in spite of its name; and the header
-/// counts tri after st, although the TriList stands right behind the VtxList in the file.
+/// counts tri after st, although the TriList follows the VtxList in the file.
 struct FileHeaderHead {
   Word version; ///< 0x100 or 0x200 in the low 16 bits
   Word size;    ///< bytes of the file
@@ -92,7 +92,7 @@ struct InputFile {
   std::uint64_t size = 0; ///< bytes
   std::int64_t change_seconds = 0;
   std::int64_t change_nanoseconds = 0;
-  bool read_error = false; ///< a read failed, and that was told
+  bool read_error = false; ///< a read failed, and this was reported
 
   /// @return whether all that is known of two files is equal.
   bool operator==(const InputFile &) const = default;
@@ -140,7 +140,7 @@ using KisHandle = std::unique_ptr<Kis>;
 KOVA_API KisHandle kvNewKis();
 
 /// Loads the file at `path`, which may be `kis.file_name`, forgetting what `kis` held. Prints what is wrong on standard
-/// error; a read that fails is told once, as "Input File Read Error\n".
+/// error; a read that fails is reported once, as "Input File Read Error\n".
 /// @return 1 where the file was read whole and its header is consistent; else 0.
 KOVA_API int kvOpenKb(const char *path, Kis &kis);
 
@@ -158,8 +158,8 @@ KOVA_API int kvOpenKb1(const char *path, Kis &kis);
 KOVA_API int kvOpenKb2Ext(Kis &kis);
 
 /// Reads the 100-byte header and its blocks from the stream's position, and makes all of its checks, each with its
-/// message on standard error. Bytes that the file lacks are 0. Where the read itself fails, that is told and no check
-/// is made. The blocks of a file of unknown version are not read. @return 1 where every check passed.
+/// message on standard error. Bytes that the file lacks are 0. Where the read itself fails, this is reported and no
+/// check is made. The blocks of a file of unknown version are not read. @return 1 where every check passed.
 KOVA_API int kvReadFileHeader(std::FILE *stream, Kis &kis);
 
 /// Fills the version-2 size table of a 2.0 header from its maker block, words that the block lacks being 0.

@@ -65,7 +65,7 @@ struct ElementHead {
 };
 static_assert(sizeof(ElementHead) == 16);
 
-/// The first `count` records of those that are held; all of them where there are fewer. For loops that walk what a
+/// The first `count` records of those that are held; all of them where there are fewer. For loops over what a
 /// count takes in: `for (const Env &env : counted(list.num, list.element))`.
 template <class Record> std::span<const Record> counted(std::uint64_t count, const std::vector<Record> &held) {
   return std::span<const Record>(held).first(count < held.size() ? static_cast<std::size_t>(count) : held.size());

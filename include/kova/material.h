@@ -193,7 +193,7 @@ KOVA_API int kvSetMat0(MatList &list);
 KOVA_API int kvSetTex0(TexList &list);
 KOVA_API int kvSetTeximg0(TeximgList &list);
 
-/// @return the bytes of texels that image `index` claims (wraps at 32 bits); it may hold fewer. 0 for an index that no
+/// @return the bytes of texels that image `index` states (wraps at 32 bits); it may hold fewer. 0 for an index that no
 /// image has.
 KOVA_API Word kvSizeofTeximg(const TeximgList &list, std::size_t index);
 KOVA_API Word kvSizeofTeximg(const TeximgHead &image);

@@ -2,7 +2,7 @@
 ///
 /// A KOVA file is a sequence of 32-bit big-endian words. A list is walked in host order with one cursor that knows
 /// where the list ends, whether it lies in memory or comes from a stream. Nothing else looks at a list's bytes, so no
-/// file can make a reader look outside what it brought.
+/// file can make a reader look outside its own bytes.
 #pragma once
 
 #include "kova/export.h"
@@ -134,7 +134,7 @@ KOVA_API int kvSetupArray(Cursor &cursor, Indices &destination, Word count);
 KOVA_API int kvSetupArray(Cursor &cursor, Floats &destination, Word count);
 
 /// Reads `rows` rows of `bytes_per_row` / 4 words each into `area`, which owns them. On return `destination` points
-/// just past the copied words; whoever wants the start takes `area.data()`.
+/// just past the copied words; the start is `area.data()`.
 /// @return `destination`, which is not null, also where no word was asked for; null where the words are not all there
 /// or memory cannot be had.
 KOVA_API Word *kvReadArea(Cursor &cursor, Words &area, Word *&destination, Word bytes_per_row, Word rows);
