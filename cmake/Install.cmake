@@ -45,7 +45,7 @@ endif()
 configure_file("${CMAKE_CURRENT_LIST_DIR}/kova.pc.in" "${PROJECT_BINARY_DIR}/kova.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/kova.pc" DESTINATION "${pkgconfig_dir}" COMPONENT development)
 
-install(FILES examples/CMakeLists.txt examples/names.cpp examples/verdict.cpp
+install(FILES examples/CMakeLists.txt examples/findings.cpp examples/names.cpp examples/verdict.cpp
         DESTINATION "${doc_dir}/libkova-dev/examples" COMPONENT development)
 if(KOVA_API_REFERENCE)
   install(DIRECTORY "${PROJECT_BINARY_DIR}/api/" DESTINATION "${doc_dir}/libkova-dev/html" COMPONENT development)

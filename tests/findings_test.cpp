@@ -245,7 +245,7 @@ TEST(Findings, AreWhatThePrintedSamplesSay) {
 }
 
 TEST(Findings, AreWhatIsPrintedOfDamagedFiles) { sweep(23); }
-TEST(SlowFindings, AreWhatIsPrintedOfDamagedFiles) { sweep(1); }
+TEST(SlowFindings, AreWhatIsPrintedOfDamagedFiles) { sweep(3); }
 
 /// Every row is provoked by a bundled sample, and samples/README.md names it there.
 TEST(Findings, AreShownBySamples) {
