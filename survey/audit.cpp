@@ -1,0 +1,167 @@
+#include "survey/audit.h"
+
+#include "kova/check.h"
+#include "survey/deep.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <new>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace kova::survey {
+
+namespace {
+
+struct Descriptor {
+  int number;
+
+  explicit Descriptor(int opened) : number(opened) {}
+  Descriptor(const Descriptor &) = delete;
+  Descriptor &operator=(const Descriptor &) = delete;
+  ~Descriptor() {
+    if (number >= 0)
+      ::close(number);
+  }
+};
+
+void refuse(Record &record, Reason reason, std::string detail) {
+  record.verdict = Verdict::none;
+  record.reason = reason;
+  record.detail = std::move(detail);
+}
+
+/// Keeps a finding in the record, or only counts it if there are many.
+void keep(Record &record, const Finding &finding) {
+  ++record.counts[finding.row->id];
+  if (record.findings.size() == MOST_FINDINGS)
+    return;
+  KeptFinding kept{.id = finding.row->id,
+                   .stage = finding.row->stage,
+                   .severity = finding.row->severity,
+                   .list = finding.list != nullptr ? finding.list : "",
+                   .element = finding.element,
+                   .offset = finding.offset,
+                   .found = finding.found,
+                   .expected = finding.expected,
+                   .text = kvFindingText(finding)};
+  if (kept.text.size() > MOST_TEXT) {
+    kept.text.resize(MOST_TEXT - 3);
+    kept.text += "...";
+  }
+  record.findings.push_back(std::move(kept));
+}
+
+bool has(const Record &record, const char *id) { return record.counts.contains(id); }
+
+/// Reads the file whole. @return 0 or the system's reason.
+int readWhole(int file, std::size_t bytes, unsigned char *to) {
+  for (std::size_t done = 0; done < bytes;) {
+    const ssize_t got = ::read(file, to + done, bytes - done);
+    if (got < 0 && errno == EINTR)
+      continue;
+    if (got <= 0)
+      return got < 0 ? errno : ESTALE; // it has become shorter
+    done += static_cast<std::size_t>(got);
+  }
+  return 0;
+}
+
+/// Loads a file of `record.bytes` bytes. @return what the library returns; 0 with a reason in the record if a small
+/// file cannot be read.
+int load(int file, Record &record, Kis &kis, Workspace &workspace) {
+  if (record.bytes > SMALL_FILE)
+    return kvOpenKb(record.path.c_str(), kis);
+  const auto bytes = static_cast<std::size_t>(record.bytes);
+  if (!workspace.bytes)
+    workspace.bytes = std::make_unique_for_overwrite<unsigned char[]>(SMALL_FILE);
+  if (const int error = readWhole(file, bytes, workspace.bytes.get())) {
+    refuse(record, Reason::unreadable, std::strerror(error));
+    return 0;
+  }
+  return kvOpenKbMemory({workspace.bytes.get(), bytes}, record.path.c_str(), kis);
+}
+
+/// A header of an unknown version is taken for one of the format if the rest of it fits the file.
+void refuseVersion(Record &record, const FileHeader &header) {
+  if (record.bytes < FILE_HEADER_BYTES || header.header_tag != 0 || header.size != record.bytes)
+    return refuse(record, Reason::not_kova, "");
+  char text[32];
+  std::snprintf(text, sizeof text, "version word %#010x", header.version);
+  refuse(record, Reason::other_version, text);
+}
+
+/// Loads and checks an opened file; findings go to the receiver in place.
+void judge(int file, Record &record, Workspace &workspace) {
+  const KisHandle kis = kvNewKis();
+  if (!kis)
+    return refuse(record, Reason::no_memory, "");
+  int ok = load(file, record, *kis, workspace);
+  if (record.reason != Reason::has_verdict)
+    return;
+  if (has(record, "input-open") || has(record, "input-read") || has(record, "input-changed"))
+    return refuse(record, Reason::unreadable, has(record, "input-changed") ? "it has changed" : "");
+  if (has(record, "out-of-memory"))
+    return refuse(record, Reason::no_memory, "");
+  const Word version = kvKOVAver(kis->file_header);
+  if (version != VERSION_1 && version != VERSION_2)
+    return refuseVersion(record, kis->file_header);
+  record.version = version == VERSION_1 ? "1.0" : "2.0";
+  ok *= checkKOVA(*kis); // what could be read is checked, also after a failed load
+  if (record.deep)
+    deepCheck(*kis);
+  record.verdict = ok != 0 ? Verdict::ok : Verdict::err;
+}
+
+/// Opens a file and judges it. Only a regular file is read: the opening of a pipe would wait for somebody to write.
+void openAndJudge(Record &record, Workspace &workspace) {
+  const Descriptor file(::open(record.path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+  struct stat status;
+  if (file.number < 0 || ::fstat(file.number, &status) != 0)
+    return refuse(record, Reason::unreadable, std::strerror(errno));
+  if (!S_ISREG(status.st_mode))
+    return refuse(record, Reason::unreadable, "not a regular file");
+  record.bytes = static_cast<std::uint64_t>(status.st_size);
+  record.modified = timeText(status.st_mtim);
+  bool lost = false; // no memory for what was found
+  const FindingReceiver receiver([&](const Finding &finding) {
+    try {
+      keep(record, finding);
+    } catch (const std::exception &) {
+      lost = true;
+    }
+  });
+  judge(file.number, record, workspace);
+  if (lost)
+    refuse(record, Reason::no_memory, "");
+}
+
+} // namespace
+
+std::string timeText(const struct timespec &time) {
+  char text[48];
+  std::snprintf(text, sizeof text, "%lld.%09ld", static_cast<long long>(time.tv_sec), time.tv_nsec);
+  return text;
+}
+
+Record audit(Input input, bool deep, Workspace &workspace) noexcept {
+  Record record; // nothing is copied: there is a record also where memory has run out
+  record.path = std::move(input.path);
+  record.bytes = input.bytes;
+  record.modified = std::move(input.modified);
+  record.deep = deep;
+  try {
+    if (!input.error.empty())
+      refuse(record, Reason::unreadable, std::move(input.error));
+    else
+      openAndJudge(record, workspace);
+  } catch (const std::exception &) {
+    refuse(record, Reason::no_memory, "");
+  }
+  if (record.reason == Reason::no_memory) // what was found says little, and takes the memory that is short
+    record.findings = {};
+  return record;
+}
+
+} // namespace kova::survey

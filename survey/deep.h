@@ -1,0 +1,14 @@
+/// The deep checks: what the verdict does not look at, as warnings.
+#pragma once
+
+#include "kova/kova.h"
+
+namespace kova::survey {
+
+/// Checks a model that was loaded. The findings go to the thread's receiver, as those of the library do.
+void deepCheck(const Kis &kis);
+
+/// @return the rows of the catalogue that only these checks use.
+std::span<const FindingRow> deepRows();
+
+} // namespace kova::survey

@@ -1,0 +1,66 @@
+#include "survey/output.h"
+
+#include "survey/text.h"
+
+#include <cerrno>
+#include <cstring>
+
+namespace kova::survey {
+
+namespace {
+
+void note(Output &output) {
+  if (output.error == 0)
+    output.error = errno != 0 ? errno : EIO;
+}
+
+} // namespace
+
+void openOutput(Output &output, const std::string &path, Opening opening) {
+  output.path = path;
+  errno = 0;
+  if (path == "-")
+    output.stream = stdout;
+  else if (!path.empty())
+    output.stream = std::fopen(path.c_str(), opening == Opening::append ? "abe" : "wbe");
+  if (!path.empty() && output.stream == nullptr)
+    note(output);
+}
+
+void write(Output &output, std::string_view text) {
+  errno = 0;
+  if (output.stream != nullptr && output.error == 0 &&
+      std::fwrite(text.data(), 1, text.size(), output.stream) != text.size())
+    note(output);
+}
+
+void flush(Output &output) {
+  errno = 0;
+  if (output.stream != nullptr && output.error == 0 && std::fflush(output.stream) != 0)
+    note(output);
+}
+
+bool finish(Output &output) {
+  errno = 0;
+  if (output.stream != nullptr && std::fclose(output.stream) != 0)
+    note(output);
+  output.stream = nullptr;
+  if (output.error != 0)
+    std::fprintf(stderr, "kbsurvey: %s cannot be written: %s.\n",
+                 output.path == "-" ? "standard output" : printable(output.path).c_str(), std::strerror(output.error));
+  return output.error == 0;
+}
+
+int replaceFile(const std::string &path, std::string_view text) {
+  Output output;
+  openOutput(output, path + ".new");
+  write(output, text);
+  errno = 0;
+  if (output.stream != nullptr && std::fclose(output.stream) != 0)
+    note(output);
+  if (output.error == 0 && std::rename(output.path.c_str(), path.c_str()) != 0)
+    note(output);
+  return output.error;
+}
+
+} // namespace kova::survey

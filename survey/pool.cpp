@@ -1,0 +1,95 @@
+#include "survey/pool.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <mutex>
+#include <thread>
+
+namespace kova::survey {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::milliseconds PROGRESS_INTERVAL(100);
+constexpr const char *CLEAR_LINE = "\r\x1b[K";
+
+/// What the workers share.
+struct Shared {
+  std::vector<Input> inputs; ///< each is taken by one worker
+  const Run &run;
+  std::atomic<std::size_t> next = 0;
+  std::mutex mutex = {}; ///< of what follows, and of `run.take`
+  std::condition_variable ended = {};
+  unsigned workers = 0; ///< at work
+  Progress progress = {};
+};
+
+void auditOne(Shared &shared, Input &&input, Workspace &workspace) {
+  const std::uint64_t bytes = input.bytes; // as they were added up
+  Record record = audit(std::move(input), shared.run.deep, workspace);
+  const std::lock_guard lock(shared.mutex);
+  ++shared.progress.files_done;
+  shared.progress.bytes_done += bytes;
+  shared.progress.bad += record.verdict != Verdict::ok;
+  shared.run.take(std::move(record));
+}
+
+void work(Shared &shared) {
+  Workspace workspace;
+  for (std::size_t i = shared.next++; i < shared.inputs.size(); i = shared.next++)
+    auditOne(shared, std::move(shared.inputs[i]), workspace);
+  const std::lock_guard lock(shared.mutex);
+  --shared.workers;
+  shared.ended.notify_one();
+}
+
+/// @return whether one more worker was started.
+bool startWorker(Shared &shared, std::vector<std::jthread> &threads) {
+  const std::lock_guard lock(shared.mutex);
+  try {
+    threads.emplace_back([&shared] { work(shared); });
+  } catch (const std::exception &) {
+    return false;
+  }
+  ++shared.workers;
+  return true;
+}
+
+/// Waits until all workers have ended, and shows meanwhile how far they are.
+void watch(Shared &shared) {
+  const auto begin = Clock::now();
+  std::unique_lock lock(shared.mutex);
+  while (!shared.ended.wait_for(lock, PROGRESS_INTERVAL, [&] { return shared.workers == 0; })) {
+    if (!shared.run.show_progress)
+      continue;
+    const std::chrono::duration<double> seconds = Clock::now() - begin;
+    std::fprintf(stderr, "%s%s", CLEAR_LINE, progressText(shared.progress, seconds.count()).c_str());
+    std::fflush(stderr);
+  }
+  if (shared.run.show_progress)
+    std::fputs(CLEAR_LINE, stderr);
+}
+
+} // namespace
+
+void auditAll(std::vector<Input> inputs, const Run &run) {
+  Shared shared{std::move(inputs), run};
+  shared.progress.files = shared.inputs.size();
+  for (const Input &input : shared.inputs)
+    shared.progress.bytes += input.bytes;
+  const std::size_t wanted = std::min<std::size_t>(run.workers, shared.inputs.size());
+  std::vector<std::jthread> threads;
+  threads.reserve(wanted);
+  while (threads.size() < wanted && startWorker(shared, threads)) {
+  }
+  if (threads.empty() && wanted > 0) { // no thread can be had: the caller does it all
+    ++shared.workers;
+    work(shared);
+  }
+  watch(shared);
+}
+
+} // namespace kova::survey

@@ -1,0 +1,22 @@
+/// Many files at a time.
+#pragma once
+
+#include "survey/audit.h"
+#include "survey/progress.h"
+
+#include <functional>
+
+namespace kova::survey {
+
+/// How a run of the workers is done.
+struct Run {
+  unsigned workers = 1;
+  bool deep = false;
+  bool show_progress = false;                  ///< on standard error
+  std::function<void(Record &&record)> take{}; ///< called for one record at a time, in any order; must not throw
+};
+
+/// Audits the files, each once, and hands on their records.
+void auditAll(std::vector<Input> inputs, const Run &run);
+
+} // namespace kova::survey

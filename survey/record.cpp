@@ -1,0 +1,31 @@
+#include "survey/record.h"
+
+#include "survey/deep.h"
+
+#include <cstring>
+
+namespace kova::survey {
+
+std::uint64_t findingCount(const Record &record) {
+  std::uint64_t sum = 0;
+  for (const auto &[id, count] : record.counts)
+    sum += count;
+  return sum;
+}
+
+const FindingRow *rowOf(const char *id) {
+  for (const FindingRow &row : deepRows())
+    if (std::strcmp(row.id, id) == 0)
+      return &row;
+  return kvFindingRow(id);
+}
+
+std::vector<const FindingRow *> allRows() {
+  std::vector<const FindingRow *> rows;
+  for (const std::span<const FindingRow> table : {kvFindingRows(), deepRows()})
+    for (const FindingRow &row : table)
+      rows.push_back(&row);
+  return rows;
+}
+
+} // namespace kova::survey

@@ -1,0 +1,118 @@
+#include "survey/summary.h"
+
+#include "survey/text.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace kova::survey {
+
+namespace {
+
+constexpr std::size_t FREQUENT = 10;
+
+std::string counted(std::uint64_t number, const char *one, const char *many) {
+  return std::to_string(number) + (number == 1 ? one : many);
+}
+
+/// @return ": 2 cannot be read, 1 other version", of the reasons that occur.
+std::string reasons(const Tally &tally) {
+  std::string text;
+  for (std::size_t i = 1; i < tally.by_reason.size(); ++i)
+    if (tally.by_reason[i] != 0)
+      text += (text.empty() ? " (" : ", ") + std::to_string(tally.by_reason[i]) + ' ' + REASON_TEXTS[i];
+  return text.empty() ? text : text + ')';
+}
+
+/// Warnings do not change the verdict: of a file that is ERR, the first error is told.
+const KeptFinding *toldFinding(const Record &record) {
+  const auto error = std::find_if(record.findings.begin(), record.findings.end(),
+                                  [](const KeptFinding &kept) { return kept.severity == Severity::error; });
+  if (error != record.findings.end())
+    return &*error;
+  return record.findings.empty() ? nullptr : &record.findings.front();
+}
+
+} // namespace
+
+void count(Tally &tally, const Record &record) {
+  ++tally.files;
+  tally.bytes += record.bytes;
+  ++tally.by_verdict[static_cast<std::size_t>(record.verdict)];
+  ++tally.by_reason[static_cast<std::size_t>(record.reason)];
+  for (const auto &[id, number] : record.counts) {
+    Frequency &frequency = tally.by_finding[id];
+    frequency.findings += number;
+    ++frequency.files;
+  }
+}
+
+Tally tallyOf(const std::vector<Record> &records) {
+  Tally tally;
+  for (const Record &record : records)
+    count(tally, record);
+  return tally;
+}
+
+std::vector<std::pair<std::string, Frequency>> mostFrequent(const Tally &tally) {
+  std::vector<std::pair<std::string, Frequency>> list(tally.by_finding.begin(), tally.by_finding.end());
+  std::stable_sort(list.begin(), list.end(),
+                   [](const auto &a, const auto &b) { return a.second.findings > b.second.findings; });
+  return list;
+}
+
+std::string whatIsWrong(const Record &record) {
+  if (record.verdict == Verdict::none)
+    return REASON_TEXTS[static_cast<std::size_t>(record.reason)] +
+           (record.detail.empty() ? "" : ": " + printable(record.detail));
+  const KeptFinding *const told = toldFinding(record);
+  const std::string number = counted(findingCount(record), " finding", " findings");
+  if (told == nullptr)
+    return number;
+  // Most texts do not say which list they are about.
+  const std::string text = oneLine(told->text), list = printable(told->list);
+  return number + ": " + (list.empty() || text.starts_with(list) ? "" : list + ": ") + text;
+}
+
+std::string badLine(const Record &record) {
+  return std::string(record.verdict == Verdict::err ? "ERR   " : "NONE  ") + printable(record.path) + "  " +
+         whatIsWrong(record) + '\n';
+}
+
+std::string summary(const Tally &tally, std::optional<double> seconds) {
+  std::string text = counted(tally.files, " file: ", " files: ") + std::to_string(tally.of(Verdict::ok)) + " OK, " +
+                     std::to_string(tally.of(Verdict::err)) + " ERR, " + std::to_string(tally.of(Verdict::none)) +
+                     " without verdict" + reasons(tally) + "; " + bytesText(tally.bytes);
+  if (seconds) {
+    char time[32];
+    std::snprintf(time, sizeof time, " in %.2f s", *seconds);
+    text += time;
+  }
+  text += '\n';
+  const auto list = mostFrequent(tally);
+  if (!list.empty())
+    text += list.size() > FREQUENT ? "most frequent findings:\n" : "findings:\n";
+  for (std::size_t i = 0; i < std::min(list.size(), FREQUENT); ++i) {
+    char line[160];
+    std::snprintf(line, sizeof line, "%8llu  %-24.60s in %s\n",
+                  static_cast<unsigned long long>(list[i].second.findings), printable(list[i].first).c_str(),
+                  counted(list[i].second.files, " file", " files").c_str());
+    text += line;
+  }
+  return text;
+}
+
+std::string bytesText(std::uint64_t bytes) {
+  constexpr const char *UNITS[] = {"kB", "MB", "GB", "TB", "PB", "EB"};
+  if (bytes < 1000)
+    return counted(bytes, " byte", " bytes");
+  double number = static_cast<double>(bytes) / 1000;
+  std::size_t unit = 0;
+  for (; number >= 999.95; number /= 1000)
+    ++unit;
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f %s", number, UNITS[unit]);
+  return text;
+}
+
+} // namespace kova::survey

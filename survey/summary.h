@@ -1,0 +1,47 @@
+/// The totals of a survey, and what is printed of them.
+#pragma once
+
+#include "survey/record.h"
+
+#include <array>
+
+namespace kova::survey {
+
+/// How often a finding occurs.
+struct Frequency {
+  std::uint64_t findings = 0;
+  std::uint64_t files = 0;
+};
+
+struct Tally {
+  std::uint64_t files = 0;
+  std::uint64_t bytes = 0;
+  std::array<std::uint64_t, std::size(VERDICT_NAMES)> by_verdict = {};
+  std::array<std::uint64_t, std::size(REASON_NAMES)> by_reason = {};
+  std::map<std::string, Frequency> by_finding = {};
+
+  std::uint64_t of(Verdict verdict) const { return by_verdict[static_cast<std::size_t>(verdict)]; }
+};
+
+void count(Tally &tally, const Record &record);
+
+Tally tallyOf(const std::vector<Record> &records);
+
+/// @return the findings by their frequency, the most frequent first.
+std::vector<std::pair<std::string, Frequency>> mostFrequent(const Tally &tally);
+
+/// @return what is wrong with a file, in one printable line: the number of findings and the first one, or why there is
+/// no verdict.
+std::string whatIsWrong(const Record &record);
+
+/// @return the line of a file that is not OK, with its line break.
+std::string badLine(const Record &record);
+
+/// @return the lines of the summary.
+/// @param seconds how long it took; none for what was not audited now
+std::string summary(const Tally &tally, std::optional<double> seconds);
+
+/// @return a number of bytes as people read it: "12.3 MB".
+std::string bytesText(std::uint64_t bytes);
+
+} // namespace kova::survey

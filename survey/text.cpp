@@ -1,0 +1,110 @@
+#include "survey/text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+namespace kova::survey {
+
+namespace {
+
+constexpr std::string_view DIGITS = "0123456789abcdef";
+
+void appendEscape(std::string &text, char byte) {
+  const auto value = static_cast<unsigned char>(byte);
+  text.append({'\\', 'x', DIGITS[value >> 4], DIGITS[value & 15]});
+}
+
+bool isPrintable(char byte) { return byte >= ' ' && byte <= '~' && byte != '\\'; }
+
+/// The valid UTF-8 sequences of more than one byte: their first byte, and what their second byte may be. (Third and
+/// fourth bytes are 0x80 to 0xbf.)
+struct Sequence {
+  unsigned char first, last;               ///< of the first byte
+  unsigned char second_first, second_last; ///< of the second byte
+  std::size_t bytes;
+};
+constexpr std::array<Sequence, 8> SEQUENCES = {{{0xc2, 0xdf, 0x80, 0xbf, 2},
+                                                {0xe0, 0xe0, 0xa0, 0xbf, 3},
+                                                {0xe1, 0xec, 0x80, 0xbf, 3},
+                                                {0xed, 0xed, 0x80, 0x9f, 3}, // no surrogates
+                                                {0xee, 0xef, 0x80, 0xbf, 3},
+                                                {0xf0, 0xf0, 0x90, 0xbf, 4},
+                                                {0xf1, 0xf3, 0x80, 0xbf, 4},
+                                                {0xf4, 0xf4, 0x80, 0x8f, 4}}};
+
+/// @return the bytes of the UTF-8 character that the text begins with; 0 if it begins with none.
+std::size_t characterBytes(std::string_view text) {
+  const auto at = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  if (at(0) < 0x80)
+    return 1;
+  for (const Sequence &sequence : SEQUENCES) {
+    if (at(0) < sequence.first || at(0) > sequence.last)
+      continue;
+    if (text.size() < sequence.bytes || at(1) < sequence.second_first || at(1) > sequence.second_last)
+      return 0;
+    for (std::size_t i = 2; i < sequence.bytes; ++i)
+      if (at(i) < 0x80 || at(i) > 0xbf)
+        return 0;
+    return sequence.bytes;
+  }
+  return 0;
+}
+
+} // namespace
+
+std::string printable(std::string_view bytes) {
+  std::string text;
+  for (const char byte : bytes)
+    if (isPrintable(byte))
+      text += byte;
+    else
+      appendEscape(text, byte);
+  return text;
+}
+
+std::string escaped(std::string_view bytes) {
+  std::string text;
+  while (!bytes.empty()) {
+    const std::size_t taken = bytes[0] == '\\' ? 0 : characterBytes(bytes);
+    if (taken == 0)
+      appendEscape(text, bytes[0]);
+    else
+      text += bytes.substr(0, taken);
+    bytes.remove_prefix(std::max<std::size_t>(taken, 1));
+  }
+  return text;
+}
+
+std::optional<std::string> unescaped(std::string_view text) {
+  std::string bytes;
+  for (std::size_t at = text.find('\\'); at != text.npos; at = text.find('\\')) {
+    bytes += text.substr(0, at);
+    text.remove_prefix(at);
+    if (text.size() < 4 || text[1] != 'x')
+      return std::nullopt;
+    const std::size_t high = DIGITS.find(text[2]), low = DIGITS.find(text[3]);
+    if (high == DIGITS.npos || low == DIGITS.npos)
+      return std::nullopt;
+    bytes += static_cast<char>(high << 4 | low);
+    text.remove_prefix(4);
+  }
+  bytes += text;
+  return bytes;
+}
+
+std::string oneLine(std::string_view text) {
+  std::string line;
+  while (!text.empty()) {
+    const std::string_view part = text.substr(0, text.find('\n'));
+    text.remove_prefix(std::min(text.size(), part.size() + 1));
+    const std::size_t begin = part.find_first_not_of(' ');
+    if (begin == part.npos)
+      continue;
+    line += line.empty() ? "" : "; ";
+    line += printable(part.substr(begin));
+  }
+  return line;
+}
+
+} // namespace kova::survey

@@ -1,0 +1,23 @@
+/// Bytes of paths as text. A path may hold nearly any byte; what is written here can neither add a line nor an escape
+/// sequence to a text, nor make a document invalid.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kova::survey {
+
+/// For terminals and line-oriented output: each byte outside printable ASCII, and each backslash, becomes `\xHH`.
+std::string printable(std::string_view bytes);
+
+/// For JSON: each byte that is not part of valid UTF-8, and each backslash, becomes `\xHH`. The result is valid UTF-8.
+std::string escaped(std::string_view bytes);
+
+/// @return the bytes that `printable` or `escaped` have made the text of; none for a text that neither has made.
+std::optional<std::string> unescaped(std::string_view text);
+
+/// @return the lines of a finding's text as one printable line.
+std::string oneLine(std::string_view text);
+
+} // namespace kova::survey
