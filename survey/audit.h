@@ -9,10 +9,10 @@ namespace kova::survey {
 
 /// A file to audit, as the search has found it.
 struct Input {
-  std::string path;
+  std::string path = {};
   std::uint64_t bytes = 0;
-  std::string modified; ///< as in `Record`
-  std::string error;    ///< why it cannot be read; empty if it can, as far as is known
+  std::string modified = {}; ///< as in `Record`
+  std::string error = {};    ///< why it cannot be read; empty if it can, as far as is known
 };
 
 /// @return a time as `Record::modified` shows it.

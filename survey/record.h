@@ -21,15 +21,15 @@ inline constexpr const char *REASON_TEXTS[] = {"", "cannot be read", "not a KOVA
 
 /// A finding that is kept when the library has forgotten it.
 struct KeptFinding {
-  std::string id;
+  std::string id = {};
   Stage stage = Stage::load;
   Severity severity = Severity::error;
-  std::string list; ///< empty if it is about none
+  std::string list = {}; ///< empty if it is about none
   std::optional<Word> element = {};
   std::optional<std::uint64_t> offset = {};
   std::optional<Word> found = {};
   std::optional<Word> expected = {};
-  std::string text; ///< as it is printed, at most `MOST_TEXT` bytes of it
+  std::string text = {}; ///< as it is printed, at most `MOST_TEXT` bytes of it
 };
 
 /// Bounds of what is kept of one file: a hostile file can have millions of findings, and a message with all the sizes
@@ -38,14 +38,14 @@ inline constexpr std::size_t MOST_FINDINGS = 1000;
 inline constexpr std::size_t MOST_TEXT = 1024;
 
 struct Record {
-  std::string path;
+  std::string path = {};
   std::uint64_t bytes = 0;
-  std::string modified; ///< seconds since 1970, a point, nine digits; empty if unknown
-  std::string version;  ///< "1.0" or "2.0"; empty if it is neither
+  std::string modified = {}; ///< seconds since 1970, a point, nine digits; empty if unknown
+  std::string version = {};  ///< "1.0" or "2.0"; empty if it is neither
   Verdict verdict = Verdict::none;
   Reason reason = Reason::has_verdict;
-  std::string detail; ///< more about the reason; may be empty
-  bool deep = false;  ///< whether the deep checks have run, too
+  std::string detail = {}; ///< more about the reason; may be empty
+  bool deep = false;       ///< whether the deep checks have run, too
   std::vector<KeptFinding> findings = {};
   std::map<std::string, std::uint64_t> counts = {}; ///< of all findings by id, also of those not kept
 };

@@ -30,14 +30,13 @@ struct Walk {
 };
 
 void addError(Walk &walk, std::string path, std::string error) {
-  walk.found.push_back({{.path = std::move(path), .modified = "", .error = std::move(error)}});
+  walk.found.push_back({{.path = std::move(path), .error = std::move(error)}});
 }
 
 void addFile(Walk &walk, std::string path, const struct stat &status) {
   walk.found.push_back({{.path = std::move(path),
                          .bytes = static_cast<std::uint64_t>(status.st_size),
-                         .modified = timeText(status.st_mtim),
-                         .error = ""},
+                         .modified = timeText(status.st_mtim)},
                         {status.st_dev, status.st_ino}});
 }
 

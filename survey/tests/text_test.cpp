@@ -1,0 +1,79 @@
+#include "survey/text.h"
+
+#include "survey/progress.h"
+#include "survey/summary.h"
+
+#include <gtest/gtest.h>
+
+namespace kova::survey {
+
+namespace {
+
+TEST(SurveyText, Escapes) {
+  struct Case {
+    std::string_view bytes, printable, escaped;
+  };
+  using namespace std::string_view_literals;
+  constexpr Case CASES[] = {
+      {"a/b c.kb"sv, "a/b c.kb", "a/b c.kb"},
+      {"\\xff"sv, "\\x5cxff", "\\x5cxff"},
+      {"\n\x1b\x7f\0"sv, "\\x0a\\x1b\\x7f\\x00", "\n\x1b\x7f\0"sv}, // JSON escapes control characters itself
+      {"\xc3\xa4"sv, "\\xc3\\xa4", "\xc3\xa4"},
+      {"\xf0\x9f\x98\x80!"sv, "\\xf0\\x9f\\x98\\x80!", "\xf0\x9f\x98\x80!"},
+      {"\xc3(\xff\xe2\x82"sv, "\\xc3(\\xff\\xe2\\x82", "\\xc3(\\xff\\xe2\\x82"}, // cut sequences
+      {"\xc0\xaf\xe0\x80\xaf\xf0\x80\x80\xaf"sv, "\\xc0\\xaf\\xe0\\x80\\xaf\\xf0\\x80\\x80\\xaf",
+       "\\xc0\\xaf\\xe0\\x80\\xaf\\xf0\\x80\\x80\\xaf"}, // longer than needed
+      {"\xed\xa0\x80\xf4\x90\x80\x80"sv, "\\xed\\xa0\\x80\\xf4\\x90\\x80\\x80",
+       "\\xed\\xa0\\x80\\xf4\\x90\\x80\\x80"}, // a surrogate, and beyond the last character
+  };
+  for (const Case &tried : CASES) {
+    EXPECT_EQ(printable(tried.bytes), tried.printable);
+    EXPECT_EQ(escaped(tried.bytes), tried.escaped);
+    EXPECT_EQ(unescaped(tried.printable), tried.bytes);
+    EXPECT_EQ(unescaped(tried.escaped), tried.bytes);
+  }
+  for (const char *const wrong : {"\\", "a\\x", "\\x1", "\\xFF", "\\n", "\\xg0"})
+    EXPECT_EQ(unescaped(wrong), std::nullopt) << wrong;
+}
+
+TEST(SurveyText, EverySequenceOfTwoBytesComesBack) {
+  for (int first = 0; first < 256; ++first)
+    for (int second = 0; second < 256; ++second) {
+      const std::string bytes = {static_cast<char>(first), static_cast<char>(second)};
+      ASSERT_EQ(unescaped(escaped(bytes)), bytes);
+      ASSERT_EQ(unescaped(printable(bytes)), bytes);
+    }
+}
+
+TEST(SurveyText, OneLine) {
+  EXPECT_EQ(oneLine("     300\nUnknown\x1b version.\n"), "300; Unknown\\x1b version.");
+  EXPECT_EQ(oneLine(" \n\n"), "");
+}
+
+TEST(SurveyText, BytesForPeople) {
+  EXPECT_EQ(bytesText(1), "1 byte");
+  EXPECT_EQ(bytesText(999), "999 bytes");
+  EXPECT_EQ(bytesText(1000), "1.0 kB");
+  EXPECT_EQ(bytesText(999'950), "1.0 MB");
+  EXPECT_EQ(bytesText(~std::uint64_t{0}), "18.4 EB");
+}
+
+TEST(SurveyText, Progress) {
+  EXPECT_EQ(progressText({.files = 9, .bytes = 90}, 0), "0/9 files, 0 bad, 0.0 MB/s");
+  EXPECT_EQ(progressText({.files = 4, .bytes = 400'000'000, .files_done = 1, .bytes_done = 100'000'000, .bad = 1}, 25),
+            "1/4 files, 1 bad, 4.0 MB/s, 1:15 left");
+}
+
+TEST(SurveyText, WhatIsWrongTellsTheFirstErrorAndItsList) {
+  Record record{.path = "a\nOK.kb", .verdict = Verdict::err};
+  record.findings = {{.id = "w", .severity = Severity::warning, .list = "ObjList", .text = "a warning\n"},
+                     {.id = "e", .severity = Severity::error, .list = "EnvList", .text = "size is wrong\n"}};
+  record.counts = {{"w", 2000}, {"e", 1}};
+  EXPECT_EQ(badLine(record), "ERR   a\\x0aOK.kb  2001 findings: EnvList: size is wrong\n");
+  EXPECT_EQ(badLine({.path = "b", .reason = Reason::unreadable, .detail = "gone\r"}),
+            "NONE  b  cannot be read: gone\\x0d\n");
+}
+
+} // namespace
+
+} // namespace kova::survey
