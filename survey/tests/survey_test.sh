@@ -1,0 +1,198 @@
+#!/usr/bin/env bash
+# kbsurvey as a program: verdicts, exit statuses, the search, reports, resuming, shards; hostile names and files.
+set -euo pipefail
+# shellcheck source=tests/lib.sh
+. "$SOURCE_DIR/tests/lib.sh"
+cd "$scratch"
+cp -r "$SOURCE_DIR/samples" samples
+mkdir good bad
+cp samples/{town,figure}.kb good
+cp samples/{damaged,version}.kb bad
+
+# field NAME FILE: of the JSON report, a line for each file.
+field() {
+  python3 -c 'import json, sys
+for line in open(sys.argv[2], "rb"): print(json.loads(line)[sys.argv[1]])' "$1" "$2"
+}
+survey() { # STATUS OPTION...
+  local status=$1
+  shift
+  run "$status" "kbsurvey $*" "$KBSURVEY" "$@"
+}
+no_out() { [ ! -s "$scratch/out" ] || fail "$1 prints: $(head -c 300 "$scratch/out")"; }
+
+# --- Verdicts ---
+
+for sample in samples/*.kb; do
+  verdict=$("$KBAUDIT" "$sample" 2>/dev/null | sed -n 's/^\*\*\*\* check result : \(OK\|ERR\).*/\1/p' | head -n 1) || :
+  printf '%s %s\n' "$sample" "${verdict:-NONE}"
+done >by_kbaudit
+survey 2 samples
+{ awk '/^(ERR|NONE) / { print $2, $1 }' out; grep ' OK$' by_kbaudit; } | sort >by_kbsurvey
+same "verdicts as those of kbaudit" "$(sort by_kbaudit)" "$(cat by_kbsurvey)"
+same "summary" "$(wc -l <by_kbaudit) files: $(grep -c 'OK$' by_kbaudit) OK, $(grep -c ERR by_kbaudit) ERR, 1 without verdict (1 other version)" \
+  "$(sed -n 's/; [0-9.]* kB in .*//p' out)"
+
+# The texts of the JSON report are what kbaudit prints, without its headings.
+"$KBAUDIT" samples/damaged.kb | sed '/^\*\*\*\*/,$d; /^KOVA 1/d; /^---- /d' >printed
+survey 1 --json - samples/damaged.kb
+python3 -c 'import json, sys; sys.stdout.write("".join(f["text"] for f in json.load(open("out"))["findings"]))' >texts
+same "texts of the findings" "$(cat printed)" "$(cat texts)"
+
+# --- Exit statuses ---
+
+mkdir empty
+printf 'this is no scene, but it is longer than the header of one: %0100d' 0 >not.kb
+survey 0 good
+survey 1 good bad/damaged.kb
+survey 2 good bad
+survey 2 not.kb
+same "no KOVA file" "NONE  not.kb  not a KOVA file" "$(head -n 1 out)"
+survey 2 empty
+survey 2 missing.kb
+same "missing file" "NONE  missing.kb  cannot be read: No such file or directory" "$(head -n 1 out)"
+for wrong in "" --nonsense "-j 0 good" "-j x good" "--shard 3/2 good" "--shard x good" "--merge" "--json - --html - good" \
+  "--json - --print0 good" "--merge --resume x good" "--explain nothing" "--files-from missing" "--json no/folder good" \
+  "--resume bad/damaged.kb good" "--merge bad/damaged.kb" "--html no/folder good"; do
+  # shellcheck disable=SC2086 # several words
+  survey 3 $wrong
+  no_out "wrong usage ($wrong)"
+  [ -s err ] || fail "wrong usage ($wrong): no message"
+done
+if [ -e /dev/full ]; then
+  for report in --json --junit --html; do survey 3 "$report" /dev/full samples; done
+  # shellcheck disable=SC2016 # for the other shell
+  run 3 "full standard output" sh -c '"$1" samples >/dev/full' sh "$KBSURVEY"
+fi
+for asked in --version --help --list-findings "--explain tag"; do
+  # shellcheck disable=SC2086 # two words
+  survey 0 $asked
+  [ -s out ] || fail "$asked prints nothing"
+done
+"$KBSURVEY" --list-findings | cut -d ' ' -f 1 >ids
+while read -r id; do
+  "$KBSURVEY" --explain "$id" | grep '^Next step:  .' >/dev/null || fail "--explain $id: no next step"
+done <ids
+
+# --- The search ---
+
+mkdir -p tree/deep/er tree/x.kb
+cp samples/town.kb tree/deep/er/UPPER.KB
+cp samples/town.kb tree/x.kb/in.Kb
+cp samples/town.kb tree/other.scene
+cp samples/town.kb tree/nokb
+ln tree/deep/er/UPPER.KB tree/hard.kb
+ln -s deep/er/UPPER.KB tree/soft.kb
+ln -s ../good tree/folder.kb
+ln -s nowhere tree/broken.kb
+mkfifo tree/pipe.kb
+survey 2 --json tree.json tree ./tree tree/x.kb/in.Kb tree/x.kb
+same "files of the tree" $'./tree/broken.kb\n./tree/deep/er/UPPER.KB\n./tree/x.kb/in.Kb\ntree/broken.kb' "$(field path tree.json | sort)"
+survey 0 --name '*.scene' --name nok? --json tree.json tree
+same "other names" $'tree/nokb\ntree/other.scene' "$(field path tree.json | sort)"
+run 2 "a pipe that is named" timeout 20 "$KBSURVEY" tree/pipe.kb
+survey 0 tree/folder.kb # a link that is named
+printf 'good/town.kb\nbad\n' | run 2 "a list" "$KBSURVEY" --files-from - --print0
+same "bad files of a list" $'bad/damaged.kb|bad/version.kb|' "$(tr '\0' '|' <out)"
+printf 'good/town.kb\0good/figure.kb' | run 0 "a list with NULs" "$KBSURVEY" --files-from -
+if [ "$(id -u)" -ne 0 ]; then
+  mkdir closed && chmod 0 closed
+  survey 2 good closed
+  grep '^NONE  closed  cannot be read' out >/dev/null || fail "a closed folder is not told"
+fi
+
+# --- Hostile names ---
+
+mkdir hostile
+cd hostile
+python3 -c 'import os
+data = open(b"../bad/damaged.kb", "rb").read()
+names = [b"-h.kb", b"a\nERR   forged.kb  1 finding", b"\x1b[2Jx", b"\xff\xfe", b"\"},{\"path\":\"", b"<b>\r", b"\\x41", b" "]
+for name in names: open(name + b".kb", "wb").write(data)
+open(b"../names", "wb").write(b"".join(sorted(b"./" + name + b".kb\0" for name in names)))'
+survey 1 --json ../hostile.json --junit ../hostile.xml --print0 .
+cmp "$scratch/out" ../names || fail "--print0 of hostile names"
+survey 1 .
+same "lines of hostile names" "8" "$(grep -c '^ERR   \./[!-~ ]*\.kb  6 findings: [ -~]*$' "$scratch/out")"
+same "lines beside the summary" "8" "$(sed '/^8 files/,$d' "$scratch/out" | wc -l)"
+cd ..
+same "lines of the JSON report" "8" "$(wc -l <hostile.json)"
+python3 -c 'import json, os, re, xml.dom.minidom
+def bytes_of(text): return re.sub(rb"\\x(..)", lambda m: bytes.fromhex(m[1].decode()), text.encode())
+names = set(open("names", "rb").read().split(b"\0")[:-1])
+assert {bytes_of(json.loads(line)["path"]) for line in open("hostile.json", "rb")} == names
+cases = xml.dom.minidom.parse("hostile.xml").getElementsByTagName("testcase")
+assert {bytes_of(case.getAttribute("name")) for case in cases} == names
+assert all(len(case.getElementsByTagName("failure")) == 1 for case in cases)' || fail "names in the reports"
+survey 1 --merge hostile.json --json merged.json
+same "hostile names, merged" "$(sort hostile.json)" "$(sort merged.json)"
+
+# --- Jobs, shards, merging, resuming ---
+
+survey 2 -j1 --json one.json samples hostile
+survey 2 --merge one.json --json merged.json --html merged.html --junit merged.xml
+same "number of merged lines" "$(wc -l <one.json)" "$(wc -l <merged.json)"
+for shard in 1 2 3; do "$KBSURVEY" -j3 --shard "$shard/3" --json "part$shard.json" samples hostile >/dev/null || [ $? -le 2 ]; done
+survey 2 --merge part3.json part1.json part2.json --json merged2.json --html merged2.html --junit merged2.xml
+for kind in json html xml; do cmp merged.$kind merged2.$kind || fail "merging shards: another $kind"; done
+survey 2 -j2 --html run.html --junit run.xml samples hostile
+cmp run.html merged.html || fail "the page of a run is not that of its report"
+cmp run.xml merged.xml || fail "the JUnit report of a run is not that of its report"
+survey 0 --shard 1/1000 good/town.kb # nothing in this part, or all
+
+# An interrupted report: some lines and a half one. What stands there is not audited again: it is forged here to show that.
+mkdir again
+cp samples/{town,figure,small-1,small-2}.kb again
+survey 0 --json again.json again
+head -n 3 again.json | sed '1s/"verdict":"OK"/"verdict":"ERR"/' >whole.json
+forged=$(head -n 1 whole.json | sed 's/.*"path":"\([^"]*\)".*/\1/')
+{ cat whole.json && head -n 4 again.json | tail -n 1 | head -c 50; } >half.json
+cp half.json other.json
+survey 1 --resume other.json --json resumed.json again
+same "resumed into another report" "4" "$(wc -l <resumed.json)"
+survey 1 --resume half.json --json half.json again
+same "resumed into the same report" "$(sort resumed.json)" "$(sort half.json)"
+touch -d '2001-02-03 04:05:06' "$forged"
+survey 0 --resume half.json --json half.json again
+same "a file that has changed" "4" "$(wc -l <half.json)"
+survey 0 --resume new.json --json new.json again # the first run of all
+
+# A run that is killed leaves whole lines, and perhaps the beginning of one; it is resumed and loses nothing.
+mkdir many
+python3 -c 'data = open("samples/small-1.kb", "rb").read()
+for i in range(3000): open(f"many/{i}.kb", "wb").write(data)'
+"$KBSURVEY" -j1 --json killed.json many >/dev/null 2>&1 &
+pid=$!
+while [ ! -s killed.json ] && kill -0 "$pid" 2>/dev/null; do :; done
+kill -KILL "$pid" 2>/dev/null || notice "the run had ended before it was killed"
+wait "$pid" 2>/dev/null || :
+[ -s killed.json ] || fail "a run that is killed has written nothing"
+survey 0 --resume killed.json --json killed.json many
+survey 0 --merge killed.json
+same "files of a run that was killed and resumed" "3000 files: 3000 OK" "$(sed 's/,.*//' out)"
+same "lines of its report" 3000 "$(wc -l <killed.json)"
+
+# --- Memory ---
+
+# Twenty million vertices, most of them a hole in the file.
+perl -e 'my $vertices = 20_000_000; my $group = 24 + 12 * $vertices; my $list = 24 + 4 + $group;
+         my @sizes = (0) x 21; $sizes[6] = $list;
+         open my $file, ">", "large.kb"; print $file pack "N*", 0x100, 100 + $list, 0, 100, @sizes,
+           0x40000, 24, $list, 1, 0, 0, $group, 0x40100, 0, 24, $group, 0, $vertices;
+         truncate $file, 100 + $list'
+if sanitized || ! has prlimit; then
+  notice "a limit of memory"
+else
+  survey 1 large.kb good
+  run 2 "a file that needs more memory than there is" prlimit --as=200000000 "$KBSURVEY" -j1 large.kb good bad/damaged.kb
+  same "its line" $'ERR   bad/damaged.kb\nNONE  large.kb  not enough memory' "$(sed '/^4 files/,$d; s/  6 findings.*//' out)"
+fi
+
+# --- A terminal ---
+
+if has script; then
+  script -qec "'$KBSURVEY' good" terminal >/dev/null </dev/null || fail "on a terminal"
+  grep '2 files: 2 OK' terminal >/dev/null || fail "no summary on a terminal"
+fi
+survey 0 good
+[ ! -s err ] || fail "standard error is no terminal, and yet: $(cat err)"
