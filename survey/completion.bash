@@ -1,0 +1,21 @@
+# Completion of kbsurvey for bash.
+_kbsurvey() {
+  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
+  COMPREPLY=()
+  case $before in
+    --explain)
+      mapfile -t COMPREPLY < <(compgen -W "$("${COMP_WORDS[0]}" --list-findings 2>/dev/null | cut -d ' ' -f 1)" -- "$word")
+      return ;;
+    -j | --jobs)
+      mapfile -t COMPREPLY < <(compgen -W "$(seq "$(nproc)")" -- "$word")
+      return ;;
+    --shard | --name) return ;;
+  esac
+  if [[ $word == -* && $before != --json && $before != --junit && $before != --html ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "$("${COMP_WORDS[0]}" --help 2>/dev/null | grep -o -e '--[a-z0-9-]*' | sort -u)" -- "$word")
+  else
+    compopt -o filenames 2>/dev/null
+    mapfile -t COMPREPLY < <(compgen -f -- "$word")
+  fi
+}
+complete -F _kbsurvey kbsurvey

@@ -1,0 +1,127 @@
+#!/usr/bin/env bash
+# The scripts of docs/survey.md run as they are shown, the one for several machines with two ssh servers of its own. The
+# manual page and the completion know every option.
+set -euo pipefail
+# shellcheck source=tests/lib.sh
+. "$SOURCE_DIR/tests/lib.sh"
+tools=$scratch/tools
+mkdir "$tools" "$scratch/recipes"
+ln -s "$KBSURVEY" "$tools/kbsurvey"
+export PATH=$tools:$PATH
+
+awk -v recipes="$scratch/recipes" '
+  /^```sh$/ { out = sprintf("%s/%d.sh", recipes, ++number); next }
+  /^```/ { out = "" }
+  out { print >out }' "$SOURCE_DIR/docs/survey.md"
+same "number of scripts" 8 "$(find "$scratch/recipes" -name '*.sh' | wc -l)"
+
+fresh_folder() {
+  cd "$scratch"
+  rm -rf folder
+  mkdir -p folder/scenes
+  cd folder
+  cp "$SOURCE_DIR"/samples/{town,damaged,version}.kb scenes
+  cp "$SOURCE_DIR/samples/index.kb" $'scenes/a\nb.kb'
+}
+recipe() { run "$1" "script $2" sh "$scratch/recipes/$2.sh"; }
+verdicts() { sed -n 's/^\(3\|4\) files: \([^;(]*\).*/\2/p' "$1"; }
+all='1 OK, 2 ERR, 1 without verdict '
+
+fresh_folder
+recipe 0 1
+same "script 1" "some files have no verdict" "$(tail -n 1 "$scratch/out")"
+grep '<title>' survey.html >/dev/null || fail "script 1: no page"
+recipe 0 2
+rm "scenes/version.kb"
+recipe 0 2
+same "script 2, again" '1 OK, 2 ERR, 0 without verdict' "$(verdicts survey.txt)"
+recipe 1 4
+grep 'failures="2"' survey.xml >/dev/null || fail "script 4: no JUnit report"
+recipe 0 5
+same "script 5" $'scenes/a\\x0ab.kb\nscenes/damaged.kb' "$(sed 's/\n/\\x0a/' "$scratch/out" | perl -0pe 's/a\nb/a\\x0ab/' | sort)"
+recipe 0 3
+same "left by script 3" "town.kb" "$(ls scenes)"
+
+# --- Slurm: its variables are set as it sets them ---
+
+fresh_folder
+for task in 2 1 3 3; do # one is requeued
+  SLURM_ARRAY_TASK_ID=$task SLURM_ARRAY_TASK_COUNT=3 SLURM_CPUS_PER_TASK=2 recipe 0 7
+done
+recipe 0 8
+same "parts of an array" "$all" "$(verdicts "$scratch/out")"
+
+# --- Two machines ---
+
+start_server() { # NAME PORT
+  cat >"$scratch/$1.conf" <<END
+ListenAddress 127.0.0.1:$2
+HostKey $scratch/key
+PidFile $scratch/$1.pid
+AuthorizedKeysFile $scratch/key.pub
+StrictModes no
+UsePAM no
+PasswordAuthentication no
+SetEnv PATH=$tools:/usr/bin:/bin
+END
+  /usr/sbin/sshd -f "$scratch/$1.conf" -E "$scratch/$1.log" || return
+  cat >>"$scratch/ssh_config" <<END
+Host $1
+  HostName 127.0.0.1
+  Port $2
+  IdentityFile $scratch/key
+  StrictHostKeyChecking no
+  UserKnownHostsFile $scratch/known
+  LogLevel ERROR
+END
+  for _ in $(seq 50); do
+    ssh "$1" true 2>/dev/null && return
+    sleep 0.1
+  done
+  cat "$scratch/$1.log" >&2
+  return 1
+}
+stop_servers() {
+  local file
+  for file in "$scratch"/{first,second}.pid; do [ ! -e "$file" ] || kill "$(cat "$file")" || :; done
+}
+
+if [ -x /usr/sbin/sshd ] && [ "$(id -u)" -eq 0 ] && has ssh-keygen && parallel --version 2>/dev/null | grep -w GNU >/dev/null; then
+  mkdir -p /run/sshd
+  ssh-keygen -q -t ed25519 -N '' -f "$scratch/key"
+  printf '#!/bin/sh\nexec %s -F %s "$@"\n' "$(command -v ssh)" "$scratch/ssh_config" >"$tools/ssh"
+  chmod +x "$tools/ssh"
+  trap 'stop_servers; finish' EXIT
+  port=$((20000 + $$ % 10000))
+  export PARALLEL_HOME=$scratch/parallel
+  if start_server first "$port" && start_server second "$((port + 1))"; then
+    fresh_folder
+    recipe 0 6
+    same "two machines" "$all" "$(verdicts "$scratch/out")"
+    same "machines that have worked" $'first\nsecond' "$(awk 'NR > 1 { print $2 }' parts.log | sort -u)"
+    kill "$(cat "$scratch/second.pid")"
+    rm -f "$scratch/second.pid"
+    recipe 1 6
+    same "with a machine down" "parts are missing" "$(tail -n 1 "$scratch/err")"
+  else
+    fail "no ssh server on the loopback address"
+  fi
+else
+  notice "two machines: this needs sshd, GNU parallel and root"
+fi
+
+# --- Manual page and completion ---
+
+cd "$SOURCE_DIR"
+"$KBSURVEY" --help | grep -o -e '--[a-z0-9-]*' | sort -u >"$scratch/options"
+sed 's/\\-/-/g; s/\\fI/ /g' docs/kbsurvey.1 | grep -o -e '--[a-z0-9-][a-z0-9-]*' | sort -u >"$scratch/manual"
+same "options of the manual page" "$(cat "$scratch/options")" "$(cat "$scratch/manual")"
+same "version of the manual page" "$("$KBSURVEY" --version)" "$(sed -n 's/^\.TH KBSURVEY 1 "[^"]*" "\([^"]*\)".*/\1/p' docs/kbsurvey.1)"
+! has groff || same "warnings of the manual page" "" "$(groff -man -Tutf8 -ww -z docs/kbsurvey.1 2>&1)"
+complete_words() { # WORD...: what is offered for the last one
+  bash -c '. survey/completion.bash; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _kbsurvey; printf "%s\n" "${COMPREPLY[@]}"' \
+    kbsurvey "$KBSURVEY" "${@:2}"
+}
+same "completion of options" $'--json\n--junit' "$(complete_words kbsurvey --j | grep -v jobs)"
+same "completion of findings" "header-size"$'\n'"header-tag" "$(complete_words kbsurvey --explain header- | head -n 2)"
+same "completion of paths" "docs/survey.md" "$(complete_words kbsurvey --html docs/surv)"
