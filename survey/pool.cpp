@@ -1,5 +1,7 @@
 #include "survey/pool.h"
 
+#include "survey/parallel.h"
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -22,8 +24,7 @@ struct Shared {
   const Run &run;
   std::atomic<std::size_t> next = 0;
   std::mutex mutex = {}; ///< of what follows, and of `run.take`
-  std::condition_variable ended = {};
-  unsigned workers = 0; ///< at work
+  std::condition_variable_any done = {};
   Progress progress = {};
 };
 
@@ -41,36 +42,18 @@ void work(Shared &shared) {
   Workspace workspace;
   for (std::size_t i = shared.next++; i < shared.inputs.size(); i = shared.next++)
     auditOne(shared, std::move(shared.inputs[i]), workspace);
-  const std::lock_guard lock(shared.mutex);
-  --shared.workers;
-  shared.ended.notify_one();
 }
 
-/// @return whether one more worker was started.
-bool startWorker(Shared &shared, std::vector<std::jthread> &threads) {
-  const std::lock_guard lock(shared.mutex);
-  try {
-    threads.emplace_back([&shared] { work(shared); });
-  } catch (const std::exception &) {
-    return false;
-  }
-  ++shared.workers;
-  return true;
-}
-
-/// Waits until all workers have ended, and shows meanwhile how far they are.
-void watch(Shared &shared) {
+/// Shows how far the workers are until it is asked to stop.
+void watch(const std::stop_token &stop, Shared &shared) {
   const auto begin = Clock::now();
   std::unique_lock lock(shared.mutex);
-  while (!shared.ended.wait_for(lock, PROGRESS_INTERVAL, [&] { return shared.workers == 0; })) {
-    if (!shared.run.show_progress)
-      continue;
+  while (!shared.done.wait_for(lock, stop, PROGRESS_INTERVAL, [&] { return stop.stop_requested(); })) {
     const std::chrono::duration<double> seconds = Clock::now() - begin;
     std::fprintf(stderr, "%s%s", CLEAR_LINE, progressText(shared.progress, seconds.count()).c_str());
     std::fflush(stderr);
   }
-  if (shared.run.show_progress)
-    std::fputs(CLEAR_LINE, stderr);
+  std::fputs(CLEAR_LINE, stderr);
 }
 
 } // namespace
@@ -80,16 +63,10 @@ void auditAll(std::vector<Input> inputs, const Run &run) {
   shared.progress.files = shared.inputs.size();
   for (const Input &input : shared.inputs)
     shared.progress.bytes += input.bytes;
-  const std::size_t wanted = std::min<std::size_t>(run.workers, shared.inputs.size());
-  std::vector<std::jthread> threads;
-  threads.reserve(wanted);
-  while (threads.size() < wanted && startWorker(shared, threads)) {
-  }
-  if (threads.empty() && wanted > 0) { // no thread can be had: the caller does it all
-    ++shared.workers;
-    work(shared);
-  }
-  watch(shared);
+  std::jthread watcher; // stops when it is destroyed
+  if (run.show_progress)
+    watcher = std::jthread([&](const std::stop_token &stop) { watch(stop, shared); });
+  inParallel(std::min<std::size_t>(run.workers, shared.inputs.size()), [&] { work(shared); });
 }
 
 } // namespace kova::survey

@@ -109,7 +109,7 @@ bool openResumed(Results &results, const Options &options, const std::vector<Rec
 
 Status surveyFiles(const Options &options) {
   const auto begin = std::chrono::steady_clock::now();
-  Search search{options.paths, options.names};
+  Search search{options.paths, options.names, options.workers};
   Earlier earlier;
   for (const std::string &wrong : {addListed(options.files_from, search.paths), readEarlier(options.resume, earlier)})
     if (!wrong.empty())

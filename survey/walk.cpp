@@ -1,26 +1,42 @@
 #include "survey/walk.h"
 
+#include "survey/parallel.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
-#include <filesystem>
+#include <dirent.h>
+#include <exception>
 #include <fnmatch.h>
-#include <set>
+#include <memory>
 #include <strings.h>
 #include <sys/stat.h>
+#include <unordered_set>
 #include <utility>
 
 namespace kova::survey {
 
 namespace {
 
-namespace fs = std::filesystem;
+/// Which file it is, whatever its name.
+struct Identity {
+  dev_t device = 0;
+  ino_t number = 0;
 
-/// A file that was found, and which one it is, whatever its name.
+  bool operator==(const Identity &) const = default;
+};
+
+struct IdentityHash {
+  std::size_t operator()(const Identity &identity) const { return identity.number * 31 + identity.device; }
+};
+
+/// What was found, and then what it is.
 struct Found {
   Input input;
-  std::pair<dev_t, ino_t> identity = {};
+  bool named = false;     ///< by the user; else in a folder
+  bool wanted = true;     ///< a file, or something that the user has to know of
+  Identity identity = {}; ///< of a file, whatever its name
 };
 
 struct Walk {
@@ -29,69 +45,88 @@ struct Walk {
   std::vector<std::string> folders = {}; ///< to look into
 };
 
-void addError(Walk &walk, std::string path, std::string error) {
-  walk.found.push_back({{.path = std::move(path), .error = std::move(error)}});
-}
-
-void addFile(Walk &walk, std::string path, const struct stat &status) {
-  walk.found.push_back({{.path = std::move(path),
-                         .bytes = static_cast<std::uint64_t>(status.st_size),
-                         .modified = timeText(status.st_mtim)},
-                        {status.st_dev, status.st_ino}});
-}
-
-bool fits(const Search &search, const std::string &name) {
+bool fits(const Search &search, const char *name) {
+  const std::size_t length = std::strlen(name);
   if (search.names.empty())
-    return name.size() >= 3 && ::strcasecmp(name.c_str() + name.size() - 3, ".kb") == 0;
+    return length >= 3 && ::strcasecmp(name + length - 3, ".kb") == 0;
   return std::any_of(search.names.begin(), search.names.end(),
-                     [&](const std::string &pattern) { return ::fnmatch(pattern.c_str(), name.c_str(), 0) == 0; });
+                     [&](const std::string &pattern) { return ::fnmatch(pattern.c_str(), name, 0) == 0; });
 }
 
 /// What the user has named is taken, whatever it is.
 void addNamed(Walk &walk, const std::string &path) {
   struct stat status;
-  if (::stat(path.c_str(), &status) != 0)
-    addError(walk, path, std::strerror(errno));
-  else if (S_ISDIR(status.st_mode))
+  if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
     walk.folders.push_back(path);
-  else if (S_ISREG(status.st_mode))
-    addFile(walk, path, status);
   else
-    addError(walk, path, "not a regular file");
+    walk.found.push_back({.input = {.path = path}, .named = true});
 }
 
-/// Of what is in folders, files are taken and links to files. A link that leads nowhere is a file that cannot be read.
-void addEntry(Walk &walk, const fs::directory_entry &entry) {
-  std::error_code ignored;
-  const bool link = entry.is_symlink(ignored);
-  if (!link && entry.is_directory(ignored)) {
-    walk.folders.push_back(entry.path().native());
-    return;
-  }
-  const std::string &path = entry.path().native();
+/// @return whether an entry of a folder is a folder, and no link to one.
+bool isFolder(const dirent &entry, const std::string &path) {
   struct stat status;
-  if (!fits(walk.search, entry.path().filename().native()))
+  if (entry.d_type != DT_UNKNOWN)
+    return entry.d_type == DT_DIR;
+  return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+void addEntry(Walk &walk, const std::string &folder, const dirent &entry) {
+  if (std::strcmp(entry.d_name, ".") == 0 || std::strcmp(entry.d_name, "..") == 0)
     return;
-  if (::stat(path.c_str(), &status) != 0)
-    addError(walk, path, std::strerror(errno));
-  else if (S_ISREG(status.st_mode))
-    addFile(walk, path, status);
+  std::string path = folder + entry.d_name;
+  if (isFolder(entry, path))
+    walk.folders.push_back(std::move(path));
+  else if (fits(walk.search, entry.d_name))
+    walk.found.push_back({.input = {.path = std::move(path)}});
 }
 
 void lookInto(Walk &walk, const std::string &folder) {
-  std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
-    addEntry(walk, *entry);
-  if (error)
-    addError(walk, folder, error.message());
+  const std::unique_ptr<DIR, int (*)(DIR *)> stream(::opendir(folder.c_str()), ::closedir);
+  const std::string prefix = folder.ends_with('/') ? folder : folder + '/';
+  errno = stream ? 0 : errno;
+  while (const dirent *const entry = stream ? ::readdir(stream.get()) : nullptr) {
+    addEntry(walk, prefix, *entry);
+    errno = 0; // an error and the end of the folder are told apart by it
+  }
+  if (errno != 0)
+    walk.found.push_back({.input = {.path = folder, .error = std::strerror(errno)}});
+}
+
+/// Of what is in folders, files are taken and links to files. A link that leads nowhere is a file that cannot be read.
+void identify(Found &found) {
+  if (!found.input.error.empty())
+    return;
+  struct stat status;
+  if (::stat(found.input.path.c_str(), &status) != 0) {
+    found.input.error = std::strerror(errno);
+  } else if (!S_ISREG(status.st_mode)) {
+    found.input.error = "not a regular file";
+    found.wanted = found.named;
+  } else {
+    found.input.bytes = static_cast<std::uint64_t>(status.st_size);
+    found.input.modified = timeText(status.st_mtim);
+    found.identity = {status.st_dev, status.st_ino};
+  }
+}
+
+/// The same in a thread, which nothing may leave by an exception.
+void identifySafely(Found &found) noexcept {
+  try {
+    identify(found);
+  } catch (const std::exception &) {
+    found.input.error = "no memory"; // short enough to need none
+  }
 }
 
 /// Leaves the first of the entries that mean the same file, or that cannot be read and have the same path.
 std::vector<Input> withoutDoubles(std::vector<Found> found) {
+  std::erase_if(found, [](const Found &file) { return !file.wanted; });
   std::stable_sort(found.begin(), found.end(),
                    [](const Found &a, const Found &b) { return a.input.path < b.input.path; });
-  std::set<std::pair<dev_t, ino_t>> seen;
+  std::unordered_set<Identity, IdentityHash> seen;
+  seen.reserve(found.size());
   std::vector<Input> inputs;
+  inputs.reserve(found.size());
   for (Found &file : found) {
     const bool first = file.input.error.empty() ? seen.insert(file.identity).second
                                                 : inputs.empty() || inputs.back().path != file.input.path;
@@ -113,6 +148,7 @@ std::vector<Input> findFiles(const Search &search) {
     walk.folders.pop_back();
     lookInto(walk, folder);
   }
+  forEachNumber(walk.found.size(), search.threads, [&](std::size_t i) { identifySafely(walk.found[i]); });
   return withoutDoubles(std::move(walk.found));
 }
 
