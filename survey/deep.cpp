@@ -1,9 +1,502 @@
 #include "survey/deep.h"
 
+#include "reader/findings.h"
+#include "survey/deep_tables.h"
+
+#include <algorithm>
+#include <limits>
+
 namespace kova::survey {
 
-void deepCheck(const Kis &) {}
+namespace {
 
-std::span<const FindingRow> deepRows() { return {}; }
+// --- The catalogue --------------------------------------------------------------------------------------------------
+
+constexpr FindingRow warning(const char *id, const char *format, const char *meaning, const char *next_step) {
+  return {id, Stage::check, Severity::warning, format, meaning, next_step};
+}
+
+/// All links have this text: the element, the field, its value, the target and the number of elements there.
+constexpr const char *LINK_FORMAT = "WARN : %s : %s = %d, but %s has %d\n";
+static_assert(formatFits<Label, const char *, Word, const char *, Word>(LINK_FORMAT));
+constexpr const char *LINK_NEXT_STEP = "Correct the index in the program that wrote the file; -1 stands for none.";
+
+/// The rows behind those of the links.
+enum : std::size_t {
+  floatNotFinite = LINK_NUM,
+  keysOutOfOrder,
+  objectParent,
+  objectTwiceChild,
+  objectCircle,
+  nameControlByte,
+  ROW_NUM
+};
+
+constexpr FindingRow OTHER_ROWS[] = {
+    warning("float-not-finite", "WARN : %s : %s is not a finite number\n",
+            "A float is infinite or not a number, so what is computed from it is, too.",
+            "Look for a division by zero in the program that wrote the file."),
+    warning("keys-out-of-order", "WARN : %s : %s : key %d behind key %d\n",
+            "Keyframes do not stand in the order of their keys, so a search for the frame can fail.",
+            "Sort the keys, together with what belongs to them, before the file is written."),
+    warning("object-parent", "WARN : %s : its parent is %d, but it is a child of %d\n",
+            "The parent that an object names and the object that has it as a child are not the same; -1: none.",
+            "Write the parent link and the child links of the tree from one source."),
+    warning("object-twice-child", "WARN : %s : a child of %d, and again of %d\n",
+            "An object is a child twice, so it is drawn twice or moved by two parents.",
+            "Make a second object, or remove one of the child links."),
+    warning("object-circle", "WARN : %s is its own ancestor\n",
+            "The parent links form a circle, so a program that follows them does not come to an end.",
+            "Correct the parent links; the top of a tree has -1."),
+    warning("name-control-byte", "WARN : %s : control byte %0#10x in the name\n",
+            "A name contains a control byte, which can change what a terminal or a log shows.",
+            "Rename it in the program that wrote the file."),
+};
+static_assert(LINK_NUM + std::size(OTHER_ROWS) == ROW_NUM, "a row for each number");
+
+consteval std::array<FindingRow, ROW_NUM> makeRows() {
+  std::array<FindingRow, ROW_NUM> rows{};
+  for (std::size_t i = 0; i < LINK_NUM; ++i)
+    rows[i] =
+        warning(LINKS[i].id, LINK_FORMAT, TARGETS[static_cast<std::size_t>(LINKS[i].target)].meaning, LINK_NEXT_STEP);
+  std::copy(std::begin(OTHER_ROWS), std::end(OTHER_ROWS), rows.begin() + LINK_NUM);
+  return rows;
+}
+constexpr std::array<FindingRow, ROW_NUM> ROWS = makeRows();
+
+/// Reports a finding. A program that keeps findings bounds them itself; here nothing is kept.
+template <class... Arguments>
+void say(std::size_t row, const Place &place, const Compared &compared, const Arguments &...arguments) {
+  const Label label = place.element ? Label(place.list, *place.element, "") : Label(place.list);
+  const std::array<Argument, 1 + sizeof...(Arguments)> list = {&label, argumentOf(arguments)...};
+  deliver(ROWS[row], place, compared, list);
+}
+
+/// As above, for a row whose number is known: its format is checked.
+template <std::size_t ROW, class... Arguments>
+void say(const Place &place, const Compared &compared, const Arguments &...arguments) {
+  static_assert(formatFits<Label, Arguments...>(ROWS[ROW].format), "the arguments do not fit the format");
+  say(ROW, place, compared, arguments...);
+}
+
+// --- Records --------------------------------------------------------------------------------------------------------
+
+/// Stands for a target about which nothing is known: no index is wrong there.
+constexpr std::uint64_t UNKNOWN = std::numeric_limits<std::uint64_t>::max();
+
+/// The number of elements of each target; those of a triangle group or part as long as that is looked at.
+struct Counts {
+  std::array<std::uint64_t, TARGET_NUM> number;
+
+  std::uint64_t &operator[](Target target) { return number[static_cast<std::size_t>(target)]; }
+};
+
+Word wordAt(FieldBytes bytes, std::size_t number) {
+  Word word;
+  std::memcpy(&word, bytes.data() + number * sizeof word, sizeof word);
+  return word;
+}
+
+std::size_t wordsIn(FieldBytes bytes) { return bytes.size() / sizeof(Word); }
+
+/// @return the place of a field of the record at `place`. Where the arrays begin is not known.
+Place fieldPlace(const Place &place, const Field &field, const void *record, FieldBytes bytes) {
+  if (field.is_array)
+    return {place.list, place.element};
+  return after(place, static_cast<std::uint64_t>(bytes.data() - static_cast<const std::byte *>(record)));
+}
+
+void checkLink(Counts &counts, const LinkRow &row, const void *record, const Place &place) {
+  const std::uint64_t number = counts[row.target];
+  const FieldBytes bytes = row.bytes(record);
+  for (std::size_t i = 0; i < wordsIn(bytes); ++i) {
+    const Word index = wordAt(bytes, i);
+    if (index < number || index == NO_LINK)
+      continue;
+    // A file without such elements at all may leave the word 0.
+    if (index == 0 && static_cast<std::size_t>(row.target) < FIRST_OWN)
+      continue;
+    const auto has = static_cast<Word>(number);
+    say(static_cast<std::size_t>(&row - LINKS), after(fieldPlace(place, row, record, bytes), i * sizeof(Word)),
+        {index, has}, row.name, index, TARGETS[static_cast<std::size_t>(row.target)].name, has);
+  }
+}
+
+bool notFinite(Word bits) { return (bits & 0x7f800000) == 0x7f800000; }
+
+/// Reports the first float of a field that is not finite.
+void checkFloats(const WordsRow &row, const void *record, const Place &place) {
+  const FieldBytes bytes = row.bytes(record);
+  for (std::size_t begin = 0; begin + row.stride <= wordsIn(bytes); begin += row.stride)
+    for (std::size_t i = begin + row.first; i < begin + row.first + row.count; ++i)
+      if (notFinite(wordAt(bytes, i)))
+        return say<floatNotFinite>(after(fieldPlace(place, row, record, bytes), i * sizeof(Word)), {}, row.name);
+}
+
+/// Reports the first key of a field that is less than the one before it.
+void checkKeys(const WordsRow &row, const void *record, const Place &place) {
+  const FieldBytes bytes = row.bytes(record);
+  for (std::size_t i = row.stride + row.first; i < wordsIn(bytes); i += row.stride) {
+    const Word before = wordAt(bytes, i - row.stride), key = wordAt(bytes, i);
+    if (static_cast<Index>(key) < static_cast<Index>(before))
+      return say<keysOutOfOrder>(fieldPlace(place, row, record, bytes), {key, before}, row.name, key, before);
+  }
+}
+
+/// Checks a record by all rows of the tables that are about its type.
+template <class Record> void checkRecord(Counts &counts, const Record &record, const Place &place) {
+  static constexpr auto LINKS_HERE = rowsOf<Record>(LINKS);
+  static constexpr auto FLOATS_HERE = rowsOf<Record>(FLOATS);
+  static constexpr auto KEYS_HERE = rowsOf<Record>(KEYS);
+  static_assert(LINKS_HERE.size() + FLOATS_HERE.size() + KEYS_HERE.size() != 0, "no table has rows for this");
+  for (const LinkRow &row : LINKS_HERE)
+    checkLink(counts, row, &record, place);
+  for (const WordsRow &row : FLOATS_HERE)
+    checkFloats(row, &record, place);
+  for (const WordsRow &row : KEYS_HERE)
+    checkKeys(row, &record, place);
+}
+
+/// Checks a record and its decoded maker block.
+template <class Record> void checkWithBlock(Counts &counts, const Record &record, const Place &place) {
+  checkRecord(counts, record, place);
+  if constexpr (requires { record.ext; })
+    if (record.ext)
+      checkRecord(counts, *record.ext, {place.list, place.element});
+}
+
+/// Checks the records of a list; `inside` then does what the tables cannot.
+template <class Record, class Inside>
+void checkList(Counts &counts, const char *name, const std::vector<Record> &records, const Inside &inside) {
+  Place place = {name, 0};
+  for (const Record &record : records) {
+    place.offset = record.offset;
+    checkWithBlock(counts, record, place);
+    inside(record, place);
+    ++*place.element;
+  }
+}
+
+template <class Record> void checkList(Counts &counts, const char *name, const std::vector<Record> &records) {
+  checkList(counts, name, records, [](const Record &, const Place &) {});
+}
+
+// --- Triangles and parts --------------------------------------------------------------------------------------------
+
+/// The number of vertices, colours and so on in each group: what a triangle's indices must be below.
+struct GroupSizes {
+  std::array<std::vector<Word>, REF_KIND_NUM> number;
+};
+
+template <class Group> std::vector<Word> sizesOf(const std::vector<Group> &groups, Word Group::*number) {
+  std::vector<Word> sizes;
+  sizes.reserve(groups.size());
+  for (const Group &group : groups)
+    sizes.push_back(group.*number);
+  return sizes;
+}
+
+GroupSizes groupSizes(const Kis &kis) {
+  GroupSizes sizes;
+  sizes.number[refVtx] = sizesOf<VtxGroup>(kis.vtx.element, &VtxGroup::vtx_num);
+  sizes.number[refTriColor] = sizesOf<TriColorGroup>(kis.color.tri_group, &TriColorGroup::tri_color_num);
+  sizes.number[refVtxColor] = sizesOf<VtxColorGroup>(kis.color.vtx_group, &VtxColorGroup::vtx_color_num);
+  sizes.number[refTriNv] = sizesOf<TriNvGroup>(kis.vector.tri_group, &TriNvGroup::tri_nv_num);
+  sizes.number[refVtxNv] = sizesOf<VtxNvGroup>(kis.vector.vtx_group, &VtxNvGroup::vtx_nv_num);
+  sizes.number[refSt] = sizesOf<StGroup>(kis.st.element, &StGroup::st_num);
+  return sizes;
+}
+
+/// @return the size of the smallest group that a reference names; unknown if it names none that is there.
+std::uint64_t smallestGroup(const AnimRef &ref, const std::vector<Word> &sizes) {
+  std::uint64_t smallest = UNKNOWN;
+  for (const Index group : ref.group_index)
+    if (static_cast<Word>(group) < sizes.size())
+      smallest = std::min<std::uint64_t>(smallest, sizes[static_cast<Word>(group)]);
+  return smallest;
+}
+
+/// @return the offset of a group's first triangle.
+std::uint64_t firstTriangle(const TriGroup &group, const std::array<AnimRef, REF_KIND_NUM> &refs) {
+  std::uint64_t bytes = sizeof(TriGroupHead);
+  for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind) {
+    bytes += sizeof(Word) * (refs[kind].key.size() + refs[kind].group_index.size());
+    if (refForm(group.tri_anim_type, kind) == RefForm::keys)
+      bytes += sizeof(Word);
+  }
+  return offsetAfter(group.offset, bytes);
+}
+
+void checkTriangles(Counts &counts, const GroupSizes &sizes, const TriGroup &group, Place place) {
+  const auto refs = kvRefs(group);
+  for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind)
+    counts.number[FIRST_OWN + kind] = smallestGroup(refs[kind], sizes.number[kind]);
+  place.offset = firstTriangle(group, refs);
+  for (const Tri &tri : group.tri) {
+    checkRecord(counts, tri, place);
+    place = after(place, sizeof(TriHead) + vanExtBlk(tri.ext_blk).size_bytes() + usrExtBlk(tri.ext_blk).size_bytes());
+  }
+}
+
+/// @return the number of triangles of a part's group; unknown if the group is not there.
+std::uint64_t trianglesOf(const TriList &list, const Part &part) {
+  const auto group = static_cast<Word>(part.tri_group_index);
+  return group < list.element.size() ? list.element[group].tri_num : UNKNOWN;
+}
+
+void checkParts(Counts &counts, const TriList &triangles, const PartList &list) {
+  Place place = {"PartList", 0};
+  for (const Part &part : list.element) {
+    place.offset = part.offset;
+    counts[Target::own_tri] = trianglesOf(triangles, part);
+    checkRecord(counts, part, place);
+    ++*place.element;
+  }
+}
+
+// --- Records with records inside ------------------------------------------------------------------------------------
+
+/// Images of a texture with a palette can be of another list.
+void checkTexture(Counts &counts, const Tex &tex, const Place &place) {
+  const std::uint64_t images = counts[Target::teximg];
+  if (tex.ext && tex.ext->use_color_palette != 0)
+    counts[Target::teximg] = UNKNOWN;
+  if (tex.tex_anim == 0)
+    checkRecord(counts, tex.still, after(place, sizeof(TexHead)));
+  else
+    checkRecord(counts, tex.tiles, {place.list, place.element});
+  counts[Target::teximg] = images;
+}
+
+void checkCollisions(Counts &counts, const CollGroup &group, const Place &place) {
+  const Place inside = {place.list, place.element};
+  for (const Coll &coll : group.coll) {
+    checkRecord(counts, coll, inside);
+    switch (coll.coll_type) {
+    case 0x10:
+      checkRecord(counts, collData<CollTerrain>(coll), inside);
+      break;
+    case 0x20:
+      checkRecord(counts, collData<CollPoint>(coll), inside);
+      break;
+    case 0x21:
+      checkRecord(counts, collData<CollCircle>(coll), inside);
+      break;
+    case 0x22:
+      checkRecord(counts, collData<CollSphere>(coll), inside);
+      break;
+    case 0x23:
+      checkRecord(counts, collData<CollCylinder>(coll), inside);
+      break;
+    case 0x24:
+      checkRecord(counts, collData<CollBox>(coll), inside);
+      break;
+    default: // has no data that is known
+      break;
+    }
+  }
+}
+
+void checkEnvelope(Counts &counts, const Envelope &envelope, const Place &place) {
+  const Place inside = {place.list, place.element};
+  for (const FullWeightedPart &part : envelope.full_weighted_part) {
+    checkRecord(counts, part, inside);
+    checkRecord(counts, part.group_index, inside);
+  }
+  for (const WeightedPart &part : envelope.weighted_part) {
+    checkRecord(counts, part, inside);
+    for (const VtxTriNvColor &groups : part.group_index)
+      checkRecord(counts, groups, inside);
+  }
+  for (const MorphPart &part : envelope.morph_part) {
+    checkRecord(counts, part, inside);
+    for (const VtxTriNvColor &groups : part.group_index)
+      checkRecord(counts, groups, inside);
+  }
+}
+
+void checkClusters(Counts &counts, const ClusterShape &shape, const Place &place) {
+  const Place inside = {place.list, place.element};
+  for (const Cluster &cluster : shape.cluster) {
+    checkRecord(counts, cluster, inside);
+    checkRecord(counts, cluster.group_index, inside);
+  }
+}
+
+/// Reports the first control byte of each name.
+void checkNames(const char *list, const std::vector<Name> &names) {
+  Place place = {list, 0};
+  for (const Name &name : names) {
+    place.offset = offsetAfter(name.offset, sizeof(NameHead));
+    for (std::size_t i = 0; i < name.text.size() * sizeof(Word); ++i) {
+      const Word byte = name.text[i / 4] >> (24 - 8 * (i % 4)) & 0xff;
+      if (byte == 0)
+        break;
+      if (byte < 0x20 || byte == 0x7f) {
+        say<nameControlByte>(after(place, i), {byte}, byte);
+        break;
+      }
+    }
+    ++*place.element;
+  }
+}
+
+// --- The tree of objects --------------------------------------------------------------------------------------------
+
+/// What the child links say of the objects.
+struct Tree {
+  std::vector<Word> parent;    ///< who has it as a child, or none
+  std::vector<bool> is_broken; ///< whether a child link leads nowhere: it may have been meant for any object
+};
+
+Place objectPlace(const std::vector<Obj> &objects, std::size_t number) {
+  return {"ObjList", static_cast<Word>(number), objects[number].offset};
+}
+
+Tree followChildren(const std::vector<Obj> &objects) {
+  Tree tree = {std::vector<Word>(objects.size(), NO_LINK), std::vector<bool>(objects.size())};
+  for (std::size_t i = 0; i < objects.size(); ++i)
+    for (const Word child : objects[i].child_link) {
+      const auto parent = static_cast<Word>(i);
+      if (child >= objects.size()) {
+        tree.is_broken[i] = true;
+        continue;
+      }
+      Word &has_it = tree.parent[child];
+      if (has_it != NO_LINK)
+        say<objectTwiceChild>(objectPlace(objects, child), {}, has_it, parent);
+      if (has_it == NO_LINK || objects[child].obj_parent_link == parent) // of two, the one that the child names
+        has_it = parent;
+    }
+  return tree;
+}
+
+/// Compares the parents that the objects name with those that have them as children. Links that lead nowhere have
+/// findings of their own.
+void checkParents(const std::vector<Obj> &objects, const Tree &tree) {
+  for (std::size_t i = 0; i < objects.size(); ++i) {
+    const Word named = objects[i].obj_parent_link, has_it = tree.parent[i];
+    const bool leads_nowhere = named >= objects.size() && named != NO_LINK;
+    if (named == has_it || leads_nowhere || (has_it == NO_LINK && tree.is_broken[named]))
+      continue;
+    const Place place = objectPlace(objects, i);
+    say<objectParent>(wordOf(place, objects[i], &Obj::obj_parent_link), {named, has_it}, named, has_it);
+  }
+}
+
+/// Follows the parent links up from each object, no object twice; a circle is reported once.
+void checkCircles(const std::vector<Obj> &objects) {
+  std::vector<Word> walk(objects.size()); // in which walk an object was met; 0: in none
+  for (std::size_t i = 0; i < objects.size(); ++i) {
+    const auto number = static_cast<Word>(i + 1);
+    std::size_t at = i;
+    for (; at < objects.size() && walk[at] == 0; at = objects[at].obj_parent_link)
+      walk[at] = number;
+    if (at < objects.size() && walk[at] == number)
+      say<objectCircle>(objectPlace(objects, at), {});
+  }
+}
+
+// --- The whole model ------------------------------------------------------------------------------------------------
+
+/// @return the number of elements of a list; unknown where the file has more than could be read.
+template <class Record> std::uint64_t known(Word bytes, Word tag, Word num, const std::vector<Record> &records) {
+  const bool was_read = bytes == 0 || (tag != 0 && records.size() >= num);
+  return was_read ? records.size() : UNKNOWN;
+}
+
+template <class Record> std::uint64_t known(Word bytes, const List<Record> &list) {
+  return known(bytes, list.list_tag, list.num, list.element);
+}
+
+Counts countsOf(const Kis &kis) {
+  const FileHeader &bytes = kis.file_header;
+  Counts counts;
+  counts.number.fill(UNKNOWN);
+  counts[Target::env] = known(bytes.env_list_num, kis.env);
+  counts[Target::cam] = known(bytes.cam_list_num, kis.cam);
+  counts[Target::light] = known(bytes.light_list_num, kis.light);
+  counts[Target::obj] = known(bytes.obj_list_num, kis.obj);
+  counts[Target::shape] = known(bytes.shape_list_num, kis.shape);
+  counts[Target::vtx] = known(bytes.vtx_list_num, kis.vtx);
+  counts[Target::tri] = known(bytes.tri_list_num, kis.tri);
+  const ColorList &color = kis.color; // as many groups of vertex colours are read as of triangle colours
+  counts[Target::tri_color] = known(bytes.color_list_num, color.list_tag, color.tri_group_num, color.tri_group);
+  counts[Target::vtx_color] = known(bytes.color_list_num, color.list_tag, color.tri_group_num, color.vtx_group);
+  const VectorList &vector = kis.vector;
+  counts[Target::tri_nv] = known(bytes.vector_list_num, vector.list_tag, vector.tri_group_num, vector.tri_group);
+  counts[Target::vtx_nv] = known(bytes.vector_list_num, vector.list_tag, vector.vtx_group_num, vector.vtx_group);
+  counts[Target::st] = known(bytes.st_list_num, kis.st);
+  counts[Target::part] = known(bytes.part_list_num, kis.part);
+  counts[Target::mat] = known(bytes.mat_list_num, kis.mat);
+  counts[Target::tex] = known(bytes.tex_list_num, kis.tex);
+  counts[Target::teximg] = known(bytes.tex_img_list_num, kis.teximg);
+  counts[Target::anim] = known(bytes.anim_list_num, kis.anim);
+  counts[Target::coll] = known(bytes.coll_list_num, kis.coll);
+  counts[Target::name] = known(bytes.name_list_num, kis.name);
+  counts[Target::color_palette] = known(bytes.color_palette_list_num, kis.color_palette);
+  counts[Target::weight] = known(bytes.weight_list_num, kis.weight);
+  counts[Target::chain_root] = known(bytes.chain_root_list_num, kis.chain_root);
+  counts[Target::joint] = known(bytes.joint_list_num, kis.joint);
+  counts[Target::effector] = known(bytes.effector_list_num, kis.effector);
+  counts[Target::external_name] = known(bytes.external_name_list_num, kis.external_name);
+  return counts;
+}
+
+void checkVersion1(Counts &counts, const Kis &kis) {
+  if (kis.scene.scene_header_tag != 0) // else it was not read
+    checkWithBlock(counts, kis.scene, {"SceneList", {}, kis.scene.offset});
+  checkList(counts, "EnvList", kis.env.element);
+  checkList(counts, "CamList", kis.cam.element);
+  checkList(counts, "LightList", kis.light.element);
+  checkList(counts, "ObjList", kis.obj.element);
+  checkList(counts, "ShapeList", kis.shape.element);
+  checkList(counts, "VtxList", kis.vtx.element);
+  const GroupSizes sizes = groupSizes(kis);
+  checkList(counts, "TriList", kis.tri.element,
+            [&](const TriGroup &group, const Place &place) { checkTriangles(counts, sizes, group, place); });
+  checkList(counts, "ColorList", kis.color.tri_group);
+  checkList(counts, "ColorList", kis.color.vtx_group);
+  checkList(counts, "VectorList", kis.vector.tri_group);
+  checkList(counts, "VectorList", kis.vector.vtx_group);
+  checkList(counts, "StList", kis.st.element);
+  checkParts(counts, kis.tri, kis.part);
+  checkList(counts, "MatList", kis.mat.element);
+  checkList(counts, "TexList", kis.tex.element,
+            [&](const Tex &tex, const Place &place) { checkTexture(counts, tex, place); });
+  checkList(counts, "AnimList", kis.anim.element);
+  checkList(counts, "CollList", kis.coll.element,
+            [&](const CollGroup &group, const Place &place) { checkCollisions(counts, group, place); });
+  checkNames("NameList", kis.name.element);
+}
+
+void checkVersion2(Counts &counts, const Kis &kis) {
+  checkList(counts, "CiImgList", kis.ci_img.element);
+  checkList(counts, "ColorPaletteList", kis.color_palette.element);
+  checkList(counts, "EnvelopeList", kis.envelope.element,
+            [&](const Envelope &envelope, const Place &place) { checkEnvelope(counts, envelope, place); });
+  checkList(counts, "ClusterList", kis.cluster.element,
+            [&](const ClusterShape &shape, const Place &place) { checkClusters(counts, shape, place); });
+  checkList(counts, "WeightList", kis.weight.element);
+  checkList(counts, "ChainRootList", kis.chain_root.element);
+  checkList(counts, "JointList", kis.joint.element);
+  checkList(counts, "EffectorList", kis.effector.element);
+  checkNames("ExternalNameList", kis.external_name.element);
+}
+
+} // namespace
+
+void deepCheck(const Kis &kis) {
+  Counts counts = countsOf(kis);
+  checkVersion1(counts, kis);
+  checkVersion2(counts, kis);
+  if (counts[Target::obj] == UNKNOWN)
+    return; // links to objects that were not read look like contradictions
+  const Tree tree = followChildren(kis.obj.element);
+  checkParents(kis.obj.element, tree);
+  checkCircles(kis.obj.element);
+}
+
+std::span<const FindingRow> deepRows() { return ROWS; }
 
 } // namespace kova::survey

@@ -5,7 +5,8 @@
 
 namespace kova::survey {
 
-/// Checks a model that was loaded. The findings go to the thread's receiver, as those of the library do.
+/// Checks a model that was loaded: links, the tree of objects, triangles, floats, keys and names. The findings go to
+/// the thread's receiver, as those of the library do. Takes time and memory in proportion to the model.
 void deepCheck(const Kis &kis);
 
 /// @return the rows of the catalogue that only these checks use.
