@@ -163,14 +163,17 @@ template <RefKind KIND> constexpr WordsRow refKeys(const char *name) {
   return {{&RECORD_TYPE<TriGroup>, name, true, &refKeyBytes<TriGroup, KIND>}, 1, 0, 1};
 }
 
-/// @return the rows of a table that are about one type of record; they stand together.
-template <class Record, class Row, std::size_t N> constexpr std::span<const Row> rowsOf(const Row (&table)[N]) {
+/// @return the rows of a table that are about one type of record. Rows that do not stand together do not compile.
+template <class Record, class Row, std::size_t N> consteval std::span<const Row> rowsOf(const Row (&table)[N]) {
   std::size_t first = 0;
   while (first < N && table[first].record != &RECORD_TYPE<Record>)
     ++first;
   std::size_t end = first;
   while (end < N && table[end].record == &RECORD_TYPE<Record>)
     ++end;
+  for (std::size_t i = end; i < N; ++i)
+    if (table[i].record == &RECORD_TYPE<Record>)
+      throw "the rows of a record do not stand together";
   return std::span<const Row>(table).subspan(first, end - first);
 }
 
