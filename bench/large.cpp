@@ -120,6 +120,17 @@ std::vector<unsigned char> makeMesh() {
       {list(VTX_LIST_TAG, vtx), list(TRI_LIST_TAG, tri), twoKindList(VECTOR_LIST_TAG, normal), list(ST_LIST_TAG, st)});
 }
 
+std::vector<unsigned char> makeTriangles() {
+  constexpr Word VERTICES = 1'000;
+  Random random(4);
+  Elements vtx, tri;
+  for (Word i = 0; i < GROUPS; ++i) {
+    vtx.push_back(tupleGroup(VTX_LIST_TAG + ELEMENT_KIND, i, true, VERTICES, 3, [&] { return coordinate(random); }));
+    tri.push_back(triangleGroup(i, 37'000, VERTICES, random));
+  }
+  return file({list(VTX_LIST_TAG, vtx), list(TRI_LIST_TAG, tri)});
+}
+
 std::vector<unsigned char> makeFloats() {
   Random random(2);
   Elements vtx;

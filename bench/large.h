@@ -15,11 +15,14 @@ struct Workload {
 
 /// About 90 MB of triangles with their vertices, normals and texture coordinates.
 std::vector<unsigned char> makeMesh();
+/// About 90 MB of triangles over few vertices: nearly all of it integers.
+std::vector<unsigned char> makeTriangles();
 /// About 90 MB of vertex groups.
 std::vector<unsigned char> makeFloats();
 /// 32 MB of texels.
 std::vector<unsigned char> makeTexels();
 
-inline constexpr Workload WORKLOADS[] = {{"mesh", makeMesh}, {"floats", makeFloats}, {"texels", makeTexels}};
+inline constexpr Workload WORKLOADS[] = {
+    {"mesh", makeMesh}, {"triangles", makeTriangles}, {"floats", makeFloats}, {"texels", makeTexels}};
 
 } // namespace kova::bench

@@ -11,6 +11,7 @@
 #include "textdump/skinning.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
@@ -487,6 +488,44 @@ TEST(Dump, SaysWhenItCannotBeWritten) {
     EXPECT_EQ(kvPrintKt(full.get(), kis), 0);
     EXPECT_EQ(kvPrintKtList(full.get(), kis, "EnvList"), 0);
     EXPECT_EQ(kvWriteKt(std::fopen("/dev/full", "w"), kis), 0);
+  }
+}
+
+namespace {
+
+/// A stream of which one write, counted from 0, fails.
+struct FailingSink {
+  long failing_write;
+  long writes = 0;
+};
+
+ssize_t writeToSink(void *cookie, const char *, std::size_t size) {
+  auto &sink = *static_cast<FailingSink *>(cookie);
+  if (sink.writes++ != sink.failing_write)
+    return static_cast<ssize_t>(size);
+  errno = EIO;
+  return 0;
+}
+
+} // namespace
+
+/// One write fails in the middle, and all after it succeed: the dump is not complete all the same.
+TEST(Dump, SaysWhenOneWriteFails) {
+  Kis kis;
+  ASSERT_EQ(loadBytes(goodFile2().bytes, kis), 1);
+  const auto print = [&](FailingSink &sink) {
+    const Stream stream(::fopencookie(&sink, "w", {nullptr, writeToSink, nullptr, nullptr}));
+    std::setvbuf(stream.get(), nullptr, _IONBF, 0);
+    for (int i = 0; i < 3; ++i)
+      std::fputs("before\n", stream.get());
+    return kvPrintKt(stream.get(), kis);
+  };
+  FailingSink whole{-1};
+  EXPECT_EQ(print(whole), 1);
+  ASSERT_GT(whole.writes, 3);
+  for (long k = 0; k < whole.writes; ++k) {
+    FailingSink sink{k};
+    EXPECT_EQ(print(sink), 0) << "write " << k << " of " << whole.writes;
   }
 }
 
