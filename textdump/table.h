@@ -88,7 +88,7 @@ template <const auto &TABLE> using RecordOf = typename std::remove_cvref_t<declt
 
 /// Up to four texts that follow each other. A "%d" after a bracket is the position of an item, which is known when the
 /// table is compiled.
-using Texts = std::array<const char *, 4>;
+using Texts = std::array<std::string_view, 4>;
 
 /// How a member of a record prints, where `{text, &Record::member}` does not say it.
 template <class Member, class Holder> struct MemberLines {
@@ -163,7 +163,7 @@ template <class Record> struct Row {
       : Row(lines.texts, KINDS<Member>, wordOf<Record>(lines.member)) {
     static_assert(!KINDS<Member>.empty(), "a member of this type needs a table of its own");
     is_later = lines.is_later;
-    if (texts[0] == nullptr)
+    if (texts[0].empty())
       kinds = {};
   }
 
@@ -235,9 +235,8 @@ template <class Record> struct TableMaker {
 
   constexpr void addRow(const Row<Record> &row) {
     std::span<const Kind> kinds = row.kinds;
-    for (const char *text : row.texts)
-      if (text != nullptr)
-        kinds = addText(text, kinds, row.first + row.kinds.size() - kinds.size(), 0);
+    for (const std::string_view text : row.texts)
+      kinds = addText(text, kinds, row.first + row.kinds.size() - kinds.size(), 0);
     if (!kinds.empty())
       throw "a text has one conversion for each word of its member";
     for (std::size_t position = 0; position < row.count; ++position) {
