@@ -20,7 +20,9 @@ std::string scratchPath() {
 
 ScratchFile::ScratchFile(std::span<const unsigned char> bytes) : path(scratchPath()) {
   std::FILE *const file = std::fopen(path.c_str(), "wb");
-  const bool written = file != nullptr && std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+  // fwrite takes no null pointer, also for nothing.
+  const bool written =
+      file != nullptr && (bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size());
   if (file != nullptr && std::fclose(file) == 0 && written)
     return;
   std::perror(path.c_str());
