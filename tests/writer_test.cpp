@@ -6,10 +6,12 @@
 #include "tests/support.h"
 
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <optional>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -129,6 +131,13 @@ struct ScratchFolder {
 std::string save(const Kis &kis, const std::string &path) {
   int ok = 0;
   const std::string errors = capture([&] { ok = kvSaveAsKb(kis, path.c_str()); }).err;
+  return errors + (ok ? "saved" : "failed");
+}
+
+/// The same for the bytes of a file.
+std::string save(const Bytes &bytes, const std::string &path) {
+  int ok = 0;
+  const std::string errors = capture([&] { ok = kvSaveKbBytes(bytes, path.c_str()); }).err;
   return errors + (ok ? "saved" : "failed");
 }
 
@@ -307,6 +316,44 @@ TEST(Save, ReplacesTheTargetAndKeepsItsPermissions) {
   ::chmod(path.c_str(), 0604);
   EXPECT_EQ(save(kis, path), "saved");
   EXPECT_EQ(modeOf(path), S_IFREG | 0604U);
+  EXPECT_EQ(bytesOf(readFile(path)), goodFile1().bytes);
+  EXPECT_EQ(folder.files(), 1U);
+}
+
+/// Both ways of saving are one mechanism: only what is written differs.
+TEST(Save, BytesAreSavedAsAModelIs) {
+  const ScratchFolder folder;
+  const std::string path = folder.path + "/file", link = folder.path + "/link";
+  fs::create_symlink("file", link);
+  EXPECT_EQ(save(Bytes(300000, 0xa5), link), "saved"); // no KOVA file
+  ::chmod(path.c_str(), 0640);
+  for (const Bytes &bytes : {goodFile1().bytes, Bytes()}) {
+    EXPECT_EQ(save(bytes, link), "saved");
+    EXPECT_EQ(bytesOf(readFile(path)), bytes);
+    EXPECT_EQ(modeOf(path), S_IFREG | 0640U);
+    EXPECT_TRUE(fs::is_symlink(link));
+  }
+  EXPECT_EQ(save(goodFile1().bytes, folder.path), "Output File Open Error\nfailed");
+  EXPECT_EQ(folder.files(), 2U);
+  if (fs::exists("/dev/full")) {
+    EXPECT_EQ(save(goodFile1().bytes, "/dev/full"), "Output File Write Error\nfailed");
+  }
+}
+
+/// A disk that is full, as a limit on the size of files makes one.
+TEST(Save, AFullDiskLeavesTheTargetAsItWas) {
+  const ScratchFolder folder;
+  const std::string path = folder.path + "/file";
+  ASSERT_EQ(save(goodFile1().bytes, path), "saved");
+  struct rlimit before {};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+  const struct rlimit small = {100000, before.rlim_max};
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+  EXPECT_EQ(save(Bytes(300000), path), "Output File Write Error\nfailed");
+  EXPECT_EQ(save(Bytes(300000), folder.path + "/new"), "Output File Write Error\nfailed");
+  EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+  std::signal(SIGXFSZ, handler);
   EXPECT_EQ(bytesOf(readFile(path)), goodFile1().bytes);
   EXPECT_EQ(folder.files(), 1U);
 }

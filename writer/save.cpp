@@ -1,10 +1,11 @@
-/// Saving a model: a new file beside the target that takes its place when it is whole.
+/// Saving a file: a new one beside the target that takes its place when it is whole.
 #include "kova/kb.h"
 
 #include <array>
 #include <cerrno>
 #include <exception>
 #include <fcntl.h>
+#include <functional>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -12,6 +13,9 @@
 namespace kova {
 
 namespace {
+
+/// Writes the whole content of a file to a stream and flushes it. @return 1; 0 where it fails.
+using Write = std::function<int(std::FILE *)>;
 
 /// A new file, removed with this unless it was given its place.
 struct NewFile {
@@ -93,8 +97,8 @@ bool mayWrite(const std::string &path) {
 bool closeStream(Stream &stream) { return std::fclose(stream.release()) == 0; }
 
 /// Writes the new file, whole and to the disk, and gives it the place of the target.
-bool writeAndReplace(NewFile &file, const Kis &kis, const std::string &target) {
-  const bool written = kvWriteKb(file.stream.get(), kis) != 0 && ::fsync(::fileno(file.stream.get())) == 0;
+bool writeAndReplace(NewFile &file, const Write &write, const std::string &target) {
+  const bool written = write(file.stream.get()) != 0 && ::fsync(::fileno(file.stream.get())) == 0;
   if (!closeStream(file.stream) || !written || ::rename(file.path.c_str(), target.c_str()) != 0)
     return false;
   file.path.clear();
@@ -102,28 +106,27 @@ bool writeAndReplace(NewFile &file, const Kis &kis, const std::string &target) {
 }
 
 /// Replaces a regular file, or makes a new one where `old` is null.
-int replaceFile(const Kis &kis, const std::string &target, const struct stat *old) {
+int replaceFile(const Write &write, const std::string &target, const struct stat *old) {
   NewFile file;
   // Until it has the permissions of the old one, nobody else may read it.
   if ((old && !mayWrite(target)) || !create(file, folderOf(target), old ? 0600 : 0666))
     return sayAndFail(OUTPUT_OPEN_ERROR);
   if (old && ::fchmod(::fileno(file.stream.get()), old->st_mode & 0777) != 0)
     return sayAndFail(OUTPUT_OPEN_ERROR);
-  return writeAndReplace(file, kis, target) ? 1 : sayAndFail(OUTPUT_WRITE_ERROR);
+  return writeAndReplace(file, write, target) ? 1 : sayAndFail(OUTPUT_WRITE_ERROR);
 }
 
 /// Writes to what cannot be replaced: a device, a pipe.
-int writeInPlace(const Kis &kis, const std::string &target) {
+int writeInPlace(const Write &write, const std::string &target) {
   Stream stream = kvKbWriteOpen(target.c_str());
   if (!stream)
     return 0;
-  const bool written = kvWriteKb(stream.get(), kis) != 0;
+  const bool written = write(stream.get()) != 0;
   return closeStream(stream) && written ? 1 : sayAndFail(OUTPUT_WRITE_ERROR);
 }
 
-} // namespace
-
-int kvSaveAsKb(const Kis &kis, const char *path) {
+/// Saves a file whole or not at all, unless the target is one that cannot be replaced.
+int save(const char *path, const Write &write) {
   try {
     std::string target = path;
     struct stat status;
@@ -131,11 +134,24 @@ int kvSaveAsKb(const Kis &kis, const char *path) {
       return sayAndFail(OUTPUT_OPEN_ERROR);
     const bool exists = ::stat(target.c_str(), &status) == 0;
     if (exists && !S_ISREG(status.st_mode))
-      return writeInPlace(kis, target);
-    return replaceFile(kis, target, exists ? &status : nullptr);
+      return writeInPlace(write, target);
+    return replaceFile(write, target, exists ? &status : nullptr);
   } catch (const std::exception &) { // the memory for a path
     return sayAndFail(OUTPUT_OPEN_ERROR);
   }
+}
+
+} // namespace
+
+int kvSaveAsKb(const Kis &kis, const char *path) {
+  return save(path, [&](std::FILE *stream) { return kvWriteKb(stream, kis); });
+}
+
+int kvSaveKbBytes(std::span<const unsigned char> bytes, const char *path) {
+  return save(path, [&](std::FILE *stream) {
+    const bool written = bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), stream) == bytes.size();
+    return written && std::fflush(stream) == 0 ? 1 : 0;
+  });
 }
 
 } // namespace kova

@@ -42,4 +42,8 @@ KOVA_API int kvWriteKb(std::FILE *stream, const Kis &kis);
 /// the target is as it was and the new file is gone; only a process that is killed leaves it (".kova-" and 16 digits).
 KOVA_API int kvSaveAsKb(const Kis &kis, const char *path);
 
+/// As `kvSaveAsKb` for the bytes of a file, whatever they hold: for a program that edits a file in memory. Refuses
+/// none.
+KOVA_API int kvSaveKbBytes(std::span<const unsigned char> bytes, const char *path);
+
 } // namespace kova
