@@ -1,7 +1,7 @@
 #include "survey/survey.h"
 
+#include "common/text.h"
 #include "survey/output.h"
-#include "survey/text.h"
 
 namespace kova::survey {
 

@@ -1,6 +1,6 @@
 #include "survey/json.h"
 
-#include "survey/text.h"
+#include "common/text.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,7 +1,7 @@
 #include "survey/junit.h"
 
+#include "common/text.h"
 #include "survey/summary.h"
-#include "survey/text.h"
 
 #include <pugixml.hpp>
 #include <sstream>

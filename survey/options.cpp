@@ -1,7 +1,7 @@
 #include "survey/options.h"
 
+#include "common/text.h"
 #include "kova/version.h"
-#include "survey/text.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "survey/output.h"
 
-#include "survey/text.h"
+#include "common/text.h"
 
 #include <cerrno>
 #include <cstring>

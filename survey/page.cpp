@@ -1,8 +1,8 @@
 #include "survey/page.h"
 
+#include "common/text.h"
 #include "survey/page_parts.h"
 #include "survey/summary.h"
-#include "survey/text.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>

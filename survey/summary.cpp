@@ -1,6 +1,6 @@
 #include "survey/summary.h"
 
-#include "survey/text.h"
+#include "common/text.h"
 
 #include <algorithm>
 #include <cstdio>

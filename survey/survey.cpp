@@ -1,9 +1,9 @@
 #include "survey/survey.h"
 
+#include "common/text.h"
 #include "survey/json.h"
 #include "survey/pool.h"
 #include "survey/results.h"
-#include "survey/text.h"
 
 #include <cerrno>
 #include <chrono>

@@ -1,4 +1,4 @@
-#include "survey/text.h"
+#include "common/text.h"
 
 #include "survey/progress.h"
 #include "survey/summary.h"

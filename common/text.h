@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace kova::survey {
+namespace kova {
 
 /// For terminals and line-oriented output: each byte outside printable ASCII, and each backslash, becomes `\xHH`.
 std::string printable(std::string_view bytes);
@@ -20,4 +20,4 @@ std::optional<std::string> unescaped(std::string_view text);
 /// @return the lines of a finding's text as one printable line.
 std::string oneLine(std::string_view text);
 
-} // namespace kova::survey
+} // namespace kova

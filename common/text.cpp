@@ -1,10 +1,10 @@
-#include "survey/text.h"
+#include "common/text.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 
-namespace kova::survey {
+namespace kova {
 
 namespace {
 
@@ -107,4 +107,4 @@ std::string oneLine(std::string_view text) {
   return line;
 }
 
-} // namespace kova::survey
+} // namespace kova
