@@ -1,30 +1,17 @@
 #include "survey/audit.h"
 
+#include "common/file.h"
 #include "kova/check.h"
 #include "survey/deep.h"
 
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 #include <new>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace kova::survey {
 
 namespace {
-
-struct Descriptor {
-  int number;
-
-  explicit Descriptor(int opened) : number(opened) {}
-  Descriptor(const Descriptor &) = delete;
-  Descriptor &operator=(const Descriptor &) = delete;
-  ~Descriptor() {
-    if (number >= 0)
-      ::close(number);
-  }
-};
 
 void refuse(Record &record, Reason reason, std::string detail) {
   record.verdict = Verdict::none;
@@ -55,22 +42,9 @@ void keep(Record &record, const Finding &finding) {
 
 bool has(const Record &record, const char *id) { return record.counts.contains(id); }
 
-/// Reads the file whole. @return 0 or the system's reason.
-int readWhole(int file, std::size_t bytes, unsigned char *to) {
-  for (std::size_t done = 0; done < bytes;) {
-    const ssize_t got = ::read(file, to + done, bytes - done);
-    if (got < 0 && errno == EINTR)
-      continue;
-    if (got <= 0)
-      return got < 0 ? errno : ESTALE; // it has become shorter
-    done += static_cast<std::size_t>(got);
-  }
-  return 0;
-}
-
 /// Loads a file of `record.bytes` bytes. @return what the library returns; 0 with a reason in the record if a small
 /// file cannot be read.
-int load(int file, Record &record, Kis &kis, Workspace &workspace) {
+int load(const Descriptor &file, Record &record, Kis &kis, Workspace &workspace) {
   if (record.bytes > SMALL_FILE)
     return kvOpenKb(record.path.c_str(), kis);
   const auto bytes = static_cast<std::size_t>(record.bytes);
@@ -93,7 +67,7 @@ void refuseVersion(Record &record, const FileHeader &header) {
 }
 
 /// Loads and checks an opened file; findings go to the receiver in place.
-void judge(int file, Record &record, Workspace &workspace) {
+void judge(const Descriptor &file, Record &record, Workspace &workspace) {
   const KisHandle kis = kvNewKis();
   if (!kis)
     return refuse(record, Reason::no_memory, "");
@@ -114,9 +88,9 @@ void judge(int file, Record &record, Workspace &workspace) {
   record.verdict = ok != 0 ? Verdict::ok : Verdict::err;
 }
 
-/// Opens a file and judges it. Only a regular file is read: the opening of a pipe would wait for somebody to write.
+/// Opens a file and judges it. Only a regular file is read.
 void openAndJudge(Record &record, Workspace &workspace) {
-  const Descriptor file(::open(record.path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+  const Descriptor file = openToRead(record.path.c_str());
   struct stat status;
   if (file.number < 0 || ::fstat(file.number, &status) != 0)
     return refuse(record, Reason::unreadable, std::strerror(errno));
@@ -132,7 +106,7 @@ void openAndJudge(Record &record, Workspace &workspace) {
       lost = true;
     }
   });
-  judge(file.number, record, workspace);
+  judge(file, record, workspace);
   if (lost)
     refuse(record, Reason::no_memory, "");
 }
