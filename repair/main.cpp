@@ -1,0 +1,120 @@
+/// kbrepair: mends a damaged KOVA scene file, as far as this is possible without guessing.
+
+#include "common/file.h"
+#include "common/text.h"
+#include "kova/kb.h"
+#include "repair/options.h"
+#include "repair/print.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace kova::repair {
+
+namespace {
+
+int refuse(const std::string &message) {
+  std::fprintf(stderr, "kbrepair: %s.\n", message.c_str());
+  return FAILED;
+}
+
+/// @return why OUTPUT may not be written, for people; empty if it may, as far as is known.
+std::string outputRefusal(const Options &options, const struct stat &input) {
+  const std::string name = printable(options.output);
+  struct stat status;
+  if (::stat(options.output.c_str(), &status) == 0 && status.st_dev == input.st_dev && status.st_ino == input.st_ino)
+    return name + " is the same file as INPUT, which is never changed";
+  if (!options.force && ::lstat(options.output.c_str(), &status) == 0)
+    return name + " exists; --force replaces it";
+  return "";
+}
+
+/// Reads INPUT whole, unless OUTPUT may not be written. @return what is wrong, for people; empty if nothing is.
+std::string readInput(const Options &options, std::vector<unsigned char> &bytes) {
+  const std::string name = printable(options.input);
+  const Descriptor file = openToRead(options.input.c_str());
+  struct stat status;
+  if (file.number < 0 || ::fstat(file.number, &status) != 0)
+    return name + ": " + std::strerror(errno);
+  if (!S_ISREG(status.st_mode))
+    return name + ": not a regular file";
+  if (const std::string wrong = options.dry_run ? "" : outputRefusal(options, status); !wrong.empty())
+    return wrong;
+  if (static_cast<std::uint64_t>(status.st_size) > bytes.max_size())
+    return name + ": not enough memory";
+  bytes.resize(static_cast<std::size_t>(status.st_size));
+  const int error = readWhole(file, bytes.size(), bytes.data());
+  return error != 0 ? name + ": " + std::strerror(error) : "";
+}
+
+void print(const std::string &line) { std::fwrite(line.data(), 1, line.size(), stdout); }
+
+/// Prints what was found, all but the last line.
+void printWords(const Result &result, Form form) {
+  const bool two = result.outcome == Outcome::ambiguous;
+  for (const Change &change : result.changes)
+    print(changeLine(change, form, two ? 1 : 0));
+  for (const Change &change : result.alternative)
+    print(changeLine(change, form, 2));
+  for (const Loss &loss : result.losses)
+    print(lossLine(loss, form));
+}
+
+/// Ends standard output. `std::fclose` would leave the C++ streams, which flush it once more at the end, a closed one.
+int closeStream(std::FILE *stream) { return std::fflush(stream) == 0 && ::close(::fileno(stream)) == 0 ? 0 : EOF; }
+
+/// Hands what was printed to the system, with `std::fflush` or `closeStream`. A step that has failed to print has left
+/// the system's reason in `errno`, and what is printed afterwards with success leaves it there. @return `status`, or
+/// `FAILED` where standard output is not complete. This is told, unless the reader of a pipe has closed it.
+int endOutput(int status, int (*end)(std::FILE *)) {
+  const bool failed = std::ferror(stdout) != 0;
+  if (end(stdout) == 0 && !failed)
+    return status;
+  if (errno != EPIPE)
+    refuse(std::string("standard output cannot be written: ") + std::strerror(errno != 0 ? errno : EIO));
+  return FAILED;
+}
+
+int repair(const Options &options) {
+  std::vector<unsigned char> bytes;
+  if (const std::string wrong = readInput(options, bytes); !wrong.empty())
+    return refuse(wrong);
+  const Form form = options.json ? Form::json : Form::text;
+  const Result result = mend(bytes, options.salvage);
+  const int status =
+      result.outcome == Outcome::ambiguous || result.outcome == Outcome::hopeless ? NOT_MENDED : AUDITS_OK;
+  errno = 0;
+  printWords(result, form);
+  // No change is written that was not told.
+  if (endOutput(status, std::fflush) == FAILED)
+    return FAILED;
+  const bool write = !options.dry_run && (status == AUDITS_OK || options.partial);
+  if (write && !kvSaveKbBytes(bytes, options.output.c_str()))
+    return refuse(printable(options.output) + " cannot be written");
+  errno = 0;
+  print(endingLine({result, options.input, write ? options.output : ""}, form));
+  return endOutput(status, closeStream);
+}
+
+int run(int argc, char **argv) {
+  int status = FAILED;
+  const std::optional<Options> options = readOptions(argc, argv, status);
+  return options ? repair(*options) : endOutput(status, closeStream);
+}
+
+} // namespace
+
+} // namespace kova::repair
+
+int main(int argc, char **argv) {
+  try {
+    return kova::repair::run(argc, argv);
+  } catch (const std::exception &) {
+    std::fputs("kbrepair: not enough memory.\n", stderr);
+    return kova::repair::FAILED;
+  }
+}

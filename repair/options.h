@@ -1,0 +1,25 @@
+/// The command line.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace kova::repair {
+
+struct Options {
+  std::string input = {};
+  std::string output = {}; ///< may be empty if `dry_run` is set
+  bool salvage = false;
+  bool force = false;
+  bool partial = false;
+  bool dry_run = false;
+  bool json = false;
+};
+
+enum Status { AUDITS_OK, NOT_MENDED, FAILED };
+
+/// Reads the command line. @return the options; none after help, the version or an error was printed, with the exit
+/// status in `status`.
+std::optional<Options> readOptions(int argc, const char *const *argv, int &status);
+
+} // namespace kova::repair

@@ -1,0 +1,131 @@
+#include "repair/print.h"
+
+#include "common/text.h"
+
+#include <array>
+#include <nlohmann/json.hpp>
+
+namespace kova::repair {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// In the order of `Outcome`.
+constexpr std::array<const char *, 5> OUTCOME_NAMES = {"good", "mended", "salvaged", "ambiguous", "hopeless"};
+
+/// Whether a word is read best in hexadecimal. All others are sizes, counts and indices.
+bool isTag(std::string_view field) {
+  field = field.substr(0, field.find('['));
+  return field.ends_with("tag") || field == "version";
+}
+
+std::string wordText(Word word, bool tag) {
+  char text[16];
+  std::snprintf(text, sizeof text, tag ? "0x%08x" : "%d", word);
+  return text;
+}
+
+std::string offsetText(std::uint64_t offset) {
+  char text[24];
+  std::snprintf(text, sizeof text, "0x%08llx", static_cast<unsigned long long>(offset));
+  return text;
+}
+
+std::string placeText(const char *list, const std::optional<Word> &element) {
+  return element ? list + ('[' + std::to_string(*element) + ']') : list;
+}
+
+/// @return "1 word", "2 words".
+std::string counted(std::size_t count, const char *one, const char *more) {
+  return std::to_string(count) + ' ' + (count == 1 ? one : more);
+}
+
+Json elementJson(const std::optional<Word> &element) { return element ? Json(*element) : Json(); }
+
+Json textOrNull(const std::string &text) { return text.empty() ? Json() : Json(escaped(text)); }
+
+std::string jsonLine(const Json &json) { return json.dump() + '\n'; }
+
+/// @return "3 words changed"; if they were not: "3 words to change, 2 losses".
+std::string doneText(const Ending &ending) {
+  std::string text = counted(ending.result.changes.size(), "word", "words");
+  text += ending.output.empty() ? " to change" : " changed";
+  if (!ending.result.losses.empty())
+    text += ", " + counted(ending.result.losses.size(), "loss", "losses");
+  return text;
+}
+
+std::string mendedText(const char *done, const char *possible, const Ending &ending) {
+  if (ending.output.empty())
+    return std::string(possible) + ": " + doneText(ending);
+  return std::string(done) + ": " + doneText(ending) + ", " + printable(ending.output) + " audits OK";
+}
+
+std::string hopelessText(const Ending &ending) {
+  std::string text = "cannot be mended: " + printable(ending.result.reason) + "; ";
+  if (!ending.result.changes.empty())
+    text += doneText(ending) + ", ";
+  return text + (ending.output.empty() ? "nothing written" : printable(ending.output) + " does not audit OK");
+}
+
+std::string endingText(const Ending &ending) {
+  const std::string output = printable(ending.output);
+  switch (ending.result.outcome) {
+  case Outcome::good:
+    return "nothing to mend; " + (output.empty() ? printable(ending.input) : output) + " audits OK";
+  case Outcome::mended:
+    return mendedText("mended", "can be mended", ending);
+  case Outcome::salvaged:
+    return mendedText("salvaged", "can be salvaged", ending);
+  case Outcome::ambiguous:
+    return "two readings, nothing changed; " + (output.empty() ? "nothing written" : output + " is a copy");
+  case Outcome::hopeless:
+    return hopelessText(ending);
+  }
+  return "";
+}
+
+} // namespace
+
+std::string changeLine(const Change &change, Form form, int reading) {
+  if (form == Form::json) {
+    Json json = {{"offset", change.offset},
+                 {"list", change.list},
+                 {"element", elementJson(change.element)},
+                 {"field", escaped(change.field)},
+                 {"old", change.old_value},
+                 {"new", change.new_value},
+                 {"why", change.why}};
+    if (reading != 0)
+      json["reading"] = reading;
+    return jsonLine(json);
+  }
+  const bool tag = isTag(change.field);
+  const std::string before = reading != 0 ? "reading " + std::to_string(reading) + ": " : "";
+  return before + offsetText(change.offset) + ' ' + placeText(change.list, change.element) + ' ' +
+         printable(change.field) + ": " + wordText(change.old_value, tag) + " -> " + wordText(change.new_value, tag) +
+         " (" + change.why + ")\n";
+}
+
+std::string lossLine(const Loss &loss, Form form) {
+  if (form == Form::json)
+    return jsonLine({{"loss", escaped(loss.what)}, {"list", loss.list}, {"element", elementJson(loss.element)}});
+  return "lost: " + placeText(loss.list, loss.element) + ": " + printable(loss.what) + '\n';
+}
+
+std::string endingLine(const Ending &ending, Form form) {
+  if (form == Form::text)
+    return endingText(ending) + '\n';
+  const Result &result = ending.result;
+  const bool one_reading = result.outcome != Outcome::ambiguous;
+  return jsonLine({{"outcome", OUTCOME_NAMES.at(static_cast<std::size_t>(result.outcome))},
+                   {"input", escaped(ending.input)},
+                   {"output", textOrNull(ending.output)},
+                   {"written", !ending.output.empty()},
+                   {"changes", one_reading ? result.changes.size() : 0},
+                   {"losses", result.losses.size()},
+                   {"reason", textOrNull(result.reason)}});
+}
+
+} // namespace kova::repair

@@ -1,0 +1,26 @@
+/// What kbrepair prints: a line for each changed word and each loss, and a last line with the outcome; as text, or as
+/// a JSON object each.
+#pragma once
+
+#include "repair/mend.h"
+
+namespace kova::repair {
+
+enum class Form { text, json };
+
+/// @param reading the number of the reading that the word is changed in, from 1, if there are two; else 0
+/// @return the line, with its line break, as the next two
+std::string changeLine(const Change &change, Form form, int reading = 0);
+
+std::string lossLine(const Loss &loss, Form form);
+
+/// What is known at the end.
+struct Ending {
+  const Result &result;
+  std::string input;
+  std::string output = {}; ///< empty if it was not written
+};
+
+std::string endingLine(const Ending &ending, Form form);
+
+} // namespace kova::repair

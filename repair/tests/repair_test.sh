@@ -1,0 +1,235 @@
+#!/usr/bin/env bash
+# kbrepair as a program: exit statuses, what is told and what is written, INPUT and OUTPUT that may not be written, and
+# hostile names.
+set -euo pipefail
+# shellcheck source=tests/lib.sh
+. "$SOURCE_DIR/tests/lib.sh"
+mkdir "$scratch/work" "$scratch/samples"
+cd "$scratch/work"
+cp "$SOURCE_DIR"/samples/*.kb "$scratch/samples"
+cp "$scratch"/samples/{town,small-1,cut}.kb .
+cp "$scratch/samples/header-tag.kb" bad.kb # small-1.kb, one word changed
+printf 'this is no scene, but it is longer than the header of one: %0100d' 0 >not.kb
+inputs=(town.kb small-1.kb cut.kb bad.kb not.kb)
+sha256sum "${inputs[@]}" >"$scratch/inputs"
+
+repair() { # STATUS ARGUMENT...
+  local status=$1
+  shift
+  run "$status" "kbrepair $*" "$KBREPAIR" "$@"
+}
+refused() { # MESSAGE ARGUMENT...: with status 2; nothing is printed or written
+  local message=$1
+  shift
+  repair 2 "$@"
+  same "message of kbrepair $*" "kbrepair: $message" "$(cat "$scratch/err")"
+  [ ! -s "$scratch/out" ] || fail "kbrepair $* prints: $(head -c 300 "$scratch/out")"
+}
+written() { # FILE...: these are all that was written; they are removed
+  same "files written" \
+    "$(printf '%s\n' "$@" | sed '/^$/d' | sort)" "$(find . -mindepth 1 -maxdepth 1 -printf "%P\n" | grep -vxF "$(printf "%s\n" "${inputs[@]}")" | sort)"
+  rm -rf -- "$@"
+}
+last_line() { tail -n 1 "$scratch/out"; }
+verdict() { "$KBAUDIT" "$1" 2>/dev/null | grep -a -m 1 '^\*\*\*\* check result : '; }
+
+# --- Outcomes ---
+
+repair 0 town.kb out.kb
+same "a good file" "nothing to mend; out.kb audits OK" "$(cat "$scratch/out")"
+cmp town.kb out.kb || fail "a good file: OUTPUT is another one"
+written out.kb
+
+repair 0 bad.kb out.kb
+cmp small-1.kb out.kb || fail "a mended file is not the original"
+grep -xE '0x00000008 FileHeader [a-z_]*tag: 0x00000001 -> 0x00000000 \(.+\)' "$scratch/out" >/dev/null ||
+  fail "its change is not told"
+same "the last line of a mended file" "mended: 1 word changed, out.kb audits OK" "$(last_line)"
+written out.kb
+
+repair 1 not.kb out.kb
+[[ $(last_line) == "cannot be mended: "*" nothing written" ]] || fail "the last line of a hopeless file: $(last_line)"
+written
+repair 1 --partial not.kb out.kb
+[[ $(last_line) == "cannot be mended: "*" out.kb does not audit OK" ]] || fail "the last line of a partial repair: $(last_line)"
+same "size of a partial repair" "$(wc -c <not.kb)" "$(wc -c <out.kb)"
+written out.kb
+
+repair 1 cut.kb out.kb
+written
+repair 0 --salvage cut.kb out.kb
+[[ $(last_line) == salvaged:*" out.kb audits OK" ]] || fail "the last line of a salvaged file: $(last_line)"
+grep -E '^lost: [A-Z][A-Za-z]*(\[[0-9]+\])?: .' "$scratch/out" >/dev/null || fail "no loss is told"
+same "verdict of a salvaged file" "**** check result : OK" "$(verdict out.kb)"
+written out.kb
+
+for option in "" --json --partial --salvage --force; do
+  for input in town:0 bad:0 not:1; do
+    # shellcheck disable=SC2086 # none or one
+    repair "${input#*:}" --dry-run $option "${input%:*}.kb" out.kb
+    written
+  done
+done
+repair 0 --dry-run bad.kb
+same "the last line of a dry run" "can be mended: 1 word to change" "$(last_line)"
+
+# --- What is told is what is done ---
+
+# OUTPUT is INPUT with the changes that are told, and nothing else; mended again, nothing is.
+tell='import json, sys
+lines = [json.loads(line) for line in sys.stdin]
+changes, end = lines[:-1], lines[-1]
+data = bytearray(open(sys.argv[1], "rb").read())
+assert end["input"] == sys.argv[1] and end["changes"] == len(changes) and end["losses"] == 0
+assert sorted(c["offset"] for c in changes) == [c["offset"] for c in changes]
+for c in changes:
+    at = c["offset"]
+    assert c["list"] and c["field"] and c["why"] and c["old"] != c["new"]
+    assert data[at:at + 4] == c["old"].to_bytes(4, "big"), c
+    data[at:at + 4] = c["new"].to_bytes(4, "big")
+assert not end["written"] and end["output"] is None if len(sys.argv) < 3 else end["written"] and end["output"] == sys.argv[2]
+assert len(sys.argv) < 3 or end["reason"] is None and open(sys.argv[2], "rb").read() == data'
+mended=0
+for sample in ../samples/*.kb; do
+  status=0
+  "$KBREPAIR" --json "$sample" out.kb >told 2>"$scratch/err" || status=$?
+  case $status in
+    0)
+      mended=$((mended + 1))
+      run 0 "what is told of $sample" python3 -c "$tell" "$sample" out.kb <told
+      same "verdict of $sample, mended" "**** check result : OK" "$(verdict out.kb)"
+      repair 0 out.kb again.kb
+      same "$sample, mended again" "nothing to mend; again.kb audits OK" "$(cat "$scratch/out")"
+      cmp out.kb again.kb || fail "$sample: mended twice is not what mended once is"
+      written told out.kb again.kb
+      ;;
+    1)
+      tail -n 1 told | grep -E '"outcome":"(hopeless|ambiguous)".*"written":false' >/dev/null || fail "$sample: $(tail -n 1 told)"
+      written told
+      ;;
+    *) fail "$sample: status $status: $(cat "$scratch/err")" ;;
+  esac
+done
+[ "$mended" -ge 8 ] || fail "only $mended samples can be mended"
+
+# --- Wrong usage, and files that cannot be read or written ---
+
+for wrong in "" "--nonsense town.kb out.kb" "town.kb" "--force" "town.kb out.kb out2.kb"; do
+  # shellcheck disable=SC2086 # several words
+  repair 2 $wrong
+  if [ -s "$scratch/out" ] || [ ! -s "$scratch/err" ]; then fail "what wrong usage ($wrong) prints"; fi
+done
+for asked in --help -h --version; do
+  repair 0 $asked
+  [ -s "$scratch/out" ] || fail "$asked prints nothing"
+done
+mkdir folder
+mkfifo pipe
+refused "missing.kb: No such file or directory." missing.kb out.kb
+refused ": No such file or directory." "" out.kb
+refused "folder: not a regular file." folder out.kb
+run 2 "a pipe" timeout 20 "$KBREPAIR" pipe out.kb
+same "a pipe" "kbrepair: pipe: not a regular file." "$(cat "$scratch/err")"
+refused "folder exists; --force replaces it." town.kb folder
+written folder pipe
+for output in none/out.kb town.kb/out.kb; do
+  repair 2 --force bad.kb $output
+  same "told of $output" "kbrepair: $output cannot be written." "$(tail -n 1 "$scratch/err")"
+  written
+done
+if [ "$(id -u)" -ne 0 ]; then
+  cp bad.kb closed.kb
+  chmod 0 closed.kb
+  refused "closed.kb: Permission denied." closed.kb out.kb
+  written closed.kb
+fi
+
+# --- OUTPUT that is there, and INPUT under another name ---
+
+printf old >there.kb
+chmod 640 there.kb
+ln -s there.kb link.kb
+ln -s nowhere broken.kb
+refused "there.kb exists; --force replaces it." bad.kb there.kb
+refused "link.kb exists; --force replaces it." bad.kb link.kb
+refused "broken.kb exists; --force replaces it." bad.kb broken.kb
+refused "missing.kb: No such file or directory." --force missing.kb there.kb
+repair 1 --force not.kb there.kb
+same "left where nothing is written" old "$(cat there.kb)"
+repair 0 --force bad.kb link.kb
+cmp there.kb small-1.kb || fail "--force has not replaced the file"
+same "its permissions" 640 "$(stat -c %a there.kb)"
+[ -L link.kb ] || fail "--force has replaced a link"
+written there.kb link.kb broken.kb
+
+ln bad.kb hard.kb
+ln -s hard.kb soft.kb
+mkdir folder
+for other in bad.kb ./bad.kb folder/../bad.kb hard.kb soft.kb; do
+  for option in --force --partial; do
+    refused "$other is the same file as INPUT, which is never changed." $option bad.kb "$other"
+  done
+done
+refused "bad.kb is the same file as INPUT, which is never changed." --force soft.kb bad.kb
+repair 0 --dry-run bad.kb hard.kb # writes nothing anyway
+written hard.kb soft.kb folder
+
+# --- Standard output ---
+
+# shellcheck disable=SC2016 # for the other shell
+{
+  if [ -e /dev/full ]; then
+    for options in "" --json; do
+      run 2 "full standard output" sh -c '"$@" >/dev/full' sh "$KBREPAIR" ${options:+"$options"} bad.kb out.kb
+      same "told of full standard output" "kbrepair: standard output cannot be written: No space left on device." "$(cat "$scratch/err")"
+      written # a change that could not be told is not written
+    done
+    run 2 "full standard output, help" sh -c '"$@" >/dev/full' sh "$KBREPAIR" --help
+    repair 2 --force bad.kb /dev/full
+  fi
+  run 2 "closed standard output" sh -c '"$@" >&-' sh "$KBREPAIR" bad.kb out.kb
+  same "told of closed standard output" "kbrepair: standard output cannot be written: Bad file descriptor." "$(cat "$scratch/err")"
+  written
+  run 0 "other standard streams closed" sh -c '"$@" <&- 2>&-' sh "$KBREPAIR" bad.kb out.kb
+  cmp small-1.kb out.kb || fail "with other standard streams closed"
+  written out.kb
+}
+
+# --- Hostile names ---
+
+mkdir hostile
+python3 -c 'import os
+data = open("bad.kb", "rb").read()
+names = [b"-h", b"--force", b"a\nmended: 0 words changed", b"\x1b[2Jx", b"\xff\xfe", b"\"},{\"x\":\"", b"\\x41", b" ", b"{}", b"[a,b]"]
+for name in names: open(b"hostile/" + name, "wb").write(data)'
+cd hostile
+for name in *; do
+  repair 0 -- "$name" "$name.out"
+  same "lines of $name" 2 "$(wc -l <"$scratch/out")"
+  [[ $(cat "$scratch/out") =~ ^[[:print:][:space:]]*$ && $(last_line) == "mended: 1 word changed, "*" audits OK" ]] ||
+    fail "printed for $name: $(cat -v "$scratch/out")"
+  cmp -- ../small-1.kb "$name.out" || fail "$name is not mended"
+  "$KBREPAIR" --json --dry-run -- "$name" >../told || fail "a dry run of $name"
+  run 0 "JSON of $name" python3 -c 'import json, os, re, sys
+lines = open(sys.argv[1], "rb").read().splitlines()
+path = json.loads(lines[1])["input"]
+assert len(lines) == 2 and re.sub(rb"\\x(..)", lambda m: bytes.fromhex(m[1].decode()), path.encode()) == os.fsencode(sys.argv[2])' \
+    ../told "$name"
+  repair 2 -- "$name" "$name.out"
+  same "lines that refuse $name" 1 "$(wc -l <"$scratch/err")"
+done
+cd ..
+written hostile told
+
+# --- Memory ---
+
+truncate -s 3000000000 huge.kb
+if sanitized || ! has prlimit; then
+  notice "a limit of memory"
+else
+  run 2 "a file that needs more memory than there is" prlimit --as=1000000000 "$KBREPAIR" huge.kb out.kb
+  same "its message" "kbrepair: not enough memory." "$(cat "$scratch/err")"
+fi
+written huge.kb
+
+sha256sum --quiet -c "$scratch/inputs" || fail "an INPUT was changed"
