@@ -184,6 +184,7 @@ written hard.kb soft.kb folder
       same "told of full standard output" "kbrepair: standard output cannot be written: No space left on device." "$(cat "$scratch/err")"
       written # a change that could not be told is not written
     done
+    run 2 "full standard output, last line" sh -c '"$@" >/dev/full' sh "$KBREPAIR" --dry-run town.kb
     run 2 "full standard output, help" sh -c '"$@" >/dev/full' sh "$KBREPAIR" --help
     repair 2 --force bad.kb /dev/full
   fi
