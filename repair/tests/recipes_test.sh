@@ -21,9 +21,20 @@ awk -v recipes="$scratch/recipes" '
 same "number of scripts" 3 "$(find "$scratch/recipes" -name '*.sh' | wc -l)"
 recipe() { run "$1" "script $2" sh "$scratch/recipes/$2.sh"; }
 
-cp "$samples/header-tag.kb" scene.kb
+cp "$samples/index.kb" scene.kb
 recipe 0 1
 cmp mended.kb "$samples/small-1.kb" || fail "script 1 has not mended the file"
+rm mended.kb
+
+# The outputs that are shown.
+awk '/^```text$/ { out = 1; next } /^```/ { out = 0 } out' "$SOURCE_DIR/docs/repair.md" >"$scratch/shown"
+run 1 "a file of two readings" kbrepair "$samples/light-type.kb" out.kb
+{ kbrepair scene.kb mended.kb && cat "$scratch/out"; } >"$scratch/printed"
+same "outputs in docs/repair.md" "$(cat "$scratch/shown")" "$(cat "$scratch/printed")"
+awk '/^\$ scripts\/repair/ { out = 1; getline; next } /^```/ { out = 0 } out' "$SOURCE_DIR/README.md" >"$scratch/shown"
+run 0 "the example of the README" kbrepair --force "$samples/damaged.kb" mended.kb
+same "output in the README" "$(cat "$scratch/shown")" "$(cat "$scratch/out")"
+cmp mended.kb "$samples/town.kb" || fail "damaged.kb is not mended"
 rm mended.kb
 if [ -n "${KBSURVEY-}" ]; then
   odd=$'scenes/a\n/b\n.kb' # a folder whose name ends with a line break
