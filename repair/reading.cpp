@@ -1,0 +1,420 @@
+/// Lists and the whole file: every place that something gives for an end is followed, and the readings that come to the
+/// same place are compared.
+#include "repair/reading.h"
+
+#include <algorithm>
+
+namespace kova::repair {
+
+namespace {
+
+/// More readings than these are never followed at a time: a true one does not fall so far behind.
+constexpr std::size_t MOST_READINGS = 6;
+constexpr Word MOST_BEHIND = 192;
+
+/// How often a list may be searched through, and how many bytes in any case.
+constexpr std::uint64_t LIST_SCANS = 16;
+constexpr std::uint64_t LIST_SCAN_BYTES = 4 << 20;
+
+/// How many places are tried at which the elements of a list could begin.
+constexpr int MOST_BEGINNINGS = 3;
+
+bool sameClaims(const Claim *a, const Claim *b) {
+  for (; a != b; a = a->before, b = b->before)
+    if (a == nullptr || b == nullptr || a->sort != b->sort || a->begin != b->begin || a->end != b->end ||
+        a->value != b->value)
+      return false;
+  return true;
+}
+
+/// Adds a place, once.
+void addEnd(std::vector<std::uint64_t> &ends, std::uint64_t end) {
+  if (std::find(ends.begin(), ends.end(), end) == ends.end())
+    ends.push_back(end);
+}
+
+} // namespace
+
+std::uint64_t sizeWordOffset(std::size_t list) {
+  static const FileHeader header{};
+  const auto *const begin = reinterpret_cast<const unsigned char *>(&header);
+  return static_cast<std::uint64_t>(reinterpret_cast<const unsigned char *>(&(header.*LISTS[list].size)) - begin);
+}
+
+bool hasVersion2Lists(const Image &image) {
+  constexpr std::uint64_t VAN_EXT_BLK_SIZE = 92;
+  return (image[0] & 0xffff) == VERSION_2 && image[VAN_EXT_BLK_SIZE] >= VERSION_2_SIZES_BYTES;
+}
+
+const Claim *Reader::claim(const Claim &made, const Claim *before) {
+  claims.push_back(made);
+  claims.back().before = before;
+  return &claims.back();
+}
+
+/// Adds a reading; of two that come to the same place the better one stays.
+void Reader::add(Readings &readings, const Reading &reading) const {
+  for (Reading &other : readings) {
+    if (other.at != reading.at)
+      continue;
+    if (reading.cost < other.cost)
+      other = reading;
+    else if (reading.cost == other.cost && !other.has_rival && !sameClaims(reading.claims, other.claims)) {
+      other.rival = reading.claims;
+      other.has_rival = true;
+    }
+    return;
+  }
+  readings.push_back(reading);
+}
+
+/// Keeps the best readings.
+void Reader::prune(Readings &readings) const {
+  if (readings.size() < 2)
+    return;
+  std::stable_sort(readings.begin(), readings.end(),
+                   [](const Reading &a, const Reading &b) { return a.cost < b.cost; });
+  const Word best = readings.front().cost;
+  std::erase_if(readings, [&](const Reading &reading) { return reading.cost > best + MOST_BEHIND; });
+  if (readings.size() > MOST_READINGS)
+    readings.resize(MOST_READINGS);
+}
+
+/// @return the first place at which a record with that tag, and with that number, could begin; 0 if there is none or no
+/// more may be searched.
+std::uint64_t Reader::find(std::uint64_t from, std::uint64_t to, Word tag, std::optional<Word> number) {
+  for (; from + 8 <= std::min(to, image.size()) && mayScan(4); from += 4)
+    if (image[from] == tag && (!number || image[from + 4] == *number))
+      return from;
+  return 0;
+}
+
+/// @return whether so many bytes more may be searched through. There is a bound for each list and one for the file, so
+/// that time is linear, and so that one list does not take from the others what they need.
+bool Reader::mayScan(std::uint64_t bytes) {
+  if (bytes > scan_left || bytes > list_scan_left)
+    return false;
+  scan_left -= bytes;
+  list_scan_left -= bytes;
+  return true;
+}
+
+Word Reader::declared(std::size_t list) const {
+  if (list >= VERSION_1_LIST_NUM && !hasVersion2Lists(image))
+    return 0;
+  return image[sizeWordOffset(list)];
+}
+
+// --- Elements -------------------------------------------------------------------------------------------------------
+
+/// Follows one end of an element. @param own_size whether the element's own size says so, too. @param believed whether
+/// the end holds even if nothing explains it.
+void Reader::readElementTo(std::size_t list, const Spot &spot, const Reading &before, std::uint64_t end, Word cost,
+                           bool own_size, bool believed, Readings &readings) {
+  const Proposals proposals = solve(spot, end);
+  Reading reading = before;
+  reading.at = end;
+  const std::uint64_t size_word = spot.begin + spot.kind->size_at;
+  for (const Proposal &proposal : proposals) {
+    reading.cost = before.cost + cost + proposal.cost + std::min(proposal.doubts, cost::MOST_DOUBTS);
+    reading.claims = before.claims;
+    if (!own_size && !(proposal.changes && proposal.site.offset == size_word))
+      reading.cost += cost::WORD;
+    if (proposal.changes)
+      reading.claims = claim({.begin = proposal.site.offset,
+                              .list = list,
+                              .element = spot.number,
+                              .field = proposal.site.field,
+                              .value = proposal.value,
+                              .maker = proposal.site.maker,
+                              .why = proposal.site.maker ? "the size of the maker block" : "where the record ends"},
+                             before.claims);
+    add(readings, reading);
+  }
+  if (proposals.empty() && believed) {
+    reading.cost = before.cost + cost + cost::UNSOLVED;
+    reading.claims =
+        claim({.sort = Claim::Sort::unsolved, .begin = spot.begin, .end = end, .list = list, .element = spot.number},
+              before.claims);
+    add(readings, reading);
+  }
+}
+
+/// Follows every end that something gives for an element: its words, its own size, the size table, the next tag.
+void Reader::readElement(std::size_t list, const Kind &kind, const Reading &before, Word number, Word table_size,
+                         Readings &readings) {
+  const std::uint64_t begin = before.at;
+  if (begin + kind.fixed > image.size())
+    return;
+  const Spot spot = {&kind, begin, number};
+  std::uint64_t by_words = 0;
+  const Walk walk = measure(spot, by_words);
+  const std::uint64_t by_size = begin + image[begin + kind.size_at];
+  const std::uint64_t by_table = begin + table_size;
+  const Word cost =
+      (isElementTag(kind, image[begin]) ? 0 : cost::WORD) + (image[begin + kind.index_at] == number ? 0 : cost::WORD);
+  if (by_words == by_size && by_size == by_table && !walk.broken && walk.faults == 0) {
+    Reading reading = before;
+    reading.at = by_words;
+    reading.cost += cost + std::min(walk.doubts, cost::MOST_DOUBTS);
+    return add(readings, reading);
+  }
+  std::vector<std::uint64_t> ends;
+  if (!walk.broken)
+    addEnd(ends, by_words);
+  addEnd(ends, by_size);
+  addEnd(ends, by_table);
+  if (ends.size() == 3 || (ends.size() == 2 && walk.broken))
+    addEnd(ends, find(begin + kind.fixed, list_end, kind.tag, number + 1));
+  for (const std::uint64_t end : ends)
+    if (end >= begin + kind.fixed && end <= image.size())
+      readElementTo(list, spot, before, end, cost + (end == by_table ? 0 : cost::WORD), end == by_size,
+                    end == by_size && end == by_table, readings);
+}
+
+Reader::Readings Reader::readElements(std::size_t list, const Kind &kind, Readings before, std::uint64_t table,
+                                      Word number) {
+  for (Word i = 0; i < number && !before.empty(); ++i) {
+    const Word table_size = image[table + std::uint64_t{i} * sizeof(Word)];
+    Readings after;
+    for (const Reading &reading : before)
+      readElement(list, kind, reading, i, table_size, after);
+    prune(after);
+    before = std::move(after);
+  }
+  return before;
+}
+
+// --- Lists ----------------------------------------------------------------------------------------------------------
+
+/// Follows every end that something gives for a list of which the elements were read.
+void Reader::closeList(std::size_t list, std::uint64_t begin, const Reading &inner, Readings &readings) {
+  const std::uint64_t sizes_at = begin + LAYOUT[list].blocksAt();
+  const std::uint64_t maker = image[sizes_at] & ~Word{3};
+  const std::uint64_t user = image[sizes_at + 4] & ~Word{3};
+  const std::uint64_t by_words = inner.at + maker + user;
+  const std::uint64_t by_size = begin + image[begin + 8];
+  const std::uint64_t by_header = begin + declared(list);
+  std::vector<std::uint64_t> ends = {by_words};
+  addEnd(ends, by_size);
+  addEnd(ends, by_header);
+  for (const std::uint64_t end : ends) {
+    if (end < inner.at || end > image.size())
+      continue;
+    Reading reading = inner;
+    reading.at = end;
+    reading.cost += (end == by_size ? 0 : cost::WORD) + (end == by_header ? 0 : cost::WORD);
+    for (Reading &closed : closeBlocks(list, sizes_at, inner.at, reading)) {
+      if (closed.claims != inner.claims && find(inner.at, end, LAYOUT[list].first->tag, std::nullopt) != 0)
+        closed.cost += cost::SWALLOWED;
+      add(readings, closed);
+    }
+  }
+}
+
+/// @return the readings of two blocks of which the sizes stand at `sizes_at`, and which reach from `begin` to where
+/// `reading` is: as they are, or with one of the sizes changed.
+Reader::Readings Reader::closeBlocks(std::size_t list, std::uint64_t sizes_at, std::uint64_t begin,
+                                     const Reading &reading) {
+  const std::uint64_t room = reading.at - begin;
+  const std::uint64_t sizes[] = {image[sizes_at], image[sizes_at + 4]};
+  if (sizes[0] + sizes[1] == room)
+    return {reading};
+  Readings readings;
+  for (const std::size_t i : {0, 1}) {
+    if (room < sizes[1 - i] || room % 4 != 0 || sizes[1 - i] % 4 != 0)
+      continue;
+    Reading changed = reading;
+    changed.cost += cost::WORD;
+    changed.claims = claim({.begin = sizes_at + 4 * i,
+                            .list = list,
+                            .field = i == 0 ? "van_ext_blk_size" : "usr_ext_blk_size",
+                            .value = static_cast<Word>(room - sizes[1 - i]),
+                            .why = list < LIST_NUM ? "where the list ends" : "where the header ends"},
+                           reading.claims);
+    readings.push_back(changed);
+  }
+  return readings;
+}
+
+/// Reads a list with so many elements of its kinds.
+void Reader::readNumbered(std::size_t list, const Reading &before, Word first, Word second, Readings &readings) {
+  const ListLayout &layout = LAYOUT[list];
+  const std::uint64_t begin = before.at;
+  const std::uint64_t table = begin + layout.headBytes();
+  const std::uint64_t second_table = table + std::uint64_t{first} * sizeof(Word);
+  Reading reading = before;
+  reading.at = second_table + std::uint64_t{second} * sizeof(Word);
+  if (reading.at > image.size())
+    return;
+  Readings inner = readElements(list, *layout.first, {reading}, table, first);
+  if (layout.second != nullptr)
+    inner = readElements(list, *layout.second, std::move(inner), second_table, second);
+  for (const Reading &read : inner)
+    closeList(list, begin, read, readings);
+  prune(readings);
+}
+
+/// Reads a list whose count is wrong: its first element tells how long the size table is.
+void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings &readings) {
+  const ListLayout &layout = LAYOUT[list];
+  const std::uint64_t begin = before.at;
+  const std::uint64_t table = begin + layout.headBytes();
+  const Word first = image[begin + 12];
+  const Word second = layout.second != nullptr ? image[begin + 16] : 0;
+  const auto follow = [&](Word new_first, Word new_second) {
+    if (new_first == first && new_second == second)
+      return;
+    const bool is_first = new_first != first;
+    Reading reading = before;
+    reading.cost += cost::WORD;
+    reading.claims = claim({.begin = begin + (is_first ? 12 : 16),
+                            .list = list,
+                            .field = is_first ? layout.count_name : layout.second_count_name,
+                            .value = is_first ? new_first : new_second,
+                            .why = "where the elements begin"},
+                           before.claims);
+    readNumbered(list, reading, new_first, new_second, readings);
+  };
+  for (const Kind *const kind : {layout.first, layout.second}) {
+    std::uint64_t at = table;
+    for (int i = 0; kind != nullptr && i < MOST_BEGINNINGS && (at = find(at, list_end, kind->tag, 0)) != 0;
+         ++i, at += 4) {
+      const auto together = static_cast<Word>((at - table) / sizeof(Word));
+      if (together >= second)
+        follow(together - second, second);
+      if (layout.second != nullptr && together >= first)
+        follow(first, together - first);
+    }
+  }
+  follow(0, second);
+  if (layout.second != nullptr)
+    follow(first, 0);
+}
+
+/// The scene is a record of its own.
+void Reader::readScene(const Reading &before, Readings &readings) {
+  constexpr std::size_t SCENE_LIST = 0;
+  const std::uint64_t begin = before.at;
+  const Spot spot = {&SCENE, begin};
+  std::uint64_t by_words = 0;
+  const Walk walk = measure(spot, by_words);
+  const std::uint64_t by_size = begin + image[begin + SCENE.size_at];
+  const std::uint64_t by_header = begin + declared(SCENE_LIST);
+  std::vector<std::uint64_t> ends;
+  if (!walk.broken)
+    addEnd(ends, by_words);
+  addEnd(ends, by_size);
+  addEnd(ends, by_header);
+  for (const std::uint64_t end : ends)
+    if (end >= begin + SCENE.fixed && end <= image.size())
+      readElementTo(SCENE_LIST, spot, before, end, end == by_header ? 0 : cost::WORD, end == by_size, false, readings);
+}
+
+/// Reads a list that is there.
+void Reader::readListAt(const Reading &before, std::size_t list, Readings &readings) {
+  const std::uint64_t begin = before.at;
+  list_end = std::min(image.size(), begin + std::max(image[begin + 8], declared(list)));
+  list_scan_left = LIST_SCANS * (list_end - begin) + LIST_SCAN_BYTES;
+  Reading inside = before;
+  inside.cost += isListTag(list, image[begin]) ? 0 : cost::WORD;
+  Readings ends;
+  if (LAYOUT[list].first == nullptr) {
+    readScene(inside, ends);
+  } else {
+    const Word second = LAYOUT[list].second != nullptr ? image[begin + 16] : 0;
+    readNumbered(list, inside, image[begin + 12], second, ends);
+    if (ends.empty() || ends.front().cost >= inside.cost + cost::WORD)
+      readOtherNumbers(list, inside, ends);
+  }
+  const Word best = ends.empty() ? ~Word{0} : ends.front().cost - before.cost;
+  if (best > cost::UNSOLVED) { // what the list's sizes say holds, whatever is inside
+    for (const Word size : {image[begin + 8], declared(list)}) {
+      if (size < SCENE.fixed / 2 || begin + size > image.size())
+        continue;
+      Reading unsolved = inside;
+      unsolved.at = begin + size;
+      unsolved.cost +=
+          cost::UNSOLVED + (size == image[begin + 8] ? 0 : cost::WORD) + (size == declared(list) ? 0 : cost::WORD);
+      unsolved.claims =
+          claim({.sort = Claim::Sort::unsolved, .begin = begin, .end = unsolved.at, .list = list}, inside.claims);
+      add(ends, unsolved);
+    }
+  }
+  prune(ends);
+  for (Reading &end : ends) {
+    end.claims = claim({.sort = Claim::Sort::list, .begin = begin, .end = end.at, .list = list}, end.claims);
+    add(readings, end);
+  }
+}
+
+/// Reads a list, or passes it if it is not there.
+void Reader::readList(std::size_t list, const Reading &before, Readings &readings) {
+  const bool is_declared = declared(list) != 0;
+  const std::uint64_t head = LAYOUT[list].first != nullptr ? LAYOUT[list].headBytes() : SCENE.fixed;
+  const bool has_head = before.at + head <= image.size();
+  const bool has_tag = has_head && isListTag(list, image[before.at]);
+  if (has_head && (is_declared || has_tag))
+    readListAt(before, list, readings);
+  // What the header promises behind the end of a file that is cut was there once.
+  const bool is_cut_off = is_declared && before.at == image.size() && image[4] > image.size();
+  if (!has_tag && !is_cut_off) {
+    Reading absent = before;
+    absent.cost += is_declared ? cost::WORD : 0;
+    add(readings, absent);
+  }
+}
+
+// --- The file -------------------------------------------------------------------------------------------------------
+
+/// Follows every place that the header, or the tag of the scene, gives for its end.
+void Reader::readHeader(Readings &readings) {
+  constexpr std::uint64_t SIZE = 12;
+  constexpr std::uint64_t BLOCKS = 92;
+  const std::uint64_t by_words = FILE_HEADER_BYTES + std::uint64_t{image[BLOCKS]} + image[BLOCKS + 4];
+  const std::uint64_t by_size = image[SIZE];
+  list_scan_left = image.size();
+  std::vector<std::uint64_t> ends = {by_words};
+  addEnd(ends, by_size);
+  if (ends.size() == 2)
+    addEnd(ends, find(FILE_HEADER_BYTES, image.size(), LISTS[0].tag, SCENE.fixed));
+  for (const std::uint64_t end : ends)
+    if (end >= FILE_HEADER_BYTES && end <= image.size())
+      for (const Reading &closed :
+           closeBlocks(LIST_NUM, BLOCKS, FILE_HEADER_BYTES, {.at = end, .cost = end == by_size ? 0 : cost::WORD}))
+        readings.push_back(closed);
+}
+
+std::optional<Reading> Reader::readFile() {
+  if (image.size() < FILE_HEADER_BYTES)
+    return std::nullopt;
+  Readings headers;
+  readHeader(headers);
+  Readings whole;
+  for (const Reading &header : headers) {
+    // The size words of the version-2 lists are there only if the header's maker block is.
+    const Claim *const changed = header.claims;
+    const Word old = changed != nullptr ? image[changed->begin] : 0;
+    if (changed != nullptr)
+      image.set(changed->begin, changed->value);
+    Readings readings = {header};
+    if (version_2 && image[92] == 0) // no file of version 2.0 lacks the block
+      readings.clear();
+    const std::size_t lists = hasVersion2Lists(image) ? LIST_NUM : VERSION_1_LIST_NUM;
+    for (std::size_t list = 0; list < lists; ++list) {
+      Readings after;
+      for (const Reading &reading : readings)
+        readList(list, reading, after);
+      prune(after);
+      readings = std::move(after);
+    }
+    for (const Reading &reading : readings)
+      if (reading.at == image.size())
+        add(whole, reading);
+    if (changed != nullptr)
+      image.set(changed->begin, old);
+  }
+  return whole.empty() ? std::nullopt : std::optional(whole.front());
+}
+
+} // namespace kova::repair

@@ -1,0 +1,125 @@
+/// Readings of a damaged file: where its lists, elements and counts could be, each with what speaks against it.
+#pragma once
+
+#include "repair/layout.h"
+
+#include <deque>
+#include <string>
+#include <vector>
+
+namespace kova::repair {
+
+/// What a reading says beyond the bytes. Readings that have a beginning in common share it.
+struct Claim {
+  enum class Sort : std::uint8_t {
+    word,    ///< the word at `begin` should be `value`
+    list,    ///< the list `list` reaches from `begin` to `end`
+    unsolved ///< what reaches from `begin` to `end` has no reading: an element, or a whole list
+  };
+  Sort sort = Sort::word;
+  std::uint64_t begin = 0;
+  std::uint64_t end = 0;
+  std::size_t list = 0; ///< by its place in the file; LIST_NUM: the file's header
+  std::optional<Word> element = {};
+  const char *field = "";
+  Word value = 0;
+  bool maker = false; ///< the word says how much of a maker block is used
+  const char *why = "";
+  const Claim *before = nullptr;
+};
+
+/// A reading of the file up to a place.
+struct Reading {
+  std::uint64_t at = 0;
+  Word cost = 0;
+  const Claim *claims = nullptr;
+  const Claim *rival = nullptr; ///< those of another reading that is as good; null: there is none
+  bool has_rival = false;
+};
+
+/// How much speaks against a reading, so that a word that would have to be changed counts more than any number of
+/// doubts about one record, and a part that nothing explains more than several words.
+namespace cost {
+inline constexpr Word WORD = 16; ///< a word that follows from others is wrong
+inline constexpr Word MOST_DOUBTS = 3;
+inline constexpr Word UNSOLVED = 128;  ///< an element or a list has no reading
+inline constexpr Word SWALLOWED = 512; ///< a block takes in what looks like an element
+} // namespace cost
+
+/// Reads a file in all ways that are worth it.
+class Reader {
+public:
+  Reader(const Image &file, bool is_version_2)
+      : image(file), version_2(is_version_2), scan_left(FILE_SCANS * file.size() + FILE_SCAN_BYTES) {}
+
+  /// @return the best reading of the file, whose last list ends where the file ends; none if there is no such reading.
+  std::optional<Reading> readFile();
+
+private:
+  /// How often the file may be searched through, and how many bytes in any case.
+  static constexpr std::uint64_t FILE_SCANS = 64;
+  static constexpr std::uint64_t FILE_SCAN_BYTES = 64 << 20;
+
+  using Readings = std::vector<Reading>;
+
+  /// What can be made of a record that is to end at a given place.
+  struct Proposal {
+    Word cost;   ///< of words
+    Word doubts; ///< tell apart what costs the same
+    bool changes;
+    Site site;
+    Word value;
+  };
+  using Proposals = std::vector<Proposal>;
+
+  const Claim *claim(const Claim &made, const Claim *before);
+  void add(Readings &readings, const Reading &reading) const;
+  void prune(Readings &readings) const;
+
+  bool mayScan(std::uint64_t bytes);
+  std::uint64_t find(std::uint64_t from, std::uint64_t to, Word tag, std::optional<Word> number);
+
+  Walk measure(const Spot &spot, std::uint64_t &end, Events *events = nullptr) const;
+  void tryWord(const Spot &spot, std::uint64_t end, const Site &site, Word value, Proposals &proposals) const;
+  void solveCounts(const Spot &spot, std::uint64_t end, Proposals &proposals);
+  void growSite(const Spot &spot, std::uint64_t end, const Site &site, std::int64_t from, std::int64_t bytes,
+                Proposals &proposals) const;
+  void solveRecords(const Spot &spot, std::uint64_t end, const Site &site, std::span<const Spot> series_of,
+                    Proposals &proposals);
+  void searchValue(const Spot &spot, std::uint64_t end, const Site &site, Proposals &proposals);
+  void solveInside(const Spot &spot, std::uint64_t end, const Spot &inner, std::int64_t lacking, Proposals &proposals);
+  Word recordsInARow(Spot spot, std::uint64_t end) const;
+  Proposals solve(const Spot &spot, std::uint64_t end);
+  static void keepBest(Proposals &proposals);
+
+  void readElement(std::size_t list, const Kind &kind, const Reading &before, Word number, Word table_size,
+                   Readings &readings);
+  void readElementTo(std::size_t list, const Spot &spot, const Reading &before, std::uint64_t end, Word cost,
+                     bool own_size, bool believed, Readings &readings);
+  Readings readElements(std::size_t list, const Kind &kind, Readings before, std::uint64_t table, Word number);
+  void readNumbered(std::size_t list, const Reading &before, Word first, Word second, Readings &readings);
+  void readOtherNumbers(std::size_t list, const Reading &before, Readings &readings);
+  void closeList(std::size_t list, std::uint64_t begin, const Reading &inner, Readings &readings);
+  Readings closeBlocks(std::size_t list, std::uint64_t sizes_at, std::uint64_t begin, const Reading &reading);
+  void readScene(const Reading &before, Readings &readings);
+  void readListAt(const Reading &before, std::size_t list, Readings &readings);
+  void readList(std::size_t list, const Reading &before, Readings &readings);
+  void readHeader(Readings &readings);
+
+  Word declared(std::size_t list) const;
+
+  const Image &image;
+  bool version_2;
+  std::uint64_t list_end = 0; ///< the latest end that something gives for the list that is read
+  std::uint64_t scan_left;    ///< bytes that may still be searched through
+  std::uint64_t list_scan_left = 0;
+  std::deque<Claim> claims;
+};
+
+/// @return the offset of the word with the size of the list: in the header, or in its maker block.
+std::uint64_t sizeWordOffset(std::size_t list);
+
+/// @return whether a file with such a header has version-2 lists.
+bool hasVersion2Lists(const Image &image);
+
+} // namespace kova::repair

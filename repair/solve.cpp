@@ -1,0 +1,188 @@
+/// One record: the one word in it that would have to be another for the record to end where it has to end.
+#include "repair/reading.h"
+
+#include <algorithm>
+
+namespace kova::repair {
+
+namespace {
+
+/// Takes down the words on which the length of a record depends, without those of the records inside.
+struct Sites : Events {
+  std::vector<Site> sites;
+  std::vector<Spot> series_of; ///< the first of each row of records inside
+  int depth_now = 0;
+
+  void enter(const Spot &, int) override { ++depth_now; }
+  void leave(const Spot &, std::uint64_t, int) override { --depth_now; }
+  void site(const Site &site) override {
+    if (depth_now == 1)
+      sites.push_back(site);
+  }
+  void series(const Spot &first, Word) override {
+    if (depth_now == 1)
+      series_of.push_back(first);
+  }
+};
+
+/// @return whether a count or a size can have that value.
+bool isNumber(Word value) { return static_cast<Index>(value) >= 0; }
+
+} // namespace
+
+Walk Reader::measure(const Spot &spot, std::uint64_t &end, Events *events) const {
+  Walk walk(image, image.size(), version_2, events);
+  end = walk.over(spot);
+  return walk;
+}
+
+/// Proposes `value` for a word if the record then ends at `end`.
+void Reader::tryWord(const Spot &spot, std::uint64_t end, const Site &site, Word value, Proposals &proposals) const {
+  const Word old = image[site.offset];
+  if (value == old)
+    return;
+  image.set(site.offset, value);
+  std::uint64_t ends_at = 0;
+  const Walk walk = measure(spot, ends_at);
+  image.set(site.offset, old);
+  if (walk.broken || ends_at != end)
+    return;
+  proposals.push_back({cost::WORD + walk.faults * cost::WORD, walk.doubts, true, site, value});
+}
+
+/// Proposes values for the words of the record itself.
+void Reader::solveCounts(const Spot &spot, std::uint64_t end, Proposals &proposals) {
+  Sites found;
+  std::uint64_t ends_at = 0;
+  const Walk walk = measure(spot, ends_at, &found);
+  const auto lacking = static_cast<std::int64_t>(end - ends_at);
+  for (const Site &site : found.sites) {
+    if (site.maker) { // changes nothing about the end
+      if (lacking == 0 && walk.maker_spare < 0)
+        growSite(spot, end, site, site.value, walk.maker_spare, proposals);
+    } else if (site.block) {
+      tryWord(spot, end, site, site.value & ~Word{3}, proposals); // no block ends within a word
+      growSite(spot, end, site, site.value & ~Word{3}, lacking, proposals);
+    } else if (site.unit < 0) { // a header size
+      tryWord(spot, end, site, spot.kind->fixed, proposals);
+    } else if (site.unit == 0) {
+      tryWord(spot, end, site, 0, proposals);
+    } else if (lacking != 0) {
+      growSite(spot, end, site, site.value, lacking, proposals);
+      growSite(spot, end, site, static_cast<Index>(site.value), lacking, proposals);
+      if (site.records != nullptr)
+        solveRecords(spot, end, site, found.series_of, proposals);
+      else if (walk.broken || !found.series_of.empty())
+        searchValue(spot, end, site, proposals);
+    }
+  }
+}
+
+/// Proposes the value with which the record is longer by so many bytes.
+void Reader::growSite(const Spot &spot, std::uint64_t end, const Site &site, std::int64_t from, std::int64_t bytes,
+                      Proposals &proposals) const {
+  const auto value = static_cast<Word>(from + bytes / site.unit);
+  if (bytes % site.unit == 0 && isNumber(value))
+    tryWord(spot, end, site, value, proposals);
+}
+
+/// Proposes numbers of records, which may be of unequal length: as many as stand in a row; or, where a table with an
+/// entry for each stands before them, as many as that has.
+void Reader::solveRecords(const Spot &spot, std::uint64_t end, const Site &site, std::span<const Spot> series_of,
+                          Proposals &proposals) {
+  for (const Spot &first : series_of)
+    if (first.kind == site.records)
+      tryWord(spot, end, site, recordsInARow(first, end), proposals);
+  const std::uint64_t table = spot.begin + spot.kind->fixed;
+  if (site.records->tag != 0)
+    if (const std::uint64_t first = find(table, end, site.records->tag, 0))
+      tryWord(spot, end, site, static_cast<Word>((first - table) / sizeof(Word)), proposals);
+}
+
+/// Tries one value after the other, where a wrong one hides by how much it is wrong.
+void Reader::searchValue(const Spot &spot, std::uint64_t end, const Site &site, Proposals &proposals) {
+  const std::uint64_t length = end - spot.begin;
+  const std::uint64_t most = length / static_cast<std::uint64_t>(site.unit);
+  if (!mayScan(length * most))
+    return;
+  for (Word value = 0; value <= most; ++value)
+    tryWord(spot, end, site, value, proposals);
+}
+
+/// @return how many records that raise no doubt stand in a row.
+Word Reader::recordsInARow(Spot spot, std::uint64_t end) const {
+  Walk walk(image, end, version_2);
+  while (spot.begin + spot.kind->fixed <= end) {
+    spot.begin = walk.over(spot, 1);
+    if (walk.doubts != 0 || walk.broken || spot.begin > end)
+      break;
+    ++spot.number;
+  }
+  return spot.number;
+}
+
+/// Proposes values for the words of a record inside: it ends where its own size says, where the next one begins, or so
+/// that all is as long as it has to be.
+void Reader::solveInside(const Spot &spot, std::uint64_t end, const Spot &inner, std::int64_t lacking,
+                         Proposals &proposals) {
+  if (inner.kind == nullptr)
+    return;
+  std::uint64_t inner_end = 0;
+  measure(inner, inner_end);
+  std::uint64_t ends[] = {inner_end + static_cast<std::uint64_t>(lacking), 0, 0};
+  if (inner.kind->size_at != NO_WORD)
+    ends[1] = inner.begin + image[inner.begin + inner.kind->size_at];
+  if (inner.kind->tag != 0)
+    ends[2] = find(inner.begin + inner.kind->fixed, end, inner.kind->tag, inner.number + 1);
+  Proposals inside;
+  for (const std::uint64_t to : ends)
+    if (to > inner.begin && to <= end && to != inner_end)
+      solveCounts(inner, to, inside);
+  for (const Proposal &proposal : inside)
+    tryWord(spot, end, proposal.site, proposal.value, proposals);
+}
+
+/// @return the best ways in which the record can end at `end`: none, one, or several that are equally good.
+Reader::Proposals Reader::solve(const Spot &spot, std::uint64_t end) {
+  Proposals proposals;
+  std::uint64_t ends_at = 0;
+  const Walk walk = measure(spot, ends_at);
+  if (!walk.broken && ends_at == end)
+    proposals.push_back({walk.faults * 2 * cost::WORD, walk.doubts, false, {}, 0});
+  if (proposals.empty() || walk.faults != 0)
+    solveCounts(spot, end, proposals);
+  if (ends_at != end) {
+    const auto lacking = static_cast<std::int64_t>(end - ends_at);
+    for (const Spot &inner : {walk.suspect, walk.before})
+      solveInside(spot, end, inner, lacking, proposals);
+  }
+  keepBest(proposals);
+  return proposals;
+}
+
+/// Keeps the proposals of the least cost, each once.
+void Reader::keepBest(Proposals &proposals) {
+  // Whole records are not likely to be the content of a block.
+  const bool records = std::any_of(proposals.begin(), proposals.end(), [](const Proposal &proposal) {
+    return proposal.changes && proposal.site.records != nullptr && proposal.value > 0 && proposal.doubts == 0;
+  });
+  for (Proposal &proposal : proposals)
+    proposal.doubts += records && proposal.changes && proposal.site.block;
+  const auto less = [](const Proposal &a, const Proposal &b) {
+    return a.cost != b.cost ? a.cost < b.cost : a.doubts < b.doubts;
+  };
+  const auto same = [](const Proposal &a, const Proposal &b) {
+    return a.changes == b.changes && a.site.offset == b.site.offset && a.value == b.value;
+  };
+  if (proposals.empty())
+    return;
+  const Proposal best = *std::min_element(proposals.begin(), proposals.end(), less);
+  Proposals kept;
+  for (const Proposal &proposal : proposals)
+    if (!less(best, proposal) &&
+        std::none_of(kept.begin(), kept.end(), [&](const Proposal &other) { return same(other, proposal); }))
+      kept.push_back(proposal);
+  proposals = std::move(kept);
+}
+
+} // namespace kova::repair
