@@ -1,0 +1,248 @@
+#include "repair/derive.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace kova::repair {
+
+namespace {
+
+const char *listName(std::size_t list) { return list < LIST_NUM ? LISTS[list].name : "FileHeader"; }
+
+/// A word to which the audit pays no attention is changed only if the same word of other records of its kind shows that
+/// it is meant to follow: of so many, ...
+constexpr std::size_t FEWEST_WITNESSES = 3;
+/// ... and if at most one of so many does not.
+constexpr std::size_t WITNESSES_EACH = 4;
+
+/// What one unchecked word of the records of a kind is like in this file.
+struct Habit {
+  const Kind *kind;
+  const char *field;
+  std::size_t follow = 0;
+  std::vector<Change> others = {};
+};
+
+/// Goes over the file as it was read, and sets what follows.
+class Deriver : public Events {
+public:
+  Deriver(const Image &file, const Reading &reading) : image(file), version_2((file[0] & 0xffff) == VERSION_2) {
+    for (const Claim *claim = reading.claims; claim != nullptr; claim = claim->before) {
+      if (claim->sort == Claim::Sort::list)
+        spans[claim->list] = claim;
+      else if (claim->sort == Claim::Sort::unsolved)
+        unsolved.emplace(claim->begin, claim->end);
+      else
+        applied.push_back(claim);
+    }
+  }
+
+  Applied derive();
+
+private:
+  void set(std::uint64_t offset, std::string field, Word value, const char *why);
+  void expect(const Kind &kind, const char *habit, std::uint64_t offset, std::string field, Word value,
+              const char *why);
+  void leave(const Spot &spot, std::uint64_t end, int depth) override;
+  void countMaker(const Kind &kind, const Walk &walk);
+  void mergeChanges();
+  void deriveHeader();
+  void deriveList();
+  void deriveElements(const Kind &kind, std::uint64_t &at, std::uint64_t table, const char *table_name, Word number);
+  void deriveElement(const Kind &kind, std::uint64_t begin, std::uint64_t end, Word number, std::uint64_t table_word,
+                     const char *table_name);
+
+  const Image &image;
+  bool version_2;
+  std::array<const Claim *, LIST_NUM> spans = {};
+  std::unordered_map<std::uint64_t, std::uint64_t> unsolved = {};
+  std::vector<const Claim *> applied = {};
+  std::vector<Change> changes = {};
+  std::vector<Habit> habits = {};
+  std::size_t used_up_blocks = 0; ///< maker blocks that hold just what their counts call for
+  std::size_t longer_blocks = 0;
+  std::size_t list_now = LIST_NUM;
+  std::optional<Word> element_now = {};
+};
+
+constexpr const char *BY_POSITION = "its position";
+constexpr const char *BY_PARTS = "the sum of its parts";
+constexpr const char *BY_PLACE = "the list's place in the file";
+
+void Deriver::set(std::uint64_t offset, std::string field, Word value, const char *why) {
+  const Word old = image[offset];
+  if (old == value)
+    return;
+  image.set(offset, value);
+  changes.push_back({offset, listName(list_now), element_now, std::move(field), old, value, why});
+}
+
+/// Takes down whether a word is as the others of its kind may be.
+void Deriver::expect(const Kind &kind, const char *habit_name, std::uint64_t offset, std::string field, Word value,
+                     const char *why) {
+  auto habit = std::find_if(habits.begin(), habits.end(),
+                            [&](const Habit &other) { return other.kind == &kind && other.field == habit_name; });
+  if (habit == habits.end())
+    habit = habits.insert(habit, {&kind, habit_name});
+  if (image[offset] == value)
+    ++habit->follow;
+  else if (habit->others.size() * WITNESSES_EACH <= habit->follow + 64) // else it is no habit
+    habit->others.push_back({offset, listName(list_now), element_now, std::move(field), image[offset], value, why});
+}
+
+/// The words of the records inside.
+void Deriver::leave(const Spot &spot, std::uint64_t end, int depth) {
+  const Kind &kind = *spot.kind;
+  if (depth == 0)
+    return;
+  if (kind.tag != 0)
+    set(spot.begin, kind.tag_name, kind.tag, "the place of the record");
+  if (kind.size_at != NO_WORD) {
+    const auto size = static_cast<Word>(end - spot.begin);
+    if (kind.size_checked)
+      set(spot.begin + kind.size_at, kind.size_name, size, BY_PARTS);
+    else
+      expect(kind, kind.size_name, spot.begin + kind.size_at, kind.size_name, size, BY_PARTS);
+  }
+  if (kind.index_at != NO_WORD)
+    expect(kind, kind.index_name, spot.begin + kind.index_at, kind.index_name, spot.number, BY_POSITION);
+}
+
+void Deriver::countMaker(const Kind &kind, const Walk &walk) {
+  if (!version_2 || kind.maker == nullptr)
+    return;
+  used_up_blocks += walk.maker_spare == 0;
+  longer_blocks += walk.maker_spare > 0;
+}
+
+void Deriver::deriveElement(const Kind &kind, std::uint64_t begin, std::uint64_t end, Word number,
+                            std::uint64_t table_word, const char *table_name) {
+  if (!isElementTag(kind, image[begin]))
+    set(begin, kind.tag_name, kind.tag, "the place of the element");
+  const auto size = static_cast<Word>(end - begin);
+  const std::string entry = std::string(table_name) + '[' + std::to_string(number) + ']';
+  set(begin + kind.size_at, kind.size_name, size, BY_PARTS);
+  if (kind.index_checked)
+    set(begin + kind.index_at, kind.index_name, number, BY_POSITION);
+  else
+    expect(kind, kind.index_name, begin + kind.index_at, kind.index_name, number, BY_POSITION);
+  if (kind.size_checked)
+    set(table_word, entry, size, "the size of the element");
+  else
+    expect(kind, table_name, table_word, entry, size, "the size of the element");
+}
+
+void Deriver::deriveElements(const Kind &kind, std::uint64_t &at, std::uint64_t table, const char *table_name,
+                             Word number) {
+  for (Word i = 0; i < number; ++i) {
+    element_now = i;
+    const auto skipped = unsolved.find(at);
+    if (skipped != unsolved.end()) {
+      at = skipped->second;
+      continue;
+    }
+    Walk walk(image, image.size(), version_2, this);
+    const std::uint64_t end = walk.over({&kind, at, i});
+    countMaker(kind, walk);
+    deriveElement(kind, at, end, i, table + std::uint64_t{i} * sizeof(Word), table_name);
+    at = end;
+  }
+  element_now.reset();
+}
+
+void Deriver::deriveList() {
+  const Claim &span = *spans[list_now];
+  const ListLayout &layout = LAYOUT[list_now];
+  if (!isListTag(list_now, image[span.begin]))
+    set(span.begin, layout.tag_name, LISTS[list_now].tag, BY_PLACE);
+  set(span.begin + 8, layout.size_name, static_cast<Word>(span.end - span.begin),
+      layout.first == nullptr ? BY_PARTS : "where the list ends");
+  if (layout.first == nullptr) {
+    Walk walk(image, image.size(), version_2);
+    walk.over({&SCENE, span.begin});
+    countMaker(SCENE, walk);
+    return;
+  }
+  if (unsolved.contains(span.begin))
+    return;
+  const Word first = image[span.begin + 12];
+  const Word second = layout.second != nullptr ? image[span.begin + 16] : 0;
+  const std::uint64_t table = span.begin + layout.headBytes();
+  const std::uint64_t second_table = table + std::uint64_t{first} * sizeof(Word);
+  std::uint64_t at = second_table + std::uint64_t{second} * sizeof(Word);
+  deriveElements(*layout.first, at, table, layout.table_name, first);
+  if (layout.second != nullptr)
+    deriveElements(*layout.second, at, second_table, layout.second_table_name, second);
+}
+
+void Deriver::deriveHeader() {
+  set(4, "size", static_cast<Word>(image.size()), "the length of the file");
+  set(8, "header_tag", 0, "the place in the file");
+  set(12, "file_header_num", Word{FILE_HEADER_BYTES} + image[92] + image[96], BY_PARTS);
+  const std::size_t lists = hasVersion2Lists(image) ? LIST_NUM : VERSION_1_LIST_NUM;
+  for (std::size_t list = 0; list < lists; ++list) {
+    const Claim *const span = spans[list];
+    set(sizeWordOffset(list), LAYOUT[list].header_word,
+        span != nullptr ? static_cast<Word>(span->end - span->begin) : 0, "where the list ends");
+  }
+}
+
+/// Makes one change of those of the same word, in the order of the file.
+void Deriver::mergeChanges() {
+  std::stable_sort(changes.begin(), changes.end(),
+                   [](const Change &a, const Change &b) { return a.offset < b.offset; });
+  std::vector<Change> merged;
+  for (Change &change : changes) {
+    if (merged.empty() || merged.back().offset != change.offset) {
+      merged.push_back(std::move(change));
+      continue;
+    }
+    merged.back().new_value = change.new_value;
+    merged.back().why = change.why;
+  }
+  std::erase_if(merged, [](const Change &change) { return change.old_value == change.new_value; });
+  changes = std::move(merged);
+}
+
+Applied Deriver::derive() {
+  for (const Claim *const claim : applied) {
+    list_now = claim->list;
+    element_now = claim->element;
+    set(claim->begin, claim->field, claim->value, claim->why);
+  }
+  list_now = LIST_NUM;
+  element_now.reset();
+  deriveHeader();
+  for (list_now = 0; list_now < LIST_NUM; ++list_now)
+    if (spans[list_now] != nullptr)
+      deriveList();
+  const bool checked_words = !changes.empty();
+  for (const Habit &habit : habits) {
+    if (habit.follow < FEWEST_WITNESSES || habit.others.size() * WITNESSES_EACH > habit.follow)
+      continue;
+    for (const Change &change : habit.others) {
+      image.set(change.offset, change.new_value);
+      changes.push_back(change);
+    }
+  }
+  mergeChanges();
+  const bool changes_maker =
+      std::any_of(applied.begin(), applied.end(), [](const Claim *claim) { return claim->maker; });
+  return {std::move(changes), checked_words, changes_maker && (longer_blocks != 0 || used_up_blocks < 2)};
+}
+
+} // namespace
+
+Applied applyReading(const Image &image, const Reading &reading) { return Deriver(image, reading).derive(); }
+
+std::vector<Change> changesOf(const Image &image, const Claim *claims) {
+  std::vector<Change> changes;
+  for (; claims != nullptr; claims = claims->before)
+    if (claims->sort == Claim::Sort::word)
+      changes.push_back({claims->begin, listName(claims->list), claims->element, claims->field, image[claims->begin],
+                         claims->value, claims->why});
+  std::sort(changes.begin(), changes.end(), [](const Change &a, const Change &b) { return a.offset < b.offset; });
+  return changes;
+}
+
+} // namespace kova::repair

@@ -1,0 +1,24 @@
+/// The words that follow from where everything stands.
+#pragma once
+
+#include "repair/mend.h"
+#include "repair/reading.h"
+
+namespace kova::repair {
+
+/// What a reading has changed.
+struct Applied {
+  std::vector<Change> changes; ///< by offset
+  bool checked_words = false;  ///< there are words among them to which the audit pays attention
+  /// A count in a maker block was changed so that the block is used up. A block may be longer than what it holds; this
+  /// is true where others in the file are, or where there is no other.
+  bool doubtful_maker = false;
+};
+
+/// Writes what a reading says into the file: the words that it changes, and all that follow from them.
+Applied applyReading(const Image &image, const Reading &reading);
+
+/// @return the words that a reading changes by itself.
+std::vector<Change> changesOf(const Image &image, const Claim *claims);
+
+} // namespace kova::repair

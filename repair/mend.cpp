@@ -1,0 +1,138 @@
+#include "repair/mend.h"
+
+#include "kova/check.h"
+#include "repair/derive.h"
+#include "repair/salvage.h"
+
+namespace kova::repair {
+
+namespace {
+
+/// What the audit says about the bytes of a file.
+struct Audit {
+  bool ok = false;
+  bool out_of_memory = false;
+  std::string first = {}; ///< error, as text
+};
+
+Audit auditBytes(const std::vector<unsigned char> &bytes) {
+  Audit audit;
+  const FindingReceiver receiver([&](const Finding &finding) {
+    audit.out_of_memory |= finding.row->id == std::string_view("out-of-memory");
+    if (finding.row->severity == Severity::error && audit.first.empty())
+      audit.first = kvFindingText(finding);
+  });
+  const KisHandle kis = kvNewKis();
+  if (!kis)
+    throw std::bad_alloc();
+  const int loaded = kvOpenKbMemory(bytes, "", *kis);
+  const Word version = kvKOVAver(kis->file_header);
+  const bool known = version == VERSION_1 || version == VERSION_2;
+  if (audit.out_of_memory)
+    throw std::bad_alloc();
+  audit.ok = known && (checkKOVA(*kis) & loaded) != 0;
+  return audit;
+}
+
+std::string withoutLineEnd(std::string text) {
+  while (!text.empty() && text.back() == '\n')
+    text.pop_back();
+  return text;
+}
+
+void setWords(const Image &image, const std::vector<Change> &changes, Word Change::*value) {
+  for (const Change &change : changes)
+    image.set(change.offset, change.*value);
+}
+
+bool changesStructure(const Reading &reading) {
+  for (const Claim *claim = reading.claims; claim != nullptr; claim = claim->before)
+    if (claim->sort != Claim::Sort::list)
+      return true;
+  return reading.has_rival;
+}
+
+Result hopeless(std::string reason) { return {.outcome = Outcome::hopeless, .reason = std::move(reason)}; }
+
+/// Mends a file whose lists are all there.
+Result mendWhole(const std::vector<unsigned char> &bytes, const Image &image) {
+  Reader reader(image, (image[0] & 0xffff) == VERSION_2);
+  const std::optional<Reading> reading = reader.readFile();
+  if (!reading)
+    return auditBytes(bytes).ok ? Result{} : hopeless("its lists do not end where the file ends");
+  // What the audit accepts has no other structure than the one that it sees.
+  if (changesStructure(*reading) && auditBytes(bytes).ok)
+    return {};
+  if (reading->has_rival)
+    return {.outcome = Outcome::ambiguous,
+            .changes = changesOf(image, reading->claims),
+            .alternative = changesOf(image, reading->rival)};
+  Applied applied = applyReading(image, *reading);
+  Result result = {.changes = std::move(applied.changes)};
+  if (applied.checked_words) {
+    setWords(image, result.changes, &Change::old_value);
+    if (auditBytes(bytes).ok)
+      return {};
+    setWords(image, result.changes, &Change::new_value);
+  }
+  if (applied.doubtful_maker) {
+    result.outcome = Outcome::hopeless;
+    result.reason = "a count in a maker block is too large, and nothing tells by how much";
+    return result;
+  }
+  const Audit audit = auditBytes(bytes);
+  if (!audit.ok) {
+    result.outcome = Outcome::hopeless;
+    result.reason = withoutLineEnd(audit.first);
+  } else if (!result.changes.empty()) {
+    result.outcome = Outcome::mended;
+  }
+  return result;
+}
+
+/// Makes a file of what is left of one that was cut.
+Result salvageCut(std::vector<unsigned char> &bytes) {
+  std::optional<Salvaged> salvaged = salvageFile(Image{bytes});
+  if (!salvaged)
+    return hopeless("it is cut, and what is left of it is damaged, too");
+  const Audit audit = auditBytes(salvaged->bytes);
+  if (!audit.ok)
+    return hopeless("it is cut, and what is left of it is damaged, too: " + withoutLineEnd(audit.first));
+  bytes = std::move(salvaged->bytes);
+  return {.outcome = Outcome::salvaged, .losses = std::move(salvaged->losses)};
+}
+
+/// Leaves out what stands behind the end that the header gives.
+Result salvageLonger(std::vector<unsigned char> &bytes, std::size_t stated) {
+  if (stated < FILE_HEADER_BYTES)
+    return hopeless("its lists do not end where the file ends");
+  std::vector<unsigned char> whole(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(stated));
+  Result result = mendWhole(whole, Image{whole});
+  if (result.outcome != Outcome::good && result.outcome != Outcome::mended)
+    return hopeless(result.reason.empty() ? "its lists do not end where the file ends" : result.reason);
+  result.outcome = Outcome::salvaged;
+  result.losses.push_back({"FileHeader", {}, std::to_string(bytes.size() - stated) + " bytes behind the last list"});
+  bytes = std::move(whole);
+  return result;
+}
+
+} // namespace
+
+Result mend(std::vector<unsigned char> &bytes, bool salvage) {
+  const Image image = {bytes};
+  if (image.size() < sizeof(Word))
+    return hopeless("it is too short even for a version");
+  const Word version = image[0] & 0xffff;
+  if (version != VERSION_1 && version != VERSION_2)
+    return hopeless("it is of no version that is known");
+  const bool has_header = image.size() >= FILE_HEADER_BYTES;
+  const std::uint64_t stated = has_header ? image[4] : image.size() + 1;
+  Result result = has_header ? mendWhole(bytes, image) : hopeless("it is shorter than a header");
+  if (!salvage || result.outcome == Outcome::good || result.outcome == Outcome::mended || stated == image.size())
+    return result;
+  if (result.outcome == Outcome::hopeless)
+    setWords(image, result.changes, &Change::old_value);
+  return stated > image.size() ? salvageCut(bytes) : salvageLonger(bytes, static_cast<std::size_t>(stated));
+}
+
+} // namespace kova::repair

@@ -1,0 +1,58 @@
+/// Mending a KOVA file in memory: the reading of its bytes that changes the fewest words.
+///
+/// Nearly everything in a KOVA file is told more than once. Where an element ends follows from its counts, from its own
+/// size, from the size table and from the tag of the next one; where a list ends, from its elements, from its own size,
+/// from the header and from the tag of the next list. The readings of the file that these allow are compared by the
+/// number of words that each would have to change. The one with the fewest is taken if it is alone, and its words are
+/// changed; if there are two, neither is.
+#pragma once
+
+#include "kova/words.h"
+
+#include <span>
+#include <string>
+#include <vector>
+
+namespace kova::repair {
+
+/// A word that is to be changed, or was.
+struct Change {
+  std::uint64_t offset = 0;         ///< in the file
+  const char *list = "";            ///< "FileHeader" or the list's name
+  std::optional<Word> element = {}; ///< the position of the element in its list
+  std::string field = {};           ///< the name of the word in the format, with its number in an array
+  Word old_value = 0;
+  Word new_value = 0;
+  const char *why = ""; ///< what the new value follows from
+
+  bool operator==(const Change &) const = default;
+};
+
+/// Something that a salvaged file does not have any more.
+struct Loss {
+  const char *list = "";
+  std::optional<Word> element = {};
+  std::string what; ///< for people: "12 of 20 elements", "cut to 8 of 90 vertices"
+};
+
+enum class Outcome {
+  good,      ///< nothing was wrong
+  mended,    ///< the file audits OK now
+  salvaged,  ///< it does, but is not the file that it was: `losses` says what is gone
+  ambiguous, ///< there are two readings; `changes` and `alternative` tell them apart
+  hopeless   ///< no reading was found; `reason` says where it ended
+};
+
+struct Result {
+  Outcome outcome = Outcome::good;
+  std::vector<Change> changes = {};     ///< by offset, in the input; of a file without hope those that were sure
+  std::vector<Change> alternative = {}; ///< the other reading
+  std::vector<Loss> losses = {};
+  std::string reason = {};
+};
+
+/// Mends the bytes of a file in place. An ambiguous file stays as it is. Of one without hope, the words are changed of
+/// which there is no doubt. Where `salvage` is set and the file is cut, `bytes` is the salvaged file afterwards.
+Result mend(std::vector<unsigned char> &bytes, bool salvage);
+
+} // namespace kova::repair

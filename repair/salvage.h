@@ -1,0 +1,18 @@
+/// What is left of a file that was cut.
+#pragma once
+
+#include "repair/mend.h"
+#include "repair/reading.h"
+
+namespace kova::repair {
+
+/// The file that is made of what was whole.
+struct Salvaged {
+  std::vector<unsigned char> bytes;
+  std::vector<Loss> losses;
+};
+
+/// @return the file; none where the lists do not stand where the header says, or where not even the version is left.
+std::optional<Salvaged> salvageFile(const Image &cut);
+
+} // namespace kova::repair
