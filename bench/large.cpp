@@ -18,6 +18,7 @@ using Random = std::mt19937;
 using Elements = std::vector<Words>;
 
 constexpr std::size_t GROUPS = 32;
+constexpr Word NO_LINK = 0xffffffff;
 
 /// Coordinates of a scene some hundred units wide, as finely as single precision has them.
 float coordinate(Random &random) { return std::uniform_real_distribution<float>(-250.0F, 250.0F)(random); }
@@ -29,7 +30,7 @@ Words tupleGroup(Word tag, Word index, bool named, Word count, Word tuple, const
   const Word head = named ? 24 : 20;
   Words words = {tag, index, head, head + count * tuple * 4};
   if (named)
-    words.push_back(0);
+    words.push_back(NO_LINK);
   words.push_back(count);
   words.reserve(words.size() + std::size_t{count} * tuple);
   for (Word i = 0; i < count * tuple; ++i)
@@ -85,15 +86,17 @@ std::vector<unsigned char> file(std::vector<Words> lists) {
   return bytes;
 }
 
-Words triangleGroup(Word index, Word triangles, Word vertices, Random &random) {
+/// @param smooth whether there are groups of normals and texture coordinates, too, one of each for each vertex
+Words triangleGroup(Word index, Word triangles, Word vertices, bool smooth, Random &random) {
   std::uniform_int_distribution<Word> vertex(0, vertices - 1);
-  Words words = {TRI_LIST_TAG + ELEMENT_KIND, index, 56, 32 + 24 + triangles * 76, 0, 0, 0, triangles};
-  words.insert(words.end(), {index, ~Word{0}, ~Word{0}, ~Word{0}, index, index});
+  Words words = {TRI_LIST_TAG + ELEMENT_KIND, index, 56, 32 + 24 + triangles * 76, NO_LINK, 0, 0, triangles};
+  const Word other_group = smooth ? index : NO_LINK;
+  words.insert(words.end(), {index, NO_LINK, NO_LINK, NO_LINK, other_group, other_group});
   for (Word i = 0; i < triangles; ++i) {
-    words.insert(words.end(), {TRI_LIST_TAG + 0x1000, i, 76, ~Word{0}, ~Word{0}});
+    words.insert(words.end(), {TRI_LIST_TAG + 0x1000, i, 76, NO_LINK, NO_LINK});
     for (int corner = 0; corner < 3; ++corner) {
       const Word at = vertex(random);
-      words.insert(words.end(), {at, at, at, ~Word{0}});
+      words.insert(words.end(), {at, at, at, NO_LINK}); // as many digits as in a mesh that has all groups
     }
     words.insert(words.end(), {0, 0});
   }
@@ -111,7 +114,7 @@ std::vector<unsigned char> makeMesh() {
   Elements vtx, tri, normal, st;
   for (Word i = 0; i < GROUPS; ++i) {
     vtx.push_back(tupleGroup(VTX_LIST_TAG + ELEMENT_KIND, i, true, VERTICES, 3, [&] { return coordinate(random); }));
-    tri.push_back(triangleGroup(i, TRIANGLES, VERTICES, random));
+    tri.push_back(triangleGroup(i, TRIANGLES, VERTICES, true, random));
     normal.push_back(
         tupleGroup(VECTOR_LIST_TAG + SECOND_ELEMENT_KIND, i, false, VERTICES, 3, [&] { return unit(random); }));
     st.push_back(tupleGroup(ST_LIST_TAG + ELEMENT_KIND, i, false, VERTICES, 2, [&] { return texture(random); }));
@@ -126,7 +129,7 @@ std::vector<unsigned char> makeTriangles() {
   Elements vtx, tri;
   for (Word i = 0; i < GROUPS; ++i) {
     vtx.push_back(tupleGroup(VTX_LIST_TAG + ELEMENT_KIND, i, true, VERTICES, 3, [&] { return coordinate(random); }));
-    tri.push_back(triangleGroup(i, 37'000, VERTICES, random));
+    tri.push_back(triangleGroup(i, 37'000, VERTICES, false, random));
   }
   return file({list(VTX_LIST_TAG, vtx), list(TRI_LIST_TAG, tri)});
 }
