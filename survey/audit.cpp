@@ -19,25 +19,19 @@ void refuse(Record &record, Reason reason, std::string detail) {
   record.detail = std::move(detail);
 }
 
-/// Keeps a finding in the record, or only counts it if there are many.
-void keep(Record &record, const Finding &finding) {
-  ++record.counts[finding.row->id];
-  if (record.findings.size() == MOST_FINDINGS)
+/// Puts a finding of the library into the record. Its text, which can be as long as a list, is made only if it is kept.
+void receive(Record &record, const Finding &finding) {
+  if (!countFinding(record, finding.row->id))
     return;
-  KeptFinding kept{.id = finding.row->id,
-                   .stage = finding.row->stage,
-                   .severity = finding.row->severity,
-                   .list = finding.list != nullptr ? finding.list : "",
-                   .element = finding.element,
-                   .offset = finding.offset,
-                   .found = finding.found,
-                   .expected = finding.expected,
-                   .text = kvFindingText(finding)};
-  if (kept.text.size() > MOST_TEXT) {
-    kept.text.resize(MOST_TEXT - 3);
-    kept.text += "...";
-  }
-  record.findings.push_back(std::move(kept));
+  keepFinding(record, {.id = finding.row->id,
+                       .stage = finding.row->stage,
+                       .severity = finding.row->severity,
+                       .list = finding.list != nullptr ? finding.list : "",
+                       .element = finding.element,
+                       .offset = finding.offset,
+                       .found = finding.found,
+                       .expected = finding.expected,
+                       .text = kvFindingText(finding)});
 }
 
 bool has(const Record &record, const char *id) { return record.counts.contains(id); }
@@ -84,7 +78,7 @@ void judge(const Descriptor &file, Record &record, Workspace &workspace) {
   record.version = version == VERSION_1 ? "1.0" : "2.0";
   ok *= checkKOVA(*kis); // what could be read is checked, also after a failed load
   if (record.deep)
-    deepCheck(*kis);
+    deepCheck(*kis, record);
   record.verdict = ok != 0 ? Verdict::ok : Verdict::err;
 }
 
@@ -101,7 +95,7 @@ void openAndJudge(Record &record, Workspace &workspace) {
   bool lost = false; // no memory for what was found
   const FindingReceiver receiver([&](const Finding &finding) {
     try {
-      keep(record, finding);
+      receive(record, finding);
     } catch (const std::exception &) {
       lost = true;
     }

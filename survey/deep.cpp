@@ -1,9 +1,9 @@
 #include "survey/deep.h"
 
-#include "reader/findings.h"
 #include "survey/deep_tables.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <limits>
 
 namespace kova::survey {
@@ -18,7 +18,6 @@ constexpr FindingRow warning(const char *id, const char *format, const char *mea
 
 /// All links have this text: the element, the field, its value, the target and the number of elements there.
 constexpr const char *LINK_FORMAT = "WARN : %s : %s = %d, but %s has %d\n";
-static_assert(formatFits<Label, const char *, Word, const char *, Word>(LINK_FORMAT));
 constexpr const char *LINK_NEXT_STEP = "Correct the index in the program that wrote the file; -1 stands for none.";
 
 /// The rows behind those of the links.
@@ -64,32 +63,88 @@ consteval std::array<FindingRow, ROW_NUM> makeRows() {
 }
 constexpr std::array<FindingRow, ROW_NUM> ROWS = makeRows();
 
-/// Reports a finding. A program that keeps findings bounds them itself; here nothing is kept.
-template <class... Arguments>
-void say(std::size_t row, const Place &place, const Compared &compared, const Arguments &...arguments) {
-  const Label label = place.element ? Label(place.list, *place.element, "") : Label(place.list);
-  const std::array<Argument, 1 + sizeof...(Arguments)> list = {&label, argumentOf(arguments)...};
-  deliver(ROWS[row], place, compared, list);
+// --- Reporting ------------------------------------------------------------------------------------------------------
+
+/// What a warning is about.
+struct Place {
+  const char *list;
+  std::optional<Word> element = {};
+  std::uint64_t offset = NO_OFFSET; ///< in the file
+};
+
+/// @return the place `bytes` after another, whose offset may be unknown.
+Place after(Place place, std::uint64_t bytes) {
+  if (place.offset != NO_OFFSET)
+    place.offset += bytes;
+  return place;
 }
 
-/// As above, for a row whose number is known: its format is checked.
-template <std::size_t ROW, class... Arguments>
-void say(const Place &place, const Compared &compared, const Arguments &...arguments) {
-  static_assert(formatFits<Label, Arguments...>(ROWS[ROW].format), "the arguments do not fit the format");
-  say(ROW, place, compared, arguments...);
-}
-
-// --- Records --------------------------------------------------------------------------------------------------------
+/// Two numbers that were compared, if there are two.
+struct Compared {
+  std::optional<Word> found = {};
+  std::optional<Word> expected = {};
+};
 
 /// Stands for a target about which nothing is known: no index is wrong there.
 constexpr std::uint64_t UNKNOWN = std::numeric_limits<std::uint64_t>::max();
 
-/// The number of elements of each target; those of a triangle group or part as long as that is looked at.
-struct Counts {
-  std::array<std::uint64_t, TARGET_NUM> number;
+/// What all checks need.
+struct Check {
+  Record &record; ///< gets the warnings
+  /// The number of elements of each target; those of a triangle group or part as long as that is looked at.
+  std::array<std::uint64_t, TARGET_NUM> number = {};
 
   std::uint64_t &operator[](Target target) { return number[static_cast<std::size_t>(target)]; }
 };
+
+/// Words are shown as signed numbers; the bytes that are shown in hexadecimal are small.
+Index printed(Word word) { return static_cast<Index>(word); }
+const char *printed(const char *text) { return text; }
+
+/// @return whether a format has a conversion for a text and then one for each argument.
+template <class... Arguments> consteval bool formatFits(std::string_view format) {
+  constexpr bool IS_WORD[] = {false, std::is_same_v<Arguments, Word>...};
+  for (const bool is_word : IS_WORD) {
+    const std::size_t at = format.find('%');
+    if (at == format.npos)
+      return false;
+    format.remove_prefix(format.find_first_of("sdx", at));
+    if (is_word == (format[0] == 's'))
+      return false;
+  }
+  return format.find('%') == format.npos;
+}
+static_assert(formatFits<const char *, Word, const char *, Word>(LINK_FORMAT));
+
+/// @param arguments of the row's format, which begins with the element
+template <class... Arguments>
+void say(Check &check, std::size_t row_number, const Place &place, const Compared &compared,
+         const Arguments &...arguments) {
+  const FindingRow &row = ROWS[row_number];
+  if (!countFinding(check.record, row.id))
+    return;
+  const std::string element = place.element ? '[' + std::to_string(*place.element) + ']' : "";
+  char text[256]; // longer than any that the rows can make
+  std::snprintf(text, sizeof text, row.format, (place.list + element).c_str(), printed(arguments)...);
+  keepFinding(check.record, {.id = row.id,
+                             .stage = row.stage,
+                             .severity = row.severity,
+                             .list = place.list,
+                             .element = place.element,
+                             .offset = place.offset == NO_OFFSET ? std::nullopt : std::optional(place.offset),
+                             .found = compared.found,
+                             .expected = compared.expected,
+                             .text = text});
+}
+
+/// As above, for a row whose number is known: its format is checked.
+template <std::size_t ROW, class... Arguments>
+void say(Check &check, const Place &place, const Compared &compared, const Arguments &...arguments) {
+  static_assert(formatFits<Arguments...>(ROWS[ROW].format), "the arguments do not fit the format");
+  say(check, ROW, place, compared, arguments...);
+}
+
+// --- Records --------------------------------------------------------------------------------------------------------
 
 Word wordAt(FieldBytes bytes, std::size_t number) {
   Word word;
@@ -106,8 +161,8 @@ Place fieldPlace(const Place &place, const Field &field, const void *record, Fie
   return after(place, static_cast<std::uint64_t>(bytes.data() - static_cast<const std::byte *>(record)));
 }
 
-void checkLink(Counts &counts, const LinkRow &row, const void *record, const Place &place) {
-  const std::uint64_t number = counts[row.target];
+void checkLink(Check &check, const LinkRow &row, const void *record, const Place &place) {
+  const std::uint64_t number = check[row.target];
   const FieldBytes bytes = row.bytes(record);
   for (std::size_t i = 0; i < wordsIn(bytes); ++i) {
     const Word index = wordAt(bytes, i);
@@ -117,7 +172,7 @@ void checkLink(Counts &counts, const LinkRow &row, const void *record, const Pla
     if (index == 0 && static_cast<std::size_t>(row.target) < FIRST_OWN)
       continue;
     const auto has = static_cast<Word>(number);
-    say(static_cast<std::size_t>(&row - LINKS), after(fieldPlace(place, row, record, bytes), i * sizeof(Word)),
+    say(check, static_cast<std::size_t>(&row - LINKS), after(fieldPlace(place, row, record, bytes), i * sizeof(Word)),
         {index, has}, row.name, index, TARGETS[static_cast<std::size_t>(row.target)].name, has);
   }
 }
@@ -125,60 +180,60 @@ void checkLink(Counts &counts, const LinkRow &row, const void *record, const Pla
 bool notFinite(Word bits) { return (bits & 0x7f800000) == 0x7f800000; }
 
 /// Reports the first float of a field that is not finite.
-void checkFloats(const WordsRow &row, const void *record, const Place &place) {
+void checkFloats(Check &check, const WordsRow &row, const void *record, const Place &place) {
   const FieldBytes bytes = row.bytes(record);
   for (std::size_t begin = 0; begin + row.stride <= wordsIn(bytes); begin += row.stride)
     for (std::size_t i = begin + row.first; i < begin + row.first + row.count; ++i)
       if (notFinite(wordAt(bytes, i)))
-        return say<floatNotFinite>(after(fieldPlace(place, row, record, bytes), i * sizeof(Word)), {}, row.name);
+        return say<floatNotFinite>(check, after(fieldPlace(place, row, record, bytes), i * sizeof(Word)), {}, row.name);
 }
 
 /// Reports the first key of a field that is less than the one before it.
-void checkKeys(const WordsRow &row, const void *record, const Place &place) {
+void checkKeys(Check &check, const WordsRow &row, const void *record, const Place &place) {
   const FieldBytes bytes = row.bytes(record);
   for (std::size_t i = row.stride + row.first; i < wordsIn(bytes); i += row.stride) {
     const Word before = wordAt(bytes, i - row.stride), key = wordAt(bytes, i);
     if (static_cast<Index>(key) < static_cast<Index>(before))
-      return say<keysOutOfOrder>(fieldPlace(place, row, record, bytes), {key, before}, row.name, key, before);
+      return say<keysOutOfOrder>(check, fieldPlace(place, row, record, bytes), {key, before}, row.name, key, before);
   }
 }
 
 /// Checks a record by all rows of the tables that are about its type.
-template <class Record> void checkRecord(Counts &counts, const Record &record, const Place &place) {
+template <class Record> void checkRecord(Check &check, const Record &record, const Place &place) {
   static constexpr auto LINKS_HERE = rowsOf<Record>(LINKS);
   static constexpr auto FLOATS_HERE = rowsOf<Record>(FLOATS);
   static constexpr auto KEYS_HERE = rowsOf<Record>(KEYS);
   static_assert(LINKS_HERE.size() + FLOATS_HERE.size() + KEYS_HERE.size() != 0, "no table has rows for this");
   for (const LinkRow &row : LINKS_HERE)
-    checkLink(counts, row, &record, place);
+    checkLink(check, row, &record, place);
   for (const WordsRow &row : FLOATS_HERE)
-    checkFloats(row, &record, place);
+    checkFloats(check, row, &record, place);
   for (const WordsRow &row : KEYS_HERE)
-    checkKeys(row, &record, place);
+    checkKeys(check, row, &record, place);
 }
 
 /// Checks a record and its decoded maker block.
-template <class Record> void checkWithBlock(Counts &counts, const Record &record, const Place &place) {
-  checkRecord(counts, record, place);
+template <class Record> void checkWithBlock(Check &check, const Record &record, const Place &place) {
+  checkRecord(check, record, place);
   if constexpr (requires { record.ext; })
     if (record.ext)
-      checkRecord(counts, *record.ext, {place.list, place.element});
+      checkRecord(check, *record.ext, {place.list, place.element});
 }
 
 /// Checks the records of a list; `inside` then does what the tables cannot.
 template <class Record, class Inside>
-void checkList(Counts &counts, const char *name, const std::vector<Record> &records, const Inside &inside) {
+void checkList(Check &check, const char *name, const std::vector<Record> &records, const Inside &inside) {
   Place place = {name, 0};
   for (const Record &record : records) {
     place.offset = record.offset;
-    checkWithBlock(counts, record, place);
+    checkWithBlock(check, record, place);
     inside(record, place);
     ++*place.element;
   }
 }
 
-template <class Record> void checkList(Counts &counts, const char *name, const std::vector<Record> &records) {
-  checkList(counts, name, records, [](const Record &, const Place &) {});
+template <class Record> void checkList(Check &check, const char *name, const std::vector<Record> &records) {
+  checkList(check, name, records, [](const Record &, const Place &) {});
 }
 
 // --- Triangles and parts --------------------------------------------------------------------------------------------
@@ -216,24 +271,24 @@ std::uint64_t smallestGroup(const AnimRef &ref, const std::vector<Word> &sizes) 
   return smallest;
 }
 
-/// @return the offset of a group's first triangle.
-std::uint64_t firstTriangle(const TriGroup &group, const std::array<AnimRef, REF_KIND_NUM> &refs) {
+/// @return the bytes of a group before its first triangle.
+std::uint64_t bytesBefore(const TriGroup &group, const std::array<AnimRef, REF_KIND_NUM> &refs) {
   std::uint64_t bytes = sizeof(TriGroupHead);
   for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind) {
     bytes += sizeof(Word) * (refs[kind].key.size() + refs[kind].group_index.size());
     if (refForm(group.tri_anim_type, kind) == RefForm::keys)
       bytes += sizeof(Word);
   }
-  return offsetAfter(group.offset, bytes);
+  return bytes;
 }
 
-void checkTriangles(Counts &counts, const GroupSizes &sizes, const TriGroup &group, Place place) {
+void checkTriangles(Check &check, const GroupSizes &sizes, const TriGroup &group, Place place) {
   const auto refs = kvRefs(group);
   for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind)
-    counts.number[FIRST_OWN + kind] = smallestGroup(refs[kind], sizes.number[kind]);
-  place.offset = firstTriangle(group, refs);
+    check.number[FIRST_OWN + kind] = smallestGroup(refs[kind], sizes.number[kind]);
+  place = after(place, bytesBefore(group, refs));
   for (const Tri &tri : group.tri) {
-    checkRecord(counts, tri, place);
+    checkRecord(check, tri, place);
     place = after(place, sizeof(TriHead) + vanExtBlk(tri.ext_blk).size_bytes() + usrExtBlk(tri.ext_blk).size_bytes());
   }
 }
@@ -244,12 +299,12 @@ std::uint64_t trianglesOf(const TriList &list, const Part &part) {
   return group < list.element.size() ? list.element[group].tri_num : UNKNOWN;
 }
 
-void checkParts(Counts &counts, const TriList &triangles, const PartList &list) {
+void checkParts(Check &check, const TriList &triangles, const PartList &list) {
   Place place = {"PartList", 0};
   for (const Part &part : list.element) {
     place.offset = part.offset;
-    counts[Target::own_tri] = trianglesOf(triangles, part);
-    checkRecord(counts, part, place);
+    check[Target::own_tri] = trianglesOf(triangles, part);
+    checkRecord(check, part, place);
     ++*place.element;
   }
 }
@@ -257,39 +312,39 @@ void checkParts(Counts &counts, const TriList &triangles, const PartList &list) 
 // --- Records with records inside ------------------------------------------------------------------------------------
 
 /// Images of a texture with a palette can be of another list.
-void checkTexture(Counts &counts, const Tex &tex, const Place &place) {
-  const std::uint64_t images = counts[Target::teximg];
+void checkTexture(Check &check, const Tex &tex, const Place &place) {
+  const std::uint64_t images = check[Target::teximg];
   if (tex.ext && tex.ext->use_color_palette != 0)
-    counts[Target::teximg] = UNKNOWN;
+    check[Target::teximg] = UNKNOWN;
   if (tex.tex_anim == 0)
-    checkRecord(counts, tex.still, after(place, sizeof(TexHead)));
+    checkRecord(check, tex.still, after(place, sizeof(TexHead)));
   else
-    checkRecord(counts, tex.tiles, {place.list, place.element});
-  counts[Target::teximg] = images;
+    checkRecord(check, tex.tiles, {place.list, place.element});
+  check[Target::teximg] = images;
 }
 
-void checkCollisions(Counts &counts, const CollGroup &group, const Place &place) {
+void checkCollisions(Check &check, const CollGroup &group, const Place &place) {
   const Place inside = {place.list, place.element};
   for (const Coll &coll : group.coll) {
-    checkRecord(counts, coll, inside);
+    checkRecord(check, coll, inside);
     switch (coll.coll_type) {
     case 0x10:
-      checkRecord(counts, collData<CollTerrain>(coll), inside);
+      checkRecord(check, collData<CollTerrain>(coll), inside);
       break;
     case 0x20:
-      checkRecord(counts, collData<CollPoint>(coll), inside);
+      checkRecord(check, collData<CollPoint>(coll), inside);
       break;
     case 0x21:
-      checkRecord(counts, collData<CollCircle>(coll), inside);
+      checkRecord(check, collData<CollCircle>(coll), inside);
       break;
     case 0x22:
-      checkRecord(counts, collData<CollSphere>(coll), inside);
+      checkRecord(check, collData<CollSphere>(coll), inside);
       break;
     case 0x23:
-      checkRecord(counts, collData<CollCylinder>(coll), inside);
+      checkRecord(check, collData<CollCylinder>(coll), inside);
       break;
     case 0x24:
-      checkRecord(counts, collData<CollBox>(coll), inside);
+      checkRecord(check, collData<CollBox>(coll), inside);
       break;
     default: // has no data that is known
       break;
@@ -297,43 +352,43 @@ void checkCollisions(Counts &counts, const CollGroup &group, const Place &place)
   }
 }
 
-void checkEnvelope(Counts &counts, const Envelope &envelope, const Place &place) {
+void checkEnvelope(Check &check, const Envelope &envelope, const Place &place) {
   const Place inside = {place.list, place.element};
   for (const FullWeightedPart &part : envelope.full_weighted_part) {
-    checkRecord(counts, part, inside);
-    checkRecord(counts, part.group_index, inside);
+    checkRecord(check, part, inside);
+    checkRecord(check, part.group_index, inside);
   }
   for (const WeightedPart &part : envelope.weighted_part) {
-    checkRecord(counts, part, inside);
+    checkRecord(check, part, inside);
     for (const VtxTriNvColor &groups : part.group_index)
-      checkRecord(counts, groups, inside);
+      checkRecord(check, groups, inside);
   }
   for (const MorphPart &part : envelope.morph_part) {
-    checkRecord(counts, part, inside);
+    checkRecord(check, part, inside);
     for (const VtxTriNvColor &groups : part.group_index)
-      checkRecord(counts, groups, inside);
+      checkRecord(check, groups, inside);
   }
 }
 
-void checkClusters(Counts &counts, const ClusterShape &shape, const Place &place) {
+void checkClusters(Check &check, const ClusterShape &shape, const Place &place) {
   const Place inside = {place.list, place.element};
   for (const Cluster &cluster : shape.cluster) {
-    checkRecord(counts, cluster, inside);
-    checkRecord(counts, cluster.group_index, inside);
+    checkRecord(check, cluster, inside);
+    checkRecord(check, cluster.group_index, inside);
   }
 }
 
 /// Reports the first control byte of each name.
-void checkNames(const char *list, const std::vector<Name> &names) {
+void checkNames(Check &check, const char *list, const std::vector<Name> &names) {
   Place place = {list, 0};
   for (const Name &name : names) {
-    place.offset = offsetAfter(name.offset, sizeof(NameHead));
+    place.offset = name.offset;
     for (std::size_t i = 0; i < name.text.size() * sizeof(Word); ++i) {
       const Word byte = name.text[i / 4] >> (24 - 8 * (i % 4)) & 0xff;
       if (byte == 0)
         break;
       if (byte < 0x20 || byte == 0x7f) {
-        say<nameControlByte>(after(place, i), {byte}, byte);
+        say<nameControlByte>(check, after(place, sizeof(NameHead) + i), {byte}, byte);
         break;
       }
     }
@@ -353,7 +408,7 @@ Place objectPlace(const std::vector<Obj> &objects, std::size_t number) {
   return {"ObjList", static_cast<Word>(number), objects[number].offset};
 }
 
-Tree followChildren(const std::vector<Obj> &objects) {
+Tree followChildren(Check &check, const std::vector<Obj> &objects) {
   Tree tree = {std::vector<Word>(objects.size(), NO_LINK), std::vector<bool>(objects.size())};
   for (std::size_t i = 0; i < objects.size(); ++i)
     for (const Word child : objects[i].child_link) {
@@ -364,7 +419,7 @@ Tree followChildren(const std::vector<Obj> &objects) {
       }
       Word &has_it = tree.parent[child];
       if (has_it != NO_LINK)
-        say<objectTwiceChild>(objectPlace(objects, child), {}, has_it, parent);
+        say<objectTwiceChild>(check, objectPlace(objects, child), {}, has_it, parent);
       if (has_it == NO_LINK || objects[child].obj_parent_link == parent) // of two, the one that the child names
         has_it = parent;
     }
@@ -373,19 +428,19 @@ Tree followChildren(const std::vector<Obj> &objects) {
 
 /// Compares the parents that the objects name with those that have them as children. Links that lead nowhere have
 /// findings of their own.
-void checkParents(const std::vector<Obj> &objects, const Tree &tree) {
+void checkParents(Check &check, const std::vector<Obj> &objects, const Tree &tree) {
   for (std::size_t i = 0; i < objects.size(); ++i) {
     const Word named = objects[i].obj_parent_link, has_it = tree.parent[i];
     const bool leads_nowhere = named >= objects.size() && named != NO_LINK;
     if (named == has_it || leads_nowhere || (has_it == NO_LINK && tree.is_broken[named]))
       continue;
     const Place place = objectPlace(objects, i);
-    say<objectParent>(wordOf(place, objects[i], &Obj::obj_parent_link), {named, has_it}, named, has_it);
+    say<objectParent>(check, after(place, offsetof(ObjHead, obj_parent_link)), {named, has_it}, named, has_it);
   }
 }
 
 /// Follows the parent links up from each object, no object twice; a circle is reported once.
-void checkCircles(const std::vector<Obj> &objects) {
+void checkCircles(Check &check, const std::vector<Obj> &objects) {
   std::vector<Word> walk(objects.size()); // in which walk an object was met; 0: in none
   for (std::size_t i = 0; i < objects.size(); ++i) {
     const auto number = static_cast<Word>(i + 1);
@@ -393,7 +448,7 @@ void checkCircles(const std::vector<Obj> &objects) {
     for (; at < objects.size() && walk[at] == 0; at = objects[at].obj_parent_link)
       walk[at] = number;
     if (at < objects.size() && walk[at] == number)
-      say<objectCircle>(objectPlace(objects, at), {});
+      say<objectCircle>(check, objectPlace(objects, at), {});
   }
 }
 
@@ -409,92 +464,92 @@ template <class Record> std::uint64_t known(Word bytes, const List<Record> &list
   return known(bytes, list.list_tag, list.num, list.element);
 }
 
-Counts countsOf(const Kis &kis) {
+Check checkOf(const Kis &kis, Record &record) {
   const FileHeader &bytes = kis.file_header;
-  Counts counts;
-  counts.number.fill(UNKNOWN);
-  counts[Target::env] = known(bytes.env_list_num, kis.env);
-  counts[Target::cam] = known(bytes.cam_list_num, kis.cam);
-  counts[Target::light] = known(bytes.light_list_num, kis.light);
-  counts[Target::obj] = known(bytes.obj_list_num, kis.obj);
-  counts[Target::shape] = known(bytes.shape_list_num, kis.shape);
-  counts[Target::vtx] = known(bytes.vtx_list_num, kis.vtx);
-  counts[Target::tri] = known(bytes.tri_list_num, kis.tri);
+  Check check{record};
+  check.number.fill(UNKNOWN);
+  check[Target::env] = known(bytes.env_list_num, kis.env);
+  check[Target::cam] = known(bytes.cam_list_num, kis.cam);
+  check[Target::light] = known(bytes.light_list_num, kis.light);
+  check[Target::obj] = known(bytes.obj_list_num, kis.obj);
+  check[Target::shape] = known(bytes.shape_list_num, kis.shape);
+  check[Target::vtx] = known(bytes.vtx_list_num, kis.vtx);
+  check[Target::tri] = known(bytes.tri_list_num, kis.tri);
   const ColorList &color = kis.color; // as many groups of vertex colours are read as of triangle colours
-  counts[Target::tri_color] = known(bytes.color_list_num, color.list_tag, color.tri_group_num, color.tri_group);
-  counts[Target::vtx_color] = known(bytes.color_list_num, color.list_tag, color.tri_group_num, color.vtx_group);
+  check[Target::tri_color] = known(bytes.color_list_num, color.list_tag, color.tri_group_num, color.tri_group);
+  check[Target::vtx_color] = known(bytes.color_list_num, color.list_tag, color.tri_group_num, color.vtx_group);
   const VectorList &vector = kis.vector;
-  counts[Target::tri_nv] = known(bytes.vector_list_num, vector.list_tag, vector.tri_group_num, vector.tri_group);
-  counts[Target::vtx_nv] = known(bytes.vector_list_num, vector.list_tag, vector.vtx_group_num, vector.vtx_group);
-  counts[Target::st] = known(bytes.st_list_num, kis.st);
-  counts[Target::part] = known(bytes.part_list_num, kis.part);
-  counts[Target::mat] = known(bytes.mat_list_num, kis.mat);
-  counts[Target::tex] = known(bytes.tex_list_num, kis.tex);
-  counts[Target::teximg] = known(bytes.tex_img_list_num, kis.teximg);
-  counts[Target::anim] = known(bytes.anim_list_num, kis.anim);
-  counts[Target::coll] = known(bytes.coll_list_num, kis.coll);
-  counts[Target::name] = known(bytes.name_list_num, kis.name);
-  counts[Target::color_palette] = known(bytes.color_palette_list_num, kis.color_palette);
-  counts[Target::weight] = known(bytes.weight_list_num, kis.weight);
-  counts[Target::chain_root] = known(bytes.chain_root_list_num, kis.chain_root);
-  counts[Target::joint] = known(bytes.joint_list_num, kis.joint);
-  counts[Target::effector] = known(bytes.effector_list_num, kis.effector);
-  counts[Target::external_name] = known(bytes.external_name_list_num, kis.external_name);
-  return counts;
+  check[Target::tri_nv] = known(bytes.vector_list_num, vector.list_tag, vector.tri_group_num, vector.tri_group);
+  check[Target::vtx_nv] = known(bytes.vector_list_num, vector.list_tag, vector.vtx_group_num, vector.vtx_group);
+  check[Target::st] = known(bytes.st_list_num, kis.st);
+  check[Target::part] = known(bytes.part_list_num, kis.part);
+  check[Target::mat] = known(bytes.mat_list_num, kis.mat);
+  check[Target::tex] = known(bytes.tex_list_num, kis.tex);
+  check[Target::teximg] = known(bytes.tex_img_list_num, kis.teximg);
+  check[Target::anim] = known(bytes.anim_list_num, kis.anim);
+  check[Target::coll] = known(bytes.coll_list_num, kis.coll);
+  check[Target::name] = known(bytes.name_list_num, kis.name);
+  check[Target::color_palette] = known(bytes.color_palette_list_num, kis.color_palette);
+  check[Target::weight] = known(bytes.weight_list_num, kis.weight);
+  check[Target::chain_root] = known(bytes.chain_root_list_num, kis.chain_root);
+  check[Target::joint] = known(bytes.joint_list_num, kis.joint);
+  check[Target::effector] = known(bytes.effector_list_num, kis.effector);
+  check[Target::external_name] = known(bytes.external_name_list_num, kis.external_name);
+  return check;
 }
 
-void checkVersion1(Counts &counts, const Kis &kis) {
+void checkVersion1(Check &check, const Kis &kis) {
   if (kis.scene.scene_header_tag != 0) // else it was not read
-    checkWithBlock(counts, kis.scene, {"SceneList", {}, kis.scene.offset});
-  checkList(counts, "EnvList", kis.env.element);
-  checkList(counts, "CamList", kis.cam.element);
-  checkList(counts, "LightList", kis.light.element);
-  checkList(counts, "ObjList", kis.obj.element);
-  checkList(counts, "ShapeList", kis.shape.element);
-  checkList(counts, "VtxList", kis.vtx.element);
+    checkWithBlock(check, kis.scene, {"SceneList", {}, kis.scene.offset});
+  checkList(check, "EnvList", kis.env.element);
+  checkList(check, "CamList", kis.cam.element);
+  checkList(check, "LightList", kis.light.element);
+  checkList(check, "ObjList", kis.obj.element);
+  checkList(check, "ShapeList", kis.shape.element);
+  checkList(check, "VtxList", kis.vtx.element);
   const GroupSizes sizes = groupSizes(kis);
-  checkList(counts, "TriList", kis.tri.element,
-            [&](const TriGroup &group, const Place &place) { checkTriangles(counts, sizes, group, place); });
-  checkList(counts, "ColorList", kis.color.tri_group);
-  checkList(counts, "ColorList", kis.color.vtx_group);
-  checkList(counts, "VectorList", kis.vector.tri_group);
-  checkList(counts, "VectorList", kis.vector.vtx_group);
-  checkList(counts, "StList", kis.st.element);
-  checkParts(counts, kis.tri, kis.part);
-  checkList(counts, "MatList", kis.mat.element);
-  checkList(counts, "TexList", kis.tex.element,
-            [&](const Tex &tex, const Place &place) { checkTexture(counts, tex, place); });
-  checkList(counts, "AnimList", kis.anim.element);
-  checkList(counts, "CollList", kis.coll.element,
-            [&](const CollGroup &group, const Place &place) { checkCollisions(counts, group, place); });
-  checkNames("NameList", kis.name.element);
+  checkList(check, "TriList", kis.tri.element,
+            [&](const TriGroup &group, const Place &place) { checkTriangles(check, sizes, group, place); });
+  checkList(check, "ColorList", kis.color.tri_group);
+  checkList(check, "ColorList", kis.color.vtx_group);
+  checkList(check, "VectorList", kis.vector.tri_group);
+  checkList(check, "VectorList", kis.vector.vtx_group);
+  checkList(check, "StList", kis.st.element);
+  checkParts(check, kis.tri, kis.part);
+  checkList(check, "MatList", kis.mat.element);
+  checkList(check, "TexList", kis.tex.element,
+            [&](const Tex &tex, const Place &place) { checkTexture(check, tex, place); });
+  checkList(check, "AnimList", kis.anim.element);
+  checkList(check, "CollList", kis.coll.element,
+            [&](const CollGroup &group, const Place &place) { checkCollisions(check, group, place); });
+  checkNames(check, "NameList", kis.name.element);
 }
 
-void checkVersion2(Counts &counts, const Kis &kis) {
-  checkList(counts, "CiImgList", kis.ci_img.element);
-  checkList(counts, "ColorPaletteList", kis.color_palette.element);
-  checkList(counts, "EnvelopeList", kis.envelope.element,
-            [&](const Envelope &envelope, const Place &place) { checkEnvelope(counts, envelope, place); });
-  checkList(counts, "ClusterList", kis.cluster.element,
-            [&](const ClusterShape &shape, const Place &place) { checkClusters(counts, shape, place); });
-  checkList(counts, "WeightList", kis.weight.element);
-  checkList(counts, "ChainRootList", kis.chain_root.element);
-  checkList(counts, "JointList", kis.joint.element);
-  checkList(counts, "EffectorList", kis.effector.element);
-  checkNames("ExternalNameList", kis.external_name.element);
+void checkVersion2(Check &check, const Kis &kis) {
+  checkList(check, "CiImgList", kis.ci_img.element);
+  checkList(check, "ColorPaletteList", kis.color_palette.element);
+  checkList(check, "EnvelopeList", kis.envelope.element,
+            [&](const Envelope &envelope, const Place &place) { checkEnvelope(check, envelope, place); });
+  checkList(check, "ClusterList", kis.cluster.element,
+            [&](const ClusterShape &shape, const Place &place) { checkClusters(check, shape, place); });
+  checkList(check, "WeightList", kis.weight.element);
+  checkList(check, "ChainRootList", kis.chain_root.element);
+  checkList(check, "JointList", kis.joint.element);
+  checkList(check, "EffectorList", kis.effector.element);
+  checkNames(check, "ExternalNameList", kis.external_name.element);
 }
 
 } // namespace
 
-void deepCheck(const Kis &kis) {
-  Counts counts = countsOf(kis);
-  checkVersion1(counts, kis);
-  checkVersion2(counts, kis);
-  if (counts[Target::obj] == UNKNOWN)
+void deepCheck(const Kis &kis, Record &record) {
+  Check check = checkOf(kis, record);
+  checkVersion1(check, kis);
+  checkVersion2(check, kis);
+  if (check[Target::obj] == UNKNOWN)
     return; // links to objects that were not read look like contradictions
-  const Tree tree = followChildren(kis.obj.element);
-  checkParents(kis.obj.element, tree);
-  checkCircles(kis.obj.element);
+  const Tree tree = followChildren(check, kis.obj.element);
+  checkParents(check, kis.obj.element, tree);
+  checkCircles(check, kis.obj.element);
 }
 
 std::span<const FindingRow> deepRows() { return ROWS; }

@@ -6,6 +6,19 @@
 
 namespace kova::survey {
 
+bool countFinding(Record &record, const char *id) {
+  ++record.counts[id];
+  return record.findings.size() < MOST_FINDINGS;
+}
+
+void keepFinding(Record &record, KeptFinding &&finding) {
+  if (finding.text.size() > MOST_TEXT) {
+    finding.text.resize(MOST_TEXT - 3);
+    finding.text += "...";
+  }
+  record.findings.push_back(std::move(finding));
+}
+
 std::uint64_t findingCount(const Record &record) {
   std::uint64_t sum = 0;
   for (const auto &[id, count] : record.counts)

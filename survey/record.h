@@ -50,6 +50,12 @@ struct Record {
   std::map<std::string, std::uint64_t> counts = {}; ///< of all findings by id, also of those not kept
 };
 
+/// Counts a finding. @return whether there is room to keep it, too: of many, only the first are kept.
+bool countFinding(Record &record, const char *id);
+
+/// Keeps a finding that was counted; a long text is cut.
+void keepFinding(Record &record, KeptFinding &&finding);
+
 /// @return the number of findings, also of those not kept.
 std::uint64_t findingCount(const Record &record);
 
