@@ -63,7 +63,7 @@ Words twoKindList(Word tag, const Elements &vertex_groups) {
 /// A list without elements.
 Words emptyList(Word tag) {
   if (tag == SCENE_LIST_TAG)
-    return {tag, 44, 44, 0, 0, 0, 0, 0, 0, 0, 0};
+    return {tag, 44, 44, 0, NO_LINK, 0, 0, 0, 0, 0, 0};
   return tag == COLOR_LIST_TAG || tag == VECTOR_LIST_TAG ? twoKindList(tag, {}) : list(tag, {});
 }
 

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <limits>
+#include <tuple>
+#include <utility>
 
 namespace kova::survey {
 
@@ -164,12 +166,9 @@ Place fieldPlace(const Place &place, const Field &field, const void *record, Fie
 void checkLink(Check &check, const LinkRow &row, const void *record, const Place &place) {
   const std::uint64_t number = check[row.target];
   const FieldBytes bytes = row.bytes(record);
-  for (std::size_t i = 0; i < wordsIn(bytes); ++i) {
+  for (std::size_t i = row.first; i < wordsIn(bytes); i += row.stride) {
     const Word index = wordAt(bytes, i);
     if (index < number || index == NO_LINK)
-      continue;
-    // A file without such elements at all may leave the word 0.
-    if (index == 0 && static_cast<std::size_t>(row.target) < FIRST_OWN)
       continue;
     const auto has = static_cast<Word>(number);
     say(check, static_cast<std::size_t>(&row - LINKS), after(fieldPlace(place, row, record, bytes), i * sizeof(Word)),
@@ -238,10 +237,13 @@ template <class Record> void checkList(Check &check, const char *name, const std
 
 // --- Triangles and parts --------------------------------------------------------------------------------------------
 
-/// The number of vertices, colours and so on in each group: what a triangle's indices must be below.
+/// The number of vertices, colours and so on in each group, and of the weights: what a triangle's indices must be
+/// below.
+constexpr std::size_t WEIGHTS = REF_KIND_NUM;
 struct GroupSizes {
-  std::array<std::vector<Word>, REF_KIND_NUM> number;
+  std::array<std::vector<Word>, REF_KIND_NUM + 1> number;
 };
+static_assert(FIRST_OWN + WEIGHTS == static_cast<std::size_t>(Target::own_weight), "in the order of the targets");
 
 template <class Group> std::vector<Word> sizesOf(const std::vector<Group> &groups, Word Group::*number) {
   std::vector<Word> sizes;
@@ -259,6 +261,7 @@ GroupSizes groupSizes(const Kis &kis) {
   sizes.number[refTriNv] = sizesOf<TriNvGroup>(kis.vector.tri_group, &TriNvGroup::tri_nv_num);
   sizes.number[refVtxNv] = sizesOf<VtxNvGroup>(kis.vector.vtx_group, &VtxNvGroup::vtx_nv_num);
   sizes.number[refSt] = sizesOf<StGroup>(kis.st.element, &StGroup::st_num);
+  sizes.number[WEIGHTS] = sizesOf<WeightGroup>(kis.weight.element, &WeightGroup::weight_num);
   return sizes;
 }
 
@@ -311,16 +314,16 @@ void checkParts(Check &check, const TriList &triangles, const PartList &list) {
 
 // --- Records with records inside ------------------------------------------------------------------------------------
 
-/// Images of a texture with a palette can be of another list.
+/// Images of a texture with a palette can also be of the other list.
 void checkTexture(Check &check, const Tex &tex, const Place &place) {
-  const std::uint64_t images = check[Target::teximg];
-  if (tex.ext && tex.ext->use_color_palette != 0)
-    check[Target::teximg] = UNKNOWN;
+  const bool has_palette = tex.ext && tex.ext->use_color_palette != 0;
+  std::uint64_t &not_meant = check[has_palette ? Target::teximg : Target::image];
+  const std::uint64_t images = std::exchange(not_meant, UNKNOWN);
   if (tex.tex_anim == 0)
     checkRecord(check, tex.still, after(place, sizeof(TexHead)));
   else
     checkRecord(check, tex.tiles, {place.list, place.element});
-  check[Target::teximg] = images;
+  not_meant = images;
 }
 
 void checkCollisions(Check &check, const CollGroup &group, const Place &place) {
@@ -352,7 +355,81 @@ void checkCollisions(Check &check, const CollGroup &group, const Place &place) {
   }
 }
 
-void checkEnvelope(Check &check, const Envelope &envelope, const Place &place) {
+/// What the triangles of a skin can use of a part: for each kind the size of the largest group, as it is not said which
+/// of them an index is about; unknown if a group is not there.
+using Reach = std::array<std::uint64_t, REF_KIND_NUM + 1>;
+
+/// Extends a reach by the groups of a part.
+void extend(Reach &reach, const GroupSizes &sizes, std::span<const VtxTriNvColor> groups, Index st,
+            std::span<const Index> weights) {
+  const auto take = [&](std::size_t kind, Index group) {
+    const std::vector<Word> &size = sizes.number[kind];
+    const auto at = static_cast<Word>(group);
+    reach[kind] = std::max(reach[kind], at < size.size() ? size[at] : UNKNOWN);
+  };
+  for (const VtxTriNvColor &group : groups) {
+    take(refVtx, group.vtx_group_index);
+    take(refTriColor, group.tri_color_group_index);
+    take(refVtxColor, group.vtx_color_group_index);
+    take(refTriNv, group.tri_nv_group_index);
+    take(refVtxNv, group.vtx_nv_group_index);
+  }
+  take(refSt, st);
+  for (const Index group : weights)
+    take(WEIGHTS, group);
+  if (groups.empty())
+    reach.fill(UNKNOWN);
+  if (weights.empty())
+    reach[WEIGHTS] = UNKNOWN;
+}
+
+/// @return what triangles can use of the parts with each number. The kind of a reference to a part would say which of
+/// the lists it is about; as kinds are not known, any of the parts with the number will do.
+std::vector<Reach> reachOfParts(const GroupSizes &sizes, const Envelope &envelope) {
+  const auto &[full, weighted, morph] =
+      std::tie(envelope.full_weighted_part, envelope.weighted_part, envelope.morph_part);
+  std::vector<Reach> reach(std::max({full.size(), weighted.size(), morph.size()}));
+  for (std::size_t i = 0; i < full.size(); ++i)
+    extend(reach[i], sizes, std::span(&full[i].group_index, 1), full[i].full_weighted_st_group_index, {});
+  for (std::size_t i = 0; i < weighted.size(); ++i)
+    extend(reach[i], sizes, weighted[i].group_index, weighted[i].weight_st_group_index, weighted[i].weight_group_index);
+  for (std::size_t i = 0; i < morph.size(); ++i)
+    extend(reach[i], sizes, morph[i].group_index, morph[i].morph_st_group_index, {});
+  return reach;
+}
+
+std::vector<Reach> reachOfClusters(const GroupSizes &sizes, const ClusterShape &shape) {
+  std::vector<Reach> reach(shape.cluster.size());
+  for (std::size_t i = 0; i < reach.size(); ++i)
+    extend(reach[i], sizes, std::span(&shape.cluster[i].group_index, 1), shape.cluster[i].cluster_st_group_index, {});
+  return reach;
+}
+
+const NodeIndex &partOf(const EnvelopeTri &triangle) { return triangle.envelope_part_for_tri; }
+const NodeIndex &partOf(const EnvelopeVtx &corner) { return corner.envelope_part; }
+const NodeIndex &partOf(const ClusterTri &triangle) { return triangle.cluster_for_tri; }
+const NodeIndex &partOf(const ClusterVtx &corner) { return corner.cluster; }
+
+/// Checks a triangle or a corner against the part that it names.
+template <class Record>
+void checkAgainstPart(Check &check, const std::vector<Reach> &reach, const Record &record, const Place &place) {
+  const auto part = static_cast<Word>(partOf(record).index);
+  for (std::size_t kind = 0; kind < REF_KIND_NUM + 1; ++kind)
+    check.number[FIRST_OWN + kind] = part < reach.size() ? reach[part][kind] : UNKNOWN;
+  checkRecord(check, record, place);
+}
+
+template <class Triangle>
+void checkSkinTriangles(Check &check, const std::vector<Reach> &reach, const std::vector<Triangle> &triangles,
+                        const Place &place) {
+  for (const Triangle &triangle : triangles) {
+    checkAgainstPart(check, reach, triangle, place);
+    for (const auto &corner : triangle.vtx)
+      checkAgainstPart(check, reach, corner, place);
+  }
+}
+
+void checkEnvelope(Check &check, const GroupSizes &sizes, const Envelope &envelope, const Place &place) {
   const Place inside = {place.list, place.element};
   for (const FullWeightedPart &part : envelope.full_weighted_part) {
     checkRecord(check, part, inside);
@@ -368,14 +445,20 @@ void checkEnvelope(Check &check, const Envelope &envelope, const Place &place) {
     for (const VtxTriNvColor &groups : part.group_index)
       checkRecord(check, groups, inside);
   }
+  const std::vector<Reach> reach = reachOfParts(sizes, envelope);
+  check[Target::own_part] = reach.size();
+  checkSkinTriangles(check, reach, envelope.envelope_tri, inside);
 }
 
-void checkClusters(Check &check, const ClusterShape &shape, const Place &place) {
+void checkClusters(Check &check, const GroupSizes &sizes, const ClusterShape &shape, const Place &place) {
   const Place inside = {place.list, place.element};
   for (const Cluster &cluster : shape.cluster) {
     checkRecord(check, cluster, inside);
     checkRecord(check, cluster.group_index, inside);
   }
+  const std::vector<Reach> reach = reachOfClusters(sizes, shape);
+  check[Target::own_cluster] = reach.size();
+  checkSkinTriangles(check, reach, shape.cluster_tri, inside);
 }
 
 /// Reports the first control byte of each name.
@@ -495,10 +578,16 @@ Check checkOf(const Kis &kis, Record &record) {
   check[Target::joint] = known(bytes.joint_list_num, kis.joint);
   check[Target::effector] = known(bytes.effector_list_num, kis.effector);
   check[Target::external_name] = known(bytes.external_name_list_num, kis.external_name);
+  const std::uint64_t ci_images = known(bytes.ci_img_list_num, kis.ci_img);
+  check[Target::image] = std::max(check[Target::teximg], ci_images); // unknown is more than any number
+  const auto lists = std::span(check.number).first(static_cast<std::size_t>(Target::any));
+  check[Target::any] =
+      std::max({*std::max_element(lists.begin(), lists.end()), known(bytes.switch_list_num, kis.switch_),
+                known(bytes.envelope_list_num, kis.envelope), known(bytes.cluster_list_num, kis.cluster)});
   return check;
 }
 
-void checkVersion1(Check &check, const Kis &kis) {
+void checkVersion1(Check &check, const GroupSizes &sizes, const Kis &kis) {
   if (kis.scene.scene_header_tag != 0) // else it was not read
     checkWithBlock(check, kis.scene, {"SceneList", {}, kis.scene.offset});
   checkList(check, "EnvList", kis.env.element);
@@ -507,7 +596,6 @@ void checkVersion1(Check &check, const Kis &kis) {
   checkList(check, "ObjList", kis.obj.element);
   checkList(check, "ShapeList", kis.shape.element);
   checkList(check, "VtxList", kis.vtx.element);
-  const GroupSizes sizes = groupSizes(kis);
   checkList(check, "TriList", kis.tri.element,
             [&](const TriGroup &group, const Place &place) { checkTriangles(check, sizes, group, place); });
   checkList(check, "ColorList", kis.color.tri_group);
@@ -522,16 +610,17 @@ void checkVersion1(Check &check, const Kis &kis) {
   checkList(check, "AnimList", kis.anim.element);
   checkList(check, "CollList", kis.coll.element,
             [&](const CollGroup &group, const Place &place) { checkCollisions(check, group, place); });
+  checkList(check, "SwitchList", kis.switch_.element);
   checkNames(check, "NameList", kis.name.element);
 }
 
-void checkVersion2(Check &check, const Kis &kis) {
+void checkVersion2(Check &check, const GroupSizes &sizes, const Kis &kis) {
   checkList(check, "CiImgList", kis.ci_img.element);
   checkList(check, "ColorPaletteList", kis.color_palette.element);
   checkList(check, "EnvelopeList", kis.envelope.element,
-            [&](const Envelope &envelope, const Place &place) { checkEnvelope(check, envelope, place); });
+            [&](const Envelope &envelope, const Place &place) { checkEnvelope(check, sizes, envelope, place); });
   checkList(check, "ClusterList", kis.cluster.element,
-            [&](const ClusterShape &shape, const Place &place) { checkClusters(check, shape, place); });
+            [&](const ClusterShape &shape, const Place &place) { checkClusters(check, sizes, shape, place); });
   checkList(check, "WeightList", kis.weight.element);
   checkList(check, "ChainRootList", kis.chain_root.element);
   checkList(check, "JointList", kis.joint.element);
@@ -543,8 +632,9 @@ void checkVersion2(Check &check, const Kis &kis) {
 
 void deepCheck(const Kis &kis, Record &record) {
   Check check = checkOf(kis, record);
-  checkVersion1(check, kis);
-  checkVersion2(check, kis);
+  const GroupSizes sizes = groupSizes(kis);
+  checkVersion1(check, sizes, kis);
+  checkVersion2(check, sizes, kis);
   if (check[Target::obj] == UNKNOWN)
     return; // links to objects that were not read look like contradictions
   const Tree tree = followChildren(check, kis.obj.element);

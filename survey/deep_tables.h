@@ -37,13 +37,18 @@ enum class Target : std::uint8_t {
   joint,
   effector,
   external_name,
+  image,   ///< of one of the lists of images
+  any,     ///< of a list that is not known here: the kind or type beside the link says which
   own_vtx, ///< from here on in the order of `RefKind`
   own_tri_color,
   own_vtx_color,
   own_tri_nv,
   own_vtx_nv,
   own_st,
-  own_tri
+  own_weight,
+  own_tri,
+  own_part,
+  own_cluster
 };
 inline constexpr auto FIRST_OWN = static_cast<std::size_t>(Target::own_vtx);
 
@@ -78,16 +83,21 @@ inline constexpr TargetRow TARGETS[] = {
     {"JointList", "An index leads to a joint that is not there."},
     {"EffectorList", "An index leads to an effector that is not there."},
     {"ExternalNameList", "A reference into another file leads to a name that is not there."},
+    {"the longer list of images", "An index leads to an image that is not there."},
+    {"the longest list", "A link leads to a record that is not there, whatever its kind."},
     {"its vertex group", "A triangle uses a vertex that its vertex group lacks."},
     {"its group of triangle colours", "A triangle uses a colour that its group of triangle colours lacks."},
     {"its group of vertex colours", "A triangle uses a colour that its group of vertex colours lacks."},
     {"its group of triangle normals", "A triangle uses a normal that its group of triangle normals lacks."},
     {"its group of vertex normals", "A triangle uses a normal that its group of vertex normals lacks."},
     {"its group of texture coordinates", "A triangle uses coordinates that its group of texture coordinates lacks."},
+    {"its weight group", "A triangle of a skin uses a weight that its weight group lacks."},
     {"its triangle group", "A part uses a triangle that its triangle group lacks."},
+    {"the envelope's longest list of parts", "A triangle of a skin uses a part that its envelope lacks."},
+    {"its shape", "A triangle of a skin uses a cluster that its cluster shape lacks."},
 };
 inline constexpr std::size_t TARGET_NUM = std::size(TARGETS);
-static_assert(TARGET_NUM == static_cast<std::size_t>(Target::own_tri) + 1, "a row for each target");
+static_assert(TARGET_NUM == static_cast<std::size_t>(Target::own_cluster) + 1, "a row for each target");
 
 /// Stands for none, in every index and link of the format.
 inline constexpr Word NO_LINK = 0xffffffff;
@@ -132,10 +142,17 @@ template <class Record, auto MEMBER> constexpr Field field(const char *name) {
 struct LinkRow : Field {
   const char *id;
   Target target;
+  std::size_t stride = 1, first = 0; ///< of each `stride` words, those from `first` on are indices
 };
 
 template <class Record, auto MEMBER> constexpr LinkRow link(const char *id, const char *name, Target target) {
   return {field<Record, MEMBER>(name), id, target};
+}
+
+/// A node reference or an array of them: of the two words, the second one is the index.
+template <class Record, auto MEMBER>
+constexpr LinkRow nodeLink(const char *id, const char *name, Target target = Target::any) {
+  return {field<Record, MEMBER>(name), id, target, 2, 1};
 }
 
 template <RefKind KIND> constexpr LinkRow refLink(const char *id, const char *name, Target target) {
@@ -179,9 +196,8 @@ template <class Record, class Row, std::size_t N> consteval std::span<const Row>
 
 // --- Links ----------------------------------------------------------------------------------------------------------
 
-/// Not here, as the format does not say what they lead to: node references (their kind says it), the links of a switch
-/// (its type says it), the corners of a skin's triangles (their parts say it), `lookat` and `upper` of an animation,
-/// `bg_sprite_img`, `obj_group`, `tlut_palette_number`.
+/// Not here, as the format does not say that they are indices, or of what: `lookat` and `upper` of an animation,
+/// `next_key`, `obj_group`, `tlut_palette_number`, the offsets of mipmap images, the pixels of a colour-index image.
 inline constexpr LinkRow LINKS[] = {
     link<Scene, &Scene::scene_name_index>("scene-name-link", "scene_name_index", Target::name),
     link<Scene, &Scene::obj_link>("scene-obj-link", "obj link", Target::obj),
@@ -194,6 +210,7 @@ inline constexpr LinkRow LINKS[] = {
     link<SceneListExt, &SceneListExt::external_cam>("scene-external-cam", "external cam", Target::external_name),
     link<SceneListExt, &SceneListExt::external_light>("scene-external-light", "external light", Target::external_name),
     link<Env, &Env::env_name_index>("env-name-link", "env_name_index", Target::name),
+    link<Env, &Env::bg_sprite_img>("env-bg-sprite-link", "bg_sprite_img", Target::image),
     link<Cam, &Cam::came_name_index>("cam-name-link", "came_name_index", Target::name),
     link<Cam, &Cam::cam_lookat_obj>("cam-lookat-link", "cam_lookat_obj", Target::obj),
     link<Cam, &Cam::cam_eye_obj>("cam-eye-link", "cam_eye_obj", Target::obj),
@@ -251,11 +268,22 @@ inline constexpr LinkRow LINKS[] = {
     link<MatExt, &MatExt::external_tex>("mat-external-tex", "external tex", Target::external_name),
     link<Tex, &Tex::tex_name_index>("tex-name-link", "tex_name_index", Target::name),
     link<TexStill, &TexStill::tex_img_index>("tex-img-link", "tex_img_index", Target::teximg),
+    link<TexStill, &TexStill::tex_img_index>("tex-palette-img-link", "tex_img_index", Target::image),
     link<TexTiles, &TexTiles::tex_tile_img_index>("tex-tile-img-link", "tex_tile_img_index", Target::teximg),
+    link<TexTiles, &TexTiles::tex_tile_img_index>("tex-palette-tile-img-link", "tex_tile_img_index", Target::image),
     link<TexExt, &TexExt::color_palette_index>("tex-palette-link", "color_palette_index", Target::color_palette),
     link<TexExt, &TexExt::external_tex_img>("tex-external-img", "external_tex_img", Target::external_name),
     link<TexExt, &TexExt::external_palette>("tex-external-palette", "external_palette", Target::external_name),
     link<AnimGroup, &AnimGroup::anim_name_index>("anim-name-link", "anim_name_index", Target::name),
+    nodeLink<AnimGroupExt, &AnimGroupExt::orientation_constraint>("anim-orientation-link", "orientation constraint"),
+    nodeLink<AnimGroupExt, &AnimGroupExt::direction_constraint>("anim-direction-link", "direction constraint"),
+    nodeLink<AnimGroupExt, &AnimGroupExt::upvector_constraint>("anim-upvector-link", "upvector constraint"),
+    nodeLink<AnimGroupExt, &AnimGroupExt::preferred_axis_constraint>("anim-preferred-axis-link",
+                                                                     "preferred axis constraint"),
+    nodeLink<AnimGroupExt, &AnimGroupExt::position_constraint>("anim-position-link", "position constraint"),
+    nodeLink<AnimGroupExt, &AnimGroupExt::unique_scale_constraint>("anim-unique-scale-link", "unique scale constraint"),
+    nodeLink<AnimGroupExt, &AnimGroupExt::classic_scale_constraint>("anim-classic-scale-link",
+                                                                    "classic scale constraint"),
     link<AnimGroupExt, &AnimGroupExt::external_orientation_constraint>(
         "anim-external-orientation", "external orientation constraint", Target::external_name),
     link<AnimGroupExt, &AnimGroupExt::external_direction_constraint>(
@@ -273,21 +301,28 @@ inline constexpr LinkRow LINKS[] = {
     link<CollGroup, &CollGroup::coll_group_name_index>("coll-group-name-link", "coll_group_name_index", Target::name),
     link<Coll, &Coll::coll_name_index>("coll-name-link", "coll_name_index", Target::name),
     link<CollTerrain, &CollTerrain::shape_list_index>("coll-shape-link", "shape_list_index", Target::shape),
+    link<Switch, &Switch::default_link_index>("switch-default-link", "default_link_index", Target::any),
+    link<Switch, &Switch::case_dest_index>("switch-case-link", "case_dest_index", Target::any),
     link<CiImg, &CiImg::name_index>("ci-img-name-link", "name_index", Target::name),
     link<ColorPalette, &ColorPalette::name_index>("color-palette-name-link", "name_index", Target::name),
     link<Envelope, &Envelope::name_index>("envelope-name-link", "name_index", Target::name),
     link<FullWeightedPart, &FullWeightedPart::name_index>("full-weighted-name-link",
                                                           "name_index of a full weighted part", Target::name),
+    nodeLink<FullWeightedPart, &FullWeightedPart::transform_node_full>("full-weighted-node-link",
+                                                                       "transform_node_full"),
     link<FullWeightedPart, &FullWeightedPart::external_transform_obj>("full-weighted-external-obj",
                                                                       "external_transform_obj", Target::external_name),
     link<FullWeightedPart, &FullWeightedPart::full_weighted_st_group_index>("full-weighted-st-link",
                                                                             "full_weighted_st_group_index", Target::st),
     link<WeightedPart, &WeightedPart::name_index>("weighted-name-link", "name_index of a weighted part", Target::name),
     link<WeightedPart, &WeightedPart::weight_st_group_index>("weighted-st-link", "weight_st_group_index", Target::st),
+    nodeLink<WeightedPart, &WeightedPart::affected_node>("weighted-node-link", "affected_node"),
     link<WeightedPart, &WeightedPart::external_affected_obj>("weighted-external-obj", "external_affected_obj",
                                                              Target::external_name),
     link<WeightedPart, &WeightedPart::weight_group_index>("weighted-weight-link", "weight_group_index", Target::weight),
     link<MorphPart, &MorphPart::name_index>("morph-name-link", "name_index of a morph part", Target::name),
+    nodeLink<MorphPart, &MorphPart::node0>("morph-node0-link", "node[0]"),
+    nodeLink<MorphPart, &MorphPart::node1>("morph-node1-link", "node[1]"),
     link<MorphPart, &MorphPart::external_obj0>("morph-external-obj0", "external_obj[0]", Target::external_name),
     link<MorphPart, &MorphPart::external_obj1>("morph-external-obj1", "external_obj[1]", Target::external_name),
     link<MorphPart, &MorphPart::morph_st_group_index>("morph-st-link", "morph_st_group_index", Target::st),
@@ -298,11 +333,34 @@ inline constexpr LinkRow LINKS[] = {
                                                                Target::vtx_color),
     link<VtxTriNvColor, &VtxTriNvColor::tri_color_group_index>("skin-tri-color-link", "tri_color_group_index",
                                                                Target::tri_color),
+    nodeLink<EnvelopeTri, &EnvelopeTri::envelope_part_for_tri>("envelope-tri-part", "envelope_part_for_tri",
+                                                               Target::own_part),
+    link<EnvelopeTri, &EnvelopeTri::tri_nv_index>("envelope-tri-nv-index", "tri_nv_index", Target::own_tri_nv),
+    link<EnvelopeTri, &EnvelopeTri::tri_color_index>("envelope-tri-color-index", "tri_color_index",
+                                                     Target::own_tri_color),
+    link<EnvelopeTri, &EnvelopeTri::weight_index_tri>("envelope-tri-weight-index", "weight_index_tri",
+                                                      Target::own_weight),
+    nodeLink<EnvelopeVtx, &EnvelopeVtx::envelope_part>("envelope-vtx-part", "envelope_part", Target::own_part),
+    link<EnvelopeVtx, &EnvelopeVtx::vtx_index>("envelope-vtx-index", "vtx_index", Target::own_vtx),
+    link<EnvelopeVtx, &EnvelopeVtx::st_index>("envelope-st-index", "st_index", Target::own_st),
+    link<EnvelopeVtx, &EnvelopeVtx::vtx_nv_index>("envelope-vtx-nv-index", "vtx_nv_index", Target::own_vtx_nv),
+    link<EnvelopeVtx, &EnvelopeVtx::vtx_color_index>("envelope-vtx-color-index", "vtx_color_index",
+                                                     Target::own_vtx_color),
+    link<EnvelopeVtx, &EnvelopeVtx::weight_index>("envelope-weight-index", "weight_index", Target::own_weight),
     link<ClusterShape, &ClusterShape::name_index>("cluster-shape-name-link", "name_index", Target::name),
     link<Cluster, &Cluster::name_index>("cluster-name-link", "name_index of a cluster", Target::name),
+    nodeLink<Cluster, &Cluster::transform_node>("cluster-node-link", "transform_node"),
     link<Cluster, &Cluster::external_transform_obj>("cluster-external-obj", "external_transform_obj",
                                                     Target::external_name),
     link<Cluster, &Cluster::cluster_st_group_index>("cluster-st-link", "cluster_st_group_index", Target::st),
+    nodeLink<ClusterTri, &ClusterTri::cluster_for_tri>("cluster-tri-cluster", "cluster_for_tri", Target::own_cluster),
+    link<ClusterTri, &ClusterTri::tri_nv_index>("cluster-tri-nv-index", "tri_nv_index", Target::own_tri_nv),
+    link<ClusterTri, &ClusterTri::tri_color_index>("cluster-tri-color-index", "tri_color_index", Target::own_tri_color),
+    nodeLink<ClusterVtx, &ClusterVtx::cluster>("cluster-vtx-cluster", "cluster", Target::own_cluster),
+    link<ClusterVtx, &ClusterVtx::vtx_index>("cluster-vtx-index", "vtx_index", Target::own_vtx),
+    link<ClusterVtx, &ClusterVtx::st_index>("cluster-st-index", "st_index", Target::own_st),
+    link<ClusterVtx, &ClusterVtx::vtx_nv_index>("cluster-vtx-nv-index", "vtx_nv_index", Target::own_vtx_nv),
+    link<ClusterVtx, &ClusterVtx::vtx_color_index>("cluster-vtx-color-index", "vtx_color_index", Target::own_vtx_color),
     link<WeightGroup, &WeightGroup::name_index>("weight-group-name-link", "name_index", Target::name),
     link<ChainRoot, &ChainRoot::name_index>("chain-root-name-link", "name_index", Target::name),
     link<ChainRoot, &ChainRoot::anim_index>("chain-root-anim-link", "anim_index", Target::anim),

@@ -35,16 +35,18 @@ StList { StGroup*12 st_num=6 }
 PartList { Part*12  Part part_tri_num=1 }
 MatList { Mat tex_num=1 { MatExt external_tex_num=1 prim_color_anim_num=2 }  Mat*13 }
 TexList { Tex { TexStill }  Tex tex_anim=1 { TexTiles tex_tile_scale_num=2 tex_tile_img_num=1 }
-  Tex { TexStill TexExt use_color_palette=1 tiles=1 external_tex_img_num=1 }  Tex*12 { TexStill } }
+  Tex { TexStill TexExt use_color_palette=1 tiles=1 external_tex_img_num=1 }
+  Tex tex_anim=1 { TexTiles tex_tile_img_num=1 TexExt use_color_palette=1 tiles=1 }  Tex*11 { TexStill } }
 TeximgList { Teximg*16 }
 AnimList { AnimGroup type=3 { AnimKey*2 AnimGroupExt rotate_x_num=2 }  AnimGroup*16 }
+SwitchList { Switch case_node_num=1 }
 CollList { CollGroup { Coll coll_type=0x10 { Terrain }  Coll coll_type=0x22 { Sphere } }  CollGroup*17 }
 NameList { Name*19 text=root }
-CiImgList { CiImg }
+CiImgList { CiImg*18 }
 ColorPaletteList { ColorPalette*20 }
 EnvelopeList { Envelope { FullWeightedPart  WeightedPart affected_node_num=1 external_affected_obj_num=1
-  MorphPart table_num=1 } }
-ClusterList { ClusterShape { Cluster } }
+  MorphPart table_num=1 }  Envelope { WeightedPart affected_node_num=2 EnvelopeTri } }
+ClusterList { ClusterShape { Cluster ClusterTri } }
 WeightList { WeightGroup*21 weight_num=1 }
 ChainRootList { ChainRoot*21 ChainRoot obj_num=1 external_obj_num=1 }
 JointList { Joint*22 Joint obj_num=1 external_obj_num=1 }
@@ -65,6 +67,7 @@ SceneListExt 0 external_env[1] scene-external-env - 25
 SceneListExt 0 external_cam[1] scene-external-cam - 25
 SceneListExt 0 external_light[1] scene-external-light - 25
 Env 1 env_name_index env-name-link 1 19
+Env 1 bg_sprite_img env-bg-sprite-link 1 18
 Cam 2 came_name_index cam-name-link 2 19
 Cam 1 cam_lookat_obj cam-lookat-link 1 5
 CamExt 1 external_lookat_obj[0] cam-external-lookat 1 25
@@ -123,10 +126,19 @@ MatExt 0 external_tex[1] mat-external-tex 0 25
 Tex 14 tex_name_index tex-name-link 14 19
 TexStill 0 tex_img_index tex-img-link 0 16
 TexTiles 0 tex_tile_img_index[0] tex-tile-img-link 1 16
+TexStill 1 tex_img_index tex-palette-img-link 2 18
+TexTiles 1 tex_tile_img_index[0] tex-palette-tile-img-link 3 18
 TexExt 2 color_palette_index[0] tex-palette-link 2 20
 TexExt 2 external_tex_img[0] tex-external-img 2 25
 TexExt 2 external_palette[1] tex-external-palette 2 25
 AnimGroup 16 anim_name_index anim-name-link 16 19
+AnimGroupExt 3 constraint[1] anim-orientation-link 3 25
+AnimGroupExt 3 constraint[3] anim-direction-link 3 25
+AnimGroupExt 3 constraint[5] anim-upvector-link 3 25
+AnimGroupExt 3 constraint[7] anim-preferred-axis-link 3 25
+AnimGroupExt 3 constraint[9] anim-position-link 3 25
+AnimGroupExt 3 constraint[11] anim-unique-scale-link 3 25
+AnimGroupExt 3 constraint[13] anim-classic-scale-link 3 25
 AnimGroupExt 3 external_constraint[0] anim-external-orientation 3 25
 AnimGroupExt 3 external_constraint[3] anim-external-direction 3 25
 AnimGroupExt 3 external_constraint[4] anim-external-upvector 3 25
@@ -137,17 +149,23 @@ AnimGroupExt 3 external_constraint[12] anim-external-classic-scale 3 25
 CollGroup 17 coll_group_name_index coll-group-name-link 17 19
 Coll 1 coll_name_index coll-name-link 0 19
 Terrain 0 shape_list_index coll-shape-link 0 6
+Switch 0 default_link_index switch-default-link 0 25
+Switch 0 case_dest_index[0] switch-case-link 0 25
 CiImg 0 name_index ci-img-name-link 0 19
 ColorPalette 19 name_index color-palette-name-link 19 19
 Envelope 0 name_index envelope-name-link 0 19
 FullWeightedPart 0 name_index full-weighted-name-link 0 19
+FullWeightedPart 0 transform_node_full[1] full-weighted-node-link 0 25
 FullWeightedPart 0 external_transform_obj[0] full-weighted-external-obj 0 25
 FullWeightedPart 0 full_weighted_st_group_index full-weighted-st-link 0 12
 WeightedPart 0 name_index weighted-name-link 0 19
+WeightedPart 1 affected_node[3] weighted-node-link 1 25
 WeightedPart 0 weight_st_group_index weighted-st-link 0 12
 WeightedPart 0 external_affected_obj[1] weighted-external-obj 0 25
 WeightedPart 0 weight_group_index[1] weighted-weight-link 0 21
 MorphPart 0 name_index morph-name-link 0 19
+MorphPart 0 node0[1] morph-node0-link 0 25
+MorphPart 0 node1[1] morph-node1-link 0 25
 MorphPart 0 external_obj0[0] morph-external-obj0 0 25
 MorphPart 0 external_obj1[1] morph-external-obj1 0 25
 MorphPart 0 morph_st_group_index morph-st-link 0 12
@@ -156,8 +174,27 @@ WeightedPart 0 group_index[3] skin-vtx-nv-link 0 11
 MorphPart 0 group_index[2] skin-tri-nv-link 0 10
 Cluster 0 group_index[3] skin-vtx-color-link 0 9
 WeightedPart 0 group_index[9] skin-tri-color-link 0 9
+EnvelopeTri 0 envelope_part_for_tri[1] envelope-tri-part 1 1
+EnvelopeTri 0 tri_nv_index envelope-tri-nv-index 1 4
+EnvelopeTri 0 tri_color_index envelope-tri-color-index 1 1
+EnvelopeTri 0 weight_index_tri envelope-tri-weight-index 1 1
+EnvelopeTri 0 vtx[1] envelope-vtx-part 1 1
+EnvelopeTri 0 vtx[2] envelope-vtx-index 1 3
+EnvelopeTri 0 vtx[10] envelope-st-index 1 6
+EnvelopeTri 0 vtx[18] envelope-vtx-nv-index 1 5
+EnvelopeTri 0 vtx[19] envelope-vtx-color-index 1 2
+EnvelopeTri 0 vtx[6] envelope-weight-index 1 1
+ClusterTri 0 cluster_for_tri[1] cluster-tri-cluster 0 1
+ClusterTri 0 tri_nv_index cluster-tri-nv-index 0 4
+ClusterTri 0 tri_color_index cluster-tri-color-index 0 1
+ClusterTri 0 vtx[13] cluster-vtx-cluster 0 1
+ClusterTri 0 vtx[2] cluster-vtx-index 0 3
+ClusterTri 0 vtx[9] cluster-st-index 0 6
+ClusterTri 0 vtx[16] cluster-vtx-nv-index 0 5
+ClusterTri 0 vtx[17] cluster-vtx-color-index 0 2
 ClusterShape 0 name_index cluster-shape-name-link 0 19
 Cluster 0 name_index cluster-name-link 0 19
+Cluster 0 transform_node[1] cluster-node-link 0 25
 Cluster 0 external_transform_obj[0] cluster-external-obj 0 25
 Cluster 0 cluster_st_group_index cluster-st-link 0 12
 WeightGroup 20 name_index weight-group-name-link 20 19
@@ -320,8 +357,14 @@ TEST(SurveyDeep, Edits) {
       {"TriGroup 6 vtx_group_index[1] 1; Tri 0 vtx_index2 1", {}},
       {"TriGroup 6 vtx_group_index[1] 1; Tri 0 vtx_index2 2", {"tri-vtx-index2 6"}},
       {"TriGroup 7 vtx_group_index[0] 0xffffffff; Tri 1 vtx_index2 99", {}},
-      // an image of a texture with a palette can be of another list
-      {"TexStill 1 tex_img_index 99", {}},
+      // the kinds of node references are no indices
+      {"AnimGroupExt 3 constraint[0] 99; FullWeightedPart 0 transform_node_full[0] 99; EnvelopeTri 0 vtx[0] 99", {}},
+      // any part with the number of a corner's will do, and any of its groups: the one of 3 vertices, not that of 2
+      {"WeightedPart 1 group_index[1] 1; EnvelopeTri 0 vtx[2] 2", {}},
+      {"WeightedPart 1 group_index[0] 1 group_index[1] 1; EnvelopeTri 0 vtx[2] 2", {"envelope-vtx-index 1"}},
+      {"WeightedPart 1 group_index[0] 0xffffffff; EnvelopeTri 0 vtx[2] 99", {}},
+      {"WeightedPart 1 weight_group_index[1] 0xffffffff; EnvelopeTri 0 vtx[6] 99", {}},
+      {"ClusterTri 0 vtx[1] 0xffffffff vtx[2] 99", {}},
       // the tree
       {"Obj 0 obj_parent_link 2", {"object-parent 0"}},
       {"Obj 0 obj_parent_link 0xffffffff", {"object-parent 0"}},
@@ -335,6 +378,12 @@ TEST(SurveyDeep, Edits) {
   const File good = consistentScene();
   for (const Case &tried : CASES)
     EXPECT_EQ(deepFindings(samples::edited(good, tried.edits).bytes).lines, tried.findings) << tried.edits;
+}
+
+TEST(SurveyDeep, IndexZeroOfAnEmptyListIsOnePastItsEnd) {
+  const File file = samples::build(VERSION_1, "ObjList { Obj }", samples::LinkWords::none);
+  EXPECT_EQ(deepFindings(file.bytes).lines, Lines{});
+  EXPECT_EQ(deepFindings(samples::edited(file, "Obj 0 obj_mat_link 0").bytes).lines, Lines{"obj-mat-link 0"});
 }
 
 TEST(SurveyDeep, ControlBytesInNames) {
