@@ -4,6 +4,8 @@
 #include "harness/scratch.h"
 #include "samples/builder.h"
 #include "survey/audit.h"
+#include "survey/json.h"
+#include "survey/summary.h"
 
 #include <gtest/gtest.h>
 
@@ -414,6 +416,51 @@ TEST(SurveyDeep, LeavesTheVerdictAsItIs) {
   ASSERT_EQ(deep.findings.size(), 1U);
   EXPECT_EQ(deep.findings[0].text, "WARN : CamList[1] : cam_eye_obj = 5, but ObjList has 5\n");
   EXPECT_EQ(deep.findings[0].severity, Severity::warning);
+}
+
+std::uint64_t countOf(const Record &record, const char *id) {
+  const auto at = record.counts.find(id);
+  return at == record.counts.end() ? 0 : at->second;
+}
+
+/// Of many findings only the first are kept, of a long text only the beginning; all are counted.
+TEST(SurveyAudit, FindingsAreBounded) {
+  constexpr std::size_t OBJECTS = 1500;
+  // Each object has six links that lead nowhere and an index of its own that is wrong.
+  File file = samples::build(VERSION_1, "ObjList { Obj*" + std::to_string(OBJECTS) + " obj_child_num=1 }");
+  for (const samples::NamedWord &word : file.words)
+    if (word.field == "this_obj_index" || word.field == "child_link[0]")
+      harness::setWordAt(file.bytes, word.offset, 0x7fffffff);
+  // The text about the sum of the sizes lists them all.
+  const harness::ScratchFile scratch(samples::edited(file, "ObjList 0 num_byte[0] +4").bytes);
+  Workspace workspace;
+  const Record shallow = audit({.path = scratch.path}, false, workspace);
+  const Record deep = audit({.path = scratch.path}, true, workspace);
+  for (const Record &record : {shallow, deep}) {
+    EXPECT_EQ(record.verdict, Verdict::err);
+    EXPECT_EQ(record.findings.size(), MOST_FINDINGS);
+    EXPECT_EQ(countOf(record, "element-index"), OBJECTS);
+    const auto cut = [](const KeptFinding &kept) {
+      return kept.text.size() == MOST_TEXT && kept.text.ends_with("...");
+    };
+    EXPECT_TRUE(std::ranges::any_of(record.findings, cut));
+    EXPECT_LE(jsonLine(record).size(), MOST_FINDINGS * 1000);
+    EXPECT_EQ(jsonLine(*recordOf(jsonLine(record))), jsonLine(record));
+    EXPECT_TRUE(whatIsWrong(record).starts_with(std::to_string(findingCount(record)) + " findings: "));
+  }
+  for (const char *const id : {"obj-name-link", "obj-mat-link", "obj-child-link", "obj-coll-link"})
+    EXPECT_EQ(countOf(deep, id), OBJECTS) << id;
+  EXPECT_EQ(findingCount(deep), findingCount(shallow) + 6 * OBJECTS + 2); // the scene's name; one is its own parent
+}
+
+/// Warnings that do not fit leave the verdict as it is.
+TEST(SurveyAudit, MoreWarningsThanAreKept) {
+  const harness::ScratchFile scratch(samples::build(VERSION_1, "EnvList { Env*2000 }").bytes);
+  Workspace workspace;
+  const Record record = audit({.path = scratch.path}, true, workspace);
+  EXPECT_EQ(record.verdict, Verdict::ok);
+  EXPECT_EQ(record.findings.size(), MOST_FINDINGS);
+  EXPECT_EQ(findingCount(record), 2 * 2000U + 1);
 }
 
 /// Lists that could not be read say nothing about the links to them.
