@@ -1,7 +1,7 @@
 include(CMakePackageConfigHelpers)
 
-# Three components, each of which is a Debian package of its own: program, library (the shared one, for programs that
-# are linked with it) and development.
+# Components, each of which is a Debian package of its own: program, library (the shared one, for programs that are linked
+# with it), development, and one for each program that is built only if it is asked for.
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/kova")
 set(pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 set(doc_dir "${CMAKE_INSTALL_DATAROOTDIR}/doc")
@@ -11,7 +11,7 @@ set(doc_dir "${CMAKE_INSTALL_DATAROOTDIR}/doc")
 install(TARGETS kbaudit COMPONENT program)
 install(FILES docs/kbaudit.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT program)
 install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION "${doc_dir}/kbaudit" COMPONENT program)
-install(FILES docs/findings.md docs/format.md docs/performance.md docs/recipes.md docs/robustness.md
+install(FILES docs/findings.md docs/format.md docs/kbsurvey.png docs/performance.md docs/recipes.md docs/robustness.md
         DESTINATION "${doc_dir}/kbaudit/docs" COMPONENT program)
 install(DIRECTORY samples/ DESTINATION "${CMAKE_INSTALL_DATADIR}/kova/samples" COMPONENT program
         FILES_MATCHING PATTERN "*.kb")
@@ -50,6 +50,26 @@ install(FILES examples/CMakeLists.txt examples/findings.cpp examples/names.cpp e
 if(KOVA_API_REFERENCE)
   install(DIRECTORY "${PROJECT_BINARY_DIR}/api/" DESTINATION "${doc_dir}/libkova-dev/html" COMPONENT development)
 endif()
+
+# --- The programs that are built only if they are asked for ---
+
+# The program, its manual page, the completion of its command line, and its documents, which keep their folders so that
+# they find each other. The sources are in the folder with the name of the component.
+function(kova_install_program program component)
+  if(NOT TARGET ${program})
+    return()
+  endif()
+  install(TARGETS ${program} COMPONENT ${component})
+  install(FILES docs/${program}.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT ${component})
+  install(FILES ${component}/completion.bash DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions"
+          RENAME ${program} COMPONENT ${component})
+  foreach(document IN LISTS ARGN)
+    cmake_path(GET document PARENT_PATH folder)
+    install(FILES ${document} DESTINATION "${doc_dir}/${program}/${folder}" COMPONENT ${component})
+  endforeach()
+  install(FILES LICENSE DESTINATION "${doc_dir}/${program}" RENAME copyright COMPONENT ${component})
+endfunction()
+kova_install_program(kbsurvey survey docs/survey.md docs/report.md survey/report.schema.json)
 
 foreach(package IN ITEMS kbaudit:program libkova${PROJECT_VERSION_MAJOR}:library libkova-dev:development)
   string(REGEX MATCH "(.*):(.*)" package "${package}")

@@ -1,11 +1,11 @@
-# Three Debian packages, one for each component of the installation.
+# The Debian packages, one for each component of the installation.
 set(CPACK_GENERATOR DEB)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_PACKAGE_NAME kbaudit)
 set(CPACK_PACKAGE_CONTACT "kbaudit maintainers <maintainers@kbaudit.example>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL program library development)
+set(CPACK_COMPONENTS_ALL library development)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -16,14 +16,25 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 # The first paragraph of each description.
 set(about "KOVA files hold scenes of a 3D interchange format, in versions 1.0 and 2.0.")
 
-set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME kbaudit)
-set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION graphics)
-set(CPACK_COMPONENT_PROGRAM_DESCRIPTION "checks and dumps KOVA scene files
-${about}
-.
-kbaudit checks every tag, size, count and index of such a file, prints what is
+# The package of a program, if that is built.
+macro(kova_program_package program component summary description)
+  if(TARGET ${program})
+    list(APPEND CPACK_COMPONENTS_ALL ${component})
+    string(TOUPPER ${component} upper)
+    set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${program})
+    set(CPACK_DEBIAN_${upper}_PACKAGE_SECTION graphics)
+    set(CPACK_COMPONENT_${upper}_DESCRIPTION "${summary}\n${about}\n.\n${description}")
+  endif()
+endmacro()
+
+kova_program_package(kbaudit program "checks and dumps KOVA scene files"
+"kbaudit checks every tag, size, count and index of such a file, prints what is
 wrong with it and a verdict, and dumps the scene as text. Files may come from
 anywhere. The package also has the manual and some files to try.")
+
+kova_program_package(kbsurvey survey "audits whole collections of KOVA scene files"
+"kbsurvey checks all such files of a folder at once. It prints which of them are
+not in order and writes reports: JSON Lines, JUnit, and a page to look at.")
 
 set(library_package libkova${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME ${library_package})

@@ -27,13 +27,22 @@ else
 fi
 library=$(cd "$(dirname "$(find "$installed" -name libkova.a)")" && pwd)
 version=$(cached CMAKE_PROJECT_VERSION)
-same "files" "$(sort <<END
+# files_if OPTION PROGRAM DOCUMENT...: of a program that is built only if it is asked for.
+files_if() {
+  [ "$(cached "$1")" = ON ] || return 0
+  local program=$2
+  shift 2
+  printf '%s\n' "bin/$program" "share/man/man1/$program.1$packed" "share/bash-completion/completions/$program" \
+    "${@/#/share/doc/$program/}" "share/doc/$program/copyright"
+}
+same "files" "$(sed '/^$/d' <<END | sort
 bin/kbaudit
+$(files_if KOVA_SURVEY kbsurvey docs/{survey,report}.md survey/report.schema.json)
 $(cd "$SOURCE_DIR" && printf "%s\n" include/kova/*.h)
 $(printf 'lib/%s\n' libkova.{a,so,"so.${version%%.*}","so.$version"} pkgconfig/kova.pc \
   cmake/kova/kova{Config,ConfigVersion,Targets,Targets-release}.cmake)
 $(printf 'share/doc/%s\n' {kbaudit,"libkova${version%%.*}",libkova-dev}/copyright kbaudit/{README,CHANGELOG,SECURITY}.md \
-  kbaudit/docs/{findings,format,performance,recipes,robustness}.md libkova-dev/examples/{CMakeLists.txt,findings.cpp,names.cpp,verdict.cpp})
+  kbaudit/docs/{findings,format,performance,recipes,robustness}.md kbaudit/docs/kbsurvey.png libkova-dev/examples/{CMakeLists.txt,findings.cpp,names.cpp,verdict.cpp})
 share/man/man1/kbaudit.1$packed
 $(cd "$SOURCE_DIR" && printf 'share/kova/%s\n' samples/*.kb)
 END
@@ -46,6 +55,18 @@ for sample in town figure damaged; do
   cp "$scratch/out" "$scratch/$sample.out"
   sed -n '/^<FileHeader> ;/,$p' "$scratch/out" >"$scratch/$sample.txt"
 done
+
+# Images that documents show. (Some links lead to what is in another package, or only in the sources.)
+find "$installed/share/doc" -name '*.md' -print0 | while IFS= read -r -d '' document; do
+  for image in $(tr '\n' ' ' <"$document" | grep -oE '!\[[^]]*\]\([^):]*\)' | sed 's/.*(\(.*\))/\1/'); do
+    [ -e "${document%/*}/$image" ] || fail "${document##*/} shows $image, which is not there"
+  done
+done
+
+if [ "$(cached KOVA_SURVEY)" = ON ]; then
+  run 1 "installed kbsurvey" "$installed/bin/kbsurvey" "$samples/town.kb" "$samples/damaged.kb"
+  same "verdicts of kbsurvey" "2 files: 1 OK, 1 ERR, 0 without verdict" "$(sed -n 's/; .* in .* s$//p' "$scratch/out")"
+fi
 
 # --- Hardening ---
 
@@ -64,7 +85,9 @@ if [[ $("$CXX" --version) == *clang* ]]; then
 else
   everywhere+=(' __[a-z]*printf_chk')
 fi
-hardened "$program" "${everywhere[@]}" 'Flags: .*PIE'
+for built_program in "$installed"/bin/*; do
+  hardened "$built_program" "${everywhere[@]}" 'Flags: .*PIE'
+done
 hardened "$library/libkova.so" "${everywhere[@]}"
 
 # --- Programs of others ---
