@@ -1,7 +1,7 @@
 include(CMakePackageConfigHelpers)
 
-# Components, each of which is a Debian package of its own: program, library (the shared one, for programs that are linked
-# with it), development, and one for each program that is built only if it is asked for.
+# Components, each of which is a Debian package of its own: program, library (the shared one, for programs that are
+# linked with it), development, and one for each program that is built only if it is asked for.
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/kova")
 set(pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 set(doc_dir "${CMAKE_INSTALL_DATAROOTDIR}/doc")

@@ -25,7 +25,8 @@ foreach(copyright IN LISTS copyrights)
   compress("${folder}/changelog")
 endforeach()
 
-file(COPY "${CMAKE_CURRENT_LIST_DIR}/debian/lintian-overrides" DESTINATION "${staged}/library/usr/share/lintian")
+file(COPY "${CMAKE_CURRENT_LIST_DIR}/debian/lintian-overrides" DESTINATION "${staged}/library/usr/share/lintian"
+     FILE_PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
 file(MAKE_DIRECTORY "${staged}/library/usr/share/lintian/overrides")
 file(RENAME "${staged}/library/usr/share/lintian/lintian-overrides"
      "${staged}/library/usr/share/lintian/overrides/${CPACK_KOVA_LIBRARY_PACKAGE}")

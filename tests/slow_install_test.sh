@@ -42,7 +42,8 @@ $(cd "$SOURCE_DIR" && printf "%s\n" include/kova/*.h)
 $(printf 'lib/%s\n' libkova.{a,so,"so.${version%%.*}","so.$version"} pkgconfig/kova.pc \
   cmake/kova/kova{Config,ConfigVersion,Targets,Targets-release}.cmake)
 $(printf 'share/doc/%s\n' {kbaudit,"libkova${version%%.*}",libkova-dev}/copyright kbaudit/{README,CHANGELOG,SECURITY}.md \
-  kbaudit/docs/{findings,format,performance,recipes,robustness}.md kbaudit/docs/kbsurvey.png libkova-dev/examples/{CMakeLists.txt,findings.cpp,names.cpp,verdict.cpp})
+  kbaudit/docs/{findings,format,performance,recipes,robustness}.md kbaudit/docs/kbsurvey.png \
+  libkova-dev/examples/{CMakeLists.txt,findings.cpp,names.cpp,verdict.cpp})
 share/man/man1/kbaudit.1$packed
 $(cd "$SOURCE_DIR" && printf 'share/kova/%s\n' samples/*.kb)
 END
