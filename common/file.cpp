@@ -1,6 +1,7 @@
 #include "common/file.h"
 
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -15,16 +16,16 @@ Descriptor openToRead(const char *path) {
   return Descriptor(::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
 }
 
-int readWhole(const Descriptor &file, std::size_t bytes, unsigned char *to) {
+const char *readWhole(const Descriptor &file, std::size_t bytes, unsigned char *to) {
   for (std::size_t done = 0; done < bytes;) {
     const ssize_t got = ::read(file.number, to + done, bytes - done);
     if (got < 0 && errno == EINTR)
       continue;
     if (got <= 0)
-      return got < 0 ? errno : ESTALE;
+      return got < 0 ? std::strerror(errno) : FILE_HAS_CHANGED;
     done += static_cast<std::size_t>(got);
   }
-  return 0;
+  return nullptr;
 }
 
 } // namespace kova

@@ -18,7 +18,10 @@ struct Descriptor {
 /// Opens a file for reading without waiting: the opening of a pipe would wait for somebody to write.
 Descriptor openToRead(const char *path);
 
-/// Reads a file whole. @return 0 or the system's reason; ESTALE where the file has become shorter.
-int readWhole(const Descriptor &file, std::size_t bytes, unsigned char *to);
+inline constexpr const char *FILE_HAS_CHANGED = "it has changed";
+
+/// Reads a file whole. @return null, or why it cannot be read, for people: `FILE_HAS_CHANGED` where it has become
+/// shorter.
+const char *readWhole(const Descriptor &file, std::size_t bytes, unsigned char *to);
 
 } // namespace kova

@@ -47,8 +47,8 @@ std::string readInput(const Options &options, std::vector<unsigned char> &bytes)
   if (static_cast<std::uint64_t>(status.st_size) > bytes.max_size())
     return name + ": not enough memory";
   bytes.resize(static_cast<std::size_t>(status.st_size));
-  const int error = readWhole(file, bytes.size(), bytes.data());
-  return error != 0 ? name + ": " + std::strerror(error) : "";
+  const char *const error = readWhole(file, bytes.size(), bytes.data());
+  return error != nullptr ? name + ": " + error : "";
 }
 
 void print(const std::string &line) { std::fwrite(line.data(), 1, line.size(), stdout); }

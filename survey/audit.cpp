@@ -5,6 +5,7 @@
 #include "survey/deep.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <new>
 #include <sys/stat.h>
@@ -44,8 +45,8 @@ int load(const Descriptor &file, Record &record, Kis &kis, Workspace &workspace)
   const auto bytes = static_cast<std::size_t>(record.bytes);
   if (!workspace.bytes)
     workspace.bytes = std::make_unique_for_overwrite<unsigned char[]>(SMALL_FILE);
-  if (const int error = readWhole(file, bytes, workspace.bytes.get())) {
-    refuse(record, Reason::unreadable, std::strerror(error));
+  if (const char *const error = readWhole(file, bytes, workspace.bytes.get())) {
+    refuse(record, Reason::unreadable, error);
     return 0;
   }
   return kvOpenKbMemory({workspace.bytes.get(), bytes}, record.path.c_str(), kis);
@@ -69,7 +70,7 @@ void judge(const Descriptor &file, Record &record, Workspace &workspace) {
   if (record.reason != Reason::has_verdict)
     return;
   if (has(record, "input-open") || has(record, "input-read") || has(record, "input-changed"))
-    return refuse(record, Reason::unreadable, has(record, "input-changed") ? "it has changed" : "");
+    return refuse(record, Reason::unreadable, has(record, "input-changed") ? FILE_HAS_CHANGED : "");
   if (has(record, "out-of-memory"))
     return refuse(record, Reason::no_memory, "");
   const Word version = kvKOVAver(kis->file_header);

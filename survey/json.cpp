@@ -38,7 +38,7 @@ template <class Number> Json numberOrNull(const std::optional<Number> &number) {
 }
 
 Json jsonOf(const KeptFinding &finding) {
-  return {{"id", finding.id},
+  return {{"id", escaped(finding.id)},
           {"stage", nameOf(STAGE_NAMES, finding.stage)},
           {"severity", nameOf(SEVERITY_NAMES, finding.severity)},
           {"list", textOrNull(finding.list)},
@@ -96,9 +96,10 @@ bool takeCounts(const Json &json, std::map<std::string, std::uint64_t> &counts) 
   if (!json.is_object())
     return false;
   for (const auto &[id, count] : json.items()) {
-    if (!count.is_number_unsigned())
+    const std::optional<std::string> bytes = unescaped(id);
+    if (!bytes || !count.is_number_unsigned())
       return false;
-    counts[id] = count.template get<std::uint64_t>();
+    counts[*bytes] = count.template get<std::uint64_t>();
   }
   return true;
 }
@@ -120,7 +121,8 @@ bool takeRecord(const Json &json, Record &record) {
          takeText(member(json, "modified"), record.modified) && takeText(member(json, "version"), record.version) &&
          takeName(VERDICT_NAMES, member(json, "verdict"), record.verdict) &&
          takeReason(member(json, "reason"), record) && takeText(member(json, "detail"), record.detail) &&
-         takeCounts(member(json, "counts"), record.counts) && takeFindings(member(json, "findings"), record.findings);
+         takeCounts(member(json, "counts"), record.counts) && takeFindings(member(json, "findings"), record.findings) &&
+         findingCount(record) >= record.findings.size();
 }
 
 /// @return whether the line ended with a line break, which is taken off.
@@ -150,7 +152,7 @@ std::string jsonLine(const Record &record) {
     findings.push_back(jsonOf(finding));
   Json counts = Json::object();
   for (const auto &[id, count] : record.counts)
-    counts[id] = count;
+    counts[escaped(id)] = count;
   const Json json = {{"path", escaped(record.path)},
                      {"bytes", record.bytes},
                      {"modified", textOrNull(record.modified)},

@@ -14,7 +14,7 @@ namespace {
 std::string findingLines(const Record &record) {
   std::string lines;
   for (const KeptFinding &finding : record.findings)
-    lines += finding.id + ": " + oneLine(finding.text) + '\n';
+    lines += printable(finding.id) + ": " + oneLine(finding.text) + '\n';
   const std::uint64_t more = findingCount(record) - record.findings.size();
   return more == 0 ? lines : lines + std::to_string(more) + " more\n";
 }

@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <iostream>
 #include <thread>
 
 namespace kova::survey {
@@ -26,32 +27,49 @@ struct Given {
   bool list_findings = false;
 };
 
-void declare(CLI::App &app, Options &options, Given &given) {
+/// For all options that are empty where they are not given.
+const CLI::Validator NOT_EMPTY([](const std::string &value) { return std::string(value.empty() ? "is empty" : ""); },
+                               "");
+
+/// @param arguments the number of arguments, at least 1
+void declare(CLI::App &app, int arguments, Options &options, Given &given) {
   app.set_version_flag("--version", std::string("kbsurvey ") + KOVA_VERSION, "Print the version");
   app.set_help_flag("-h,--help", "Print this help");
-  app.add_option("PATH", options.paths, "Files and folders; with --merge, reports")->type_name("");
+  // Where extra arguments are allowed, CLI11 takes a path like "[a,b]" for a list. So none are: all can be paths.
+  app.add_option("PATH", options.paths, "Files and folders; with --merge, reports")
+      ->type_name("")
+      ->check(NOT_EMPTY)
+      ->expected(arguments, CLI::detail::expected_max_vector_size)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->allow_extra_args(false);
   app.add_option("-j,--jobs", options.workers, "Number of files audited at a time (default: the processors)")
       ->type_name("N")
       ->check(CLI::Range(1U, 4096U).description(""));
   app.add_option("--name", options.names, "In folders, take files of this name instead of *.kb; may be repeated")
       ->type_name("GLOB")
+      ->check(NOT_EMPTY)
       ->allow_extra_args(false);
   app.add_option("--files-from", options.files_from,
                  "Read more paths from FILE (- for standard input), separated by NUL or line breaks")
-      ->type_name("FILE");
+      ->type_name("FILE")
+      ->check(NOT_EMPTY);
   app.add_flag("--deep", options.deep, "Also check what the verdict does not look at; gives warnings");
   app.add_flag("-q,--quiet", options.quiet, "No progress line");
   app.add_flag("-0,--print0", options.print0, "Print only the paths of files that are not OK, a NUL behind each");
   app.add_option("--json", options.json, "Write a JSON report, a line for each file (- for standard output)")
-      ->type_name("FILE");
-  app.add_option("--junit", options.junit, "Write a JUnit report")->type_name("FILE");
-  app.add_option("--html", options.html, "Write a page to look at")->type_name("FILE");
+      ->type_name("FILE")
+      ->check(NOT_EMPTY);
+  app.add_option("--junit", options.junit, "Write a JUnit report")->type_name("FILE")->check(NOT_EMPTY);
+  app.add_option("--html", options.html, "Write a page to look at")->type_name("FILE")->check(NOT_EMPTY);
   app.add_option("--resume", options.resume, "Take over what this JSON report says of files that have not changed")
-      ->type_name("FILE");
-  app.add_option("--shard", given.shard, "Audit only the I-th of N parts of the files")->type_name("I/N");
+      ->type_name("FILE")
+      ->check(NOT_EMPTY);
+  app.add_option("--shard", given.shard, "Audit only the I-th of N parts of the files")
+      ->type_name("I/N")
+      ->check(NOT_EMPTY);
   app.add_flag("--merge", given.merge, "Make one report of several JSON reports; audit nothing");
   app.add_flag("--list-findings", given.list_findings, "List all kinds of findings");
-  app.add_option("--explain", options.explained, "Explain a kind of finding")->type_name("ID");
+  app.add_option("--explain", options.explained, "Explain a kind of finding")->type_name("ID")->check(NOT_EMPTY);
 }
 
 /// @return what is wrong with the options, for people; empty if nothing is.
@@ -68,6 +86,9 @@ std::string contradiction(const Options &options, const Given &given) {
   const auto on_output = [](const std::string &path) { return path == "-" ? 1 : 0; };
   if (on_output(options.json) + on_output(options.junit) + on_output(options.html) + options.print0 > 1)
     return "standard output takes one report, or the paths of --print0";
+  const auto same = [](const std::string &a, const std::string &b) { return !a.empty() && a == b; };
+  if (same(options.json, options.junit) || same(options.json, options.html) || same(options.junit, options.html))
+    return "a file takes one report";
   if (!given.shard.empty() && !parseShard(given.shard))
     return "--shard needs I/N with I from 1 to N";
   return "";
@@ -87,11 +108,13 @@ std::optional<Options> readOptions(int argc, const char *const *argv, int &statu
   CLI::App app(DESCRIPTION, "kbsurvey");
   app.footer(FOOTER);
   try {
-    declare(app, options, given);
+    declare(app, std::max(1, argc - 1), options, given);
     app.parse(argc, argv);
   } catch (const CLI::ParseError &error) {
     const bool asked = error.get_exit_code() == 0; // help or version
     status = asked ? app.exit(error) : refuse(printable(error.what()));
+    if (!std::cout.flush())
+      status = FAILED;
     return std::nullopt;
   }
   const std::string wrong = contradiction(options, given);

@@ -60,6 +60,8 @@ int replaceFile(const std::string &path, std::string_view text) {
     note(output);
   if (output.error == 0 && std::rename(output.path.c_str(), path.c_str()) != 0)
     note(output);
+  if (output.error != 0)
+    std::remove(output.path.c_str());
   return output.error;
 }
 

@@ -77,7 +77,7 @@ Json fileRow(PageData &data, const Record &record) {
   const std::size_t slash = record.path.rfind('/');
   const std::size_t name = slash == record.path.npos ? 0 : slash + 1;
   Json row = {numberOf(data.folders, record.path.substr(0, name)), escaped(record.path.substr(name)), record.bytes,
-              record.version, record.verdict};
+              escaped(record.version), record.verdict};
   if (record.verdict == Verdict::ok && record.counts.empty())
     return row;
   Json counts = Json::array();

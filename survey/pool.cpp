@@ -7,6 +7,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
+#include <exception>
 #include <mutex>
 #include <thread>
 
@@ -64,8 +65,11 @@ void auditAll(std::vector<Input> inputs, const Run &run) {
   for (const Input &input : shared.inputs)
     shared.progress.bytes += input.bytes;
   std::jthread watcher; // stops when it is destroyed
-  if (run.show_progress)
-    watcher = std::jthread([&](const std::stop_token &stop) { watch(stop, shared); });
+  try {
+    if (run.show_progress)
+      watcher = std::jthread([&](const std::stop_token &stop) { watch(stop, shared); });
+  } catch (const std::exception &) { // no thread for it: the progress is not shown
+  }
   inParallel(std::min<std::size_t>(run.workers, shared.inputs.size()), [&] { work(shared); });
 }
 

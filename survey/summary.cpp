@@ -36,6 +36,8 @@ const KeptFinding *toldFinding(const Record &record) {
 } // namespace
 
 void count(Tally &tally, const Record &record) {
+  for (const auto &[id, number] : record.counts) // what can fail comes first
+    tally.by_finding.try_emplace(id);
   ++tally.files;
   tally.bytes += record.bytes;
   ++tally.by_verdict[static_cast<std::size_t>(record.verdict)];

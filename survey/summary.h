@@ -23,6 +23,7 @@ struct Tally {
   std::uint64_t of(Verdict verdict) const { return by_verdict[static_cast<std::size_t>(verdict)]; }
 };
 
+/// Adds a record to the totals. If there is no memory for it, the numbers are as before.
 void count(Tally &tally, const Record &record);
 
 Tally tallyOf(const std::vector<Record> &records);

@@ -7,10 +7,10 @@
 
 #include <cerrno>
 #include <chrono>
+#include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iostream>
 #include <iterator>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <unordered_map>
@@ -30,12 +30,13 @@ Status refuse(const std::string &message) {
 std::string addListed(const std::string &list, std::vector<std::string> &paths) {
   if (list.empty())
     return "";
-  std::ifstream file;
-  if (list != "-")
-    file.open(list, std::ios::binary);
-  std::istream &stream = list == "-" ? std::cin : file;
-  const std::string text{std::istreambuf_iterator<char>(stream), {}};
-  if (!stream && !stream.eof())
+  const std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(list == "-" ? stdin : std::fopen(list.c_str(), "rbe"),
+                                                              std::fclose);
+  std::string text;
+  char part[4096];
+  for (std::size_t got = 1; file && got != 0; text.append(part, got))
+    got = std::fread(part, 1, sizeof part, file.get());
+  if (!file || std::ferror(file.get()) != 0)
     return printable(list) + ": " + std::strerror(errno);
   for (std::string &path : splitList(text))
     paths.push_back(std::move(path));
@@ -49,7 +50,7 @@ using Earlier = std::unordered_map<std::string, Record>;
 
 /// A report that does not exist is an empty one, so that the first run and the next ones have the same command line.
 std::string readEarlier(const std::string &path, Earlier &earlier) {
-  if (path.empty() || ::access(path.c_str(), F_OK) != 0)
+  if (path.empty() || (::access(path.c_str(), F_OK) != 0 && errno == ENOENT))
     return "";
   Report report = readReport(path);
   for (Record &record : report.records) {

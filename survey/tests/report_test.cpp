@@ -33,13 +33,18 @@ Record hostileRecord(int number) {
                                .found = 0xffffffff,
                                .expected = 0,
                                .text = path});
-  record.counts = {{"element-size", 20}, {"<b>", 1}};
+  record.counts = {{"element-size", 20}, {"<b>", 1}, {"\xff", 1}};
   return record;
 }
 
 TEST(SurveyReport, ARecordComesBackFromItsLine) {
   const Record unreadable{.path = "x", .reason = Reason::unreadable, .detail = "it\xff"};
-  for (const Record &record : {hostileRecord(1), unreadable, Record{.path = "y", .verdict = Verdict::ok}}) {
+  const Record forged{.path = "x",
+                      .version = "\xff",
+                      .verdict = Verdict::err,
+                      .findings = {{.id = "\x1b\xff"}},
+                      .counts = {{"\x1b\xff", 1}}};
+  for (const Record &record : {hostileRecord(1), unreadable, forged, Record{.path = "y", .verdict = Verdict::ok}}) {
     const std::string line = jsonLine(record);
     EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
     const std::optional<Record> back = recordOf(line);
@@ -48,6 +53,8 @@ TEST(SurveyReport, ARecordComesBackFromItsLine) {
     EXPECT_EQ(back->detail, record.detail);
     EXPECT_EQ(back->findings.size(), record.findings.size());
     EXPECT_EQ(jsonLine(*back), line);
+    EXPECT_EQ(pageOf({*back}).find('\xff'), std::string::npos);
+    EXPECT_EQ(junitReport({*back}).find_first_of("\x1b\xff"), std::string::npos);
   }
 }
 
@@ -71,6 +78,8 @@ TEST(SurveyReport, WhatIsNoRecordIsRefused) {
       {"\"stage\":\"check\"", "\"stage\":\"chess\""},
       {"\"id\":\"element-size\"", "\"id\":\"\""},
       {"\"counts\":{", "\"counts\":{\"a\":\"b\","},
+      {"\"counts\":{", "\"counts\":{\"\\\\\":1,"},
+      {"\"element-size\":20", "\"element-size\":17"}, // fewer than findings
       {"\"findings\":[", "\"findings\":[1,"},
       {"{\"path\"", "[{\"path\""},
   };
