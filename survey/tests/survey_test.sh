@@ -54,9 +54,10 @@ same "no KOVA file" "NONE  not.kb  not a KOVA file" "$(head -n 1 out)"
 survey 2 empty
 survey 2 missing.kb
 same "missing file" "NONE  missing.kb  cannot be read: No such file or directory" "$(head -n 1 out)"
-for wrong in "" --nonsense "-j 0 good" "-j x good" "--shard 3/2 good" "--shard x good" "--merge" "--json - --html - good" \
+for wrong in "" --nonsense "-j 0 good" "-j x good" "--shard 3/2 good" "--shard 0/3 good" "--shard x good" "--merge" "--json - --html - good" \
   "--json - --print0 good" "--merge --resume x good" "--explain nothing" "--files-from missing" "--json no/folder good" \
-  "--resume bad/damaged.kb good" "--merge bad/damaged.kb" "--html no/folder good"; do
+  "--resume bad/damaged.kb good" "--merge bad/damaged.kb" "--html no/folder good" "--files-from good" "--resume bad good" \
+  "--json same --html same good"; do
   # shellcheck disable=SC2086 # several words
   survey 3 $wrong
   no_out "wrong usage ($wrong)"
@@ -64,9 +65,16 @@ for wrong in "" --nonsense "-j 0 good" "-j x good" "--shard 3/2 good" "--shard x
 done
 if [ -e /dev/full ]; then
   for report in --json --junit --html; do survey 3 "$report" /dev/full samples; done
-  # shellcheck disable=SC2016 # for the other shell
-  run 3 "full standard output" sh -c '"$1" samples >/dev/full' sh "$KBSURVEY"
+  for asked in samples --help --version --list-findings; do
+    # shellcheck disable=SC2016 # for the other shell
+    run 3 "full standard output, $asked" sh -c '"$1" "$2" >/dev/full' sh "$KBSURVEY" "$asked"
+  done
 fi
+for option in --name --files-from --json --junit --html --resume --shard --explain; do
+  run 3 "nothing for $option" "$KBSURVEY" "$option" "" good
+  no_out "nothing for $option"
+done
+run 3 "a path that is empty" "$KBSURVEY" good ""
 for asked in --version --help --list-findings "--explain tag"; do
   # shellcheck disable=SC2086 # two words
   survey 0 $asked
@@ -105,6 +113,15 @@ if [ "$(id -u)" -ne 0 ]; then
 fi
 
 # --- Hostile names ---
+
+mkdir -p 'odd/[old]' 'odd/[a,b]' 'odd/{c}' odd/-d
+for folder in odd/*; do cp samples/town.kb "$folder"; done
+cd odd
+survey 0 '[old]' '[a,b]' '{c}' -- -d
+same "odd paths" "4 files: 4 OK" "$(sed 's/,.*//' "$scratch/out")"
+survey 0 --name '[t]*' --name '[x]' '[a,b]/town.kb' '[old]'
+same "odd patterns" "2 files: 2 OK" "$(sed 's/,.*//' "$scratch/out")"
+cd ..
 
 mkdir hostile
 cd hostile
