@@ -3,6 +3,7 @@
 #include "common/text.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 
 namespace kova::survey {
@@ -52,13 +53,16 @@ bool finish(Output &output) {
 }
 
 int replaceFile(const std::string &path, std::string_view text) {
+  // Of a link, the file that it leads to is replaced.
+  const std::unique_ptr<char, void (*)(void *)> real(::realpath(path.c_str(), nullptr), std::free);
+  const std::string target = real ? real.get() : path;
   Output output;
-  openOutput(output, path + ".new");
+  openOutput(output, target + ".new");
   write(output, text);
   errno = 0;
   if (output.stream != nullptr && std::fclose(output.stream) != 0)
     note(output);
-  if (output.error == 0 && std::rename(output.path.c_str(), path.c_str()) != 0)
+  if (output.error == 0 && std::rename(output.path.c_str(), target.c_str()) != 0)
     note(output);
   if (output.error != 0)
     std::remove(output.path.c_str());

@@ -176,6 +176,10 @@ touch -d '2001-02-03 04:05:06' "$forged"
 survey 0 --resume half.json --json half.json again
 same "a file that has changed" "4" "$(wc -l <half.json)"
 survey 0 --resume new.json --json new.json again # the first run of all
+ln -s new.json link.json
+survey 0 --resume link.json --json link.json again
+[ -L link.json ] || fail "a link to a report is replaced"
+same "a report behind a link" 4 "$(wc -l <new.json)"
 
 # A run that is killed leaves whole lines, and perhaps the beginning of one; it is resumed and loses nothing.
 mkdir many
