@@ -24,18 +24,15 @@ struct Shared {
   std::vector<Input> inputs; ///< each is taken by one worker
   const Run &run;
   std::atomic<std::size_t> next = 0;
-  std::mutex mutex = {}; ///< of what follows, and of `run.take`
-  std::condition_variable_any done = {};
-  Progress progress = {};
+  std::atomic<std::uint64_t> files_done = 0, bytes_done = 0, bad = 0;
 };
 
 void auditOne(Shared &shared, Input &&input, Workspace &workspace) {
   const std::uint64_t bytes = input.bytes; // as they were added up
   Record record = audit(std::move(input), shared.run.deep, workspace);
-  const std::lock_guard lock(shared.mutex);
-  ++shared.progress.files_done;
-  shared.progress.bytes_done += bytes;
-  shared.progress.bad += record.verdict != Verdict::ok;
+  shared.bad += record.verdict != Verdict::ok;
+  shared.bytes_done += bytes;
+  ++shared.files_done;
   shared.run.take(std::move(record));
 }
 
@@ -46,12 +43,18 @@ void work(Shared &shared) {
 }
 
 /// Shows how far the workers are until it is asked to stop.
-void watch(const std::stop_token &stop, Shared &shared) {
+/// @param progress with the totals
+void watch(const std::stop_token &stop, const Shared &shared, Progress progress) {
   const auto begin = Clock::now();
-  std::unique_lock lock(shared.mutex);
-  while (!shared.done.wait_for(lock, stop, PROGRESS_INTERVAL, [&] { return stop.stop_requested(); })) {
+  std::mutex mutex;
+  std::unique_lock lock(mutex);
+  std::condition_variable_any done;
+  while (!done.wait_for(lock, stop, PROGRESS_INTERVAL, [&] { return stop.stop_requested(); })) {
+    progress.files_done = shared.files_done;
+    progress.bytes_done = shared.bytes_done;
+    progress.bad = shared.bad;
     const std::chrono::duration<double> seconds = Clock::now() - begin;
-    std::fprintf(stderr, "%s%s", CLEAR_LINE, progressText(shared.progress, seconds.count()).c_str());
+    std::fprintf(stderr, "%s%s", CLEAR_LINE, progressText(progress, seconds.count()).c_str());
     std::fflush(stderr);
   }
   std::fputs(CLEAR_LINE, stderr);
@@ -61,13 +64,13 @@ void watch(const std::stop_token &stop, Shared &shared) {
 
 void auditAll(std::vector<Input> inputs, const Run &run) {
   Shared shared{std::move(inputs), run};
-  shared.progress.files = shared.inputs.size();
+  Progress totals{.files = shared.inputs.size()};
   for (const Input &input : shared.inputs)
-    shared.progress.bytes += input.bytes;
+    totals.bytes += input.bytes;
   std::jthread watcher; // stops when it is destroyed
   try {
     if (run.show_progress)
-      watcher = std::jthread([&](const std::stop_token &stop) { watch(stop, shared); });
+      watcher = std::jthread([&](const std::stop_token &stop) { watch(stop, shared, totals); });
   } catch (const std::exception &) { // no thread for it: the progress is not shown
   }
   inParallel(std::min<std::size_t>(run.workers, shared.inputs.size()), [&] { work(shared); });

@@ -13,7 +13,7 @@ struct Run {
   unsigned workers = 1;
   bool deep = false;
   bool show_progress = false;                  ///< on standard error
-  std::function<void(Record &&record)> take{}; ///< called for one record at a time, in any order; must not throw
+  std::function<void(Record &&record)> take{}; ///< called in any order, by several threads at once; must not throw
 };
 
 /// Audits the files, each once, and hands on their records.

@@ -20,6 +20,27 @@ template <class Element> void makeRoom(std::vector<Element> &list) {
     list.reserve(2 * list.size() + 16);
 }
 
+/// Counts and keeps a record, and writes its line. If there is no memory for it, nothing is done.
+/// @param line for the JSON report; empty if it is not to be written
+void keepAndWrite(Results &results, Record &&record, const std::string &line) {
+  BadFile bad;
+  if (record.verdict != Verdict::ok)
+    bad = {record.path, results.print0 ? "" : badLine(record)};
+  const bool all = results.junit.stream != nullptr || results.html.stream != nullptr;
+  const std::lock_guard lock(results.mutex);
+  makeRoom(results.bad); // what can fail comes first
+  makeRoom(results.records);
+  count(results.tally, record);
+  if (record.verdict != Verdict::ok)
+    results.bad.push_back(std::move(bad));
+  if (all)
+    results.records.push_back(std::move(record));
+  if (line.empty())
+    return;
+  write(results.json, line);
+  flush(results.json);
+}
+
 void printResults(Results &results, std::optional<double> seconds) {
   for (const BadFile &file : results.bad)
     if (results.print0)
@@ -56,30 +77,16 @@ bool openResults(Results &results, const Options &options, Opening json) {
   return ok;
 }
 
-void keepResult(Results &results, Record &&record) {
-  BadFile bad;
-  if (record.verdict != Verdict::ok)
-    bad = {record.path, results.print0 ? "" : badLine(record)};
-  const bool all = results.junit.stream != nullptr || results.html.stream != nullptr;
-  makeRoom(results.bad); // what can fail comes first
-  makeRoom(results.records);
-  count(results.tally, record);
-  if (record.verdict != Verdict::ok)
-    results.bad.push_back(std::move(bad));
-  if (all)
-    results.records.push_back(std::move(record));
-}
+void keepResult(Results &results, Record &&record) { keepAndWrite(results, std::move(record), ""); }
 
 void take(Results &results, Record &&record) {
-  // Another worker may have all the memory for a while. What was found in this file is given up for it.
+  // Other workers may have all the memory for a while. What was found in this file is given up for it.
   constexpr int TRIES = 500;
   constexpr std::chrono::milliseconds PAUSE(10);
   for (int i = 0; i < TRIES; ++i) {
     try {
       const std::string line = results.json.stream != nullptr ? jsonLine(record) : std::string();
-      keepResult(results, std::move(record));
-      write(results.json, line);
-      flush(results.json);
+      keepAndWrite(results, std::move(record), line);
       return;
     } catch (const std::exception &) {
       record.findings = {};
@@ -91,6 +98,7 @@ void take(Results &results, Record &&record) {
       std::this_thread::sleep_for(PAUSE);
     }
   }
+  const std::lock_guard lock(results.mutex);
   ++results.lost;
 }
 

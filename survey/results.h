@@ -5,6 +5,8 @@
 #include "survey/output.h"
 #include "survey/summary.h"
 
+#include <mutex>
+
 namespace kova::survey {
 
 /// A file that is not OK, with its line.
@@ -14,6 +16,7 @@ struct BadFile {
 };
 
 struct Results {
+  std::mutex mutex = {}; ///< of the JSON report and of what is kept, while there are several threads
   Output json, junit, html, print;
   bool print0 = false;
   Tally tally = {};
@@ -25,10 +28,10 @@ struct Results {
 /// Opens the outputs that were asked for. @return whether all could be opened; a failure is told.
 bool openResults(Results &results, const Options &options, Opening json);
 
-/// Counts a record, and keeps of it what is needed in the end.
+/// Counts a record, and keeps of it what is needed in the end. Several threads may call this at once.
 void keepResult(Results &results, Record &&record);
 
-/// Writes a record to the JSON report, and keeps it as above. Does not throw.
+/// Writes a record to the JSON report, and keeps it as above. Several threads may call this at once. Does not throw.
 void take(Results &results, Record &&record);
 
 /// Writes the reports and prints the lines and the summary. @return the exit status.
