@@ -75,6 +75,12 @@ for option in --name --files-from --json --junit --html --resume --shard --expla
   no_out "nothing for $option"
 done
 run 3 "a path that is empty" "$KBSURVEY" good ""
+mkdir closed_out
+for i in $(seq 200); do cp bad/version.kb "closed_out/$i.kb"; done
+# shellcheck disable=SC2016 # for the other shell
+run 3 "closed standard output" sh -c '"$1" --json closed.json closed_out >&-' sh "$KBSURVEY"
+same "a report while standard output is closed" 200 "$(grep -c '^{.*}$' closed.json)"
+same "what else it has" 0 "$(grep -vc '^{.*}$' closed.json)"
 for asked in --version --help --list-findings "--explain tag"; do
   # shellcheck disable=SC2086 # two words
   survey 0 $asked
