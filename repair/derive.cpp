@@ -97,14 +97,18 @@ void Deriver::leave(const Spot &spot, std::uint64_t end, int depth) {
     return;
   if (kind.tag != 0)
     set(spot.begin, kind.tag_name, kind.tag, "the place of the record");
-  if (kind.size_at != NO_WORD) {
-    const auto size = static_cast<Word>(end - spot.begin);
-    if (kind.size_checked)
-      set(spot.begin + kind.size_at, kind.size_name, size, BY_PARTS);
-    else
-      expect(kind, kind.size_name, spot.begin + kind.size_at, kind.size_name, size, BY_PARTS);
-  }
-  if (kind.index_at != NO_WORD)
+  const auto size = static_cast<Word>(end - spot.begin);
+  const bool has_size = kind.size_at != NO_WORD;
+  const bool has_index = kind.index_at != NO_WORD;
+  if (has_size && kind.size_checked)
+    set(spot.begin + kind.size_at, kind.size_name, size, BY_PARTS);
+  // A record with no word as expected may be none.
+  if (has_size && has_index && image[spot.begin + kind.size_at] != size &&
+      image[spot.begin + kind.index_at] != spot.number)
+    return;
+  if (has_size && !kind.size_checked)
+    expect(kind, kind.size_name, spot.begin + kind.size_at, kind.size_name, size, BY_PARTS);
+  if (has_index)
     expect(kind, kind.index_name, spot.begin + kind.index_at, kind.index_name, spot.number, BY_POSITION);
 }
 

@@ -52,10 +52,33 @@ bool changesStructure(const Reading &reading) {
   return reading.has_rival;
 }
 
+/// @return what of the file has no reading, for people; empty if all has.
+std::string unsolvedPart(const Reading &reading) {
+  std::string text;
+  for (const Claim *claim = reading.claims; claim != nullptr; claim = claim->before)
+    if (claim->sort == Claim::Sort::unsolved)
+      text = std::string("nothing explains where ") + LISTS[claim->list].name +
+             (claim->element ? '[' + std::to_string(*claim->element) + ']' : "") + " ends";
+  return text;
+}
+
 Result hopeless(std::string reason) { return {.outcome = Outcome::hopeless, .reason = std::move(reason)}; }
+
+/// @return how long the file is by its header and the sizes of its lists.
+std::uint64_t lengthByLists(const Image &image) {
+  std::uint64_t length = image[12];
+  for (std::size_t list = 0; list < (hasVersion2Lists(image) ? LIST_NUM : VERSION_1_LIST_NUM); ++list) {
+    const std::uint64_t word = sizeWordOffset(list);
+    length += word + sizeof(Word) <= image.size() ? image[word] : 0;
+  }
+  return length;
+}
 
 /// Mends a file whose lists are all there.
 Result mendWhole(const std::vector<unsigned char> &bytes, const Image &image) {
+  const std::uint64_t stated = image[4];
+  if (stated > image.size() && stated == lengthByLists(image))
+    return hopeless("it is cut: " + std::to_string(image.size()) + " of " + std::to_string(stated) + " bytes are left");
   Reader reader(image, (image[0] & 0xffff) == VERSION_2);
   const std::optional<Reading> reading = reader.readFile();
   if (!reading)
@@ -83,7 +106,9 @@ Result mendWhole(const std::vector<unsigned char> &bytes, const Image &image) {
   const Audit audit = auditBytes(bytes);
   if (!audit.ok) {
     result.outcome = Outcome::hopeless;
-    result.reason = withoutLineEnd(audit.first);
+    result.reason = unsolvedPart(*reading);
+    if (result.reason.empty())
+      result.reason = withoutLineEnd(audit.first);
   } else if (!result.changes.empty()) {
     result.outcome = Outcome::mended;
   }

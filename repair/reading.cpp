@@ -328,7 +328,7 @@ void Reader::readListAt(const Reading &before, std::size_t list, Readings &readi
       readOtherNumbers(list, inside, ends);
   }
   const Word best = ends.empty() ? ~Word{0} : ends.front().cost - before.cost;
-  if (best > cost::UNSOLVED) { // what the list's sizes say holds, whatever is inside
+  if (best >= cost::WORD) { // what the list's sizes say may hold, whatever is inside
     for (const Word size : {image[begin + 8], declared(list)}) {
       if (size < SCENE.fixed / 2 || begin + size > image.size())
         continue;

@@ -42,7 +42,8 @@ struct Reading {
 namespace cost {
 inline constexpr Word WORD = 16; ///< a word that follows from others is wrong
 inline constexpr Word MOST_DOUBTS = 3;
-inline constexpr Word UNSOLVED = 128;  ///< an element or a list has no reading
+inline constexpr Word UNSOLVED = 128; ///< an element has no reading
+inline constexpr Word UNSOLVED_LIST = 4 * UNSOLVED;
 inline constexpr Word SWALLOWED = 512; ///< a block takes in what looks like an element
 } // namespace cost
 

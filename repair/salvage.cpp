@@ -137,7 +137,9 @@ bool CutRecord::keepPieces(std::uint64_t end) {
 bool CutRecord::keepPiece(Piece &piece) {
   std::uint64_t keep = 0;
   std::uint64_t keep_end = piece.begin;
-  if (!cut_before_blocks && piece.begin <= image.size()) {
+  if (!cut_before_blocks) {
+    if (piece.begin > image.size()) // something before it that is no piece is cut
+      return false;
     keep = std::min(piece.number, piece.bytes != 0 ? (image.size() - piece.begin) / piece.bytes : piece.number);
     keep_end += keep * piece.bytes;
     if (piece.bytes == 0) {

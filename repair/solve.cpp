@@ -68,8 +68,9 @@ void Reader::solveCounts(const Spot &spot, std::uint64_t end, Proposals &proposa
     } else if (site.unit == 0) {
       tryWord(spot, end, site, 0, proposals);
     } else if (lacking != 0) {
-      growSite(spot, end, site, site.value, lacking, proposals);
-      growSite(spot, end, site, static_cast<Index>(site.value), lacking, proposals);
+      const Word parts = site.unit == 2 ? ~Word{1} : ~Word{0}; // colours stand two to a word
+      growSite(spot, end, site, site.value & parts, lacking, proposals);
+      growSite(spot, end, site, static_cast<Index>(site.value & parts), lacking, proposals);
       if (site.records != nullptr)
         solveRecords(spot, end, site, found.series_of, proposals);
       else if (walk.broken || !found.series_of.empty())
