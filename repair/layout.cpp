@@ -235,10 +235,12 @@ Word sized(Walk &walk, Word size_at, const char *size_name, Word header_at, cons
   return size - header;
 }
 
+/// (The sizes of its blocks say only how much of it are texels.)
 void teximg(Walk &walk) {
-  const Word blocks = walk.word(16) + walk.word(20);
-  walk.pass(sized(walk, 12, "tex_img_size", 8, "tex_img_header_size", 24) - blocks);
-  walk.blocks();
+  const Word maker = walk.word(16);
+  const Word user = walk.word(20);
+  walk.pass(sized(walk, 12, "tex_img_size", 8, "tex_img_header_size", 24) - maker - user);
+  walk.passBlocks(maker, user);
 }
 
 void teximgMaker(Walk &walk) {

@@ -86,10 +86,12 @@ Result mendWhole(const std::vector<unsigned char> &bytes, const Image &image) {
   // What the audit accepts has no other structure than the one that it sees.
   if (changesStructure(*reading) && auditBytes(bytes).ok)
     return {};
-  if (reading->has_rival)
-    return {.outcome = Outcome::ambiguous,
-            .changes = changesOf(image, reading->claims),
-            .alternative = changesOf(image, reading->rival)};
+  if (reading->has_rival) {
+    std::vector<Change> changes = changesOf(image, reading->claims);
+    std::vector<Change> alternative = changesOf(image, reading->rival);
+    if (changes != alternative)
+      return {.outcome = Outcome::ambiguous, .changes = std::move(changes), .alternative = std::move(alternative)};
+  }
   Applied applied = applyReading(image, *reading);
   Result result = {.changes = std::move(applied.changes)};
   if (applied.checked_words) {

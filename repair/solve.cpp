@@ -163,12 +163,12 @@ Reader::Proposals Reader::solve(const Spot &spot, std::uint64_t end) {
 
 /// Keeps the proposals of the least cost, each once.
 void Reader::keepBest(Proposals &proposals) {
-  // Whole records are not likely to be the content of a block.
+  // Whole records are not likely to be anything else.
   const bool records = std::any_of(proposals.begin(), proposals.end(), [](const Proposal &proposal) {
     return proposal.changes && proposal.site.records != nullptr && proposal.value > 0 && proposal.doubts == 0;
   });
   for (Proposal &proposal : proposals)
-    proposal.doubts += records && proposal.changes && proposal.site.block;
+    proposal.doubts += records && proposal.changes && proposal.site.records == nullptr;
   const auto less = [](const Proposal &a, const Proposal &b) {
     return a.cost != b.cost ? a.cost < b.cost : a.doubts < b.doubts;
   };
