@@ -98,8 +98,6 @@ void Walk::lookIntoMakerBlock(Word bytes) {
   const std::uint64_t taken = position - begin;
   faults += taken - maker_not_counted > bytes;
   maker_spare = static_cast<std::int64_t>(bytes) - static_cast<std::int64_t>(taken);
-  if (taken != bytes)
-    doubt();
   maker_end = 0;
   outer = around;
   base = record;
