@@ -490,6 +490,13 @@ constexpr Kind element(const char *name, Word tag, const ElementWords &words, vo
           .links = links};
 }
 
+/// An element at which the audit does not look.
+constexpr Kind unchecked(Kind kind) {
+  kind.index_checked = false;
+  kind.size_checked = false;
+  return kind;
+}
+
 /// An element of a version-2 list.
 constexpr Kind element2(const char *name, Word tag, std::uint16_t fixed, std::uint16_t blocks_at,
                         void (*content)(Walk &), std::span<const Link> links) {
@@ -553,7 +560,8 @@ const Kind COLL_GROUP =
             collGroup, NAME_AT_16);
 const Kind SWITCH =
     element("Switch", 0x130100, {36, 8, 28, "switch_tag", "this_switch_index", "switch_size"}, switch_, {});
-const Kind NAME = element("Name", 0x110100, {16, 12, NO_WORD, "name_tag", "this_name_index", "name_size"}, name, {});
+const Kind NAME =
+    unchecked(element("Name", 0x110100, {16, 12, NO_WORD, "name_tag", "this_name_index", "name_size"}, name, {}));
 const Kind EXTERNAL_NAME =
     element("ExternalName", 0x270100, {16, 12, NO_WORD, "name_tag", "this_name_index", "name_size"}, name, {});
 const Kind CI_IMG = element2("CiImg", 0x200100, 84, 76, ciImg, NAME_AT_12);

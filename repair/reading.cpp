@@ -10,7 +10,7 @@ namespace {
 
 /// More readings than these are never followed at a time: a true one does not fall so far behind.
 constexpr std::size_t MOST_READINGS = 6;
-constexpr Word MOST_BEHIND = 192;
+constexpr Word MOST_BEHIND = 12; // words
 
 /// How often a list may be searched through, and how many bytes in any case.
 constexpr std::uint64_t LIST_SCANS = 16;
@@ -52,14 +52,18 @@ const Claim *Reader::claim(const Claim &made, const Claim *before) {
   return &claims.back();
 }
 
+bool Reader::isBetter(const Reading &a, const Reading &b) {
+  return a.cost != b.cost ? a.cost < b.cost : a.doubts < b.doubts;
+}
+
 /// Adds a reading; of two that come to the same place the better one stays.
 void Reader::add(Readings &readings, const Reading &reading) const {
   for (Reading &other : readings) {
     if (other.at != reading.at)
       continue;
-    if (reading.cost < other.cost)
+    if (isBetter(reading, other))
       other = reading;
-    else if (reading.cost == other.cost && !other.has_rival && !sameClaims(reading.claims, other.claims)) {
+    else if (!isBetter(other, reading) && !other.has_rival && !sameClaims(reading.claims, other.claims)) {
       other.rival = reading.claims;
       other.has_rival = true;
     }
@@ -72,8 +76,7 @@ void Reader::add(Readings &readings, const Reading &reading) const {
 void Reader::prune(Readings &readings) const {
   if (readings.size() < 2)
     return;
-  std::stable_sort(readings.begin(), readings.end(),
-                   [](const Reading &a, const Reading &b) { return a.cost < b.cost; });
+  std::stable_sort(readings.begin(), readings.end(), isBetter);
   const Word best = readings.front().cost;
   std::erase_if(readings, [&](const Reading &reading) { return reading.cost > best + MOST_BEHIND; });
   if (readings.size() > MOST_READINGS)
@@ -116,10 +119,11 @@ void Reader::readElementTo(std::size_t list, const Spot &spot, const Reading &be
   reading.at = end;
   const std::uint64_t size_word = spot.begin + spot.kind->size_at;
   for (const Proposal &proposal : proposals) {
-    reading.cost = before.cost + cost + proposal.cost + std::min(proposal.doubts, cost::MOST_DOUBTS);
+    reading.cost = before.cost + cost + proposal.cost;
+    reading.doubts = before.doubts + proposal.doubts;
     reading.claims = before.claims;
     if (!own_size && !(proposal.changes && proposal.site.offset == size_word))
-      reading.cost += cost::WORD;
+      ++reading.cost;
     if (proposal.changes)
       reading.claims = claim({.begin = proposal.site.offset,
                               .list = list,
@@ -133,6 +137,7 @@ void Reader::readElementTo(std::size_t list, const Spot &spot, const Reading &be
   }
   if (proposals.empty() && believed) {
     reading.cost = before.cost + cost + cost::UNSOLVED;
+    reading.doubts = before.doubts;
     reading.claims =
         claim({.sort = Claim::Sort::unsolved, .begin = spot.begin, .end = end, .list = list, .element = spot.number},
               before.claims);
@@ -151,12 +156,12 @@ void Reader::readElement(std::size_t list, const Kind &kind, const Reading &befo
   const Walk walk = measure(spot, by_words);
   const std::uint64_t by_size = begin + image[begin + kind.size_at];
   const std::uint64_t by_table = begin + table_size;
-  const Word cost =
-      (isElementTag(kind, image[begin]) ? 0 : cost::WORD) + (image[begin + kind.index_at] == number ? 0 : cost::WORD);
+  const Word cost = Word{!isElementTag(kind, image[begin])} + Word{image[begin + kind.index_at] != number};
   if (by_words == by_size && by_size == by_table && !walk.broken && walk.faults == 0) {
     Reading reading = before;
     reading.at = by_words;
-    reading.cost += cost + std::min(walk.doubts, cost::MOST_DOUBTS);
+    reading.cost += cost;
+    reading.doubts += walk.doubts;
     return add(readings, reading);
   }
   std::vector<std::uint64_t> ends;
@@ -168,17 +173,19 @@ void Reader::readElement(std::size_t list, const Kind &kind, const Reading &befo
     addEnd(ends, find(begin + kind.fixed, list_end, kind.tag, number + 1));
   for (const std::uint64_t end : ends)
     if (end >= begin + kind.fixed && end <= image.size())
-      readElementTo(list, spot, before, end, cost + (end == by_table ? 0 : cost::WORD), end == by_size,
+      readElementTo(list, spot, before, end, cost + Word{end != by_table}, end == by_size,
                     end == by_size && end == by_table, readings);
 }
 
+/// Reads elements, in all ways that cost no more than `most_cost`.
 Reader::Readings Reader::readElements(std::size_t list, const Kind &kind, Readings before, std::uint64_t table,
-                                      Word number) {
+                                      Word number, Word most_cost) {
   for (Word i = 0; i < number && !before.empty(); ++i) {
     const Word table_size = image[table + std::uint64_t{i} * sizeof(Word)];
     Readings after;
     for (const Reading &reading : before)
       readElement(list, kind, reading, i, table_size, after);
+    std::erase_if(after, [&](const Reading &reading) { return reading.cost > most_cost; });
     prune(after);
     before = std::move(after);
   }
@@ -203,7 +210,7 @@ void Reader::closeList(std::size_t list, std::uint64_t begin, const Reading &inn
       continue;
     Reading reading = inner;
     reading.at = end;
-    reading.cost += (end == by_size ? 0 : cost::WORD) + (end == by_header ? 0 : cost::WORD);
+    reading.cost += Word{end != by_size} + Word{end != by_header};
     for (Reading &closed : closeBlocks(list, sizes_at, inner.at, reading)) {
       if (closed.claims != inner.claims && find(inner.at, end, LAYOUT[list].first->tag, std::nullopt) != 0)
         closed.cost += cost::SWALLOWED;
@@ -225,7 +232,7 @@ Reader::Readings Reader::closeBlocks(std::size_t list, std::uint64_t sizes_at, s
     if (room < sizes[1 - i] || room % 4 != 0 || sizes[1 - i] % 4 != 0)
       continue;
     Reading changed = reading;
-    changed.cost += cost::WORD;
+    ++changed.cost;
     changed.claims = claim({.begin = sizes_at + 4 * i,
                             .list = list,
                             .field = i == 0 ? "van_ext_blk_size" : "usr_ext_blk_size",
@@ -247,9 +254,11 @@ void Reader::readNumbered(std::size_t list, const Reading &before, Word first, W
   reading.at = second_table + std::uint64_t{second} * sizeof(Word);
   if (reading.at > image.size())
     return;
-  Readings inner = readElements(list, *layout.first, {reading}, table, first);
+  // What costs more than a list that nothing explains is not worth the memory.
+  const Word most_cost = before.cost + cost::UNSOLVED_LIST + MOST_BEHIND;
+  Readings inner = readElements(list, *layout.first, {reading}, table, first, most_cost);
   if (layout.second != nullptr)
-    inner = readElements(list, *layout.second, std::move(inner), second_table, second);
+    inner = readElements(list, *layout.second, std::move(inner), second_table, second, most_cost);
   for (const Reading &read : inner)
     closeList(list, begin, read, readings);
   prune(readings);
@@ -267,7 +276,7 @@ void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings 
       return;
     const bool is_first = new_first != first;
     Reading reading = before;
-    reading.cost += cost::WORD;
+    ++reading.cost;
     reading.claims = claim({.begin = begin + (is_first ? 12 : 16),
                             .list = list,
                             .field = is_first ? layout.count_name : layout.second_count_name,
@@ -308,7 +317,22 @@ void Reader::readScene(const Reading &before, Readings &readings) {
   addEnd(ends, by_header);
   for (const std::uint64_t end : ends)
     if (end >= begin + SCENE.fixed && end <= image.size())
-      readElementTo(SCENE_LIST, spot, before, end, end == by_header ? 0 : cost::WORD, end == by_size, false, readings);
+      readElementTo(SCENE_LIST, spot, before, end, Word{end != by_header}, end == by_size, false, readings);
+}
+
+/// Passes a list without looking into it.
+void Reader::passList(std::size_t list, const Reading &before, Readings &readings) {
+  const std::uint64_t begin = before.at;
+  for (const Word size : {image[begin + 8], declared(list)}) {
+    if (size < LAYOUT[list].headBytes() || begin + size > image.size())
+      continue;
+    Reading reading = before;
+    reading.at = begin + size;
+    reading.cost += cost::UNSOLVED_LIST + Word{size != image[begin + 8]} + Word{size != declared(list)};
+    reading.claims =
+        claim({.sort = Claim::Sort::unsolved, .begin = begin, .end = reading.at, .list = list}, before.claims);
+    add(readings, reading);
+  }
 }
 
 /// Reads a list that is there.
@@ -317,30 +341,18 @@ void Reader::readListAt(const Reading &before, std::size_t list, Readings &readi
   list_end = std::min(image.size(), begin + std::max(image[begin + 8], declared(list)));
   list_scan_left = LIST_SCANS * (list_end - begin) + LIST_SCAN_BYTES;
   Reading inside = before;
-  inside.cost += isListTag(list, image[begin]) ? 0 : cost::WORD;
+  inside.cost += Word{!isListTag(list, image[begin])};
   Readings ends;
   if (LAYOUT[list].first == nullptr) {
     readScene(inside, ends);
   } else {
     const Word second = LAYOUT[list].second != nullptr ? image[begin + 16] : 0;
     readNumbered(list, inside, image[begin + 12], second, ends);
-    if (ends.empty() || ends.front().cost >= inside.cost + cost::WORD)
+    if (ends.empty() || ends.front().cost > inside.cost)
       readOtherNumbers(list, inside, ends);
   }
-  const Word best = ends.empty() ? ~Word{0} : ends.front().cost - before.cost;
-  if (best >= cost::WORD) { // what the list's sizes say may hold, whatever is inside
-    for (const Word size : {image[begin + 8], declared(list)}) {
-      if (size < SCENE.fixed / 2 || begin + size > image.size())
-        continue;
-      Reading unsolved = inside;
-      unsolved.at = begin + size;
-      unsolved.cost +=
-          cost::UNSOLVED + (size == image[begin + 8] ? 0 : cost::WORD) + (size == declared(list) ? 0 : cost::WORD);
-      unsolved.claims =
-          claim({.sort = Claim::Sort::unsolved, .begin = begin, .end = unsolved.at, .list = list}, inside.claims);
-      add(ends, unsolved);
-    }
-  }
+  if (ends.empty() || ends.front().cost > before.cost) // what its sizes say may hold, whatever is inside
+    passList(list, inside, ends);
   prune(ends);
   for (Reading &end : ends) {
     end.claims = claim({.sort = Claim::Sort::list, .begin = begin, .end = end.at, .list = list}, end.claims);
@@ -360,7 +372,7 @@ void Reader::readList(std::size_t list, const Reading &before, Readings &reading
   const bool is_cut_off = is_declared && before.at == image.size() && image[4] > image.size();
   if (!has_tag && !is_cut_off) {
     Reading absent = before;
-    absent.cost += is_declared ? cost::WORD : 0;
+    absent.cost += Word{is_declared};
     add(readings, absent);
   }
 }
@@ -381,7 +393,7 @@ void Reader::readHeader(Readings &readings) {
   for (const std::uint64_t end : ends)
     if (end >= FILE_HEADER_BYTES && end <= image.size())
       for (const Reading &closed :
-           closeBlocks(LIST_NUM, BLOCKS, FILE_HEADER_BYTES, {.at = end, .cost = end == by_size ? 0 : cost::WORD}))
+           closeBlocks(LIST_NUM, BLOCKS, FILE_HEADER_BYTES, {.at = end, .cost = Word{end != by_size}}))
         readings.push_back(closed);
 }
 

@@ -31,20 +31,19 @@ struct Claim {
 /// A reading of the file up to a place.
 struct Reading {
   std::uint64_t at = 0;
-  Word cost = 0;
+  Word cost = 0;   ///< words that would have to be changed
+  Word doubts = 0; ///< what is unusual; tells apart readings of the same cost
   const Claim *claims = nullptr;
   const Claim *rival = nullptr; ///< those of another reading that is as good; null: there is none
   bool has_rival = false;
 };
 
-/// How much speaks against a reading, so that a word that would have to be changed counts more than any number of
-/// doubts about one record, and a part that nothing explains more than several words.
+/// What counts like so many wrong words.
 namespace cost {
-inline constexpr Word WORD = 16; ///< a word that follows from others is wrong
-inline constexpr Word MOST_DOUBTS = 3;
-inline constexpr Word UNSOLVED = 128; ///< an element has no reading
-inline constexpr Word UNSOLVED_LIST = 4 * UNSOLVED;
-inline constexpr Word SWALLOWED = 512; ///< a block takes in what looks like an element
+inline constexpr Word FAULT = 2;    ///< what the audit does not accept, inside of a record
+inline constexpr Word UNSOLVED = 8; ///< an element that nothing explains
+inline constexpr Word UNSOLVED_LIST = 32;
+inline constexpr Word SWALLOWED = 32; ///< a block that takes in what looks like an element
 } // namespace cost
 
 /// Reads a file in all ways that are worth it.
@@ -65,14 +64,15 @@ private:
 
   /// What can be made of a record that is to end at a given place.
   struct Proposal {
-    Word cost;   ///< of words
-    Word doubts; ///< tell apart what costs the same
+    Word cost;
+    Word doubts;
     bool changes;
     Site site;
     Word value;
   };
   using Proposals = std::vector<Proposal>;
 
+  static bool isBetter(const Reading &a, const Reading &b);
   const Claim *claim(const Claim &made, const Claim *before);
   void add(Readings &readings, const Reading &reading) const;
   void prune(Readings &readings) const;
@@ -97,12 +97,14 @@ private:
                    Readings &readings);
   void readElementTo(std::size_t list, const Spot &spot, const Reading &before, std::uint64_t end, Word cost,
                      bool own_size, bool believed, Readings &readings);
-  Readings readElements(std::size_t list, const Kind &kind, Readings before, std::uint64_t table, Word number);
+  Readings readElements(std::size_t list, const Kind &kind, Readings before, std::uint64_t table, Word number,
+                        Word most_cost);
   void readNumbered(std::size_t list, const Reading &before, Word first, Word second, Readings &readings);
   void readOtherNumbers(std::size_t list, const Reading &before, Readings &readings);
   void closeList(std::size_t list, std::uint64_t begin, const Reading &inner, Readings &readings);
   Readings closeBlocks(std::size_t list, std::uint64_t sizes_at, std::uint64_t begin, const Reading &reading);
   void readScene(const Reading &before, Readings &readings);
+  void passList(std::size_t list, const Reading &before, Readings &readings);
   void readListAt(const Reading &before, std::size_t list, Readings &readings);
   void readList(std::size_t list, const Reading &before, Readings &readings);
   void readHeader(Readings &readings);

@@ -379,7 +379,13 @@ void Salvage::cutList(std::size_t list, std::uint64_t begin) {
     written.set(head + 16, static_cast<Word>(second_left));
   written.set(head + layout.blocksAt(), kept_maker);
   written.set(head + layout.blocksAt() + 4, kept_user);
-  bytes.resize(bytes.size() + static_cast<std::size_t>(first_left + second_left) * sizeof(Word)); // derived later
+  const std::uint64_t tables[] = {table, table + std::uint64_t{first} * sizeof(Word)};
+  const std::uint64_t numbers[] = {first, second};
+  const std::uint64_t left_of[] = {first_left, second_left};
+  for (const std::size_t i : {0, 1}) { // an entry that is not right will follow from its element
+    for (std::uint64_t entry = 0; entry < left_of[i]; ++entry)
+      appendWords(bytes, {entry < numbers[i] ? image[tables[i] + entry * sizeof(Word)] : 0});
+  }
   bytes.insert(bytes.end(), elements.begin(), elements.end());
   append(bytes, image, at, at + kept_maker);
   if (kept_user != 0)

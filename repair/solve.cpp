@@ -47,7 +47,7 @@ void Reader::tryWord(const Spot &spot, std::uint64_t end, const Site &site, Word
   image.set(site.offset, old);
   if (walk.broken || ends_at != end)
     return;
-  proposals.push_back({cost::WORD + walk.faults * cost::WORD, walk.doubts, true, site, value});
+  proposals.push_back({1 + walk.faults, walk.doubts, true, site, value});
 }
 
 /// Proposes values for the words of the record itself.
@@ -149,7 +149,7 @@ Reader::Proposals Reader::solve(const Spot &spot, std::uint64_t end) {
   std::uint64_t ends_at = 0;
   const Walk walk = measure(spot, ends_at);
   if (!walk.broken && ends_at == end)
-    proposals.push_back({walk.faults * 2 * cost::WORD, walk.doubts, false, {}, 0});
+    proposals.push_back({walk.faults * cost::FAULT, walk.doubts, false, {}, 0});
   if (proposals.empty() || walk.faults != 0)
     solveCounts(spot, end, proposals);
   if (ends_at != end) {
