@@ -10,7 +10,7 @@ namespace {
 
 /// More readings than these are never followed at a time: a true one does not fall so far behind.
 constexpr std::size_t MOST_READINGS = 6;
-constexpr Word MOST_BEHIND = 12; // words
+constexpr Word MOST_BEHIND = cost::UNSOLVED_LIST + 8;
 
 /// How often a list may be searched through, and how many bytes in any case.
 constexpr std::uint64_t LIST_SCANS = 16;
@@ -372,7 +372,7 @@ void Reader::readList(std::size_t list, const Reading &before, Readings &reading
   const bool is_cut_off = is_declared && before.at == image.size() && image[4] > image.size();
   if (!has_tag && !is_cut_off) {
     Reading absent = before;
-    absent.cost += Word{is_declared};
+    absent.cost += is_declared ? cost::ABSENT : 0;
     add(readings, absent);
   }
 }

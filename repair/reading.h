@@ -43,6 +43,7 @@ namespace cost {
 inline constexpr Word FAULT = 2;    ///< what the audit does not accept, inside of a record
 inline constexpr Word UNSOLVED = 8; ///< an element that nothing explains
 inline constexpr Word UNSOLVED_LIST = 32;
+inline constexpr Word ABSENT = 4;     ///< a list that the header has and the file has not
 inline constexpr Word SWALLOWED = 32; ///< a block that takes in what looks like an element
 } // namespace cost
 
