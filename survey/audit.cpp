@@ -2,6 +2,7 @@
 
 #include "common/file.h"
 #include "kova/check.h"
+#include "repair/mend.h"
 #include "survey/deep.h"
 
 #include <cerrno>
@@ -83,16 +84,45 @@ void judge(const Descriptor &file, Record &record, Workspace &workspace) {
   record.verdict = ok != 0 ? Verdict::ok : Verdict::err;
 }
 
-/// Opens a file and judges it. Only a regular file is read.
-void openAndJudge(Record &record, Workspace &workspace) {
-  const Descriptor file = openToRead(record.path.c_str());
-  struct stat status;
-  if (file.number < 0 || ::fstat(file.number, &status) != 0)
-    return refuse(record, Reason::unreadable, std::strerror(errno));
-  if (!S_ISREG(status.st_mode))
-    return refuse(record, Reason::unreadable, "not a regular file");
-  record.bytes = static_cast<std::uint64_t>(status.st_size);
-  record.modified = timeText(status.st_mtim);
+/// Finds out whether kbrepair could mend a file that was judged. The model of the audit is gone: beside the bytes of
+/// the file there is one model at a time.
+Repair repairOf(const Descriptor &file, Record &record, const Workspace &workspace) {
+  std::vector<unsigned char> bytes;
+  if (record.bytes > bytes.max_size())
+    return Repair::unknown;
+  const auto size = static_cast<std::size_t>(record.bytes);
+  if (record.bytes <= SMALL_FILE)
+    bytes.assign(workspace.bytes.get(), workspace.bytes.get() + size); // as they were loaded
+  else if (bytes.resize(size); readWhole(file, size, bytes.data()) != nullptr)
+    return Repair::unknown;
+  // Also with the salvage, a file is mended without a loss if it can be.
+  const repair::Result result = repair::mend(bytes, true);
+  switch (result.outcome) {
+  case repair::Outcome::good: // it has changed
+    return Repair::unknown;
+  case repair::Outcome::mended:
+    record.repair_words = result.changes.size();
+    return Repair::mended;
+  case repair::Outcome::salvaged:
+    return Repair::salvaged;
+  case repair::Outcome::ambiguous:
+  case repair::Outcome::hopeless:
+    return Repair::no;
+  }
+  return Repair::no;
+}
+
+/// Answers whether the file can be mended. If there is no memory for that, only this answer is lost.
+void answerRepair(const Descriptor &file, Record &record, const Workspace &workspace) {
+  try {
+    record.repair = needsRepair(record) ? repairOf(file, record, workspace) : Repair::needless;
+  } catch (const std::exception &) {
+    record.repair = Repair::unknown;
+  }
+}
+
+/// Judges a file, and keeps what is found.
+void judgeAndKeep(const Descriptor &file, Record &record, Workspace &workspace) {
   bool lost = false; // no memory for what was found
   const FindingReceiver receiver([&](const Finding &finding) {
     try {
@@ -106,6 +136,21 @@ void openAndJudge(Record &record, Workspace &workspace) {
     refuse(record, Reason::no_memory, "");
 }
 
+/// Opens a file, judges it and answers what was asked. Only a regular file is read.
+void openAndJudge(Record &record, Workspace &workspace) {
+  const Descriptor file = openToRead(record.path.c_str());
+  struct stat status;
+  if (file.number < 0 || ::fstat(file.number, &status) != 0)
+    return refuse(record, Reason::unreadable, std::strerror(errno));
+  if (!S_ISREG(status.st_mode))
+    return refuse(record, Reason::unreadable, "not a regular file");
+  record.bytes = static_cast<std::uint64_t>(status.st_size);
+  record.modified = timeText(status.st_mtim);
+  judgeAndKeep(file, record, workspace);
+  if (record.repair != Repair::not_asked)
+    answerRepair(file, record, workspace);
+}
+
 } // namespace
 
 std::string timeText(const struct timespec &time) {
@@ -114,12 +159,14 @@ std::string timeText(const struct timespec &time) {
   return text;
 }
 
-Record audit(Input input, bool deep, Workspace &workspace) noexcept {
+Record audit(Input input, Questions asked, Workspace &workspace) noexcept {
   Record record; // nothing is copied: there is a record also where memory has run out
   record.path = std::move(input.path);
   record.bytes = input.bytes;
   record.modified = std::move(input.modified);
-  record.deep = deep;
+  record.deep = asked.deep;
+  if (asked.repairable)
+    record.repair = Repair::needless;
   try {
     if (!input.error.empty())
       refuse(record, Reason::unreadable, std::move(input.error));

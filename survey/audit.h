@@ -21,6 +21,12 @@ std::string timeText(const struct timespec &time);
 /// Small files are read whole, with one call, before they are loaded.
 inline constexpr std::size_t SMALL_FILE = 1024 * 1024;
 
+/// What is asked beyond the verdict.
+struct Questions {
+  bool deep = false;
+  bool repairable = false;
+};
+
 /// What a worker needs again and again; made when it is first needed.
 struct Workspace {
   std::unique_ptr<unsigned char[]> bytes = nullptr;
@@ -28,6 +34,6 @@ struct Workspace {
 
 /// Audits one file. Its memory is free again when this returns. A file for which there is not enough memory has no
 /// verdict.
-Record audit(Input input, bool deep, Workspace &workspace) noexcept;
+Record audit(Input input, Questions asked, Workspace &workspace) noexcept;
 
 } // namespace kova::survey

@@ -110,6 +110,22 @@ bool takeReason(const Json &json, Record &record) {
   return (record.verdict == Verdict::none) == (record.reason != Reason::has_verdict);
 }
 
+/// Without the member, it was not asked. A number of words goes with a file that can be mended, and with no other.
+bool takeRepair(const Json &object, Record &record) {
+  if (!object.contains("repair"))
+    return !object.contains("repair_words");
+  const Json &repair = member(object, "repair");
+  std::optional<std::uint64_t> words;
+  if (!takeNumber(member(object, "repair_words"), words))
+    return false;
+  record.repair_words = words.value_or(0);
+  record.repair = Repair::needless;
+  if (!repair.is_null() && !(takeName(REPAIR_NAMES, repair, record.repair) && needsRepair(record) &&
+                             record.repair > Repair::needless)) // whose name is empty
+    return false;
+  return (record.repair == Repair::mended) == (record.repair_words != 0);
+}
+
 bool takeRecord(const Json &json, Record &record) {
   std::optional<std::uint64_t> bytes;
   const Json &deep = member(json, "deep");
@@ -121,8 +137,8 @@ bool takeRecord(const Json &json, Record &record) {
          takeText(member(json, "modified"), record.modified) && takeText(member(json, "version"), record.version) &&
          takeName(VERDICT_NAMES, member(json, "verdict"), record.verdict) &&
          takeReason(member(json, "reason"), record) && takeText(member(json, "detail"), record.detail) &&
-         takeCounts(member(json, "counts"), record.counts) && takeFindings(member(json, "findings"), record.findings) &&
-         findingCount(record) >= record.findings.size();
+         takeRepair(json, record) && takeCounts(member(json, "counts"), record.counts) &&
+         takeFindings(member(json, "findings"), record.findings) && findingCount(record) >= record.findings.size();
 }
 
 /// @return whether the line ended with a line break, which is taken off.
@@ -153,16 +169,20 @@ std::string jsonLine(const Record &record) {
   Json counts = Json::object();
   for (const auto &[id, count] : record.counts)
     counts[escaped(id)] = count;
-  const Json json = {{"path", escaped(record.path)},
-                     {"bytes", record.bytes},
-                     {"modified", textOrNull(record.modified)},
-                     {"version", textOrNull(record.version)},
-                     {"verdict", nameOf(VERDICT_NAMES, record.verdict)},
-                     {"reason", textOrNull(nameOf(REASON_NAMES, record.reason))},
-                     {"detail", textOrNull(record.detail)},
-                     {"deep", record.deep},
-                     {"counts", std::move(counts)},
-                     {"findings", std::move(findings)}};
+  Json json = {{"path", escaped(record.path)},
+               {"bytes", record.bytes},
+               {"modified", textOrNull(record.modified)},
+               {"version", textOrNull(record.version)},
+               {"verdict", nameOf(VERDICT_NAMES, record.verdict)},
+               {"reason", textOrNull(nameOf(REASON_NAMES, record.reason))},
+               {"detail", textOrNull(record.detail)},
+               {"deep", record.deep}};
+  if (record.repair != Repair::not_asked) {
+    json["repair"] = textOrNull(nameOf(REPAIR_NAMES, record.repair));
+    json["repair_words"] = record.repair == Repair::mended ? Json(record.repair_words) : Json();
+  }
+  json["counts"] = std::move(counts);
+  json["findings"] = std::move(findings);
   return json.dump() + '\n';
 }
 

@@ -53,7 +53,8 @@ void declare(CLI::App &app, int arguments, Options &options, Given &given) {
                  "Read more paths from FILE (- for standard input), separated by NUL or line breaks")
       ->type_name("FILE")
       ->check(NOT_EMPTY);
-  app.add_flag("--deep", options.deep, "Also check what the verdict does not look at; gives warnings");
+  app.add_flag("--deep", options.asked.deep, "Also check what the verdict does not look at; gives warnings");
+  app.add_flag("--repairable", options.asked.repairable, "Tell of each bad file whether kbrepair could mend it");
   app.add_flag("-q,--quiet", options.quiet, "No progress line");
   app.add_flag("-0,--print0", options.print0, "Print only the paths of files that are not OK, a NUL behind each");
   app.add_option("--json", options.json, "Write a JSON report, a line for each file (- for standard output)")

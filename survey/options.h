@@ -13,7 +13,7 @@ struct Options {
   std::vector<std::string> names = {};
   std::string files_from = {};
   unsigned workers = 1;
-  bool deep = false;
+  Questions asked = {};
   bool quiet = false;
   bool print0 = false;
   std::string json = {};

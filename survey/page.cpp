@@ -72,7 +72,8 @@ std::size_t fittingFindings(const std::vector<Record> &records) {
 }
 
 /// @return [folder, name, bytes, version, verdict], and for a file with findings or without a verdict behind it
-/// [reason, detail, [id, count, id, count...], findings].
+/// [reason, detail, [id, count, id, count...], findings], and if it was asked whether it can be mended, behind that
+/// [repair, words].
 Json fileRow(PageData &data, const Record &record) {
   const std::size_t slash = record.path.rfind('/');
   const std::size_t name = slash == record.path.npos ? 0 : slash + 1;
@@ -89,6 +90,10 @@ Json fileRow(PageData &data, const Record &record) {
   row.push_back(escaped(record.detail));
   row.push_back(std::move(counts));
   row.push_back(shownFindings(data, record));
+  if (record.repair > Repair::needless) {
+    row.push_back(record.repair);
+    row.push_back(record.repair_words);
+  }
   return row;
 }
 
@@ -115,16 +120,20 @@ Json pageData(const std::vector<Record> &records) {
   Json files = Json::array();
   for (const Record &record : records)
     files.push_back(fileRow(data, record));
-  return {
-      {"verdicts", VERDICT_NAMES},
-      {"reasons", REASON_TEXTS},
-      {"totals",
-       {{"files", tally.files}, {"bytes", tally.bytes}, {"verdicts", tally.by_verdict}, {"reasons", tally.by_reason}}},
-      {"histogram", std::move(histogram)},
-      {"ids", helpRows(data.ids)},
-      {"lists", std::move(data.lists.texts)},
-      {"folders", std::move(data.folders.texts)},
-      {"files", std::move(files)}};
+  return {{"verdicts", VERDICT_NAMES},
+          {"reasons", REASON_TEXTS},
+          {"repairs", REPAIR_TEXTS},
+          {"totals",
+           {{"files", tally.files},
+            {"bytes", tally.bytes},
+            {"verdicts", tally.by_verdict},
+            {"reasons", tally.by_reason},
+            {"repairs", tally.by_repair}}},
+          {"histogram", std::move(histogram)},
+          {"ids", helpRows(data.ids)},
+          {"lists", std::move(data.lists.texts)},
+          {"folders", std::move(data.folders.texts)},
+          {"files", std::move(files)}};
 }
 
 /// @return JSON that can stand in a `script` element: what could end the element is only in its strings.

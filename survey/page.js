@@ -27,10 +27,14 @@ const button = (text, action) => {
 
 const total = counts => counts.reduce((sum, count, i) => i % 2 ? sum + count : sum, 0);
 
-const files = data.files.map(([folder, name, bytes, version, verdict, reason = 0, detail = "", counts = [], findings = []]) => ({
-  path: data.folders[folder] + name, bytes, version, verdict, reason, detail, findings,
+const files = data.files.map(([folder, name, bytes, version, verdict, reason = 0, detail = "", counts = [], findings = [], repair = 0, words = 0]) => ({
+  path: data.folders[folder] + name, bytes, version, verdict, reason, detail, findings, repair, words,
   ids: counts.filter((_, i) => i % 2 === 0), count: total(counts),
 }));
+
+// Whether files can be mended is shown only if that was asked, and of those that are not in order.
+const repairAsked = data.totals.repairs.some((count, i) => i && count);
+const repairText = file => data.repairs[file.repair] + (file.words ? " (" + file.words + (file.words === 1 ? " word)" : " words)") : "");
 
 // --- Totals and histogram ---
 
@@ -40,12 +44,13 @@ const showTotals = () => {
     item.append(element("b", className, number), text);
     byId("totals").append(item);
   };
-  const { files: number, bytes, verdicts, reasons } = data.totals;
+  const { files: number, bytes, verdicts, reasons, repairs } = data.totals;
   add(number, number === 1 ? "file" : "files");
   add(verdicts[0], "OK", "v0");
   add(verdicts[1], "ERR", "v1");
   const why = reasons.map((count, i) => i && count ? count + " " + data.reasons[i] : "").filter(text => text);
   add(verdicts[2], "without verdict" + (why.length ? " (" + why.join(", ") + ")" : ""), "v2");
+  repairs.forEach((count, i) => count && data.repairs[i] && add(count, data.repairs[i]));
   add((bytes / 1e6).toFixed(1), "MB");
 };
 
@@ -85,8 +90,9 @@ const findingRow = finding => {
 
 const details = file => {
   const cell = element("td");
-  cell.colSpan = 5;
+  cell.colSpan = 5 + repairAsked;
   if (file.reason) cell.append(element("p", "", data.reasons[file.reason] + (file.detail ? ": " + visible(file.detail) : "")));
+  if (repairText(file)) cell.append(element("p", "", "kbrepair: " + repairText(file)));
   if (file.findings.length) {
     const table = element("table");
     const head = table.createTHead().insertRow();
@@ -117,6 +123,7 @@ const fileRow = file => {
   } else path.textContent = visible(file.path);
   row.append(path, element("td", "v" + file.verdict, data.verdicts[file.verdict]), element("td", "", file.version),
              element("td", "number", file.bytes), element("td", "number", file.count));
+  if (repairAsked) row.append(element("td", "", repairText(file)));
   return row;
 };
 
@@ -139,10 +146,12 @@ const compare = (a, b) => a < b ? -1 : a > b ? 1 : 0;
 const update = () => {
   const text = byId("path-filter").value.toLowerCase();
   const verdict = byId("verdict-filter").value;
+  const repair = byId("repair-filter").value;
   const finding = byId("finding-filter").value;
   matching = files.filter(file =>
     (!text || visible(file.path).toLowerCase().includes(text)) &&
     (!verdict || (verdict === "bad" ? file.verdict !== 0 : file.verdict === Number(verdict))) &&
+    (!repair || file.repair === Number(repair)) &&
     (!finding || file.ids.includes(Number(finding))));
   const { key, down } = sorting;
   matching.sort((a, b) => (down ? -1 : 1) * compare(a[key], b[key]) || compare(a.path, b.path));
@@ -164,7 +173,7 @@ const setUpSorting = () => {
     const key = head.dataset.key;
     head.replaceChildren(button(head.textContent, () => {
       // Of numbers the greatest are looked for, so they come first.
-      const down = sorting.key === key ? !sorting.down : key === "bytes" || key === "count" || key === "verdict";
+      const down = sorting.key === key ? !sorting.down : key === "bytes" || key === "count" || key === "verdict" || key === "repair";
       sorting = { key, down };
       for (const other of heads) other.removeAttribute("aria-sort");
       head.setAttribute("aria-sort", down ? "descending" : "ascending");
@@ -172,6 +181,7 @@ const setUpSorting = () => {
     }));
   }
   heads[0].setAttribute("aria-sort", "ascending");
+  heads.find(head => head.dataset.key === "repair").hidden = !repairAsked;
 };
 
 const setUpFilters = () => {
@@ -181,6 +191,8 @@ const setUpFilters = () => {
     byId(list).append(made);
   };
   data.verdicts.forEach((name, i) => option("verdict-filter", name, i));
+  data.repairs.forEach((name, i) => name && option("repair-filter", name, i));
+  byId("repair-label").hidden = !repairAsked;
   for (const [id] of data.histogram) option("finding-filter", visible(data.ids[id][0]), id);
   byId("filters").addEventListener("input", update);
   byId("filters").addEventListener("reset", () => setTimeout(update));

@@ -11,7 +11,7 @@ namespace kova::survey {
 /// How a run of the workers is done.
 struct Run {
   unsigned workers = 1;
-  bool deep = false;
+  Questions asked = {};
   bool show_progress = false;                  ///< on standard error
   std::function<void(Record &&record)> take{}; ///< called in any order, by several threads at once; must not throw
 };

@@ -19,6 +19,19 @@ inline constexpr const char *REASON_NAMES[] = {"", "unreadable", "not-kova", "ot
 inline constexpr const char *REASON_TEXTS[] = {"", "cannot be read", "not a KOVA file", "other version",
                                                "not enough memory"};
 
+/// Whether kbrepair could mend a file.
+enum class Repair : std::uint8_t {
+  not_asked,
+  needless, ///< the file is OK; or there is nothing to mend, as it was not read or is no KOVA file
+  mended,   ///< it would audit OK, with all that it has
+  salvaged, ///< with --salvage it would, with what is left of it
+  no,
+  unknown ///< there was not enough memory, or the file has changed
+};
+inline constexpr const char *REPAIR_NAMES[] = {"", "", "mended", "salvaged", "no", "unknown"};
+inline constexpr const char *REPAIR_TEXTS[] = {
+    "", "", "can be mended", "can be salvaged", "cannot be mended", "unknown whether it can be mended"};
+
 /// A finding that is kept when the library has forgotten it.
 struct KeptFinding {
   std::string id = {};
@@ -46,6 +59,8 @@ struct Record {
   Reason reason = Reason::has_verdict;
   std::string detail = {}; ///< more about the reason; may be empty
   bool deep = false;       ///< whether the deep checks have run, too
+  Repair repair = Repair::not_asked;
+  std::uint64_t repair_words = 0; ///< of a file that can be mended: the number of words that would be changed
   std::vector<KeptFinding> findings = {};
   std::map<std::string, std::uint64_t> counts = {}; ///< of all findings by id, also of those not kept
 };
@@ -58,6 +73,11 @@ void keepFinding(Record &record, KeptFinding &&finding);
 
 /// @return the number of findings, also of those not kept.
 std::uint64_t findingCount(const Record &record);
+
+/// @return whether there is something to mend: only in a file of the format, whatever its version, that was read.
+inline bool needsRepair(const Record &record) {
+  return record.verdict == Verdict::err || record.reason == Reason::other_version;
+}
 
 /// The order of all reports: by path, byte by byte.
 inline bool pathLess(const Record &a, const Record &b) { return a.path < b.path; }

@@ -93,6 +93,9 @@ void take(Results &results, Record &&record) {
       record.counts = {};
       record.version.clear();
       record.detail.clear();
+      record.repair_words = 0;
+      if (record.repair != Repair::not_asked)
+        record.repair = Repair::needless;
       record.verdict = Verdict::none;
       record.reason = Reason::no_memory;
       std::this_thread::sleep_for(PAUSE);

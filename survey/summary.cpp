@@ -24,6 +24,24 @@ std::string reasons(const Tally &tally) {
   return text.empty() ? text : text + ')';
 }
 
+/// @return "to repair: 3 can be mended, 1 cannot be mended", of the answers that occur, as a line; empty if there are
+/// none.
+std::string repairs(const Tally &tally) {
+  std::string text;
+  for (std::size_t i = static_cast<std::size_t>(Repair::mended); i < tally.by_repair.size(); ++i)
+    if (tally.by_repair[i] != 0)
+      text += (text.empty() ? "to repair: " : ", ") + std::to_string(tally.by_repair[i]) + ' ' + REPAIR_TEXTS[i];
+  return text.empty() ? text : text + '\n';
+}
+
+/// @return "can be mended (2 words), ", or another answer; empty if there is none.
+std::string repairText(const Record &record) {
+  std::string text = REPAIR_TEXTS[static_cast<std::size_t>(record.repair)];
+  if (record.repair == Repair::mended)
+    text += " (" + counted(record.repair_words, " word", " words") + ')';
+  return text.empty() ? text : text + ", ";
+}
+
 /// Warnings do not change the verdict: of a file that is ERR, the first error is told.
 const KeptFinding *toldFinding(const Record &record) {
   const auto error = std::find_if(record.findings.begin(), record.findings.end(),
@@ -42,6 +60,7 @@ void count(Tally &tally, const Record &record) {
   tally.bytes += record.bytes;
   ++tally.by_verdict[static_cast<std::size_t>(record.verdict)];
   ++tally.by_reason[static_cast<std::size_t>(record.reason)];
+  ++tally.by_repair[static_cast<std::size_t>(record.repair)];
   for (const auto &[id, number] : record.counts) {
     Frequency &frequency = tally.by_finding[id];
     frequency.findings += number;
@@ -65,10 +84,10 @@ std::vector<std::pair<std::string, Frequency>> mostFrequent(const Tally &tally) 
 
 std::string whatIsWrong(const Record &record) {
   if (record.verdict == Verdict::none)
-    return REASON_TEXTS[static_cast<std::size_t>(record.reason)] +
+    return repairText(record) + REASON_TEXTS[static_cast<std::size_t>(record.reason)] +
            (record.detail.empty() ? "" : ": " + printable(record.detail));
   const KeptFinding *const told = toldFinding(record);
-  const std::string number = counted(findingCount(record), " finding", " findings");
+  const std::string number = repairText(record) + counted(findingCount(record), " finding", " findings");
   if (told == nullptr)
     return number;
   // Most texts do not say which list they are about.
@@ -90,7 +109,7 @@ std::string summary(const Tally &tally, std::optional<double> seconds) {
     std::snprintf(time, sizeof time, " in %.2f s", *seconds);
     text += time;
   }
-  text += '\n';
+  text += '\n' + repairs(tally);
   const auto list = mostFrequent(tally);
   if (!list.empty())
     text += list.size() > FREQUENT ? "most frequent findings:\n" : "findings:\n";

@@ -18,6 +18,7 @@ struct Tally {
   std::uint64_t bytes = 0;
   std::array<std::uint64_t, std::size(VERDICT_NAMES)> by_verdict = {};
   std::array<std::uint64_t, std::size(REASON_NAMES)> by_reason = {};
+  std::array<std::uint64_t, std::size(REPAIR_NAMES)> by_repair = {};
   std::map<std::string, Frequency> by_finding = {};
 
   std::uint64_t of(Verdict verdict) const { return by_verdict[static_cast<std::size_t>(verdict)]; }
@@ -31,8 +32,8 @@ Tally tallyOf(const std::vector<Record> &records);
 /// @return the findings by their frequency, the most frequent first.
 std::vector<std::pair<std::string, Frequency>> mostFrequent(const Tally &tally);
 
-/// @return what is wrong with a file, in one printable line: the number of findings and the first one, or why there is
-/// no verdict.
+/// @return what is wrong with a file, in one printable line: whether it can be mended, if that was asked; the number of
+/// findings and the first one, or why there is no verdict.
 std::string whatIsWrong(const Record &record);
 
 /// @return the line of a file that is not OK, with its line break.

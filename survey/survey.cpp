@@ -61,17 +61,18 @@ std::string readEarlier(const std::string &path, Earlier &earlier) {
 }
 
 /// A file that could not be read, or for which there was no memory, is tried again.
-bool stillHolds(const Record &record, const Input &input, bool deep) {
+bool stillHolds(const Record &record, const Input &input, Questions asked) {
   return input.error.empty() && record.bytes == input.bytes && record.modified == input.modified &&
-         record.deep == deep && record.reason != Reason::unreadable && record.reason != Reason::no_memory;
+         record.deep == asked.deep && (record.repair != Repair::not_asked) == asked.repairable &&
+         record.repair != Repair::unknown && record.reason != Reason::unreadable && record.reason != Reason::no_memory;
 }
 
 /// Takes the files of which the earlier report still holds out of those to do. @return their records.
-std::vector<Record> takeOver(Earlier &earlier, std::vector<Input> &inputs, bool deep) {
+std::vector<Record> takeOver(Earlier &earlier, std::vector<Input> &inputs, Questions asked) {
   std::vector<Record> records;
   std::erase_if(inputs, [&](const Input &input) {
     const auto at = earlier.find(input.path);
-    if (at == earlier.end() || !stillHolds(at->second, input, deep))
+    if (at == earlier.end() || !stillHolds(at->second, input, asked))
       return false;
     records.push_back(std::move(at->second));
     return true;
@@ -118,7 +119,7 @@ Status surveyFiles(const Options &options) {
   std::vector<Input> inputs = findFiles(search);
   const bool nothing = inputs.empty();
   std::erase_if(inputs, [&](const Input &input) { return !inShard(input.path, options.shard); });
-  std::vector<Record> taken_over = takeOver(earlier, inputs, options.deep);
+  std::vector<Record> taken_over = takeOver(earlier, inputs, options.asked);
 
   Results results;
   if (!openResumed(results, options, taken_over))
@@ -126,7 +127,7 @@ Status surveyFiles(const Options &options) {
   for (Record &record : taken_over)
     keepResult(results, std::move(record));
   auditAll(std::move(inputs), {.workers = options.workers,
-                               .deep = options.deep,
+                               .asked = options.asked,
                                .show_progress = !options.quiet && ::isatty(STDERR_FILENO) == 1,
                                .take = [&](Record &&record) { take(results, std::move(record)); }});
   if (nothing)

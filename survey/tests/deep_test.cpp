@@ -279,10 +279,10 @@ TEST(SurveyDeep, SilentAboutAllSamplesThatAreOK) {
   int ok = 0;
   for (const auto &entry : std::filesystem::directory_iterator(KOVA_SOURCE_DIR "/samples")) {
     Workspace workspace;
-    const Record shallow = audit({.path = entry.path()}, false, workspace);
+    const Record shallow = audit({.path = entry.path()}, {}, workspace);
     if (shallow.verdict != Verdict::ok)
       continue;
-    const Record deep = audit({.path = entry.path()}, true, workspace);
+    const Record deep = audit({.path = entry.path()}, {.deep = true}, workspace);
     EXPECT_EQ(deep.counts, shallow.counts) << entry.path() << ": " << deep.findings.back().text;
     ++ok;
   }
@@ -408,8 +408,8 @@ TEST(SurveyDeep, ControlBytesInNames) {
 TEST(SurveyDeep, LeavesTheVerdictAsItIs) {
   const harness::ScratchFile scratch(samples::edited(consistentScene(), "Cam 1 cam_eye_obj 5").bytes);
   Workspace workspace;
-  const Record shallow = audit({.path = scratch.path}, false, workspace);
-  const Record deep = audit({.path = scratch.path}, true, workspace);
+  const Record shallow = audit({.path = scratch.path}, {}, workspace);
+  const Record deep = audit({.path = scratch.path}, {.deep = true}, workspace);
   EXPECT_EQ(shallow.verdict, Verdict::ok);
   EXPECT_EQ(deep.verdict, Verdict::ok);
   EXPECT_TRUE(shallow.findings.empty());
@@ -434,8 +434,8 @@ TEST(SurveyAudit, FindingsAreBounded) {
   // The text about the sum of the sizes lists them all.
   const harness::ScratchFile scratch(samples::edited(file, "ObjList 0 num_byte[0] +4").bytes);
   Workspace workspace;
-  const Record shallow = audit({.path = scratch.path}, false, workspace);
-  const Record deep = audit({.path = scratch.path}, true, workspace);
+  const Record shallow = audit({.path = scratch.path}, {}, workspace);
+  const Record deep = audit({.path = scratch.path}, {.deep = true}, workspace);
   for (const Record &record : {shallow, deep}) {
     EXPECT_EQ(record.verdict, Verdict::err);
     EXPECT_EQ(record.findings.size(), MOST_FINDINGS);
@@ -457,7 +457,7 @@ TEST(SurveyAudit, FindingsAreBounded) {
 TEST(SurveyAudit, MoreWarningsThanAreKept) {
   const harness::ScratchFile scratch(samples::build(VERSION_1, "EnvList { Env*2000 }").bytes);
   Workspace workspace;
-  const Record record = audit({.path = scratch.path}, true, workspace);
+  const Record record = audit({.path = scratch.path}, {.deep = true}, workspace);
   EXPECT_EQ(record.verdict, Verdict::ok);
   EXPECT_EQ(record.findings.size(), MOST_FINDINGS);
   EXPECT_EQ(findingCount(record), 2 * 2000U + 1);

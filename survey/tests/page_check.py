@@ -43,13 +43,23 @@ def make_files(number):
 
 def survey():
     """Makes the page. @return the records of the JSON report of the same run."""
-    run = subprocess.run([KBSURVEY, "--html", FOLDER + "/page.html", "--json", "-", SAMPLES, FOLDER + "/made"],
-                         stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+    run = subprocess.run([KBSURVEY, "--repairable", "--html", FOLDER + "/page.html", "--json", "-", SAMPLES,
+                          FOLDER + "/made"], stdout=subprocess.PIPE, stderr=subprocess.PIPE)
     same("status of kbsurvey", 2, run.returncode)
     lines = run.stdout.split(b"\n")[:-1]
     same("lines printed", len([line for line in lines if b'"verdict":"OK"' not in line]),
          len(re.findall(rb"^(?:ERR |NONE)  [ -~]*$", run.stderr, re.M)))
     return [json.loads(line) for line in lines]
+
+
+REPAIRS = {"mended": "can be mended", "salvaged": "can be salvaged", "no": "cannot be mended"}
+
+
+def repair_text(record):
+    """What the page shows in the last column."""
+    if record["repair"] == "mended":
+        return f"can be mended ({record['repair_words']} word{'s' if record['repair_words'] != 1 else ''})"
+    return REPAIRS.get(record["repair"], "")
 
 
 ROWS = "[...document.querySelectorAll('#files > tbody > tr:not(.details)')]"
@@ -77,6 +87,10 @@ def check_totals(tab, records):
                          (verdicts.count("none"), "without verdict")):
         if f"{number} {name}" not in text:
             complaints.append(f"totals: no {number} {name} in {text!r}")
+    for repair, name in REPAIRS.items():
+        wanted = sum(record["repair"] == repair for record in records)
+        if f" {wanted} {name}" not in text:
+            complaints.append(f"totals: no {wanted} {name} in {text!r}")
     counts = {}
     for record in records:
         for name, count in record["counts"].items():
@@ -93,6 +107,12 @@ def check_filters(tab, records):
         same("number of files with verdict " + verdict, f"{wanted} of {len(records)}", shown(tab))
         same("verdicts shown", {verdict}, {row[1] for row in rows(tab)})
     select(tab, "verdict-filter", "all")
+    for repair, name in REPAIRS.items():
+        select(tab, "repair-filter", name)
+        chosen = [record for record in records if record["repair"] == repair]
+        same("number of files that " + name, f"{len(chosen)} of {len(records)}", shown(tab))
+        same("other repairs shown", set(), {row[5] for row in rows(tab)} - {repair_text(record) for record in chosen})
+    select(tab, "repair-filter", "all")
     select(tab, "finding-filter", "element-index")
     wanted = sum("element-index" in record["counts"] for record in records)
     same("number of files with a finding", f"{wanted} of {len(records)}", shown(tab))
@@ -113,6 +133,9 @@ def check_sorting(tab, records):
         tab.click(head)
         found = [int(row[3]) for row in rows(tab)]
         same("sizes", wanted[:len(found)], found)
+    tab.click("document.querySelector('#files th[data-key=repair] button')")
+    found = ["can" in row[5] for row in rows(tab)]
+    same("files to repair come first", sorted(found, reverse=True), found)
     tab.click("document.querySelector('#files th[data-key=path] button')")
 
 
@@ -121,6 +144,8 @@ def check_details(tab, records):
     tab.type("document.getElementById('path-filter')", "samples/damaged.kb")
     tab.click("document.querySelector('#files tbody button')")
     text = tab.evaluate("document.querySelector('tr.details').innerText")
+    if f"kbrepair: {repair_text(damaged)}" not in text:
+        complaints.append(f"details of damaged.kb: no {repair_text(damaged)!r}")
     for finding in damaged["findings"]:
         help_text = subprocess.run([KBSURVEY, "--explain", finding["id"]], stdout=subprocess.PIPE, text=True).stdout
         meaning, next_step = re.findall(r"^(?:Meaning|Next step): +(.*)$", help_text, re.M)
@@ -189,6 +214,16 @@ def check_many(tab, records):
         complaints.append("the page of 10,000 files is too large or too slow")
 
 
+def check_unasked(tab):
+    """Without --repairable the page says nothing about repairs."""
+    subprocess.run([KBSURVEY, "--html", FOLDER + "/unasked.html", SAMPLES], stdout=subprocess.DEVNULL)
+    tab.open(FOLDER + "/unasked.html")
+    same("cells of a row", {5}, {len(row) for row in rows(tab)})
+    same("hidden", [True, True], tab.evaluate("['#repair-label', '#files th[data-key=repair]'].map(name =>"
+                                              "getComputedStyle(document.querySelector(name)).display === 'none')"))
+    same("text about repairs", False, tab.evaluate("/mended|salvaged/.test(document.body.innerText)"))
+
+
 def main():
     make_files(1000)
     records = survey()
@@ -199,6 +234,7 @@ def main():
             check(tab, records)
         check_policy(tab)
         check_many(tab, records)
+        check_unasked(tab)
     finally:
         tab.close()
     print("\n".join(complaints))

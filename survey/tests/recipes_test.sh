@@ -13,7 +13,7 @@ awk -v recipes="$scratch/recipes" '
   /^```sh$/ { out = sprintf("%s/%d.sh", recipes, ++number); next }
   /^```/ { out = "" }
   out { print >out }' "$SOURCE_DIR/docs/survey.md"
-same "number of scripts" 8 "$(find "$scratch/recipes" -name '*.sh' | wc -l)"
+same "number of scripts" 9 "$(find "$scratch/recipes" -name '*.sh' | wc -l)"
 
 fresh_folder() {
   cd "$scratch"
@@ -35,10 +35,14 @@ recipe 0 2
 rm "scenes/version.kb"
 recipe 0 2
 same "script 2, again" '1 OK, 2 ERR, 0 without verdict' "$(verdicts survey.txt)"
-recipe 1 4
-grep 'failures="2"' survey.xml >/dev/null || fail "script 4: no JUnit report"
-recipe 0 5
-same "script 5" $'scenes/a\\x0ab.kb\nscenes/damaged.kb' "$(sed 's/\n/\\x0a/' "$scratch/out" | perl -0pe 's/a\nb/a\\x0ab/' | sort)"
+recipe 0 4
+same "line that is shown" "$(awk '/^```text$/ { out = 1; next } /^```/ { out = 0 } out' "$SOURCE_DIR/docs/survey.md")" \
+  "$(grep damaged "$scratch/out")"
+grep '"repairs":\[0,1,2,' survey.html >/dev/null || fail "script 4: a page without its answers"
+recipe 1 5
+grep 'failures="2"' survey.xml >/dev/null || fail "script 5: no JUnit report"
+recipe 0 6
+same "script 6" $'scenes/a\\x0ab.kb\nscenes/damaged.kb' "$(sed 's/\n/\\x0a/' "$scratch/out" | perl -0pe 's/a\nb/a\\x0ab/' | sort)"
 recipe 0 3
 same "left by script 3" "town.kb" "$(ls scenes)"
 
@@ -46,9 +50,9 @@ same "left by script 3" "town.kb" "$(ls scenes)"
 
 fresh_folder
 for task in 2 1 3 3; do # one is requeued
-  SLURM_ARRAY_TASK_ID=$task SLURM_ARRAY_TASK_COUNT=3 SLURM_CPUS_PER_TASK=2 recipe 0 7
+  SLURM_ARRAY_TASK_ID=$task SLURM_ARRAY_TASK_COUNT=3 SLURM_CPUS_PER_TASK=2 recipe 0 8
 done
-recipe 0 8
+recipe 0 9
 same "parts of an array" "$all" "$(verdicts "$scratch/out")"
 
 # --- Two machines ---
@@ -96,12 +100,12 @@ if [ -x /usr/sbin/sshd ] && [ "$(id -u)" -eq 0 ] && has ssh-keygen && parallel -
   export PARALLEL_HOME=$scratch/parallel
   if start_server first "$port" && start_server second "$((port + 1))"; then
     fresh_folder
-    recipe 0 6
+    recipe 0 7
     same "two machines" "$all" "$(verdicts "$scratch/out")"
     same "machines that have worked" $'first\nsecond' "$(awk 'NR > 1 { print $2 }' parts.log | sort -u)"
     kill "$(cat "$scratch/second.pid")"
     rm -f "$scratch/second.pid"
-    recipe 1 6
+    recipe 1 7
     same "with a machine down" "parts are missing" "$(tail -n 1 "$scratch/err")"
   else
     fail "no ssh server on the loopback address"

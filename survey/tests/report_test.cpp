@@ -22,7 +22,9 @@ Record hostileRecord(int number) {
                 .modified = "1700000000.000000001",
                 .version = "2.0",
                 .verdict = Verdict::err,
-                .deep = true};
+                .deep = true,
+                .repair = Repair::mended,
+                .repair_words = 12};
   for (Word i = 0; i < 20; ++i)
     record.findings.push_back({.id = "element-size",
                                .stage = Stage::check,
@@ -44,13 +46,18 @@ TEST(SurveyReport, ARecordComesBackFromItsLine) {
                       .verdict = Verdict::err,
                       .findings = {{.id = "\x1b\xff"}},
                       .counts = {{"\x1b\xff", 1}}};
-  for (const Record &record : {hostileRecord(1), unreadable, forged, Record{.path = "y", .verdict = Verdict::ok}}) {
+  const Record hopeless{.path = "x", .reason = Reason::other_version, .repair = Repair::no};
+  const Record good{.path = "y", .verdict = Verdict::ok};
+  const Record asked{.path = "y", .verdict = Verdict::ok, .repair = Repair::needless};
+  for (const Record &record : {hostileRecord(1), unreadable, forged, hopeless, good, asked}) {
     const std::string line = jsonLine(record);
     EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
     const std::optional<Record> back = recordOf(line);
     ASSERT_TRUE(back) << line;
     EXPECT_EQ(back->path, record.path);
     EXPECT_EQ(back->detail, record.detail);
+    EXPECT_EQ(back->repair, record.repair);
+    EXPECT_EQ(back->repair_words, record.repair_words);
     EXPECT_EQ(back->findings.size(), record.findings.size());
     EXPECT_EQ(jsonLine(*back), line);
     EXPECT_EQ(pageOf({*back}).find('\xff'), std::string::npos);
@@ -74,6 +81,13 @@ TEST(SurveyReport, WhatIsNoRecordIsRefused) {
       {"\"reason\":null", "\"reason\":\"unreadable\""},
       {"\"reason\":null", "\"reason\":\"bored\""},
       {"\"deep\":true", "\"deep\":1"},
+      {"\"repair\":\"mended\"", "\"repair\":\"\""},
+      {"\"repair\":\"mended\"", "\"repair\":\"good\""},
+      {"\"repair\":\"mended\"", "\"repair\":null"}, // with a number of words
+      {"\"repair\":\"mended\",", ""},
+      {"\"repair_words\":12", "\"repair_words\":null"},
+      {"\"repair_words\":12", "\"repair_words\":-1"},
+      {"\"verdict\":\"ERR\"", "\"verdict\":\"OK\""}, // but it can be mended
       {"\"element\":0", "\"element\":4294967296"},
       {"\"stage\":\"check\"", "\"stage\":\"chess\""},
       {"\"id\":\"element-size\"", "\"id\":\"\""},
@@ -149,6 +163,7 @@ TEST(SurveyReport, JUnitIsEscaped) {
   const std::string report = junitReport(manyRecords(1));
   EXPECT_NE(report.find(R"(name="d0/&lt;/script>&lt;!--\x0a\xff\x5c&quot;&amp;'.kb0")"), report.npos) << report;
   EXPECT_NE(report.find(R"(tests="1" failures="1" errors="0")"), report.npos);
+  EXPECT_NE(report.find(R"(message="can be mended (12 words), 22 findings: )"), report.npos);
   EXPECT_NE(report.find(R"(element-size: d0/&lt;/script&gt;&lt;!--; \xff)"), report.npos);
 }
 

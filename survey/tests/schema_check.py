@@ -29,6 +29,14 @@ for member, value in [("id", "Tag"), ("stage", "deep"), ("element", -1), ("found
 for member in good:
     assert not validator.is_valid({name: value for name, value in good.items() if name != member}), member
 
+# What is asked only with an option is there as a whole or not at all, and only of files that need it.
+mended = next(line for line in lines if line.get("repair") == "mended")
+for member, value in [("repair", "good"), ("repair", None), ("repair", "salvaged"), ("repair_words", None),
+                      ("repair_words", 0), ("verdict", "OK")]:
+    assert not validator.is_valid({**mended, member: value}), (member, value)
+for member in ("repair", "repair_words"):
+    assert not validator.is_valid({name: value for name, value in mended.items() if name != member}), member
+
 described = re.findall(r"^\| `(\w+)` \|[^|]*\|[^|]*\|$", open(sys.argv[2]).read(), re.M)
 wanted = [*schema["properties"], *schema["definitions"]["finding"]["properties"]]
 assert described == wanted, (described, wanted)

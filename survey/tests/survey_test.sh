@@ -187,6 +187,72 @@ survey 0 --resume link.json --json link.json again
 [ -L link.json ] || fail "a link to a report is replaced"
 same "a report behind a link" 4 "$(wc -l <new.json)"
 
+# --- What can be mended ---
+
+mkdir -p mendable
+cp samples/{town,damaged,cut,light-type,version}.kb not.kb mendable
+ln -s nowhere mendable/broken.kb
+survey 2 --repairable --json mendable.json mendable
+repairs() { # FILE: of the JSON report: path, answer, number of words
+  python3 -c 'import json, sys
+for line in map(json.loads, open(sys.argv[1])): print(line["path"], line.get("repair", "-"), line.get("repair_words", "-"))' "$1" | sort
+}
+same "what can be mended" "$(sed 's|^|mendable/|' <<END
+broken.kb None None
+cut.kb salvaged None
+damaged.kb mended 4
+light-type.kb no None
+not.kb None None
+town.kb None None
+version.kb no None
+END
+)" "$(repairs mendable.json)"
+same "what can be mended, as lines" "NONE  mendable/broken.kb  cannot be read: No such file or directory
+ERR   mendable/cut.kb  can be salvaged, 36 findings
+ERR   mendable/damaged.kb  can be mended (4 words), 6 findings
+ERR   mendable/light-type.kb  cannot be mended, 1 finding
+NONE  mendable/not.kb  not a KOVA file
+NONE  mendable/version.kb  cannot be mended, other version
+to repair: 1 can be mended, 1 can be salvaged, 2 cannot be mended" \
+  "$(sed -n 's/\(finding\|findings\|version\): .*/\1/; /^ERR\|^NONE\|^to repair/p' out)"
+same "files that were only looked at" "" "$(for file in town damaged cut light-type version; do cmp "samples/$file.kb" "mendable/$file.kb"; done)"
+
+# A report without these answers is audited again if they are asked for, one with them if they are not.
+survey 2 --json plain.json mendable
+same "not asked" 7 "$(repairs plain.json | grep -c -e ' - -$')"
+survey 2 --repairable --resume plain.json --json resumed.json mendable
+same "asked when resumed" "$(sort mendable.json)" "$(sort resumed.json)"
+survey 2 --resume mendable.json --json resumed.json mendable
+same "not asked when resumed" "$(sort plain.json)" "$(sort resumed.json)"
+sed 's/"repair_words":4/"repair_words":5/; s/"repair":"salvaged"/"repair":"unknown"/' mendable.json >forged.json
+survey 2 --repairable --resume forged.json --json resumed.json mendable
+same "answers that are taken over" "mended 5 salvaged None" "$(repairs resumed.json | sed -n 's/.*\(mended\|salvaged\)/\1/p' | sort | xargs)"
+survey 2 --merge mendable.json --json merged.json --html merged.html --junit merged.xml
+same "merged answers" "$(sort mendable.json)" "$(sort merged.json)"
+survey 2 --repairable --html run.html --junit run.xml mendable
+cmp run.html merged.html || fail "the page with answers is not that of its report"
+cmp run.xml merged.xml || fail "the JUnit report with answers is not that of its report"
+
+if [ -n "${KBREPAIR-}" ]; then
+  survey 2 --repairable --json samples.json samples
+  for sample in samples/*.kb; do
+    outcome=no
+    for option in "" --salvage; do
+      # shellcheck disable=SC2086 # none or one
+      "$KBREPAIR" --dry-run --json $option "$sample" | tail -n 1 >outcome.json || :
+      [ "$outcome" != no ] || outcome=$(python3 -c 'import json
+line = json.load(open("outcome.json"))
+print({"mended": "mended %d" % line["changes"], "good": "None None", "salvaged": "salvaged None"}.get(line["outcome"], "no"))')
+    done
+    printf '%s %s\n' "$sample" "${outcome/%no/no None}"
+  done >by_kbrepair
+  same "answers as those of kbrepair" "$(sort by_kbrepair)" "$(repairs samples.json)"
+else
+  notice "answers of kbrepair: it is not here"
+fi
+
+# --- Runs that are killed ---
+
 # A run that is killed leaves whole lines, and perhaps the beginning of one; it is resumed and loses nothing.
 mkdir many
 python3 -c 'data = open("samples/small-1.kb", "rb").read()
@@ -216,6 +282,11 @@ else
   survey 1 large.kb good
   run 2 "a file that needs more memory than there is" prlimit --as=200000000 "$KBSURVEY" -j1 large.kb good bad/damaged.kb
   same "its line" $'ERR   bad/damaged.kb\nNONE  large.kb  not enough memory' "$(sed '/^4 files/,$d; s/  6 findings.*//' out)"
+  # Its model fits, but not beside its bytes: only the answer about the repair is lost.
+  run 1 "a repair that needs more memory" prlimit --as=400000000 "$KBSURVEY" -j1 --repairable --json lost.json large.kb bad/damaged.kb
+  same "its answer" $'bad/damaged.kb mended 4\nlarge.kb unknown None' "$(repairs lost.json)"
+  survey 1 --repairable --resume lost.json --json found.json large.kb bad/damaged.kb
+  same "its answer, with more memory" $'bad/damaged.kb mended 4\nlarge.kb no None' "$(repairs found.json)"
 fi
 
 # --- A terminal ---
