@@ -44,7 +44,8 @@ if [ -n "${KBSURVEY-}" ]; then
   cp "$samples/header-tag.kb" "$odd"
   printf 'no scene' >scenes/not.kb
   recipe 0 3
-  same "script 3" $'1 hopeless\n2 FileHeader\n2 mended' "$(sed 's/\(FileHeader\) .*/\1/' "$scratch/out" | sort)"
+  same "script 3" $'to repair: 2 can be mended\n2 FileHeader header_tag' "$(grep -e '^to repair' -e '^[0-9]* [A-Z]' "$scratch/out")"
+  same "list of script 3" "$(printf '%s\0' "$odd" scenes/deep/bad.kb | sort -z | tr '\0' '|')" "$(sort -z mendable.list | tr '\0' '|')"
   recipe 0 2
   same "script 2" "2 files: 2 OK, 0 ERR, 0 without verdict" "$(sed -n 's/^\(2 files: [^;]*\);.*/\1/p' "$scratch/out")"
   for file in scenes/deep/bad.kb "$odd"; do
