@@ -70,6 +70,7 @@ function(kova_install_program program component)
   install(FILES LICENSE DESTINATION "${doc_dir}/${program}" RENAME copyright COMPONENT ${component})
 endfunction()
 kova_install_program(kbsurvey survey docs/survey.md docs/report.md survey/report.schema.json)
+kova_install_program(kbrepair repair docs/repair.md)
 
 foreach(package IN ITEMS kbaudit:program libkova${PROJECT_VERSION_MAJOR}:library libkova-dev:development)
   string(REGEX MATCH "(.*):(.*)" package "${package}")

@@ -37,6 +37,11 @@ kova_program_package(kbsurvey survey "audits whole collections of KOVA scene fil
 "kbsurvey checks all such files of a folder at once. It prints which of them are
 not in order and writes reports: JSON Lines, JUnit, and a page to look at.")
 
+kova_program_package(kbrepair repair "mends damaged KOVA scene files"
+"kbrepair corrects sizes, counts, indices and tags that follow from the rest of
+the file, and prints each word that it changes. All other contents stay as they
+are. Of a file that was cut, it can keep what is left.")
+
 set(library_package libkova${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME ${library_package})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)

@@ -38,6 +38,7 @@ files_if() {
 same "files" "$(sed '/^$/d' <<END | sort
 bin/kbaudit
 $(files_if KOVA_SURVEY kbsurvey docs/{survey,report}.md survey/report.schema.json)
+$(files_if KOVA_REPAIR kbrepair docs/repair.md)
 $(cd "$SOURCE_DIR" && printf "%s\n" include/kova/*.h)
 $(printf 'lib/%s\n' libkova.{a,so,"so.${version%%.*}","so.$version"} pkgconfig/kova.pc \
   cmake/kova/kova{Config,ConfigVersion,Targets,Targets-release}.cmake)
@@ -67,6 +68,11 @@ done
 if [ "$(cached KOVA_SURVEY)" = ON ]; then
   run 1 "installed kbsurvey" "$installed/bin/kbsurvey" "$samples/town.kb" "$samples/damaged.kb"
   same "verdicts of kbsurvey" "2 files: 1 OK, 1 ERR, 0 without verdict" "$(sed -n 's/; .* in .* s$//p' "$scratch/out")"
+fi
+
+if [ "$(cached KOVA_REPAIR)" = ON ]; then
+  run 0 "installed kbrepair" "$installed/bin/kbrepair" "$samples/damaged.kb" "$scratch/mended.kb"
+  cmp "$scratch/mended.kb" "$samples/town.kb" || fail "installed kbrepair does not mend damaged.kb"
 fi
 
 # --- Hardening ---
