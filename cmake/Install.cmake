@@ -6,13 +6,56 @@ set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/kova")
 set(pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 set(doc_dir "${CMAKE_INSTALL_DATAROOTDIR}/doc")
 
+# Puts a document with the links that lead to other documents of the list. Others, to what is in another package or
+# only among the sources, become text with the name of the file.
+function(kova_cut_links document to)
+  file(READ "${PROJECT_SOURCE_DIR}/${document}" rest)
+  cmake_path(GET document PARENT_PATH folder)
+  set(text "")
+  while("${rest}" MATCHES "\\[([^][]*)\\]\\(([^()#: ]+)(#[^()]*)?\\)")
+    set(link "${CMAKE_MATCH_0}")
+    set(shown "${CMAKE_MATCH_1}")
+    set(path "${CMAKE_MATCH_2}")
+    cmake_path(SET target NORMALIZE "${folder}/${path}")
+    string(REGEX REPLACE "^/" "" target "${target}")
+    string(FIND "${rest}" "${link}" at)
+    string(SUBSTRING "${rest}" 0 ${at} before)
+    string(LENGTH "${link}" length)
+    math(EXPR at "${at} + ${length}")
+    string(SUBSTRING "${rest}" ${at} -1 rest)
+    if(NOT "${target}" IN_LIST ARGN)
+      set(link "${shown}")
+      cmake_path(GET target FILENAME name)
+      if(NOT shown MATCHES "${name}")
+        string(APPEND link " (${path})")
+      endif()
+    endif()
+    string(APPEND text "${before}${link}")
+  endwhile()
+  file(WRITE "${to}" "${text}${rest}")
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/${document}")
+endfunction()
+
+# The documents of a program keep their folders, so that they find each other.
+function(kova_install_documents program component)
+  foreach(document IN LISTS ARGN)
+    cmake_path(GET document PARENT_PATH folder)
+    set(file "${PROJECT_SOURCE_DIR}/${document}")
+    if(document MATCHES "\\.md$")
+      set(file "${PROJECT_BINARY_DIR}/documents/${program}/${document}")
+      kova_cut_links("${document}" "${file}" ${ARGN})
+    endif()
+    install(FILES "${file}" DESTINATION "${doc_dir}/${program}/${folder}" COMPONENT ${component})
+  endforeach()
+endfunction()
+
 # --- The program ---
 
 install(TARGETS kbaudit COMPONENT program)
 install(FILES docs/kbaudit.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT program)
-install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION "${doc_dir}/kbaudit" COMPONENT program)
-install(FILES docs/findings.md docs/format.md docs/kbsurvey.png docs/performance.md docs/recipes.md docs/robustness.md
-        DESTINATION "${doc_dir}/kbaudit/docs" COMPONENT program)
+kova_install_documents(
+  kbaudit program README.md CHANGELOG.md SECURITY.md docs/findings.md docs/format.md docs/kbsurvey.png
+  docs/performance.md docs/recipes.md docs/robustness.md)
 install(DIRECTORY samples/ DESTINATION "${CMAKE_INSTALL_DATADIR}/kova/samples" COMPONENT program
         FILES_MATCHING PATTERN "*.kb")
 
@@ -53,8 +96,8 @@ endif()
 
 # --- The programs that are built only if they are asked for ---
 
-# The program, its manual page, the completion of its command line, and its documents, which keep their folders so that
-# they find each other. The sources are in the folder with the name of the component.
+# The program, its manual page, the completion of its command line, and its documents. The sources are in the folder
+# with the name of the component.
 function(kova_install_program program component)
   if(NOT TARGET ${program})
     return()
@@ -63,10 +106,7 @@ function(kova_install_program program component)
   install(FILES docs/${program}.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT ${component})
   install(FILES ${component}/completion.bash DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions"
           RENAME ${program} COMPONENT ${component})
-  foreach(document IN LISTS ARGN)
-    cmake_path(GET document PARENT_PATH folder)
-    install(FILES ${document} DESTINATION "${doc_dir}/${program}/${folder}" COMPONENT ${component})
-  endforeach()
+  kova_install_documents(${program} ${component} ${ARGN})
   install(FILES LICENSE DESTINATION "${doc_dir}/${program}" RENAME copyright COMPONENT ${component})
 endfunction()
 kova_install_program(kbsurvey survey docs/survey.md docs/report.md survey/report.schema.json)
