@@ -86,10 +86,14 @@ void Reader::prune(Readings &readings) const {
 /// @return the first place at which a record with that tag, and with that number, could begin; 0 if there is none or no
 /// more may be searched.
 std::uint64_t Reader::find(std::uint64_t from, std::uint64_t to, Word tag, std::optional<Word> number) {
-  for (; from + 8 <= std::min(to, image.size()) && mayScan(4); from += 4)
-    if (image[from] == tag && (!number || image[from + 4] == *number))
-      return from;
-  return 0;
+  to = std::min(to, image.size());
+  const std::uint64_t room = to >= from + 8 ? to - from - 4 : 0;
+  to = from + std::min({room, scan_left, list_scan_left}) / sizeof(Word) * sizeof(Word);
+  std::uint64_t at = from;
+  while (at < to && (image[at] != tag || (number && image[at + 4] != *number)))
+    at += sizeof(Word);
+  mayScan(at - from);
+  return at < to ? at : 0;
 }
 
 /// @return whether so many bytes more may be searched through. There is a bound for each list and one for the file, so
@@ -264,6 +268,16 @@ void Reader::readNumbered(std::size_t list, const Reading &before, Word first, W
   prune(readings);
 }
 
+/// @return whether the first element of the list at `begin` is where the counts say.
+bool Reader::beginsAsCounted(std::size_t list, std::uint64_t begin) const {
+  const ListLayout &layout = LAYOUT[list];
+  const Word first = image[begin + 12];
+  const Word second = layout.second != nullptr ? image[begin + 16] : 0;
+  const std::uint64_t at = begin + layout.headBytes() + (std::uint64_t{first} + second) * sizeof(Word);
+  const Kind &kind = first != 0 || second == 0 ? *layout.first : *layout.second;
+  return at + 8 <= image.size() && isElementTag(kind, image[at]) && image[at + 4] == 0;
+}
+
 /// Reads a list whose count is wrong: its first element tells how long the size table is.
 void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings &readings) {
   const ListLayout &layout = LAYOUT[list];
@@ -348,7 +362,7 @@ void Reader::readListAt(const Reading &before, std::size_t list, Readings &readi
   } else {
     const Word second = LAYOUT[list].second != nullptr ? image[begin + 16] : 0;
     readNumbered(list, inside, image[begin + 12], second, ends);
-    if (ends.empty() || ends.front().cost > inside.cost)
+    if ((ends.empty() || ends.front().cost > inside.cost) && !beginsAsCounted(list, begin))
       readOtherNumbers(list, inside, ends);
   }
   if (ends.empty() || ends.front().cost > before.cost) // what its sizes say may hold, whatever is inside
