@@ -1,0 +1,214 @@
+/// How well damaged files are mended: words that follow from others, counts and sizes of blocks, one or several.
+
+#include "repair/tests/mending.h"
+#include "samples/builder.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <map>
+#include <random>
+#include <set>
+
+namespace kova::repair {
+
+namespace {
+
+using samples::File;
+using samples::NamedWord;
+
+// --- The faults -----------------------------------------------------------------------------------------------------
+
+/// A kind of word, and whether it follows from others.
+struct Row {
+  const char *name;
+  bool derived;
+  bool (*holds)(const NamedWord &word, const std::string &field);
+};
+
+bool is(const std::string &text, std::initializer_list<const char *> words) {
+  return std::any_of(words.begin(), words.end(), [&](const char *word) { return text == word; });
+}
+bool endsWith(const std::string &text, std::initializer_list<const char *> endings) {
+  return std::any_of(endings.begin(), endings.end(), [&](const char *ending) { return text.ends_with(ending); });
+}
+bool isHeader(const NamedWord &word) { return word.kind.starts_with("FileHeader"); }
+bool isList(const NamedWord &word) { return word.kind.ends_with("List"); }
+bool isPart(const NamedWord &word) {
+  return is(word.kind, {"DirLight0", "DirLight1", "Tri", "AnimKey", "AnimStep", "AnimNode", "Coll", "FullWeightedPart",
+                        "WeightedPart", "MorphPart", "EnvelopeTri", "Cluster", "ClusterTri"});
+}
+bool isElement(const NamedWord &word) { return !isHeader(word) && !isList(word) && !isPart(word); }
+bool isTag(const std::string &field) { return field == "tag" || field.ends_with("_tag"); }
+bool isIndex(const NamedWord &word, const std::string &field) {
+  return field.starts_with("this_") || (word.kind == "VtxNvGroup" && field == "vtx_nv_group_index");
+}
+bool isSize(const std::string &field) {
+  return field == "size" ||
+         (endsWith(field, {"_size"}) && !endsWith(field, {"_header_size", "_blk_size", "area_size"}));
+}
+
+/// A word is of the first kind that holds it.
+const Row ROWS[] = {
+    {"size of the file", true, [](const NamedWord &w, const std::string &f) { return isHeader(w) && f == "size"; }},
+    {"tag of the header", true, [](const NamedWord &, const std::string &f) { return f == "header_tag"; }},
+    {"size of the header", true, [](const NamedWord &, const std::string &f) { return f == "file_header_num"; }},
+    {"list sizes in the header", true,
+     [](const NamedWord &w, const std::string &f) { return w.kind == "FileHeader" && f.ends_with("_list_num"); }},
+    {"list sizes in the version-2 table", true,
+     [](const NamedWord &w, const std::string &f) { return isHeader(w) && f.ends_with("_list_num"); }},
+    {"list tags", true, [](const NamedWord &w, const std::string &f) { return isList(w) && isTag(f); }},
+    {"list sizes", true,
+     [](const NamedWord &w, const std::string &f) {
+       return isList(w) && is(f, {"list_size", "scene_size"});
+     }},
+    {"size tables", true,
+     [](const NamedWord &w, const std::string &f) {
+       return isList(w) && is(f, {"num_byte", "tri_group_size", "vtx_group_size"});
+     }},
+    {"block sizes", false, [](const NamedWord &, const std::string &f) { return f.ends_with("_blk_size"); }},
+    {"header sizes of elements", false,
+     [](const NamedWord &, const std::string &f) { return f.ends_with("_header_size"); }},
+    {"counts of lists", false,
+     [](const NamedWord &w, const std::string &f) {
+       return isList(w) && w.kind != "SceneList" && endsWith(f, {"num", "_group_num"});
+     }},
+    {"element tags", true, [](const NamedWord &w, const std::string &f) { return isElement(w) && isTag(f); }},
+    {"element indices", true, [](const NamedWord &w, const std::string &f) { return isElement(w) && isIndex(w, f); }},
+    {"element sizes", true, [](const NamedWord &w, const std::string &f) { return isElement(w) && isSize(f); }},
+    {"tags of parts", true, [](const NamedWord &w, const std::string &f) { return isPart(w) && isTag(f); }},
+    {"indices of parts", true, [](const NamedWord &w, const std::string &f) { return isPart(w) && isIndex(w, f); }},
+    {"sizes of parts", true, [](const NamedWord &w, const std::string &f) { return isPart(w) && isSize(f); }},
+    {"other counts", false, [](const NamedWord &, const std::string &f) { return f.find("_num") != f.npos; }},
+};
+
+const Row *rowOf(const NamedWord &word) {
+  const std::string field = word.field.substr(0, word.field.find('['));
+  for (const Row &row : ROWS)
+    if (row.holds(word, field))
+      return &row;
+  return nullptr;
+}
+
+/// What becomes of a word.
+std::vector<Word> damages(Word word, std::size_t offset) {
+  const Word swapped = word << 24 | (word & 0xff00) << 8 | (word >> 8 & 0xff00) | word >> 24;
+  std::vector<Word> values = {word ^ 1U << offset * 7 % 32, word + 1, word - 1, word + 4, word - 4, 0, ~0U, swapped};
+  std::erase(values, word);
+  return values;
+}
+
+// --- The rates ------------------------------------------------------------------------------------------------------
+
+/// What became of faults that the audit does not accept.
+struct Rate {
+  std::size_t total = 0, exact = 0, refused = 0, other = 0;
+
+  void count(const Mending &mending, const Bytes &original) {
+    const bool exact_now = mending.bytes == original;
+    const bool refused_now =
+        mending.result.outcome == Outcome::ambiguous || mending.result.outcome == Outcome::hopeless;
+    ++total;
+    ++(exact_now ? exact : refused_now ? refused : other);
+  }
+  double share() const { return total != 0 ? static_cast<double>(exact) / static_cast<double>(total) : 1; }
+  void print(const char *name) const {
+    std::printf("%-36s %7zu %7zu %7zu %7zu %6.1f %%\n", name, total, exact, refused, other, 100 * share());
+  }
+};
+
+/// The files in which words are damaged, and how many of their words are passed over.
+struct Original {
+  std::string name;
+  File file;
+  std::size_t step;
+};
+
+std::vector<Original> originals() {
+  std::vector<Original> files = {{"good 1", samples::goodFile1(), 3}, {"good 2", samples::goodFile2(), 5}};
+  for (samples::Sample &sample : samples::smallSamples())
+    files.push_back({sample.name, std::move(sample.file), 1});
+  return files;
+}
+
+/// Whether each word of an element that is told has the name that the builder gives it.
+bool namesAreRight(const File &file, const std::vector<Change> &changes) {
+  return std::all_of(changes.begin(), changes.end(), [&](const Change &change) {
+    const auto named = std::find_if(file.words.begin(), file.words.end(),
+                                    [&](const NamedWord &word) { return word.offset == change.offset; });
+    return named != file.words.end() && (isList(*named) || named->field == change.field);
+  });
+}
+
+TEST(Mend, OneWordIsMended) {
+  std::map<const Row *, Rate> rates;
+  Rate all;
+  for (const Original &original : originals()) {
+    std::size_t number = 0;
+    for (const NamedWord &word : original.file.words) {
+      const Row *const row = rowOf(word);
+      if (row == nullptr || number++ % original.step != 0)
+        continue;
+      for (const Word value : damages(harness::wordAt(original.file.bytes, word.offset), word.offset)) {
+        Bytes damaged = original.file.bytes;
+        harness::setWordAt(damaged, word.offset, value);
+        const Mending mending = mendAndCheck(damaged, false);
+        const std::string what = original.name + ": " + word.kind + ' ' + std::to_string(word.number) + ' ' +
+                                 word.field + " = " + std::to_string(value);
+        ASSERT_EQ(mending.broken, "") << what;
+        if (auditsOk(damaged))
+          continue;
+        rates[row].count(mending, original.file.bytes);
+        if (row->derived)
+          all.count(mending, original.file.bytes);
+        const bool exact = mending.bytes == original.file.bytes;
+        EXPECT_TRUE(!exact || namesAreRight(original.file, mending.result.changes)) << what;
+      }
+    }
+  }
+  std::printf("%-36s %7s %7s %7s %7s\n", "one word", "total", "exact", "refused", "other");
+  for (const Row &row : ROWS)
+    rates[&row].print(row.name);
+  all.print("all that follow from others");
+  EXPECT_GT(all.total, 20000U);
+  EXPECT_GE(all.share(), 0.95);
+}
+
+TEST(Mend, SeveralWordsAreMended) {
+  const std::vector<Original> files = originals();
+  std::array<Rate, 5> rates;
+  Rate all;
+  for (std::uint32_t seed = 0; seed < 6000; ++seed) {
+    std::mt19937 random(seed);
+    const Original &original = files[random() % files.size()];
+    Bytes damaged = original.file.bytes;
+    const std::size_t faults = 2 + seed % 3;
+    for (std::set<std::size_t> places; places.size() < faults;) {
+      const NamedWord &word = original.file.words[random() % original.file.words.size()];
+      const Row *const row = rowOf(word);
+      if (row == nullptr || !row->derived || !places.insert(word.offset).second)
+        continue;
+      const std::vector<Word> values = damages(harness::wordAt(damaged, word.offset), word.offset);
+      harness::setWordAt(damaged, word.offset, values[random() % values.size()]);
+    }
+    if (auditsOk(damaged))
+      continue;
+    const Mending mending = mendAndCheck(damaged, false);
+    EXPECT_EQ(mending.broken, "") << original.name << ", seed " << seed;
+    EXPECT_EQ(mendAndCheck(damaged, true).broken, "") << original.name << ", salvage, seed " << seed;
+    rates[faults].count(mending, original.file.bytes);
+    all.count(mending, original.file.bytes);
+  }
+  std::printf("%-36s %7s %7s %7s %7s\n", "several words", "total", "exact", "refused", "other");
+  rates[2].print("two");
+  rates[3].print("three");
+  rates[4].print("four");
+  all.print("two to four");
+  EXPECT_GT(all.total, 5000U);
+  EXPECT_GE(all.share(), 0.85);
+}
+
+} // namespace
+
+} // namespace kova::repair

@@ -1,0 +1,113 @@
+#include "repair/tests/mending.h"
+
+#include "kova/check.h"
+#include "kova/findings.h"
+#include "kova/kb.h"
+
+#include <algorithm>
+
+namespace kova::repair {
+
+namespace {
+
+/// @return the changes as a line, short.
+std::string listed(const std::vector<Change> &changes) {
+  std::string line;
+  for (const Change &change : changes)
+    line += std::to_string(change.offset) + ' ' + change.field + ' ' + std::to_string(change.old_value) + "->" +
+            std::to_string(change.new_value) + "; ";
+  return line;
+}
+
+/// @return whether the changes, by offset, make the first file the second one, each in its part.
+bool tellAll(const std::vector<Change> &changes, Bytes before, const Bytes &after) {
+  std::uint64_t from = 0;
+  for (const Change &change : changes) {
+    if (change.offset < from || change.offset + sizeof(Word) > before.size() || change.old_value == change.new_value ||
+        harness::wordAt(before, static_cast<std::size_t>(change.offset)) != change.old_value)
+      return false;
+    harness::setWordAt(before, static_cast<std::size_t>(change.offset), change.new_value);
+    from = change.offset + sizeof(Word);
+  }
+  return std::equal(after.begin(), after.end(), before.begin(), before.begin() + static_cast<long>(after.size()));
+}
+
+/// Two readings are told by what each would change in the file.
+bool areReadings(const Result &result, const Bytes &file) {
+  const auto fits = [&](const Change &change) {
+    return change.offset + sizeof(Word) <= file.size() &&
+           harness::wordAt(file, static_cast<std::size_t>(change.offset)) == change.old_value;
+  };
+  return result.changes != result.alternative && std::all_of(result.changes.begin(), result.changes.end(), fits) &&
+         std::all_of(result.alternative.begin(), result.alternative.end(), fits);
+}
+
+/// What is made of a file that was cut is hardly longer than what was left of it.
+constexpr std::size_t mostSalvaged(std::size_t size) { return 4096 + 3 * size; }
+
+std::string brokenOutcome(const Bytes &before, const Bytes &after, const Result &result, bool salvage) {
+  const bool longer = before.size() >= FILE_HEADER_BYTES && harness::wordAt(before, 4) < before.size();
+  switch (result.outcome) {
+  case Outcome::good:
+    return result.changes.empty() && before == after ? "" : "good, but changed";
+  case Outcome::mended:
+    return !result.changes.empty() && after.size() == before.size() ? "" : "mended without changes";
+  case Outcome::salvaged:
+    if (!salvage || result.losses.empty() || after.size() > mostSalvaged(before.size()))
+      return "salvaged: not asked for, too long, or nothing lost";
+    return longer || result.changes.empty() ? "" : "salvaged with changes that have no place";
+  case Outcome::ambiguous:
+    return before == after && areReadings(result, before) ? "" : "ambiguous, but changed or without two readings";
+  case Outcome::hopeless:
+    return !result.reason.empty() && after.size() == before.size() ? "" : "hopeless without a reason";
+  }
+  return "no outcome";
+}
+
+} // namespace
+
+bool auditsOk(const Bytes &file) {
+  const FindingReceiver silent([](const Finding &) {});
+  Kis kis;
+  const int loaded = kvOpenKbMemory(file, "", kis);
+  const Word version = kvKOVAver(kis.file_header);
+  return (version == VERSION_1 || version == VERSION_2) && (checkKOVA(kis) & loaded) != 0;
+}
+
+Mending mendAndCheck(const Bytes &file, bool salvage) {
+  Mending mending = {{}, file, ""};
+  mending.result = mend(mending.bytes, salvage);
+  const Result &result = mending.result;
+  const auto say = [&](const std::string &what) {
+    if (!what.empty())
+      mending.broken += what + " (" + listed(result.changes) + result.reason + ")\n";
+  };
+  say(brokenOutcome(file, mending.bytes, result, salvage));
+  const bool cut = result.outcome == Outcome::salvaged && result.changes.empty();
+  if (result.outcome != Outcome::ambiguous && !cut && !tellAll(result.changes, file, mending.bytes))
+    say("the changes that are told are not those that were made");
+  if (result.outcome != Outcome::salvaged && !result.losses.empty())
+    say("losses of what is not salvaged");
+  if (result.outcome == Outcome::ambiguous || result.outcome == Outcome::hopeless)
+    return mending;
+  if (!auditsOk(mending.bytes))
+    say("it does not audit OK");
+  for (const bool again_salvage : {false, true}) {
+    Bytes again = mending.bytes;
+    const Result second = mend(again, again_salvage);
+    if (second.outcome != Outcome::good || again != mending.bytes)
+      say("mended again, it changes: " + listed(second.changes));
+  }
+  return mending;
+}
+
+std::string auditMending(std::span<const unsigned char> input) {
+  const Bytes file(input.begin(), input.end());
+  const Mending mended = mendAndCheck(file, false);
+  const Mending salvaged = mendAndCheck(file, true);
+  const bool same = mended.result.outcome != Outcome::mended ||
+                    (salvaged.bytes == mended.bytes && salvaged.result.changes == mended.result.changes);
+  return mended.broken + salvaged.broken + (same ? "" : "salvage mends it in another way\n");
+}
+
+} // namespace kova::repair

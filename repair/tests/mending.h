@@ -1,0 +1,28 @@
+/// What holds of every mending, whatever the file. Shared by the tests and the fuzz target.
+#pragma once
+
+#include "harness/bytes.h"
+#include "repair/mend.h"
+
+namespace kova::repair {
+
+using harness::Bytes;
+
+/// @return whether the program would say OK.
+bool auditsOk(const Bytes &file);
+
+/// A file that was mended once.
+struct Mending {
+  Result result;
+  Bytes bytes;        ///< afterwards
+  std::string broken; ///< what was promised of it and does not hold, a line for each
+};
+
+/// Mends a copy of the file, and mends the copy again. A file that is good, mended or salvaged has to audit OK, and to
+/// stay as it is from then on. The words that differ are those that are told, and a loss is told where there is one.
+Mending mendAndCheck(const Bytes &file, bool salvage);
+
+/// The same with and without salvage. @return what does not hold; empty where all is well.
+std::string auditMending(std::span<const unsigned char> input);
+
+} // namespace kova::repair
