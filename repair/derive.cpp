@@ -125,7 +125,9 @@ void Deriver::deriveElement(const Kind &kind, std::uint64_t begin, std::uint64_t
     set(begin, kind.tag_name, kind.tag, "the place of the element");
   const auto size = static_cast<Word>(end - begin);
   const std::string entry = std::string(table_name) + '[' + std::to_string(number) + ']';
-  set(begin + kind.size_at, kind.size_name, size, BY_PARTS);
+  const std::uint64_t size_word = begin + kind.size_at;
+  if (!kind.size_in_bytes || (image[size_word] & ~Word{3}) != size)
+    set(size_word, kind.size_name, size, BY_PARTS);
   if (kind.index_checked)
     set(begin + kind.index_at, kind.index_name, number, BY_POSITION);
   else

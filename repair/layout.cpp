@@ -560,8 +560,13 @@ const Kind COLL_GROUP =
             collGroup, NAME_AT_16);
 const Kind SWITCH =
     element("Switch", 0x130100, {36, 8, 28, "switch_tag", "this_switch_index", "switch_size"}, switch_, {});
-const Kind NAME =
-    unchecked(element("Name", 0x110100, {16, 12, NO_WORD, "name_tag", "this_name_index", "name_size"}, name, {}));
+constexpr Kind nameKind() {
+  Kind kind =
+      unchecked(element("Name", 0x110100, {16, 12, NO_WORD, "name_tag", "this_name_index", "name_size"}, name, {}));
+  kind.size_in_bytes = true;
+  return kind;
+}
+const Kind NAME = nameKind();
 const Kind EXTERNAL_NAME =
     element("ExternalName", 0x270100, {16, 12, NO_WORD, "name_tag", "this_name_index", "name_size"}, name, {});
 const Kind CI_IMG = element2("CiImg", 0x200100, 84, 76, ciImg, NAME_AT_12);

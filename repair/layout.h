@@ -109,6 +109,7 @@ struct Kind {
   const char *size_name = "";
   bool index_checked = false; ///< by the audit
   bool size_checked = false;
+  bool size_in_bytes = false;        ///< its size may end within a word; it takes up whole words only
   void (*content)(Walk &) = nullptr; ///< goes over what follows the fixed words, if anything does
   void (*maker)(Walk &) = nullptr;   ///< what the maker block of version 2.0 begins with, its fixed words included
   std::span<const Link> links = {};
