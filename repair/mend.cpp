@@ -62,27 +62,31 @@ std::string unsolvedPart(const Reading &reading) {
   return text;
 }
 
+constexpr const char *OTHER_END = "its lists do not end where the file ends";
+
 Result hopeless(std::string reason) { return {.outcome = Outcome::hopeless, .reason = std::move(reason)}; }
 
-/// @return how long the file is by its header and the sizes of its lists.
-std::uint64_t lengthByLists(const Image &image) {
-  std::uint64_t length = image[12];
-  for (std::size_t list = 0; list < (hasVersion2Lists(image) ? LIST_NUM : VERSION_1_LIST_NUM); ++list) {
-    const std::uint64_t word = sizeWordOffset(list);
-    length += word + sizeof(Word) <= image.size() ? image[word] : 0;
-  }
-  return length;
+/// @return whether the header is right and promises more than there is: its sizes add up to the size that it states.
+/// Words that are wrong hardly agree like that, so the file was cut.
+bool isCut(const Image &image) {
+  const bool version_2_lists = hasVersion2Lists(image);
+  if (image.size() < FILE_HEADER_BYTES + (version_2_lists ? Word{VERSION_2_SIZES_BYTES} : 0))
+    return true;
+  std::uint64_t sum = image[12];
+  for (std::size_t list = 0; list < (version_2_lists ? LIST_NUM : VERSION_1_LIST_NUM); ++list)
+    sum += image[sizeWordOffset(list)];
+  return sum > image.size() && sum == image[4];
 }
 
 /// Mends a file whose lists are all there.
 Result mendWhole(const std::vector<unsigned char> &bytes, const Image &image) {
-  const std::uint64_t stated = image[4];
-  if (stated > image.size() && stated == lengthByLists(image))
-    return hopeless("it is cut: " + std::to_string(image.size()) + " of " + std::to_string(stated) + " bytes are left");
+  if (isCut(image))
+    return hopeless("it is cut: " + std::to_string(image.size()) + " of " + std::to_string(image[4]) +
+                    " bytes are left");
   Reader reader(image, (image[0] & 0xffff) == VERSION_2);
   const std::optional<Reading> reading = reader.readFile();
   if (!reading)
-    return auditBytes(bytes).ok ? Result{} : hopeless("its lists do not end where the file ends");
+    return auditBytes(bytes).ok ? Result{} : hopeless(OTHER_END);
   // What the audit accepts has no other structure than the one that it sees.
   if (changesStructure(*reading) && auditBytes(bytes).ok)
     return {};
@@ -132,11 +136,11 @@ Result salvageCut(std::vector<unsigned char> &bytes) {
 /// Leaves out what stands behind the end that the header gives.
 Result salvageLonger(std::vector<unsigned char> &bytes, std::size_t stated) {
   if (stated < FILE_HEADER_BYTES)
-    return hopeless("its lists do not end where the file ends");
+    return hopeless(OTHER_END);
   std::vector<unsigned char> whole(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(stated));
   Result result = mendWhole(whole, Image{whole});
   if (result.outcome != Outcome::good && result.outcome != Outcome::mended)
-    return hopeless(result.reason.empty() ? "its lists do not end where the file ends" : result.reason);
+    return hopeless(result.reason.empty() ? OTHER_END : result.reason);
   result.outcome = Outcome::salvaged;
   result.losses.push_back({"FileHeader", {}, std::to_string(bytes.size() - stated) + " bytes behind the last list"});
   bytes = std::move(whole);
