@@ -209,8 +209,10 @@ void Reader::closeList(std::size_t list, std::uint64_t begin, const Reading &inn
   std::vector<std::uint64_t> ends = {by_words};
   addEnd(ends, by_size);
   addEnd(ends, by_header);
+  // Where no size says so, the list ends by its words only if none of them is doubted.
+  const bool sound = isListTag(list, image[begin]) && (inner.claims == nullptr || inner.claims->begin < begin);
   for (const std::uint64_t end : ends) {
-    if (end < inner.at || end > image.size())
+    if (end < inner.at || end > image.size() || !(sound || end == by_size || end == by_header))
       continue;
     Reading reading = inner;
     reading.at = end;
