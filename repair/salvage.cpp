@@ -417,6 +417,33 @@ bool Salvage::salvageList(std::size_t list, std::uint64_t begin, std::uint64_t s
   return true;
 }
 
+/// @return whether the records of a list of the salvaged file end within it. What was whole can be damaged, too.
+bool isSound(const Image &image, const Claim &span, bool version_2) {
+  const ListLayout &layout = LAYOUT[span.list];
+  const auto goOver = [&](const Kind &kind, std::uint64_t &at, Word number) {
+    if (at + kind.fixed > span.end)
+      return false;
+    Walk walk(image, span.end, version_2);
+    at = walk.over({&kind, at, number});
+    return !walk.broken && at <= span.end;
+  };
+  std::uint64_t at = span.begin;
+  if (layout.first == nullptr)
+    return goOver(SCENE, at, 0);
+  if (at + layout.headBytes() > span.end)
+    return false;
+  const Word first = image[at + 12];
+  const Word second = layout.second != nullptr ? image[at + 16] : 0;
+  at += layout.headBytes() + (std::uint64_t{first} + second) * sizeof(Word);
+  for (Word i = 0; i < first; ++i)
+    if (!goOver(*layout.first, at, i))
+      return false;
+  for (Word i = 0; i < second; ++i)
+    if (!goOver(*layout.second, at, i))
+      return false;
+  return at <= span.end;
+}
+
 /// Sets the links into what is gone to none.
 class LinkCutter : public Events {
 public:
@@ -534,6 +561,9 @@ std::optional<Salvaged> Salvage::salvage() {
       before = &span;
     }
   const Image written = {made.bytes};
+  for (const Claim &span : spans)
+    if (span.end != 0 && !isSound(written, span, version_2))
+      return std::nullopt;
   applyReading(written, {.claims = before});
   cutLinks(written, *this, version_2, made.losses);
   return std::move(made);
