@@ -361,6 +361,8 @@ void Salvage::cutList(std::size_t list, std::uint64_t begin) {
   const auto kept_user = static_cast<Word>(there > maker ? std::min(user, (there - maker) & ~std::uint64_t{3}) : 0);
   if (kept_maker < maker || kept_user < user)
     lose(list, {}, leftOf({maker + user, std::uint64_t{kept_maker} + kept_user}, "bytes of the blocks"));
+  if (there > maker + user)
+    lose(list, {}, std::to_string(there - maker - user) + " bytes behind the blocks");
 
   // The format's library reads as many groups of vertex colours as there are of triangle colours.
   if (LISTS[list].tag == COLOR_LIST_TAG && second_left < first_left) {
@@ -554,6 +556,8 @@ std::optional<Salvaged> Salvage::salvage() {
       return std::nullopt;
     begin += size;
   }
+  if (begin < image.size())
+    lose(LIST_NUM, {}, std::to_string(image.size() - begin) + " bytes behind the last list");
   const Claim *before = nullptr;
   for (Claim &span : spans)
     if (span.end != 0) {
