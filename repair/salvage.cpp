@@ -93,7 +93,7 @@ public:
       return;
     Walk walk(image, image.size(), false, &found);
     const std::uint64_t end = walk.over({&kind, begin, number});
-    kept = keepPieces(end) && keepBlocks();
+    kept = keepPieces(end) && keepBlocks() && isWhole();
   }
 
   bool kept = false;
@@ -105,6 +105,7 @@ private:
   bool keepPieces(std::uint64_t end);
   bool keepPiece(Piece &piece);
   bool keepBlocks();
+  bool isWhole();
 
   const Image &image;
   const Kind &kind;
@@ -184,6 +185,7 @@ bool CutRecord::keepBlocks() {
   Image{bytes}.set(Word{kind.blocks_at} + 4, 0);
   append(bytes, image, blocks, blocks + kept_maker);
   const Image made = {bytes};
+  made.set(kind.size_at, static_cast<Word>(bytes.size())); // the size of an image follows from it
   Walk walk(made, bytes.size(), version_2);
   walk.over({&kind, 0});
   const std::uint64_t lacking = walk.maker_spare < 0 ? static_cast<std::uint64_t>(-walk.maker_spare) : 0;
@@ -194,7 +196,7 @@ bool CutRecord::keepBlocks() {
   Image{bytes}.set(Word{kind.blocks_at} + 4, kept_user);
   if (kept_user != 0)
     append(bytes, image, blocks + maker, blocks + maker + kept_user);
-  Image{bytes}.set(kind.size_at, static_cast<Word>(bytes.size())); // the size of an image follows from it
+  Image{bytes}.set(kind.size_at, static_cast<Word>(bytes.size()));
   const auto tell = [&](const std::string &what) { told += (told.empty() ? "" : ", ") + what; };
   if (lacking != 0)
     tell("the maker block is filled up with " + std::to_string(lacking) + " bytes of zeros");
@@ -203,6 +205,13 @@ bool CutRecord::keepBlocks() {
   if (kept_user < user)
     tell(leftOf({user, kept_user}, "bytes of the user block"));
   return true;
+}
+
+/// @return whether what is left is a record: counts that stand between the tables of some can be cut off.
+bool CutRecord::isWhole() {
+  const Image made = {bytes};
+  Walk walk(made, bytes.size(), version_2);
+  return walk.over({&kind, 0}) == bytes.size() && !walk.broken;
 }
 
 // --- The file -------------------------------------------------------------------------------------------------------
