@@ -203,7 +203,7 @@ constexpr Word TEX_TILE_IMG_NUM = 68;
 void tex(Walk &walk) {
   if (walk.word(TEX_ANIM) == 0) {
     walk.pass(24);
-    walk.table(1, {{4, To::teximg}});
+    walk.table(1, {{4, To::image}});
   } else {
     walk.pass(8);
     const Word scales = walk.nextCount("tex_tile_scale_num", 12);
@@ -211,7 +211,7 @@ void tex(Walk &walk) {
     const Word images = walk.nextCount("tex_tile_img_num", 8);
     walk.table(scales, {{4}, {4}, {4}});
     walk.table(offsets, {{4}, {4}, {4}});
-    walk.table(images, {{4}, {4, To::teximg}});
+    walk.table(images, {{4}, {4, To::image}});
   }
   walk.blocks();
 }
@@ -503,6 +503,7 @@ constexpr Kind element2(const char *name, Word tag, std::uint16_t fixed, std::ui
   return element(name, tag, {fixed, 8, blocks_at, "tag", "this_index", "size"}, content, links);
 }
 
+constexpr Link ENV_LINKS[] = {{12, To::name}, {40, To::image}};
 constexpr Link NAME_AT_12[] = {{12, To::name}};
 constexpr Link NAME_AT_16[] = {{16, To::name}};
 constexpr Link CAM_LINKS[] = {{12, To::name}, {56, To::obj}, {60, To::obj}, {64, To::obj}};
@@ -516,7 +517,7 @@ constexpr Link JOINT_LINKS[] = {{12, To::name}, {44, To::joint}, {48, To::effect
 constexpr Link EFFECTOR_LINKS[] = {{12, To::name}, {28, To::anim}};
 constexpr Link SCENE_LINKS[] = {{16, To::name}};
 
-const Kind ENV = element("Env", 0x100100, {56, 8, 48, "env_tag", "this_env_index", "env_size"}, onlyBlocks, NAME_AT_12);
+const Kind ENV = element("Env", 0x100100, {56, 8, 48, "env_tag", "this_env_index", "env_size"}, onlyBlocks, ENV_LINKS);
 const Kind CAM =
     element("Cam", 0xe0100, {76, 8, 68, "cam_tag", "this_cam_index", "cam_size"}, onlyBlocks, CAM_LINKS, camMaker);
 const Kind LIGHT =

@@ -59,6 +59,7 @@ enum class To : std::uint8_t {
   external_name,
   vtx_color,
   vtx_nv,
+  image, ///< of either list of images
   nothing,
   own_vtx, ///< the corners of a triangle; from here on in the order of the references
   own_tri_color,

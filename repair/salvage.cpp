@@ -411,6 +411,8 @@ bool Salvage::salvageList(std::size_t list, std::uint64_t begin, std::uint64_t s
     return false;
   if (begin + size <= image.size()) {
     append(made.bytes, image, begin, begin + size);
+    if (layout.first != nullptr && size >= layout.headBytes())
+      left[slot(toKind(list, false))] = {image[begin + 12], image[begin + 12]};
   } else if (begin < image.size()) {
     layout.first == nullptr ? cutScene(begin) : cutList(list, begin);
   } else {
@@ -578,6 +580,9 @@ std::optional<Salvaged> Salvage::salvage() {
     if (span.end != 0 && !isSound(written, span, version_2))
       return std::nullopt;
   applyReading(written, {.claims = before});
+  const Left &images = left[slot(To::teximg)];
+  const Left &index_images = left[slot(To::ci_img)];
+  left[slot(To::image)] = {std::max(images.before, index_images.before), std::max(images.now, index_images.now)};
   cutLinks(written, *this, version_2, made.losses);
   return std::move(made);
 }

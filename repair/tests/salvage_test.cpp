@@ -1,0 +1,146 @@
+/// Files that were cut, and what is left of them.
+
+#include "kova/kb.h"
+#include "reader/lists.h"
+#include "repair/tests/mending.h"
+#include "samples/builder.h"
+#include "survey/deep.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <map>
+
+namespace kova::repair {
+
+namespace {
+
+using harness::setWordAt;
+using harness::wordAt;
+
+Bytes sampleFile(const std::string &name) {
+  std::ifstream stream(std::string(KOVA_SOURCE_DIR "/samples/") + name, std::ios::binary);
+  return Bytes(std::istreambuf_iterator<char>(stream), {});
+}
+
+struct Extent {
+  std::size_t begin, end;
+};
+
+/// The elements of a good file by list and group, after its own size tables.
+std::map<std::pair<std::string, int>, std::vector<Extent>> elementsOf(const Bytes &file) {
+  std::map<std::pair<std::string, int>, std::vector<Extent>> elements;
+  std::size_t begin = wordAt(file, 12);
+  const bool version_2 = wordAt(file, 0) == VERSION_2;
+  for (const ListRow &list : std::span(LISTS).first(version_2 ? LIST_NUM : VERSION_1_LIST_NUM)) {
+    const std::size_t size = wordAt(file, harness::sizeOffset(list));
+    if (size != 0 && list.tag != SCENE_LIST_TAG) {
+      const bool two = list.tag == COLOR_LIST_TAG || list.tag == VECTOR_LIST_TAG;
+      const std::size_t numbers[] = {wordAt(file, begin + 12), two ? wordAt(file, begin + 16) : 0};
+      std::size_t table = begin + (two ? 28 : 24);
+      std::size_t at = table + 4 * (numbers[0] + numbers[1]);
+      for (const int group : {0, 1})
+        for (std::size_t i = 0; i < numbers[group]; ++i, table += 4) {
+          elements[{list.name, group}].push_back({at, at + wordAt(file, table)});
+          at += wordAt(file, table);
+        }
+    }
+    begin += size;
+  }
+  return elements;
+}
+
+/// The links that lead nowhere, as a survey counts them.
+std::map<std::string, std::uint64_t> deadLinks(const Bytes &file) {
+  const FindingReceiver silent([](const Finding &) {});
+  Kis kis;
+  kvOpenKbMemory(file, "", kis);
+  survey::Record record;
+  survey::deepCheck(kis, record);
+  std::map<std::string, std::uint64_t> links;
+  for (const auto &[id, count] : record.counts) {
+    const std::string name = id;
+    if (!name.starts_with("float") && !name.starts_with("object") && !name.starts_with("key"))
+      links[name] = count;
+  }
+  return links;
+}
+
+/// @return what does not hold: every element that was whole is there, and differs only in links that lead nowhere now.
+std::string missing(const Bytes &original, std::size_t cut, const Bytes &salvaged, bool with_links) {
+  const auto was = elementsOf(original);
+  auto is = elementsOf(salvaged);
+  for (const auto &[list, elements] : was) {
+    const auto &kept = is[list];
+    for (std::size_t i = 0; i < elements.size() && elements[i].end <= cut; ++i) {
+      const std::string what = list.first + '[' + std::to_string(i) + ']';
+      const std::size_t size = elements[i].end - elements[i].begin;
+      if (i >= kept.size() || kept[i].end - kept[i].begin != size)
+        return what + " is gone\n";
+      for (std::size_t at = 0; at < size; ++at) {
+        if (original[elements[i].begin + at] == salvaged[kept[i].begin + at])
+          continue;
+        const std::size_t word = at / 4 * 4;
+        Bytes linked = salvaged;
+        setWordAt(linked, kept[i].begin + word, wordAt(original, elements[i].begin + word));
+        if (wordAt(salvaged, kept[i].begin + word) != ~0U || (with_links && deadLinks(linked) == deadLinks(salvaged)))
+          return what + ": byte " + std::to_string(at) + " is another\n";
+        at = word + 3;
+      }
+    }
+  }
+  return "";
+}
+
+struct Cuts {
+  std::string name;
+  Bytes file;
+  std::size_t step;
+  bool links; ///< all lead to something
+};
+
+std::vector<Cuts> cuts() {
+  std::vector<Cuts> files = {{"good 1", samples::goodFile1().bytes, 7, false},
+                             {"good 2", samples::goodFile2().bytes, 7, false},
+                             {"town", sampleFile("town.kb"), 503, true},
+                             {"figure", sampleFile("figure.kb"), 397, true},
+                             {"every form 1", sampleFile("every-form-1.kb"), 61, true},
+                             {"every form 2", sampleFile("every-form-2.kb"), 61, true}};
+  for (samples::Sample &sample : samples::smallSamples())
+    files.push_back({sample.name, std::move(sample.file.bytes), 3, false});
+  return files;
+}
+
+TEST(Salvage, WhatWasWholeIsThere) {
+  std::size_t total = 0;
+  std::size_t salvaged = 0;
+  for (const Cuts &cut : cuts()) {
+    for (std::size_t size = 4; size < cut.file.size(); size += cut.step) {
+      SCOPED_TRACE(cut.name + " cut to " + std::to_string(size));
+      const Bytes file(cut.file.begin(), cut.file.begin() + static_cast<std::ptrdiff_t>(size));
+      const Mending refused = mendAndCheck(file, false);
+      EXPECT_EQ(refused.broken, "");
+      EXPECT_EQ(refused.result.outcome, Outcome::hopeless);
+      const Mending mending = mendAndCheck(file, true);
+      EXPECT_EQ(mending.broken, "");
+      ++total;
+      if (mending.result.outcome != Outcome::salvaged) {
+        continue;
+      }
+      ++salvaged;
+      EXPECT_EQ(missing(cut.file, size, mending.bytes, cut.links), "");
+      if (cut.links) {
+        for (const auto &[id, count] : deadLinks(mending.bytes))
+          EXPECT_EQ(count, 0U) << id;
+      }
+    }
+  }
+  std::printf("%zu of %zu files salvaged\n", salvaged, total);
+  EXPECT_GE(static_cast<double>(salvaged), 0.99 * static_cast<double>(total));
+}
+
+} // namespace
+
+} // namespace kova::repair
