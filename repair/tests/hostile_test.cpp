@@ -1,0 +1,86 @@
+/// Files with which nothing can be done, or that were made to do harm: no crash, no hang, nothing untold.
+
+#include "harness/bytes.h"
+#include "repair/tests/mending.h"
+#include "samples/builder.h"
+#include "tests/allocations.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <random>
+
+namespace kova::repair {
+
+namespace {
+
+using harness::setWordAt;
+using harness::wordAt;
+
+TEST(Hostile, AnyDamageIsStood) {
+  std::vector<Bytes> files = {samples::goodFile1().bytes, samples::goodFile2().bytes};
+  for (samples::Sample &sample : samples::smallSamples())
+    files.push_back(std::move(sample.file.bytes));
+  for (std::uint32_t seed = 0; seed < 6000; ++seed) {
+    std::mt19937 random(seed);
+    Bytes file = files[random() % files.size()];
+    if (seed % 3 == 0)
+      file.resize(random() % file.size());
+    for (std::size_t i = 1 + random() % (std::size_t{1} << random() % 9); i != 0 && file.size() > 7; --i) {
+      const std::size_t at = 4 + random() % (file.size() - 4);
+      if (random() % 2 == 0)
+        file[at] = static_cast<unsigned char>(random());
+      else if (at + 4 <= file.size())
+        setWordAt(file, at / 4 * 4, wordAt(file, random() % (file.size() - 3)));
+    }
+    EXPECT_EQ(auditMending(file), "") << "seed " << seed;
+  }
+}
+
+/// A file of one word, over and over, behind a header that promises all of it to one list.
+Bytes monotonous(Word version, std::size_t list, std::size_t size, std::vector<Word> words) {
+  Bytes file(size);
+  for (std::size_t at = 0; at < size; at += 4)
+    setWordAt(file, at, words[at / 4 % words.size()]);
+  const std::size_t header = version == VERSION_1 ? FILE_HEADER_BYTES : FILE_HEADER_BYTES + VERSION_2_SIZES_BYTES;
+  for (std::size_t at = 0; at < header; at += 4)
+    setWordAt(file, at, 0);
+  setWordAt(file, 0, version);
+  setWordAt(file, 4, static_cast<Word>(size));
+  setWordAt(file, 12, static_cast<Word>(header));
+  setWordAt(file, 92, static_cast<Word>(header - FILE_HEADER_BYTES));
+  setWordAt(file, harness::sizeOffset(LISTS[list]), static_cast<Word>(size - header));
+  setWordAt(file, header, LISTS[list].tag);
+  setWordAt(file, header + 8, static_cast<Word>(size - header));
+  return file;
+}
+
+/// What a load may take of a damaged file, the file that is made, and what is known of its records.
+constexpr std::size_t memoryBound(std::size_t size) { return (16 << 20) + 48 * size; }
+
+TEST(Hostile, MemoryAndTimeDependOnTheSizeAlone) {
+  constexpr std::size_t SIZE = 1 << 20;
+  double most = 0;
+  for (std::size_t list = 0; list < LIST_NUM; ++list) {
+    const Word version = list < VERSION_1_LIST_NUM ? VERSION_1 : VERSION_2;
+    const Word element = LISTS[list].tag + 0x100;
+    for (const std::vector<Word> &words :
+         {std::vector<Word>{~0U}, {0}, {1}, {element}, {element, 0}, {element, 1, 8, 8}, {0x1000}, {0x40000}}) {
+      for (const std::size_t cut : {0, 5}) {
+        Bytes file = monotonous(version, list, SIZE, words);
+        file.resize(SIZE - cut);
+        const std::size_t held = test::allocations.held;
+        test::allocations.peak = held;
+        mend(file, true);
+        const std::size_t taken = test::allocations.peak - held;
+        most = std::max(most, static_cast<double>(taken) / SIZE);
+        EXPECT_LE(taken, memoryBound(SIZE)) << LISTS[list].name << ' ' << words[0];
+      }
+    }
+  }
+  std::printf("memory of mending: up to %.1f x the file\n", most);
+}
+
+} // namespace
+
+} // namespace kova::repair
