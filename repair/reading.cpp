@@ -234,7 +234,7 @@ Reader::Readings Reader::closeBlocks(std::size_t list, std::uint64_t sizes_at, s
   if (sizes[0] + sizes[1] == room)
     return {reading};
   Readings readings;
-  for (const std::size_t i : {0, 1}) {
+  for (const std::size_t i : {std::size_t{0}, std::size_t{1}}) {
     if (room < sizes[1 - i] || room % 4 != 0 || sizes[1 - i] % 4 != 0)
       continue;
     Reading changed = reading;
