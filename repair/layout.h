@@ -138,6 +138,8 @@ struct Events {
   /// `count_at`; 0: it is not a number for this table alone.
   virtual void table(std::uint64_t /*begin*/, std::uint64_t /*entries*/, std::span<const Column> /*columns*/,
                      std::uint64_t /*count_at*/) {}
+  /// Whether records that cannot all be there are gone over as far as they are.
+  virtual bool wantsBroken() const { return false; }
   /// Records of a kind begin, one behind the other; `first` is the place of the first one.
   virtual void series(const Spot & /*first*/, Word /*number*/) {}
 };

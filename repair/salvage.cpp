@@ -59,6 +59,7 @@ struct Pieces : Events {
   std::vector<Site> sites;
   int depth_now = 0;
 
+  bool wantsBroken() const override { return true; }
   void enter(const Spot &, int) override { ++depth_now; }
   void leave(const Spot &, std::uint64_t end, int) override {
     if (--depth_now == 1)

@@ -49,6 +49,12 @@ void Walk::table(std::uint64_t entries, std::initializer_list<Column> columns, s
 void Walk::records(Word number, const Kind &kind) {
   if (events != nullptr)
     events->series({&kind, position, 0, base}, number);
+  // Else each of many records with such a number would be followed to the end of the file.
+  if ((events == nullptr || !events->wantsBroken()) && position + std::uint64_t{number} * kind.fixed > limit) {
+    position += std::uint64_t{number} * kind.fixed;
+    broken = true;
+    return;
+  }
   for (Word i = 0; i < number; ++i) {
     if (position + kind.fixed > limit) { // the others are not there
       position += std::uint64_t{number - i} * kind.fixed;
