@@ -6,7 +6,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <map>
 #include <random>
 #include <set>
@@ -207,6 +210,109 @@ TEST(Mend, SeveralWordsAreMended) {
   all.print("two to four");
   EXPECT_GT(all.total, 5000U);
   EXPECT_GE(all.share(), 0.85);
+}
+
+// --- Examples -------------------------------------------------------------------------------------------------------
+
+std::string told(const std::vector<Change> &changes) {
+  std::string text;
+  for (const Change &change : changes)
+    text += (text.empty() ? "" : ", ") + change.field + ' ' + std::to_string(static_cast<Index>(change.old_value)) +
+            "->" + std::to_string(static_cast<Index>(change.new_value));
+  return text;
+}
+
+TEST(Mend, Examples) {
+  struct Case {
+    const char *what, *text, *edits;
+    Outcome outcome;
+    const char *changes, *alternative;
+  };
+  for (const Case &a : {
+           Case{"levels of detail and children can stand in for each other",
+                "ObjList { Obj obj_lod_num=2 obj_child_num=2 }", "Obj 0 obj_child_num 4", Outcome::ambiguous,
+                "obj_lod_num 2->1", "obj_child_num 4->2"},
+           Case{"both of a list's sizes against its elements", "EnvList { Env }",
+                "EnvList 0 list_size +8; FileHeader 0 env_list_num +8", Outcome::mended,
+                "env_list_num 92->84, env_list_size 92->84", ""},
+           Case{"the count of a list by its first element", "EnvList { Env Env Env }", "EnvList 0 num -1",
+                Outcome::mended, "env_num 2->3", ""},
+           Case{"a huge count of a list", "EnvList { Env Env Env }", "EnvList 0 num 0x7fffffff", Outcome::mended,
+                "env_num 2147483647->3", ""},
+           Case{"the second count of a list with two kinds",
+                "ColorList { TriColorGroup TriColorGroup VtxColorGroup VtxColorGroup }", "ColorList 0 tri_group_num 1",
+                Outcome::mended, "tri_color_group_num 1->2", ""},
+           Case{"a list's size in the header and its own", "EnvList { Env }  CamList { Cam }",
+                "EnvList 0 list_size 4; FileHeader 0 env_list_num 8", Outcome::mended,
+                "env_list_num 8->84, env_list_size 4->84", ""},
+       }) {
+    SCOPED_TRACE(a.what);
+    const File original = samples::build(VERSION_1, a.text, samples::LinkWords::none);
+    const Mending mending = mendAndCheck(samples::edited(original, a.edits).bytes, false);
+    EXPECT_EQ(mending.broken, "");
+    EXPECT_EQ(mending.result.outcome, a.outcome);
+    EXPECT_EQ(told(mending.result.changes), a.changes);
+    EXPECT_EQ(told(mending.result.alternative), a.alternative);
+    EXPECT_EQ(mending.bytes == original.bytes, a.outcome == Outcome::mended);
+  }
+}
+
+Bytes sampleFile(const std::string &name) {
+  std::ifstream stream(KOVA_SOURCE_DIR "/samples/" + name + ".kb", std::ios::binary);
+  return Bytes(std::istreambuf_iterator<char>(stream), {});
+}
+
+/// What becomes of every bundled sample: itself, another one, or why not.
+TEST(Mend, BundledSamples) {
+  const std::map<std::string, std::string> others = {
+      {"damaged", "town"},
+      {"cut", "its lists do not end where the file ends"},
+      {"extra", "its lists do not end where the file ends"},
+      {"version", "it is of no version that is known"},
+      {"light-type", "van_ext_blk_size 0->44 or usr_ext_blk_size 0->44"},
+  };
+  const std::set<std::string> of_small_2 = {
+      "envelope", "external-name-tag", "list-size-2", "maker-block-missing", "maker-block-short", "scene-block-short"};
+  std::size_t number = 0;
+  for (const auto &entry : std::filesystem::directory_iterator(KOVA_SOURCE_DIR "/samples")) {
+    if (entry.path().extension() != ".kb")
+      continue;
+    const std::string name = entry.path().stem();
+    SCOPED_TRACE(name);
+    const Bytes file = sampleFile(name);
+    const Mending mending = mendAndCheck(file, false);
+    EXPECT_EQ(mending.broken, "");
+    const Result &result = mending.result;
+    const auto other = others.find(name);
+    const std::string expected = other != others.end()       ? other->second
+                                 : of_small_2.contains(name) ? "small-2"
+                                                             : "small-1";
+    if (auditsOk(file)) {
+      EXPECT_EQ(result.outcome, Outcome::good);
+    } else if (name == "skin") { // made damaged; it has no undamaged original
+      EXPECT_EQ(result.changes.size(), 11U);
+    } else if (result.outcome == Outcome::hopeless) {
+      EXPECT_EQ(result.reason, expected);
+    } else if (result.outcome == Outcome::ambiguous) {
+      EXPECT_EQ(told(result.changes) + " or " + told(result.alternative), expected);
+    } else {
+      EXPECT_EQ(result.outcome, Outcome::mended);
+      EXPECT_TRUE(mending.bytes == sampleFile(expected)) << "is not " << expected;
+    }
+    ++number;
+  }
+  EXPECT_GE(number, 32U);
+}
+
+/// What fuzzing has found stays clean.
+TEST(Mend, FuzzingCorpus) {
+  std::size_t replayed = 0;
+  for (const auto &input : std::filesystem::directory_iterator(KOVA_SOURCE_DIR "/fuzz/corpus/mend")) {
+    std::ifstream stream(input.path(), std::ios::binary);
+    EXPECT_EQ(auditMending(Bytes(std::istreambuf_iterator<char>(stream), {})), "") << input.path();
+    ++replayed;
+  }
+  EXPECT_GT(replayed, 100U);
 }
 
 } // namespace
