@@ -130,7 +130,7 @@ Result salvageCut(std::vector<unsigned char> &bytes) {
   if (!audit.ok)
     return hopeless("it is cut, and what is left of it is damaged, too: " + withoutLineEnd(audit.first));
   bytes = std::move(salvaged->bytes);
-  return {.outcome = Outcome::salvaged, .losses = std::move(salvaged->losses)};
+  return {.outcome = Outcome::salvaged, .changes = std::move(salvaged->changes), .losses = std::move(salvaged->losses)};
 }
 
 /// Leaves out what stands behind the end that the header gives.

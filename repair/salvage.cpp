@@ -233,12 +233,22 @@ private:
   void lose(std::size_t list, std::optional<Word> element, std::string what) {
     made.losses.push_back({list < LIST_NUM ? LISTS[list].name : "FileHeader", element, std::move(what)});
   }
+  void copy(std::uint64_t begin, std::uint64_t end, std::uint64_t from) { copied.push_back({begin, end, from}); }
+  void tellChanges(std::vector<Change> changes);
   Word headerWord(std::uint64_t at) const { return at + 4 <= image.size() ? image[at] : 0; }
 
   const Image &image;
   bool version_2;
   std::uint64_t lists_begin = FILE_HEADER_BYTES; ///< in the cut file
+  std::uint64_t whole_end = 0;                   ///< of the elements of the list that are whole
   Salvaged made = {};
+  /// What stands between `begin` and `end` now, and stood at `from` before.
+  struct Copied {
+    std::uint64_t begin;
+    std::uint64_t end;
+    std::uint64_t from;
+  };
+  std::vector<Copied> copied = {};
 
 public:
   std::array<Claim, LIST_NUM> spans = {}; ///< of the lists that are left, in the salvaged file
@@ -280,6 +290,7 @@ void Salvage::salvageHeader() {
     append(bytes, image, FILE_HEADER_BYTES + maker, FILE_HEADER_BYTES + maker + kept_user);
   Image{bytes}.set(BLOCKS_AT, static_cast<Word>(filled));
   Image{bytes}.set(BLOCKS_AT + 4, static_cast<Word>(kept_user));
+  copy(8, kept_maker == maker && filled == maker && kept_user == user ? 16 : 12, 8);
   if (image.size() < FILE_HEADER_BYTES)
     lose(LIST_NUM, {}, leftOf({FILE_HEADER_BYTES, image.size()}, "bytes"));
   else if (kept_maker < maker || kept_user < user)
@@ -329,7 +340,7 @@ std::uint64_t Salvage::cutElements(std::size_t list, const Kind &kind, std::uint
     const std::uint64_t end = at + kind.fixed <= image.size() ? walk.over({&kind, at, i}) : UNKNOWN;
     if (end <= image.size() && !walk.broken) {
       append(elements, image, at, end);
-      at = end;
+      at = whole_end = end;
       ++counted.now;
       continue;
     }
@@ -361,6 +372,7 @@ void Salvage::cutList(std::size_t list, std::uint64_t begin) {
     return emptyList(list);
   }
   Bytes elements;
+  const std::uint64_t elements_begin = whole_end = at;
   const std::uint64_t first_left = cutElements(list, *layout.first, at, first, elements);
   std::uint64_t second_left = layout.second != nullptr ? cutElements(list, *layout.second, at, second, elements) : 0;
   const bool whole = first_left == first && second_left == second && cut_element.to == To::nothing;
@@ -394,10 +406,11 @@ void Salvage::cutList(std::size_t list, std::uint64_t begin) {
   const std::uint64_t tables[] = {table, table + std::uint64_t{first} * sizeof(Word)};
   const std::uint64_t numbers[] = {first, second};
   const std::uint64_t left_of[] = {first_left, second_left};
-  for (const std::size_t i : {0, 1}) { // an entry that is not right will follow from its element
+  for (const std::size_t i : {std::size_t{0}, std::size_t{1}}) { // an entry that is not right will follow from its element
     for (std::uint64_t entry = 0; entry < left_of[i]; ++entry)
       appendWords(bytes, {entry < numbers[i] ? image[tables[i] + entry * sizeof(Word)] : 0});
   }
+  copy(bytes.size(), bytes.size() + whole_end - elements_begin, elements_begin);
   bytes.insert(bytes.end(), elements.begin(), elements.end());
   append(bytes, image, at, at + kept_maker);
   if (kept_user != 0)
@@ -412,6 +425,7 @@ bool Salvage::salvageList(std::size_t list, std::uint64_t begin, std::uint64_t s
     return false;
   if (begin + size <= image.size()) {
     append(made.bytes, image, begin, begin + size);
+    copy(made_begin, made.bytes.size(), begin);
     if (layout.first != nullptr && size >= layout.headBytes())
       left[slot(toKind(list, false))] = {image[begin + 12], image[begin + 12]};
   } else if (begin < image.size()) {
@@ -435,7 +449,7 @@ bool Salvage::salvageList(std::size_t list, std::uint64_t begin, std::uint64_t s
 bool isSound(const Image &image, const Claim &span, bool version_2) {
   const ListLayout &layout = LAYOUT[span.list];
   const auto goOver = [&](const Kind &kind, std::uint64_t &at, Word number) {
-    if (at + kind.fixed > span.end)
+    if (at + kind.fixed > span.end || (kind.tag != 0 && !isElementTag(kind, image[at])))
       return false;
     Walk walk(image, span.end, version_2);
     at = walk.over({&kind, at, number});
@@ -443,11 +457,13 @@ bool isSound(const Image &image, const Claim &span, bool version_2) {
   };
   std::uint64_t at = span.begin;
   if (layout.first == nullptr)
-    return goOver(SCENE, at, 0);
+    return goOver(SCENE, at, 0) && at == span.end;
   if (at + layout.headBytes() > span.end)
     return false;
   const Word first = image[at + 12];
   const Word second = layout.second != nullptr ? image[at + 16] : 0;
+  const std::uint64_t blocks =
+      std::uint64_t{image[at + layout.blocksAt()] & ~Word{3}} + (image[at + layout.blocksAt() + 4] & ~Word{3});
   at += layout.headBytes() + (std::uint64_t{first} + second) * sizeof(Word);
   for (Word i = 0; i < first; ++i)
     if (!goOver(*layout.first, at, i))
@@ -455,7 +471,7 @@ bool isSound(const Image &image, const Claim &span, bool version_2) {
   for (Word i = 0; i < second; ++i)
     if (!goOver(*layout.second, at, i))
       return false;
-  return at <= span.end;
+  return at + blocks == span.end;
 }
 
 /// Sets the links into what is gone to none.
@@ -554,6 +570,18 @@ void cutLinks(const Image &image, const Salvage &salvage, bool version_2, std::v
   cutter.finish();
 }
 
+/// Keeps the changes of words that were there before. The others follow from the cut.
+void Salvage::tellChanges(std::vector<Change> changes) {
+  for (Change &change : changes)
+    for (const Copied &part : copied)
+      if (change.offset >= part.begin && change.offset + sizeof(Word) <= part.end) {
+        change.offset += part.from - part.begin;
+        if (change.offset + sizeof(Word) <= image.size())
+          made.changes.push_back(std::move(change));
+        break;
+      }
+}
+
 std::optional<Salvaged> Salvage::salvage() {
   salvageHeader();
   const bool has_version_2_lists = version_2 && headerWord(BLOCKS_AT) >= VERSION_2_SIZES_BYTES;
@@ -580,7 +608,7 @@ std::optional<Salvaged> Salvage::salvage() {
   for (const Claim &span : spans)
     if (span.end != 0 && !isSound(written, span, version_2))
       return std::nullopt;
-  applyReading(written, {.claims = before});
+  tellChanges(applyReading(written, {.claims = before}).changes);
   const Left &images = left[slot(To::teximg)];
   const Left &index_images = left[slot(To::ci_img)];
   left[slot(To::image)] = {std::max(images.before, index_images.before), std::max(images.now, index_images.now)};

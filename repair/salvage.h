@@ -9,6 +9,7 @@ namespace kova::repair {
 /// The file that is made of what was whole.
 struct Salvaged {
   std::vector<unsigned char> bytes;
+  std::vector<Change> changes; ///< of what was wrong beside, by offset in the cut file
   std::vector<Loss> losses;
 };
 

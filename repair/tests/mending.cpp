@@ -32,21 +32,23 @@ bool tellAll(const std::vector<Change> &changes, Bytes before, const Bytes &afte
   return std::equal(after.begin(), after.end(), before.begin(), before.begin() + static_cast<long>(after.size()));
 }
 
-/// Two readings are told by what each would change in the file.
-bool areReadings(const Result &result, const Bytes &file) {
-  const auto fits = [&](const Change &change) {
+/// @return whether the changes are ones of words of the file.
+bool fit(const std::vector<Change> &changes, const Bytes &file) {
+  return std::all_of(changes.begin(), changes.end(), [&](const Change &change) {
     return change.offset + sizeof(Word) <= file.size() &&
            harness::wordAt(file, static_cast<std::size_t>(change.offset)) == change.old_value;
-  };
-  return result.changes != result.alternative && std::all_of(result.changes.begin(), result.changes.end(), fits) &&
-         std::all_of(result.alternative.begin(), result.alternative.end(), fits);
+  });
+}
+
+/// Two readings are told by what each would change in the file.
+bool areReadings(const Result &result, const Bytes &file) {
+  return result.changes != result.alternative && fit(result.changes, file) && fit(result.alternative, file);
 }
 
 /// What is made of a file that was cut is hardly longer than what was left of it.
 constexpr std::size_t mostSalvaged(std::size_t size) { return 4096 + 3 * size; }
 
 std::string brokenOutcome(const Bytes &before, const Bytes &after, const Result &result, bool salvage) {
-  const bool longer = before.size() >= FILE_HEADER_BYTES && harness::wordAt(before, 4) < before.size();
   switch (result.outcome) {
   case Outcome::good:
     return result.changes.empty() && before == after ? "" : "good, but changed";
@@ -55,7 +57,7 @@ std::string brokenOutcome(const Bytes &before, const Bytes &after, const Result 
   case Outcome::salvaged:
     if (!salvage || result.losses.empty() || after.size() > mostSalvaged(before.size()))
       return "salvaged: not asked for, too long, or nothing lost";
-    return longer || result.changes.empty() ? "" : "salvaged with changes that have no place";
+    return fit(result.changes, before) ? "" : "salvaged with changes that have no place";
   case Outcome::ambiguous:
     return before == after && areReadings(result, before) ? "" : "ambiguous, but changed or without two readings";
   case Outcome::hopeless:
@@ -83,7 +85,8 @@ Mending mendAndCheck(const Bytes &file, bool salvage) {
       mending.broken += what + " (" + listed(result.changes) + result.reason + ")\n";
   };
   say(brokenOutcome(file, mending.bytes, result, salvage));
-  const bool cut = result.outcome == Outcome::salvaged && result.changes.empty();
+  const bool longer = file.size() >= FILE_HEADER_BYTES && harness::wordAt(file, 4) < file.size();
+  const bool cut = result.outcome == Outcome::salvaged && !longer;
   if (result.outcome != Outcome::ambiguous && !cut && !tellAll(result.changes, file, mending.bytes))
     say("the changes that are told are not those that were made");
   if (result.outcome != Outcome::salvaged && !result.losses.empty())
