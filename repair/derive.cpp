@@ -126,16 +126,18 @@ void Deriver::deriveElement(const Kind &kind, std::uint64_t begin, std::uint64_t
   const auto size = static_cast<Word>(end - begin);
   const std::string entry = std::string(table_name) + '[' + std::to_string(number) + ']';
   const std::uint64_t size_word = begin + kind.size_at;
-  if (!kind.size_in_bytes || (image[size_word] & ~Word{3}) != size)
+  const bool other_size = image[size_word] != size && (!kind.size_in_bytes || (image[size_word] & ~Word{3}) != size);
+  if (other_size)
     set(size_word, kind.size_name, size, BY_PARTS);
   if (kind.index_checked)
     set(begin + kind.index_at, kind.index_name, number, BY_POSITION);
   else
     expect(kind, kind.index_name, begin + kind.index_at, kind.index_name, number, BY_POSITION);
-  if (kind.size_checked)
-    set(table_word, entry, size, "the size of the element");
+  const Word own_size = image[size_word];
+  if (kind.size_checked || other_size)
+    set(table_word, entry, own_size, "the size of the element");
   else
-    expect(kind, table_name, table_word, entry, size, "the size of the element");
+    expect(kind, table_name, table_word, entry, own_size, "the size of the element");
 }
 
 void Deriver::deriveElements(const Kind &kind, std::uint64_t &at, std::uint64_t table, const char *table_name,

@@ -229,7 +229,8 @@ private:
   void emptyList(std::size_t list);
   void cutScene(std::uint64_t begin);
   void cutList(std::size_t list, std::uint64_t begin);
-  std::uint64_t cutElements(std::size_t list, const Kind &kind, std::uint64_t &at, Word number, Bytes &elements);
+  std::uint64_t cutElements(std::size_t list, const Kind &kind, std::uint64_t &at, std::uint64_t table, Word number,
+                            Bytes &elements, std::vector<Word> &sizes);
   void lose(std::size_t list, std::optional<Word> element, std::string what) {
     made.losses.push_back({list < LIST_NUM ? LISTS[list].name : "FileHeader", element, std::move(what)});
   }
@@ -328,9 +329,9 @@ void Salvage::cutScene(std::uint64_t begin) {
   lose(0, {}, scene.told);
 }
 
-/// Appends the elements that are left. @return their number.
-std::uint64_t Salvage::cutElements(std::size_t list, const Kind &kind, std::uint64_t &at, Word number,
-                                   Bytes &elements) {
+/// Appends the elements that are left, and their entries in the size table. @return their number.
+std::uint64_t Salvage::cutElements(std::size_t list, const Kind &kind, std::uint64_t &at, std::uint64_t table,
+                                   Word number, Bytes &elements, std::vector<Word> &sizes) {
   const To to = toKind(list, &kind == LAYOUT[list].second);
   Left &counted = left[slot(to)] = {number, 0};
   for (Word i = 0; i < number && at < image.size(); ++i) {
@@ -340,6 +341,8 @@ std::uint64_t Salvage::cutElements(std::size_t list, const Kind &kind, std::uint
     const std::uint64_t end = at + kind.fixed <= image.size() ? walk.over({&kind, at, i}) : UNKNOWN;
     if (end <= image.size() && !walk.broken) {
       append(elements, image, at, end);
+      const Word entry = image[table + std::uint64_t{i} * sizeof(Word)];
+      sizes.push_back((entry & ~Word{3}) == end - at ? entry : image[at + kind.size_at]);
       at = whole_end = end;
       ++counted.now;
       continue;
@@ -347,6 +350,7 @@ std::uint64_t Salvage::cutElements(std::size_t list, const Kind &kind, std::uint
     const CutRecord record(image, kind, at, i, version_2);
     if (record.kept) {
       elements.insert(elements.end(), record.bytes.begin(), record.bytes.end());
+      sizes.push_back(static_cast<Word>(record.bytes.size()));
       ++counted.now;
       lose(list, i, record.told);
       cut_element = {to, i, record.entries};
@@ -372,9 +376,12 @@ void Salvage::cutList(std::size_t list, std::uint64_t begin) {
     return emptyList(list);
   }
   Bytes elements;
+  std::vector<Word> sizes; // for the size tables
+  const std::uint64_t second_table = table + std::uint64_t{first} * sizeof(Word);
   const std::uint64_t elements_begin = whole_end = at;
-  const std::uint64_t first_left = cutElements(list, *layout.first, at, first, elements);
-  std::uint64_t second_left = layout.second != nullptr ? cutElements(list, *layout.second, at, second, elements) : 0;
+  const std::uint64_t first_left = cutElements(list, *layout.first, at, table, first, elements, sizes);
+  std::uint64_t second_left =
+      layout.second != nullptr ? cutElements(list, *layout.second, at, second_table, second, elements, sizes) : 0;
   const bool whole = first_left == first && second_left == second && cut_element.to == To::nothing;
   const std::uint64_t there = whole ? image.size() - at : 0;
   const std::uint64_t maker = image[begin + layout.blocksAt()] & ~Word{3};
@@ -403,13 +410,8 @@ void Salvage::cutList(std::size_t list, std::uint64_t begin) {
     written.set(head + 16, static_cast<Word>(second_left));
   written.set(head + layout.blocksAt(), kept_maker);
   written.set(head + layout.blocksAt() + 4, kept_user);
-  const std::uint64_t tables[] = {table, table + std::uint64_t{first} * sizeof(Word)};
-  const std::uint64_t numbers[] = {first, second};
-  const std::uint64_t left_of[] = {first_left, second_left};
-  for (const std::size_t i : {std::size_t{0}, std::size_t{1}}) { // an entry that is not right will follow from its element
-    for (std::uint64_t entry = 0; entry < left_of[i]; ++entry)
-      appendWords(bytes, {entry < numbers[i] ? image[tables[i] + entry * sizeof(Word)] : 0});
-  }
+  for (std::uint64_t i = 0; i < first_left + second_left; ++i)
+    appendWords(bytes, {i < sizes.size() ? sizes[static_cast<std::size_t>(i)] : layout.second->fixed});
   copy(bytes.size(), bytes.size() + whole_end - elements_begin, elements_begin);
   bytes.insert(bytes.end(), elements.begin(), elements.end());
   append(bytes, image, at, at + kept_maker);

@@ -56,9 +56,12 @@ void Reader::solveCounts(const Spot &spot, std::uint64_t end, Proposals &proposa
   std::uint64_t ends_at = 0;
   const Walk walk = measure(spot, ends_at, &found);
   const auto lacking = static_cast<std::int64_t>(end - ends_at);
+  // Where the blocks are, too, may be wrong if their sizes do not tell where the record ends.
+  const bool blocks_tell =
+      std::any_of(found.sites.begin(), found.sites.end(), [](const Site &site) { return site.block; });
   for (const Site &site : found.sites) {
     if (site.maker) { // changes nothing about the end
-      if (lacking == 0 && walk.maker_spare < 0)
+      if (lacking == 0 && walk.maker_spare < 0 && blocks_tell)
         growSite(spot, end, site, site.value, walk.maker_spare, proposals);
     } else if (site.block) {
       tryWord(spot, end, site, site.value & ~Word{3}, proposals); // no block ends within a word
