@@ -150,7 +150,9 @@ void Deriver::deriveElements(const Kind &kind, std::uint64_t &at, std::uint64_t 
       continue;
     }
     Walk walk(image, image.size(), version_2, this);
-    const std::uint64_t end = walk.over({&kind, at, i});
+    const std::uint64_t end = at + kind.fixed <= image.size() ? walk.over({&kind, at, i}) : image.size() + 1;
+    if (walk.broken || end > image.size())
+      return; // no reading is like this; the audit will say what is wrong
     countMaker(kind, walk);
     deriveElement(kind, at, end, i, table + std::uint64_t{i} * sizeof(Word), table_name);
     at = end;

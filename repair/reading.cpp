@@ -27,6 +27,9 @@ bool sameClaims(const Claim *a, const Claim *b) {
   return true;
 }
 
+/// @return the bytes that a record of that size takes up.
+Word wholeWords(const Kind &kind, Word size) { return kind.size_in_bytes ? size & ~Word{3} : size; }
+
 /// Adds a place, once.
 void addEnd(std::vector<std::uint64_t> &ends, std::uint64_t end) {
   if (std::find(ends.begin(), ends.end(), end) == ends.end())
@@ -114,26 +117,32 @@ Word Reader::declared(std::size_t list) const {
 
 // --- Elements -------------------------------------------------------------------------------------------------------
 
-/// Follows one end of an element. @param own_size whether the element's own size says so, too. @param believed whether
-/// the end holds even if nothing explains it.
-void Reader::readElementTo(std::size_t list, const Spot &spot, const Reading &before, std::uint64_t end, Word cost,
-                           bool own_size, bool believed, Readings &readings) {
-  const Proposals proposals = solve(spot, end);
+/// Follows one end of an element, of which the size table gives the size. @param own_size whether the element's own
+/// size says so, too. @param believed whether the end holds even if nothing explains it.
+void Reader::readElementTo(std::size_t list, const Spot &spot, const Reading &before, std::uint64_t end,
+                           Word table_size, Word cost, bool own_size, bool believed, Readings &readings) {
+  Proposals proposals = solve(spot, end);
+  const std::uint64_t size_word = spot.begin + spot.kind->size_at;
+  std::erase_if(proposals, [&](const Proposal &proposal) { // a new size has to say so, too
+    return proposal.changes && proposal.site.offset == size_word &&
+           spot.begin + wholeWords(*spot.kind, proposal.value) != end;
+  });
   Reading reading = before;
   reading.at = end;
-  const std::uint64_t size_word = spot.begin + spot.kind->size_at;
   for (const Proposal &proposal : proposals) {
     reading.cost = before.cost + cost + proposal.cost;
     reading.doubts = before.doubts + proposal.doubts;
     reading.claims = before.claims;
-    if (!own_size && !(proposal.changes && proposal.site.offset == size_word))
+    const bool changes_size = proposal.changes && proposal.site.offset == size_word;
+    if (!own_size && !changes_size)
       ++reading.cost;
+    const bool in_table = changes_size && spot.begin + wholeWords(*spot.kind, table_size) == end;
     if (proposal.changes)
       reading.claims = claim({.begin = proposal.site.offset,
                               .list = list,
                               .element = spot.number,
                               .field = proposal.site.field,
-                              .value = proposal.value,
+                              .value = in_table ? table_size : proposal.value,
                               .maker = proposal.site.maker,
                               .why = proposal.site.maker ? "the size of the maker block" : "where the record ends"},
                              before.claims);
@@ -158,8 +167,8 @@ void Reader::readElement(std::size_t list, const Kind &kind, const Reading &befo
   const Spot spot = {&kind, begin, number};
   std::uint64_t by_words = 0;
   const Walk walk = measure(spot, by_words);
-  const std::uint64_t by_size = begin + image[begin + kind.size_at];
-  const std::uint64_t by_table = begin + table_size;
+  const std::uint64_t by_size = begin + wholeWords(kind, image[begin + kind.size_at]);
+  const std::uint64_t by_table = begin + wholeWords(kind, table_size);
   const Word cost = Word{!isElementTag(kind, image[begin])} + Word{image[begin + kind.index_at] != number};
   if (by_words == by_size && by_size == by_table && !walk.broken && walk.faults == 0) {
     Reading reading = before;
@@ -177,7 +186,7 @@ void Reader::readElement(std::size_t list, const Kind &kind, const Reading &befo
     addEnd(ends, find(begin + kind.fixed, list_end, kind.tag, number + 1));
   for (const std::uint64_t end : ends)
     if (end >= begin + kind.fixed && end <= image.size())
-      readElementTo(list, spot, before, end, cost + Word{end != by_table}, end == by_size,
+      readElementTo(list, spot, before, end, table_size, cost + Word{end != by_table}, end == by_size,
                     end == by_size && end == by_table, readings);
 }
 
@@ -333,7 +342,7 @@ void Reader::readScene(const Reading &before, Readings &readings) {
   addEnd(ends, by_header);
   for (const std::uint64_t end : ends)
     if (end >= begin + SCENE.fixed && end <= image.size())
-      readElementTo(SCENE_LIST, spot, before, end, Word{end != by_header}, end == by_size, false, readings);
+      readElementTo(SCENE_LIST, spot, before, end, 0, Word{end != by_header}, end == by_size, false, readings);
 }
 
 /// Passes a list without looking into it.

@@ -96,8 +96,8 @@ private:
 
   void readElement(std::size_t list, const Kind &kind, const Reading &before, Word number, Word table_size,
                    Readings &readings);
-  void readElementTo(std::size_t list, const Spot &spot, const Reading &before, std::uint64_t end, Word cost,
-                     bool own_size, bool believed, Readings &readings);
+  void readElementTo(std::size_t list, const Spot &spot, const Reading &before, std::uint64_t end, Word table_size,
+                     Word cost, bool own_size, bool believed, Readings &readings);
   Readings readElements(std::size_t list, const Kind &kind, Readings before, std::uint64_t table, Word number,
                         Word most_cost);
   void readNumbered(std::size_t list, const Reading &before, Word first, Word second, Readings &readings);

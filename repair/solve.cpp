@@ -74,6 +74,8 @@ void Reader::solveCounts(const Spot &spot, std::uint64_t end, Proposals &proposa
       const Word parts = site.unit == 2 ? ~Word{1} : ~Word{0}; // colours stand two to a word
       growSite(spot, end, site, site.value & parts, lacking, proposals);
       growSite(spot, end, site, static_cast<Index>(site.value & parts), lacking, proposals);
+      if (spot.kind->size_at != NO_WORD && site.offset == spot.begin + spot.kind->size_at) // texts take up whole words
+        growSite(spot, end, site, site.value & ~Word{3}, lacking, proposals);
       if (site.records != nullptr)
         solveRecords(spot, end, site, found.series_of, proposals);
       else if (walk.broken || !found.series_of.empty())
