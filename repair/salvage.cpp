@@ -94,6 +94,8 @@ public:
       return;
     Walk walk(image, image.size(), false, &found);
     const std::uint64_t end = walk.over({&kind, begin, number});
+    if (!found.pieces.empty() && found.pieces.front().begin < begin + kind.fixed)
+      return; // a header size that puts them upon the fixed words
     kept = keepPieces(end) && keepBlocks() && isWhole();
   }
 
@@ -128,7 +130,8 @@ bool CutRecord::keepPieces(std::uint64_t end) {
     if (!keepPiece(piece))
       return false;
   const std::uint64_t content_end = end - maker - user;
-  if (!cut_before_blocks && content_end <= image.size()) { // also what is no piece, as the size of an image
+  if (!cut_before_blocks && content_end >= begin + kind.fixed &&
+      content_end <= image.size()) { // also what is no piece, as the size of an image
     bytes.clear();
     append(bytes, image, begin, content_end);
     return true;

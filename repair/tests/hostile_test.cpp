@@ -81,6 +81,24 @@ TEST(Hostile, MemoryAndTimeDependOnTheSizeAlone) {
   std::printf("memory of mending: up to %.1f x the file\n", most);
 }
 
+/// Header sizes that place what follows upon the fixed words, in a file that is cut there.
+TEST(Hostile, HeaderSizesThatPointBackAreStood) {
+  struct {
+    const char *kind, *field;
+  } const words[] = {{"SceneList", "scene_header_size"}, {"Light", "light_header_size"}, {"Name", "name_header_size"}};
+  for (const samples::File &good : {samples::goodFile1(), samples::goodFile2()})
+    for (const auto &[kind, field] : words)
+      for (const Word size : {0U, 4U, 40U, 0x7ffffffcU, ~0U}) {
+        samples::File file = good;
+        setWord(file, kind, 0, field, size);
+        const std::size_t at = offsetOf(file, kind, 0, field);
+        for (std::size_t cut = at + 4; cut < std::min(file.bytes.size(), at + 260); cut += 3)
+          EXPECT_EQ(mendAndCheck(Bytes(file.bytes.begin(), file.bytes.begin() + static_cast<long>(cut)), true).broken,
+                    "")
+              << kind << ' ' << size << ' ' << cut;
+      }
+}
+
 } // namespace
 
 } // namespace kova::repair
