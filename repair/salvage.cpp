@@ -220,13 +220,31 @@ bool CutRecord::isWhole() {
 
 // --- The file -------------------------------------------------------------------------------------------------------
 
+/// The element that is there in part, and how much its table held.
+struct CutElement {
+  To to = To::nothing;
+  Word number = 0;
+  Left entries = {};
+};
+
 class Salvage {
 public:
   explicit Salvage(const Image &file) : image(file), version_2((file[0] & 0xffff) == VERSION_2) {}
 
   std::optional<Salvaged> salvage();
 
+  std::array<Claim, LIST_NUM> spans = {}; ///< of the lists that are left, in the salvaged file
+  std::array<Left, TO_NUM> left = {};     ///< by what links lead to
+  CutElement cut_element = {};
+
 private:
+  /// What stands between `begin` and `end` now, and stood at `from` before.
+  struct Copied {
+    std::uint64_t begin;
+    std::uint64_t end;
+    std::uint64_t from;
+  };
+
   void salvageHeader();
   bool salvageList(std::size_t list, std::uint64_t begin, std::uint64_t size);
   void emptyList(std::size_t list);
@@ -246,23 +264,7 @@ private:
   std::uint64_t lists_begin = FILE_HEADER_BYTES; ///< in the cut file
   std::uint64_t whole_end = 0;                   ///< of the elements of the list that are whole
   Salvaged made = {};
-  /// What stands between `begin` and `end` now, and stood at `from` before.
-  struct Copied {
-    std::uint64_t begin;
-    std::uint64_t end;
-    std::uint64_t from;
-  };
   std::vector<Copied> copied = {};
-
-public:
-  std::array<Claim, LIST_NUM> spans = {}; ///< of the lists that are left, in the salvaged file
-  std::array<Left, TO_NUM> left = {};     ///< by what links lead to
-  /// The element that is there in part, and how much it held.
-  struct CutElement {
-    To to = To::nothing;
-    Word number = 0;
-    Left entries = {};
-  } cut_element = {};
 };
 
 std::size_t slot(To to) { return static_cast<std::size_t>(to); }
@@ -542,7 +544,7 @@ private:
 
   const Image &image;
   const std::array<Left, TO_NUM> &left;
-  const Salvage::CutElement &cut;
+  const CutElement &cut;
   std::vector<Loss> &losses;
   std::array<Left, OWN_NUM> own = {};
   Loss where = {};
