@@ -133,6 +133,21 @@ Result salvageCut(std::vector<unsigned char> &bytes) {
   return {.outcome = Outcome::salvaged, .changes = std::move(salvaged->changes), .losses = std::move(salvaged->losses)};
 }
 
+/// Fills up the maker blocks of a file that has nothing else that is wrong, or not any more. @return whether it audits
+/// OK then; else it stays as it is.
+bool salvageShort(std::vector<unsigned char> &bytes, Result &result) {
+  if (bytes.size() < FILE_HEADER_BYTES)
+    return false;
+  std::optional<Salvaged> filled = fillMakerBlocks(Image{bytes});
+  if (!filled || !auditBytes(filled->bytes).ok)
+    return false;
+  bytes = std::move(filled->bytes);
+  result.outcome = Outcome::salvaged;
+  result.losses = std::move(filled->losses);
+  result.reason.clear();
+  return true;
+}
+
 /// Leaves out what stands behind the end that the header gives.
 Result salvageLonger(std::vector<unsigned char> &bytes, std::size_t stated) {
   if (stated < FILE_HEADER_BYTES)
@@ -159,7 +174,11 @@ Result mend(std::vector<unsigned char> &bytes, bool salvage) {
   const bool has_header = image.size() >= FILE_HEADER_BYTES;
   const std::uint64_t stated = has_header ? image[4] : image.size() + 1;
   Result result = has_header ? mendWhole(bytes, image) : hopeless("it is shorter than a header");
-  if (!salvage || result.outcome == Outcome::good || result.outcome == Outcome::mended || stated == image.size())
+  if (!salvage || result.outcome == Outcome::good || result.outcome == Outcome::mended)
+    return result;
+  if (result.outcome == Outcome::hopeless && salvageShort(bytes, result))
+    return result;
+  if (stated == image.size())
     return result;
   if (result.outcome == Outcome::hopeless)
     setWords(image, result.changes, &Change::old_value);

@@ -52,7 +52,8 @@ struct Result {
 };
 
 /// Mends the bytes of a file in place. An ambiguous file stays as it is. Of one without hope, the words are changed of
-/// which there is no doubt. Where `salvage` is set and the file is cut, `bytes` is the salvaged file afterwards.
+/// which there is no doubt. Where `salvage` is set and the file is cut, has bytes behind its end, or maker blocks that
+/// are too short, `bytes` is the salvaged file afterwards.
 Result mend(std::vector<unsigned char> &bytes, bool salvage);
 
 } // namespace kova::repair

@@ -1,4 +1,4 @@
-/// What is left of a file that was cut.
+/// What is left of a file that was cut, and what has to be added where a file lacks something.
 #pragma once
 
 #include "repair/mend.h"
@@ -15,5 +15,9 @@ struct Salvaged {
 
 /// @return the file; none where the lists do not stand where the header says, or where not even the version is left.
 std::optional<Salvaged> salvageFile(const Image &cut);
+
+/// Fills up with zeros the maker blocks of a whole 2.0 file that are too short for what they hold.
+/// @return the file; none where there is no such block, or something else is wrong.
+std::optional<Salvaged> fillMakerBlocks(const Image &image);
 
 } // namespace kova::repair
