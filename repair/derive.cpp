@@ -186,9 +186,10 @@ void Deriver::deriveList() {
 }
 
 void Deriver::deriveHeader() {
-  set(4, "size", static_cast<Word>(image.size()), "the length of the file");
-  set(8, "header_tag", 0, "the place in the file");
-  set(12, "file_header_num", Word{FILE_HEADER_BYTES} + image[92] + image[96], BY_PARTS);
+  set(header_at::SIZE, "size", static_cast<Word>(image.size()), "the length of the file");
+  set(header_at::TAG, "header_tag", 0, "the place in the file");
+  set(header_at::HEADER_SIZE, "file_header_num",
+      Word{FILE_HEADER_BYTES} + image[header_at::BLOCKS] + image[header_at::BLOCKS + 4], BY_PARTS);
   const std::size_t lists = hasVersion2Lists(image) ? LIST_NUM : VERSION_1_LIST_NUM;
   for (std::size_t list = 0; list < lists; ++list) {
     const Claim *const span = spans[list];

@@ -86,7 +86,9 @@ std::optional<Salvaged> Filler::fill(const Reading &reading) {
       return std::nullopt;
     spans[claim->list] = *claim;
   }
-  copy(0, std::min<std::uint64_t>(FILE_HEADER_BYTES + std::uint64_t{image[92]} + image[96], image.size()));
+  copy(0,
+       std::min<std::uint64_t>(
+           FILE_HEADER_BYTES + std::uint64_t{image[header_at::BLOCKS]} + image[header_at::BLOCKS + 4], image.size()));
   const Claim *before = nullptr;
   for (Claim &span : spans) {
     if (span.end == 0)

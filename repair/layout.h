@@ -27,6 +27,14 @@ struct Image {
   std::uint64_t size() const { return bytes.size(); }
 };
 
+/// Where words of the file's header stand.
+namespace header_at {
+inline constexpr std::uint64_t SIZE = 4;
+inline constexpr std::uint64_t TAG = 8;
+inline constexpr std::uint64_t HEADER_SIZE = 12;
+inline constexpr std::uint64_t BLOCKS = 92; ///< the size of the maker block; that of the user block follows
+} // namespace header_at
+
 /// What a link leads to: a list by its place in the file, one of the second groups of the two lists that have such, or
 /// what belongs to the group of triangles around it.
 enum class To : std::uint8_t {

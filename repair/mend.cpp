@@ -34,17 +34,20 @@ Audit auditBytes(const std::vector<unsigned char> &bytes) {
   return audit;
 }
 
+/// @return a finding's text without its last line break.
 std::string withoutLineEnd(std::string text) {
   while (!text.empty() && text.back() == '\n')
     text.pop_back();
   return text;
 }
 
+/// Sets the words of changes to their old or their new values.
 void setWords(const Image &image, const std::vector<Change> &changes, Word Change::*value) {
   for (const Change &change : changes)
     image.set(change.offset, change.*value);
 }
 
+/// @return whether a reading moves a place, leaves one open, or has an equal beside it.
 bool changesStructure(const Reading &reading) {
   for (const Claim *claim = reading.claims; claim != nullptr; claim = claim->before)
     if (claim->sort != Claim::Sort::list)
@@ -72,16 +75,16 @@ bool isCut(const Image &image) {
   const bool version_2_lists = hasVersion2Lists(image);
   if (image.size() < FILE_HEADER_BYTES + (version_2_lists ? Word{VERSION_2_SIZES_BYTES} : 0))
     return true;
-  std::uint64_t sum = image[12];
+  std::uint64_t sum = image[header_at::HEADER_SIZE];
   for (std::size_t list = 0; list < (version_2_lists ? LIST_NUM : VERSION_1_LIST_NUM); ++list)
     sum += image[sizeWordOffset(list)];
-  return sum > image.size() && sum == image[4];
+  return sum > image.size() && sum == image[header_at::SIZE];
 }
 
 /// Mends a file whose lists are all there.
 Result mendWhole(const std::vector<unsigned char> &bytes, const Image &image) {
   if (isCut(image))
-    return hopeless("it is cut: " + std::to_string(image.size()) + " of " + std::to_string(image[4]) +
+    return hopeless("it is cut: " + std::to_string(image.size()) + " of " + std::to_string(image[header_at::SIZE]) +
                     " bytes are left");
   Reader reader(image, (image[0] & 0xffff) == VERSION_2);
   const std::optional<Reading> reading = reader.readFile();
@@ -172,7 +175,7 @@ Result mend(std::vector<unsigned char> &bytes, bool salvage) {
   if (version != VERSION_1 && version != VERSION_2)
     return hopeless("it is of no version that is known");
   const bool has_header = image.size() >= FILE_HEADER_BYTES;
-  const std::uint64_t stated = has_header ? image[4] : image.size() + 1;
+  const std::uint64_t stated = has_header ? image[header_at::SIZE] : image.size() + 1;
   Result result = has_header ? mendWhole(bytes, image) : hopeless("it is shorter than a header");
   if (!salvage || result.outcome == Outcome::good || result.outcome == Outcome::mended)
     return result;

@@ -45,8 +45,7 @@ std::uint64_t sizeWordOffset(std::size_t list) {
 }
 
 bool hasVersion2Lists(const Image &image) {
-  constexpr std::uint64_t VAN_EXT_BLK_SIZE = 92;
-  return (image[0] & 0xffff) == VERSION_2 && image[VAN_EXT_BLK_SIZE] >= VERSION_2_SIZES_BYTES;
+  return (image[0] & 0xffff) == VERSION_2 && image[header_at::BLOCKS] >= VERSION_2_SIZES_BYTES;
 }
 
 const Claim *Reader::claim(const Claim &made, const Claim *before) {
@@ -394,7 +393,7 @@ void Reader::readList(std::size_t list, const Reading &before, Readings &reading
   if (has_head && (is_declared || has_tag))
     readListAt(before, list, readings);
   // What the header promises behind the end of a file that is cut was there once.
-  const bool is_cut_off = is_declared && before.at == image.size() && image[4] > image.size();
+  const bool is_cut_off = is_declared && before.at == image.size() && image[header_at::SIZE] > image.size();
   if (!has_tag && !is_cut_off) {
     Reading absent = before;
     absent.cost += is_declared ? cost::ABSENT : 0;
@@ -406,10 +405,9 @@ void Reader::readList(std::size_t list, const Reading &before, Readings &reading
 
 /// Follows every place that the header, or the tag of the scene, gives for its end.
 void Reader::readHeader(Readings &readings) {
-  constexpr std::uint64_t SIZE = 12;
-  constexpr std::uint64_t BLOCKS = 92;
-  const std::uint64_t by_words = FILE_HEADER_BYTES + std::uint64_t{image[BLOCKS]} + image[BLOCKS + 4];
-  const std::uint64_t by_size = image[SIZE];
+  const std::uint64_t by_words =
+      FILE_HEADER_BYTES + std::uint64_t{image[header_at::BLOCKS]} + image[header_at::BLOCKS + 4];
+  const std::uint64_t by_size = image[header_at::HEADER_SIZE];
   list_scan_left = image.size();
   std::vector<std::uint64_t> ends = {by_words};
   addEnd(ends, by_size);
@@ -418,7 +416,7 @@ void Reader::readHeader(Readings &readings) {
   for (const std::uint64_t end : ends)
     if (end >= FILE_HEADER_BYTES && end <= image.size())
       for (const Reading &closed :
-           closeBlocks(LIST_NUM, BLOCKS, FILE_HEADER_BYTES, {.at = end, .cost = Word{end != by_size}}))
+           closeBlocks(LIST_NUM, header_at::BLOCKS, FILE_HEADER_BYTES, {.at = end, .cost = Word{end != by_size}}))
         readings.push_back(closed);
 }
 
@@ -435,7 +433,7 @@ std::optional<Reading> Reader::readFile() {
     if (changed != nullptr)
       image.set(changed->begin, changed->value);
     Readings readings = {header};
-    if (version_2 && image[92] == 0) // no file of version 2.0 lacks the block
+    if (version_2 && image[header_at::BLOCKS] == 0) // no file of version 2.0 lacks the block
       readings.clear();
     const std::size_t lists = hasVersion2Lists(image) ? LIST_NUM : VERSION_1_LIST_NUM;
     for (std::size_t list = 0; list < lists; ++list) {

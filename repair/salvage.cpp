@@ -11,7 +11,6 @@ namespace {
 using Bytes = std::vector<unsigned char>;
 
 constexpr Word NO_LINK = 0xffffffff;
-constexpr std::uint64_t BLOCKS_AT = 92; ///< the sizes of the header's blocks
 
 /// How many of something there were, and how many are left.
 struct Left {
@@ -281,8 +280,8 @@ void Salvage::salvageHeader() {
   Bytes &bytes = made.bytes;
   append(bytes, image, 0, std::min<std::uint64_t>(image.size() & ~std::uint64_t{3}, FILE_HEADER_BYTES));
   bytes.resize(FILE_HEADER_BYTES);
-  const std::uint64_t maker = headerWord(BLOCKS_AT);
-  const std::uint64_t user = headerWord(BLOCKS_AT + 4);
+  const std::uint64_t maker = headerWord(header_at::BLOCKS);
+  const std::uint64_t user = headerWord(header_at::BLOCKS + 4);
   lists_begin = FILE_HEADER_BYTES + maker + user;
   const std::uint64_t there = image.size() > FILE_HEADER_BYTES ? image.size() - FILE_HEADER_BYTES : 0;
   const auto whole_words = [](std::uint64_t size) { return size & ~std::uint64_t{3}; };
@@ -294,8 +293,8 @@ void Salvage::salvageHeader() {
   bytes.resize(FILE_HEADER_BYTES + static_cast<std::size_t>(filled));
   if (kept_user != 0)
     append(bytes, image, FILE_HEADER_BYTES + maker, FILE_HEADER_BYTES + maker + kept_user);
-  Image{bytes}.set(BLOCKS_AT, static_cast<Word>(filled));
-  Image{bytes}.set(BLOCKS_AT + 4, static_cast<Word>(kept_user));
+  Image{bytes}.set(header_at::BLOCKS, static_cast<Word>(filled));
+  Image{bytes}.set(header_at::BLOCKS + 4, static_cast<Word>(kept_user));
   copy(8, kept_maker == maker && filled == maker && kept_user == user ? 16 : 12, 8);
   if (image.size() < FILE_HEADER_BYTES)
     lose(LIST_NUM, {}, leftOf({FILE_HEADER_BYTES, image.size()}, "bytes"));
@@ -591,7 +590,7 @@ void Salvage::tellChanges(std::vector<Change> changes) {
 
 std::optional<Salvaged> Salvage::salvage() {
   salvageHeader();
-  const bool has_version_2_lists = version_2 && headerWord(BLOCKS_AT) >= VERSION_2_SIZES_BYTES;
+  const bool has_version_2_lists = version_2 && headerWord(header_at::BLOCKS) >= VERSION_2_SIZES_BYTES;
   std::uint64_t begin = lists_begin;
   for (std::size_t list = 0; list < (has_version_2_lists ? LIST_NUM : VERSION_1_LIST_NUM); ++list) {
     const std::uint64_t word = sizeWordOffset(list);
