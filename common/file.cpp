@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <initializer_list>
 #include <unistd.h>
 
 namespace kova {
@@ -14,6 +15,12 @@ Descriptor::~Descriptor() {
 
 Descriptor openToRead(const char *path) {
   return Descriptor(::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+}
+
+void occupyStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+    if (::fcntl(stream, F_GETFD) < 0 && errno == EBADF)
+      ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY); // takes the lowest number that is free
 }
 
 const char *readWhole(const Descriptor &file, std::size_t bytes, unsigned char *to) {

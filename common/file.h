@@ -18,6 +18,10 @@ struct Descriptor {
 /// Opens a file for reading without waiting: the opening of a pipe would wait for somebody to write.
 Descriptor openToRead(const char *path);
 
+/// Sees to it that no file that is opened later takes the number of a standard stream that is closed: what is printed
+/// would get into it. Printing fails as before.
+void occupyStandardStreams();
+
 inline constexpr const char *FILE_HAS_CHANGED = "it has changed";
 
 /// Reads a file whole. @return null, or why it cannot be read, for people: `FILE_HAS_CHANGED` where it has become

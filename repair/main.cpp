@@ -22,6 +22,8 @@ int refuse(const std::string &message) {
   return FAILED;
 }
 
+std::string existsText(const Options &options) { return printable(options.output) + " exists; --force replaces it"; }
+
 /// @return why OUTPUT may not be written, for people; empty if it may, as far as is known.
 std::string outputRefusal(const Options &options, const struct stat &input) {
   const std::string name = printable(options.output);
@@ -29,12 +31,18 @@ std::string outputRefusal(const Options &options, const struct stat &input) {
   if (::stat(options.output.c_str(), &status) == 0 && status.st_dev == input.st_dev && status.st_ino == input.st_ino)
     return name + " is the same file as INPUT, which is never changed";
   if (!options.force && ::lstat(options.output.c_str(), &status) == 0)
-    return name + " exists; --force replaces it";
+    return existsText(options);
   return "";
 }
 
+/// INPUT, as it is or mended.
+struct Scene {
+  std::vector<unsigned char> bytes = {};
+  mode_t mode = 0; ///< the permissions of INPUT
+};
+
 /// Reads INPUT whole, unless OUTPUT may not be written. @return what is wrong, for people; empty if nothing is.
-std::string readInput(const Options &options, std::vector<unsigned char> &bytes) {
+std::string readInput(const Options &options, Scene &scene) {
   const std::string name = printable(options.input);
   const Descriptor file = openToRead(options.input.c_str());
   struct stat status;
@@ -44,10 +52,11 @@ std::string readInput(const Options &options, std::vector<unsigned char> &bytes)
     return name + ": not a regular file";
   if (const std::string wrong = options.dry_run ? "" : outputRefusal(options, status); !wrong.empty())
     return wrong;
-  if (static_cast<std::uint64_t>(status.st_size) > bytes.max_size())
+  if (static_cast<std::uint64_t>(status.st_size) > scene.bytes.max_size())
     return name + ": not enough memory";
-  bytes.resize(static_cast<std::size_t>(status.st_size));
-  const char *const error = readWhole(file, bytes.size(), bytes.data());
+  scene.mode = status.st_mode & 0777;
+  scene.bytes.resize(static_cast<std::size_t>(status.st_size));
+  const char *const error = readWhole(file, scene.bytes.size(), scene.bytes.data());
   return error != nullptr ? name + ": " + error : "";
 }
 
@@ -79,24 +88,44 @@ int endOutput(int status, int (*end)(std::FILE *)) {
   return FAILED;
 }
 
+/// Writes OUTPUT. It gets its name only when it is whole and the last line is printed.
+int writeOutput(const Options &options, const Scene &scene, const std::string &last_line, int status) {
+  int ended = status;
+  const Writing write = [&](std::FILE *stream) {
+    if (std::fwrite(scene.bytes.data(), 1, scene.bytes.size(), stream) != scene.bytes.size() ||
+        std::fflush(stream) != 0)
+      return 0;
+    errno = 0;
+    print(last_line);
+    ended = endOutput(status, std::fflush);
+    return ended != FAILED ? 1 : 0;
+  };
+  const Existing existing = options.force ? Existing::replace : Existing::refuse;
+  if (kvSaveFile(options.output.c_str(), existing, scene.mode, write) || ended == FAILED)
+    return ended;
+  return refuse(errno == EEXIST ? existsText(options)
+                                : printable(options.output) + " cannot be written: " + std::strerror(errno));
+}
+
 int repair(const Options &options) {
-  std::vector<unsigned char> bytes;
-  if (const std::string wrong = readInput(options, bytes); !wrong.empty())
+  Scene scene;
+  if (const std::string wrong = readInput(options, scene); !wrong.empty())
     return refuse(wrong);
   const Form form = options.json ? Form::json : Form::text;
-  const Result result = mend(bytes, options.salvage);
+  const Result result = mend(scene.bytes, options.salvage);
   const int status =
       result.outcome == Outcome::ambiguous || result.outcome == Outcome::hopeless ? NOT_MENDED : AUDITS_OK;
   errno = 0;
   printWords(result, form);
-  // No change is written that was not told.
+  // No change is written that could not be printed.
   if (endOutput(status, std::fflush) == FAILED)
     return FAILED;
   const bool write = !options.dry_run && (status == AUDITS_OK || options.partial);
-  if (write && !kvSaveKbBytes(bytes, options.output.c_str()))
-    return refuse(printable(options.output) + " cannot be written");
+  const std::string last_line = endingLine({result, options.input, write ? options.output : ""}, form);
+  if (write)
+    return writeOutput(options, scene, last_line, status);
   errno = 0;
-  print(endingLine({result, options.input, write ? options.output : ""}, form));
+  print(last_line);
   return endOutput(status, closeStream);
 }
 
@@ -112,6 +141,7 @@ int run(int argc, char **argv) {
 
 int main(int argc, char **argv) {
   try {
+    kova::occupyStandardStreams();
     return kova::repair::run(argc, argv);
   } catch (const std::exception &) {
     std::fputs("kbrepair: not enough memory.\n", stderr);

@@ -6,13 +6,16 @@
 #include "tests/support.h"
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <optional>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace kova::test {
@@ -134,11 +137,16 @@ std::string save(const Kis &kis, const std::string &path) {
   return errors + (ok ? "saved" : "failed");
 }
 
-/// The same for the bytes of a file.
-std::string save(const Bytes &bytes, const std::string &path) {
+/// The same for the bytes of a file; the result with the system's reason.
+std::string save(const Bytes &bytes, const std::string &path, Existing existing = Existing::replace,
+                 unsigned mode = 0666) {
   int ok = 0;
-  const std::string errors = capture([&] { ok = kvSaveKbBytes(bytes, path.c_str()); }).err;
-  return errors + (ok ? "saved" : "failed");
+  int reason = 0;
+  const std::string errors = capture([&] {
+                               ok = kvSaveBytes(bytes, path.c_str(), existing, mode);
+                               reason = errno;
+                             }).err;
+  return errors + (ok ? "saved" : std::strerror(reason));
 }
 
 mode_t modeOf(const std::string &path) {
@@ -333,10 +341,51 @@ TEST(Save, BytesAreSavedAsAModelIs) {
     EXPECT_EQ(modeOf(path), S_IFREG | 0640U);
     EXPECT_TRUE(fs::is_symlink(link));
   }
-  EXPECT_EQ(save(goodFile1().bytes, folder.path), "Output File Open Error\nfailed");
+  EXPECT_EQ(save(goodFile1().bytes, folder.path), "Is a directory");
   EXPECT_EQ(folder.files(), 2U);
   if (fs::exists("/dev/full")) {
-    EXPECT_EQ(save(goodFile1().bytes, "/dev/full"), "Output File Write Error\nfailed");
+    EXPECT_EQ(save(goodFile1().bytes, "/dev/full"), "No space left on device");
+  }
+  const std::string pipe = folder.path + "/pipe";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_EQ(save(goodFile1().bytes, pipe), "No such device or address") << "a pipe that nobody reads";
+}
+
+/// What is there already, or appears while the file is written, stays.
+TEST(Save, ANewFileTakesAFreeNameOnly) {
+  const ScratchFolder folder;
+  const std::string path = folder.path + "/file", link = folder.path + "/link";
+  fs::create_symlink("nothing", link);
+  const mode_t mask = ::umask(022);
+  EXPECT_EQ(save(Bytes(9), path, Existing::refuse, 0620), "saved");
+  ::umask(mask);
+  EXPECT_EQ(modeOf(path), S_IFREG | 0600U);
+  for (const std::string &taken : {path, link, folder.path})
+    EXPECT_EQ(save(Bytes(10), taken, Existing::refuse), "File exists");
+  EXPECT_EQ(fs::file_size(path), 9U);
+  const std::string late = folder.path + "/late";
+  EXPECT_EQ(kvSaveFile(late.c_str(), Existing::refuse, 0600,
+                       [&](std::FILE *) { return save(Bytes(7), late) == "saved" ? 1 : 0; }),
+            0);
+  EXPECT_EQ(errno, EEXIST);
+  EXPECT_EQ(fs::file_size(late), 7U);
+  EXPECT_EQ(folder.files(), 3U);
+}
+
+/// A process that is told to end while it saves ends afterwards: nothing is left beside the target.
+TEST(Save, ASignalLeavesNothingBehind) {
+  const ScratchFolder folder;
+  const std::string path = folder.path + "/file";
+  for (const int signal : {SIGTERM, SIGINT, SIGPIPE}) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+      kvSaveFile(path.c_str(), Existing::replace, 0600, [&](std::FILE *) { return ::raise(signal) == 0 ? 1 : 0; });
+      ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal);
+    EXPECT_EQ(folder.files(), 1U);
   }
 }
 
@@ -348,12 +397,10 @@ TEST(Save, AFullDiskLeavesTheTargetAsItWas) {
   struct rlimit before {};
   ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
   const struct rlimit small = {100000, before.rlim_max};
-  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
   ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-  EXPECT_EQ(save(Bytes(300000), path), "Output File Write Error\nfailed");
-  EXPECT_EQ(save(Bytes(300000), folder.path + "/new"), "Output File Write Error\nfailed");
+  EXPECT_EQ(save(Bytes(300000), path), "File too large");
+  EXPECT_EQ(save(Bytes(300000), folder.path + "/new"), "File too large");
   EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
-  std::signal(SIGXFSZ, handler);
   EXPECT_EQ(bytesOf(readFile(path)), goodFile1().bytes);
   EXPECT_EQ(folder.files(), 1U);
 }
@@ -390,6 +437,28 @@ TEST(Save, AFailureLeavesTheTargetAsItWas) {
   EXPECT_EQ(save(kis, folder.path + "/new"), "Output File Write Error\nfailed");
   EXPECT_EQ(bytesOf(readFile(path)), goodFile1().bytes);
   EXPECT_EQ(folder.files(), 1U);
+}
+
+/// Owner and group stay where the system allows it; a group that has to change gets no more than everybody.
+TEST(Save, KeepsOwnerAndGroupWhereItMay) {
+  if (::geteuid() != 0)
+    GTEST_SKIP() << "only the superuser gives files away";
+  const ScratchFolder folder;
+  const std::string path = folder.path + "/file";
+  const auto saveAs = [&](uid_t user) {
+    EXPECT_EQ(save(Bytes(1), path), "saved");
+    EXPECT_EQ(::chown(path.c_str(), 65534, 12345), 0);
+    ::chmod(path.c_str(), 0664);
+    EXPECT_EQ(::seteuid(user), 0);
+    EXPECT_EQ(save(Bytes(2), path), "saved");
+    EXPECT_EQ(::seteuid(0), 0);
+    struct stat status {};
+    EXPECT_EQ(::stat(path.c_str(), &status), 0);
+    return std::array<unsigned, 3>{status.st_uid, status.st_gid, status.st_mode & 0777U};
+  };
+  EXPECT_EQ(saveAs(0), (std::array<unsigned, 3>{65534, 12345, 0664}));
+  ::chmod(folder.path.c_str(), 0777);
+  EXPECT_EQ(saveAs(65534), (std::array<unsigned, 3>{65534, ::getegid(), 0644}));
 }
 
 /// Whoever may not write to the file or its folder cannot save there, also where the other one would allow it.

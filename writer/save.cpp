@@ -3,9 +3,10 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
+#include <cstring>
 #include <exception>
 #include <fcntl.h>
-#include <functional>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,8 +15,40 @@ namespace kova {
 
 namespace {
 
-/// Writes the whole content of a file to a stream and flushes it. @return 1; 0 where it fails.
-using Write = std::function<int(std::FILE *)>;
+/// How saving ended.
+struct Saved {
+  const char *message = nullptr; ///< null: the file is there
+  int reason = 0;                ///< the system's
+};
+
+Saved failed(const char *message) { return {message, errno}; }
+
+/// Holds back the signals that would end the process while its new file is there under a name that nobody knows. Where
+/// the file has become too large, saving fails instead.
+struct HeldSignals {
+  sigset_t before;
+
+  HeldSignals() {
+    sigset_t ending;
+    ::sigemptyset(&ending);
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGXCPU, SIGXFSZ})
+      ::sigaddset(&ending, signal);
+    ::pthread_sigmask(SIG_BLOCK, &ending, &before);
+  }
+  HeldSignals(const HeldSignals &) = delete;
+  HeldSignals &operator=(const HeldSignals &) = delete;
+  ~HeldSignals() {
+    sigset_t pending;
+    if (::sigismember(&before, SIGXFSZ) == 0 && ::sigpending(&pending) == 0 && ::sigismember(&pending, SIGXFSZ) == 1) {
+      sigset_t too_large;
+      int signal = 0;
+      ::sigemptyset(&too_large);
+      ::sigaddset(&too_large, SIGXFSZ);
+      ::sigwait(&too_large, &signal);
+    }
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  }
+};
 
 /// A new file, removed with this unless it was given its place.
 struct NewFile {
@@ -31,11 +64,6 @@ struct NewFile {
   }
 };
 
-int sayAndFail(const char *message) {
-  std::fputs(message, stderr);
-  return 0;
-}
-
 /// @return the folder part of a path, with its slash; empty for a name alone.
 std::string folderOf(const std::string &path) { return path.substr(0, path.rfind('/') + 1); }
 
@@ -47,10 +75,11 @@ bool followLinks(std::string &path) {
     if (length < 0) // no link
       return true;
     if (length == static_cast<ssize_t>(to.size()))
-      return false;
+      break;
     const std::string next(to.data(), static_cast<std::size_t>(length));
     path = next.starts_with('/') ? next : folderOf(path) + next;
   }
+  errno = ELOOP;
   return false;
 }
 
@@ -74,7 +103,7 @@ bool create(NewFile &file, const std::string &folder, mode_t mode) {
     if (name.empty())
       return false;
     std::string path = folder + name;
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
     if (descriptor < 0 && errno == EEXIST)
       continue;
     if (descriptor < 0)
@@ -94,63 +123,129 @@ bool mayWrite(const std::string &path) {
   return descriptor >= 0 && ::close(descriptor) == 0;
 }
 
+/// Gives the new file owner, group and permissions of the old one. Owner and group stay another's where the system does
+/// not allow it; another group gets no more than everybody.
+bool resemble(const NewFile &file, const struct stat &old) {
+  const int descriptor = ::fileno(file.stream.get());
+  mode_t mode = old.st_mode & 0777;
+  if (::fchown(descriptor, old.st_uid, old.st_gid) != 0 &&
+      ::fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) != 0)
+    mode = (mode & 0707) | ((mode & 07) << 3);
+  return ::fchmod(descriptor, mode) == 0;
+}
+
 bool closeStream(Stream &stream) { return std::fclose(stream.release()) == 0; }
 
-/// Writes the new file, whole and to the disk, and gives it the place of the target.
-bool writeAndReplace(NewFile &file, const Write &write, const std::string &target) {
-  const bool written = write(file.stream.get()) != 0 && ::fsync(::fileno(file.stream.get())) == 0;
-  if (!closeStream(file.stream) || !written || ::rename(file.path.c_str(), target.c_str()) != 0)
+/// Writes the new file, whole and to the disk.
+bool writeToDisk(NewFile &file, const Writing &write) {
+  std::FILE *const stream = file.stream.get();
+  const bool written = write(stream) != 0 && std::fflush(stream) == 0 && ::fsync(::fileno(stream)) == 0;
+  const int reason = errno;
+  const bool closed = closeStream(file.stream);
+  if (!written)
+    errno = reason;
+  return closed && written;
+}
+
+/// Gives the new file a name that nothing has. Some file systems know only one of the two ways.
+bool takeFreeName(NewFile &file, const std::string &target) {
+#ifdef RENAME_NOREPLACE
+  if (::renameat2(AT_FDCWD, file.path.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0) {
+    file.path.clear();
+    return true;
+  }
+  if (errno != EINVAL && errno != ENOSYS)
+    return false;
+#endif
+  return ::link(file.path.c_str(), target.c_str()) == 0;
+}
+
+bool takeName(NewFile &file, const std::string &target) {
+  if (::rename(file.path.c_str(), target.c_str()) != 0)
     return false;
   file.path.clear();
   return true;
 }
 
-/// Replaces a regular file, or makes a new one where `old` is null.
-int replaceFile(const Write &write, const std::string &target, const struct stat *old) {
+/// Makes a new file. @param mode its permissions, less those that the umask withholds
+Saved saveNew(const Writing &write, const std::string &target, Existing existing, mode_t mode) {
+  const HeldSignals held;
   NewFile file;
-  // Until it has the permissions of the old one, nobody else may read it.
-  if ((old && !mayWrite(target)) || !create(file, folderOf(target), old ? 0600 : 0666))
-    return sayAndFail(OUTPUT_OPEN_ERROR);
-  if (old && ::fchmod(::fileno(file.stream.get()), old->st_mode & 0777) != 0)
-    return sayAndFail(OUTPUT_OPEN_ERROR);
-  return writeAndReplace(file, write, target) ? 1 : sayAndFail(OUTPUT_WRITE_ERROR);
+  if (!create(file, folderOf(target), mode))
+    return failed(OUTPUT_OPEN_ERROR);
+  if (!writeToDisk(file, write))
+    return failed(OUTPUT_WRITE_ERROR);
+  const bool named = existing == Existing::refuse ? takeFreeName(file, target) : takeName(file, target);
+  return named ? Saved{} : failed(OUTPUT_WRITE_ERROR);
 }
 
-/// Writes to what cannot be replaced: a device, a pipe.
-int writeInPlace(const Write &write, const std::string &target) {
-  Stream stream = kvKbWriteOpen(target.c_str());
-  if (!stream)
-    return 0;
-  const bool written = write(stream.get()) != 0;
-  return closeStream(stream) && written ? 1 : sayAndFail(OUTPUT_WRITE_ERROR);
+/// Puts a new file in the place of a regular one.
+Saved replaceFile(const Writing &write, const std::string &target, const struct stat &old) {
+  const HeldSignals held;
+  NewFile file;
+  // Until it has the permissions of the old one, nobody else may read it.
+  if (!mayWrite(target) || !create(file, folderOf(target), 0600) || !resemble(file, old))
+    return failed(OUTPUT_OPEN_ERROR);
+  return writeToDisk(file, write) && takeName(file, target) ? Saved{} : failed(OUTPUT_WRITE_ERROR);
+}
+
+/// Writes to what cannot be replaced: a device, a pipe that somebody reads.
+Saved writeInPlace(const Writing &write, const char *path) {
+  const int descriptor = ::open(path, O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); // does not wait for a reader
+  if (descriptor < 0)
+    return failed(OUTPUT_OPEN_ERROR);
+  Stream stream(::fcntl(descriptor, F_SETFL, 0) == 0 ? ::fdopen(descriptor, "wb") : nullptr);
+  if (!stream) {
+    ::close(descriptor);
+    return failed(OUTPUT_OPEN_ERROR);
+  }
+  if (write(stream.get()) == 0)
+    return failed(OUTPUT_WRITE_ERROR);
+  return closeStream(stream) ? Saved{} : failed(OUTPUT_WRITE_ERROR);
 }
 
 /// Saves a file whole or not at all, unless the target is one that cannot be replaced.
-int save(const char *path, const Write &write) {
+Saved save(const char *path, Existing existing, mode_t mode, const Writing &write) {
   try {
     std::string target = path;
     struct stat status;
-    if (!followLinks(target))
-      return sayAndFail(OUTPUT_OPEN_ERROR);
-    const bool exists = ::stat(target.c_str(), &status) == 0;
+    errno = 0;
+    if (existing == Existing::refuse) {
+      if (::lstat(path, &status) != 0)
+        return saveNew(write, target, existing, mode);
+      errno = EEXIST;
+      return failed(OUTPUT_OPEN_ERROR);
+    }
+    const bool exists = ::stat(path, &status) == 0;
     if (exists && !S_ISREG(status.st_mode))
-      return writeInPlace(write, target);
-    return replaceFile(write, target, exists ? &status : nullptr);
+      return writeInPlace(write, path);
+    if (!followLinks(target))
+      return failed(OUTPUT_OPEN_ERROR);
+    return exists ? replaceFile(write, target, status) : saveNew(write, target, existing, mode);
   } catch (const std::exception &) { // the memory for a path
-    return sayAndFail(OUTPUT_OPEN_ERROR);
+    errno = ENOMEM;
+    return failed(OUTPUT_OPEN_ERROR);
   }
 }
 
 } // namespace
 
 int kvSaveAsKb(const Kis &kis, const char *path) {
-  return save(path, [&](std::FILE *stream) { return kvWriteKb(stream, kis); });
+  const Saved saved = save(path, Existing::replace, 0666, [&](std::FILE *stream) { return kvWriteKb(stream, kis); });
+  if (saved.message != nullptr)
+    std::fputs(saved.message, stderr);
+  return saved.message == nullptr ? 1 : 0;
 }
 
-int kvSaveKbBytes(std::span<const unsigned char> bytes, const char *path) {
-  return save(path, [&](std::FILE *stream) {
-    const bool written = bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), stream) == bytes.size();
-    return written && std::fflush(stream) == 0 ? 1 : 0;
+int kvSaveFile(const char *path, Existing existing, unsigned mode, const Writing &write) {
+  const Saved saved = save(path, existing, mode, write);
+  errno = saved.reason;
+  return saved.message == nullptr ? 1 : 0;
+}
+
+int kvSaveBytes(std::span<const unsigned char> bytes, const char *path, Existing existing, unsigned mode) {
+  return kvSaveFile(path, existing, mode, [&](std::FILE *stream) {
+    return bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), stream) == bytes.size() ? 1 : 0;
   });
 }
 

@@ -24,6 +24,8 @@
 
 #include "kova/kova.h"
 
+#include <functional>
+
 namespace kova {
 
 /// Writes a model of version 1.0 or 2.0 to the stream's position and flushes the stream, which stays open. Asks for no
@@ -35,15 +37,31 @@ KOVA_API int kvWriteKb(std::FILE *stream, const Kis &kis);
 /// Writes the model to the file at `path`, whole or not at all: to a new file in the same folder, which is flushed to
 /// the disk and then takes the place of the old one. Whoever reads `path` sees the old file or the new one. A symbolic
 /// link stays, and the file that it leads to is replaced; other hard links to that file keep the old one. The new file
-/// has the permissions of the old one, or those that the umask gives. What is no regular file (a device, a pipe) is not
-/// replaced but written to.
+/// has owner, group and permissions of the old one as far as the system allows, or the permissions that the umask
+/// gives. What is no regular file (a device, a pipe that somebody reads) is not replaced but written to.
+///
+/// Signals that ask the process to end (SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGXCPU) are held back in the
+/// calling thread until the file is saved. A file that becomes larger than the process may write is a failure, no
+/// SIGXFSZ. So nothing is left behind, unless the process is killed: then the new file may be (".kova-" and 16 digits).
 /// @return 1; 0 after "Output File Open Error\n" on standard error where the target may not be written or no file can
 /// be made beside it, or after "Output File Write Error\n" where writing fails or `kvWriteKb` refuses the model. Then
-/// the target is as it was and the new file is gone; only a process that is killed leaves it (".kova-" and 16 digits).
+/// the target is as it was and the new file is gone.
 KOVA_API int kvSaveAsKb(const Kis &kis, const char *path);
 
-/// As `kvSaveAsKb` for the bytes of a file, whatever they hold: for a program that edits a file in memory. Refuses
-/// none.
-KOVA_API int kvSaveKbBytes(std::span<const unsigned char> bytes, const char *path);
+/// What becomes of a file that is there already.
+enum class Existing { replace, refuse };
+
+/// Writes the whole content of a file to a stream, and does not close it. @return 1; 0 where it fails.
+using Writing = std::function<int(std::FILE *)>;
+
+/// Saves any file in the same way: for a program that edits the bytes of a file, or writes a report. Prints nothing.
+/// @param existing `refuse`: `path` must be free, also when the file is whole; no link is followed
+/// @param mode the permissions of a file that was not there, such as 0666, less those that the umask withholds
+/// @param write whatever has to succeed before `path` is changed may be part of it
+/// @return 1; 0 with the system's reason in `errno`, EEXIST for what is refused
+KOVA_API int kvSaveFile(const char *path, Existing existing, unsigned mode, const Writing &write);
+
+/// As `kvSaveFile` where the content is in memory.
+KOVA_API int kvSaveBytes(std::span<const unsigned char> bytes, const char *path, Existing existing, unsigned mode);
 
 } // namespace kova

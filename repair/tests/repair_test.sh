@@ -134,7 +134,7 @@ refused "folder exists; --force replaces it." town.kb folder
 written folder pipe
 for output in none/out.kb town.kb/out.kb; do
   repair 2 --force bad.kb $output
-  same "told of $output" "kbrepair: $output cannot be written." "$(tail -n 1 "$scratch/err")"
+  [[ $(cat "$scratch/err") == "kbrepair: $output cannot be written: "*. ]] || fail "told of $output: $(cat "$scratch/err")"
   written
 done
 if [ "$(id -u)" -ne 0 ]; then
@@ -174,6 +174,24 @@ refused "bad.kb is the same file as INPUT, which is never changed." --force soft
 repair 0 --dry-run bad.kb hard.kb # writes nothing anyway
 written hard.kb soft.kb folder
 
+# OUTPUT is as private as INPUT.
+cp bad.kb private.kb
+chmod 600 private.kb
+for input in town bad private; do
+  repair 0 $input.kb out.kb
+  same "permissions of what is made of $input.kb" "$(stat -c %a $input.kb)" "$(stat -c %a out.kb)"
+  rm out.kb
+done
+written private.kb
+# A file that becomes too large, and one that nobody reads.
+run 2 "a limit on the size of files" sh -c 'ulimit -f 1; "$@"' sh "$KBREPAIR" bad.kb out.kb
+same "told of the limit" "kbrepair: out.kb cannot be written: File too large." "$(cat "$scratch/err")"
+written
+mkfifo pipe
+run 2 "a pipe that nobody reads" timeout 20 "$KBREPAIR" --force bad.kb pipe
+same "told of the pipe" "kbrepair: pipe cannot be written: No such device or address." "$(cat "$scratch/err")"
+written pipe
+
 # --- Standard output ---
 
 # shellcheck disable=SC2016 # for the other shell
@@ -183,11 +201,15 @@ written hard.kb soft.kb folder
       run 2 "full standard output" sh -c '"$@" >/dev/full' sh "$KBREPAIR" ${options:+"$options"} bad.kb out.kb
       same "told of full standard output" "kbrepair: standard output cannot be written: No space left on device." "$(cat "$scratch/err")"
       written # a change that could not be told is not written
+      run 2 "full standard output, a good file" sh -c '"$@" >/dev/full' sh "$KBREPAIR" ${options:+"$options"} town.kb out.kb
+      written
     done
     run 2 "full standard output, last line" sh -c '"$@" >/dev/full' sh "$KBREPAIR" --dry-run town.kb
     run 2 "full standard output, help" sh -c '"$@" >/dev/full' sh "$KBREPAIR" --help
     repair 2 --force bad.kb /dev/full
   fi
+  run 2 "closed standard output, a good file" sh -c '"$@" >&-' sh "$KBREPAIR" town.kb out.kb
+  written
   run 2 "closed standard output" sh -c '"$@" >&-' sh "$KBREPAIR" bad.kb out.kb
   same "told of closed standard output" "kbrepair: standard output cannot be written: Bad file descriptor." "$(cat "$scratch/err")"
   written
