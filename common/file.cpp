@@ -25,7 +25,7 @@ void occupyStandardStreams() {
 
 const char *readWhole(const Descriptor &file, std::size_t bytes, unsigned char *to) {
   for (std::size_t done = 0; done < bytes;) {
-    const ssize_t got = ::read(file.number, to + done, bytes - done);
+    const ssize_t got = ::pread(file.number, to + done, bytes - done, static_cast<off_t>(done));
     if (got < 0 && errno == EINTR)
       continue;
     if (got <= 0)

@@ -24,8 +24,8 @@ void occupyStandardStreams();
 
 inline constexpr const char *FILE_HAS_CHANGED = "it has changed";
 
-/// Reads a file whole. @return null, or why it cannot be read, for people: `FILE_HAS_CHANGED` where it has become
-/// shorter.
+/// Reads a file whole, from its start. @return null, or why it cannot be read, for people: `FILE_HAS_CHANGED` where it
+/// has become shorter.
 const char *readWhole(const Descriptor &file, std::size_t bytes, unsigned char *to);
 
 } // namespace kova

@@ -292,6 +292,12 @@ Version2 version2Of(Kis &kis, int ok) {
   return {ok, kis.file_header.van_ext_blk_size >= VERSION_2_SIZES_BYTES};
 }
 
+/// Both parts of a file whose input can be moved back.
+int readBoth(Input &input, Kis &kis) {
+  const Version2 version_2 = version2Of(kis, readVersion1(input, kis));
+  return version_2.read_lists ? readVersion2(input, kis) * version_2.ok : version_2.ok;
+}
+
 } // namespace
 
 KisHandle kvNewKis() { return KisHandle(new (std::nothrow) Kis); }
@@ -306,8 +312,16 @@ int kvOpenKbMemory(std::span<const unsigned char> bytes, const char *name, Kis &
   kvSetFilename(name, cleared);
   kis = std::move(cleared);
   Input input = {nullptr, bytes};
-  const Version2 version_2 = version2Of(kis, readVersion1(input, kis));
-  return version_2.read_lists ? readVersion2(input, kis) * version_2.ok : version_2.ok;
+  return readBoth(input, kis);
+}
+
+int kvOpenKbStream(std::FILE *stream, const char *name, Kis &kis) {
+  Kis cleared;
+  kvSetFilename(name, cleared);
+  cleared.input_file = identify(stream);
+  kis = std::move(cleared);
+  Input input = {stream};
+  return readBoth(input, kis);
 }
 
 int kvOpenKb1(const char *path, Kis &kis) {

@@ -8,8 +8,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <new>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace kova::survey {
 
@@ -38,11 +40,24 @@ void receive(Record &record, const Finding &finding) {
 
 bool has(const Record &record, const char *id) { return record.counts.contains(id); }
 
-/// Loads a file of `record.bytes` bytes. @return what the library returns; 0 with a reason in the record if a small
-/// file cannot be read.
+/// @return a stream of an open file, for which nothing is opened: what lies at the path by now may be another file.
+Stream streamOf(const Descriptor &file) {
+  const int copy = ::fcntl(file.number, F_DUPFD_CLOEXEC, 0);
+  Stream stream(copy < 0 ? nullptr : ::fdopen(copy, "rb"));
+  if (!stream && copy >= 0)
+    ::close(copy);
+  return stream;
+}
+
+/// Loads a file of `record.bytes` bytes. @return what the library returns; 0 with a reason in the record if it cannot
+/// be read.
 int load(const Descriptor &file, Record &record, Kis &kis, Workspace &workspace) {
-  if (record.bytes > SMALL_FILE)
-    return kvOpenKb(record.path.c_str(), kis);
+  if (record.bytes > SMALL_FILE) {
+    if (const Stream stream = streamOf(file))
+      return kvOpenKbStream(stream.get(), record.path.c_str(), kis);
+    refuse(record, Reason::unreadable, std::strerror(errno));
+    return 0;
+  }
   const auto bytes = static_cast<std::size_t>(record.bytes);
   if (!workspace.bytes)
     workspace.bytes = std::make_unique_for_overwrite<unsigned char[]>(SMALL_FILE);
@@ -62,6 +77,12 @@ void refuseVersion(Record &record, const FileHeader &header) {
   refuse(record, Reason::other_version, text);
 }
 
+bool hasChanged(const Descriptor &file, const Record &record) {
+  struct stat status;
+  return ::fstat(file.number, &status) != 0 || static_cast<std::uint64_t>(status.st_size) != record.bytes ||
+         timeText(status.st_mtim) != record.modified;
+}
+
 /// Loads and checks an opened file; findings go to the receiver in place.
 void judge(const Descriptor &file, Record &record, Workspace &workspace) {
   const KisHandle kis = kvNewKis();
@@ -70,8 +91,10 @@ void judge(const Descriptor &file, Record &record, Workspace &workspace) {
   int ok = load(file, record, *kis, workspace);
   if (record.reason != Reason::has_verdict)
     return;
-  if (has(record, "input-open") || has(record, "input-read") || has(record, "input-changed"))
-    return refuse(record, Reason::unreadable, has(record, "input-changed") ? FILE_HAS_CHANGED : "");
+  if (has(record, "input-read"))
+    return refuse(record, Reason::unreadable, "");
+  if (hasChanged(file, record))
+    return refuse(record, Reason::unreadable, FILE_HAS_CHANGED);
   if (has(record, "out-of-memory"))
     return refuse(record, Reason::no_memory, "");
   const Word version = kvKOVAver(kis->file_header);

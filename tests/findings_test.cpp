@@ -102,7 +102,13 @@ std::string brokenRule(const Bytes &bytes, const Audited &audited) {
   return (audited.verdict == 0) == (check_errors > 0) ? "" : "the verdict is not what the findings say";
 }
 
-/// The same file printed, received from a file, and received from memory.
+int loadStream(const Bytes &bytes, Kis &kis) {
+  const harness::ScratchFile file(bytes);
+  const Stream stream(std::fopen(file.path.c_str(), "rb"));
+  return kvOpenKbStream(stream.get(), "a stream", kis);
+}
+
+/// The same file printed, received from a file, from a stream, and from memory.
 void compareAll(const Bytes &bytes, const std::string &what) {
   const Audit printed = audit(bytes);
   Kis from_file;
@@ -118,6 +124,10 @@ void compareAll(const Bytes &bytes, const std::string &what) {
   ASSERT_EQ(memory.loaded, file.loaded) << what;
   ASSERT_EQ(memory.verdict, file.verdict) << what;
   ASSERT_EQ(dumpOf(from_memory), printed.dump) << what;
+  Kis from_stream;
+  const Audited stream = auditWith(from_stream, [&](Kis &kis) { return loadStream(bytes, kis); });
+  ASSERT_TRUE(stream.findings == file.findings && stream.loaded == file.loaded) << what;
+  ASSERT_EQ(dumpOf(from_stream), printed.dump) << what;
 }
 
 Bytes bytesOf(const std::string &path) {

@@ -148,6 +148,11 @@ KOVA_API int kvOpenKb(const char *path, Kis &kis);
 /// `bytes` afterwards. `name` is what `kis` holds as the file's name; it may be `kis.file_name`.
 KOVA_API int kvOpenKbMemory(std::span<const unsigned char> bytes, const char *name, Kis &kis);
 
+/// As `kvOpenKb` for a file that is open: `stream` stands at its start, and is read from there and nowhere else, so
+/// that nothing can be put in the place of the file meanwhile. The stream, which stays open, has to be one that can be
+/// moved back: of a pipe, the version-2 lists cannot be read. `name` is what `kis` holds as the file's name.
+KOVA_API int kvOpenKbStream(std::FILE *stream, const char *name, Kis &kis);
+
 /// The first step of `kvOpenKb`: the header and the version-1 lists. The first list that fails ends it.
 KOVA_API int kvOpenKb1(const char *path, Kis &kis);
 

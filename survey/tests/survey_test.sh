@@ -118,6 +118,15 @@ if [ "$(id -u)" -ne 0 ]; then
   grep '^NONE  closed  cannot be read' out >/dev/null || fail "a closed folder is not told"
 fi
 
+# A file is opened once: whatever takes its place then, such as a pipe that nobody writes to, is not looked at.
+head -c 3000000 /dev/zero | cat samples/figure.kb - >big.kb
+if has strace && strace -o trace true 2>/dev/null; then
+  run 1 "a file of more than 1 MiB" strace -f -o trace -e trace=open,openat -P big.kb "$KBSURVEY" big.kb
+  same "openings of a file" 1 "$(grep -c 'big\.kb' trace)"
+else
+  notice "openings of a file: strace cannot be used"
+fi
+
 # --- Hostile names ---
 
 mkdir -p 'odd/[old]' 'odd/[a,b]' 'odd/{c}' odd/-d
