@@ -5,6 +5,8 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <iostream>
 #include <thread>
 
@@ -114,8 +116,10 @@ std::optional<Options> readOptions(int argc, const char *const *argv, int &statu
   } catch (const CLI::ParseError &error) {
     const bool asked = error.get_exit_code() == 0; // help or version
     status = asked ? app.exit(error) : refuse(printable(error.what()));
-    if (!std::cout.flush())
+    if (!std::cout.flush()) {
+      std::fprintf(stderr, "kbsurvey: standard output cannot be written: %s.\n", std::strerror(errno));
       status = FAILED;
+    }
     return std::nullopt;
   }
   const std::string wrong = contradiction(options, given);

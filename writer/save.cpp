@@ -67,13 +67,14 @@ struct NewFile {
 /// @return the folder part of a path, with its slash; empty for a name alone.
 std::string folderOf(const std::string &path) { return path.substr(0, path.rfind('/') + 1); }
 
-/// Follows `path` while it is a symbolic link, also one that leads to nothing yet. @return false after too many.
+/// Follows `path` while it is a symbolic link, also one that leads to nothing yet. @return false after too many, and
+/// where the system does not say.
 bool followLinks(std::string &path) {
   for (int links = 0; links < 40; ++links) {
     std::array<char, 4096> to;
     const ssize_t length = ::readlink(path.c_str(), to.data(), to.size());
-    if (length < 0) // no link
-      return true;
+    if (length < 0)
+      return errno == EINVAL || errno == ENOENT; // no link, or nothing yet
     if (length == static_cast<ssize_t>(to.size()))
       break;
     const std::string next(to.data(), static_cast<std::size_t>(length));
@@ -219,7 +220,7 @@ Saved save(const char *path, Existing existing, mode_t mode, const Writing &writ
     const bool exists = ::stat(path, &status) == 0;
     if (exists && !S_ISREG(status.st_mode))
       return writeInPlace(write, path);
-    if (!followLinks(target))
+    if ((!exists && errno != ENOENT) || !followLinks(target))
       return failed(OUTPUT_OPEN_ERROR);
     return exists ? replaceFile(write, target, status) : saveNew(write, target, existing, mode);
   } catch (const std::exception &) { // the memory for a path
