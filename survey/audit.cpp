@@ -192,7 +192,7 @@ Record audit(Input input, Questions asked, Workspace &workspace) noexcept {
     record.repair = Repair::needless;
   try {
     if (!input.error.empty())
-      refuse(record, Reason::unreadable, std::move(input.error));
+      refuse(record, input.folder ? Reason::unreadable_folder : Reason::unreadable, std::move(input.error));
     else
       openAndJudge(record, workspace);
   } catch (const std::exception &) {

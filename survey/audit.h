@@ -13,6 +13,7 @@ struct Input {
   std::uint64_t bytes = 0;
   std::string modified = {}; ///< as in `Record`
   std::string error = {};    ///< why it cannot be read; empty if it can, as far as is known
+  bool folder = false;       ///< it is a folder, which is only here because it cannot be read
 };
 
 /// @return a time as `Record::modified` shows it.

@@ -14,10 +14,11 @@ enum class Verdict : std::uint8_t { ok, err, none };
 inline constexpr const char *VERDICT_NAMES[] = {"OK", "ERR", "none"};
 
 /// Why a file has no verdict.
-enum class Reason : std::uint8_t { has_verdict, unreadable, not_kova, other_version, no_memory };
-inline constexpr const char *REASON_NAMES[] = {"", "unreadable", "not-kova", "other-version", "no-memory"};
-inline constexpr const char *REASON_TEXTS[] = {"", "cannot be read", "not a KOVA file", "other version",
-                                               "not enough memory"};
+enum class Reason : std::uint8_t { has_verdict, unreadable, unreadable_folder, not_kova, other_version, no_memory };
+inline constexpr const char *REASON_NAMES[] = {"",         "unreadable",    "unreadable-folder",
+                                               "not-kova", "other-version", "no-memory"};
+inline constexpr const char *REASON_TEXTS[] = {
+    "", "cannot be read", "folder cannot be read", "not a KOVA file", "other version", "not enough memory"};
 
 /// Whether kbrepair could mend a file.
 enum class Repair : std::uint8_t {

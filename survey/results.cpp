@@ -1,5 +1,6 @@
 #include "survey/results.h"
 
+#include "common/text.h"
 #include "survey/json.h"
 #include "survey/junit.h"
 #include "survey/page.h"
@@ -20,12 +21,19 @@ template <class Element> void makeRoom(std::vector<Element> &list) {
     list.reserve(2 * list.size() + 16);
 }
 
+/// @return the line of a file that is not OK; with --print0, only a folder has one.
+std::string lineOf(const Results &results, const Record &record) {
+  if (!results.print0)
+    return badLine(record);
+  return record.reason == Reason::unreadable_folder ? printable(record.path) + ": " + whatIsWrong(record) : "";
+}
+
 /// Counts and keeps a record, and writes its line. If there is no memory for it, nothing is done.
 /// @param line for the JSON report; empty if it is not to be written
 void keepAndWrite(Results &results, Record &&record, const std::string &line) {
   BadFile bad;
   if (record.verdict != Verdict::ok)
-    bad = {record.path, results.print0 ? "" : badLine(record)};
+    bad = {record.path, lineOf(results, record), record.reason == Reason::unreadable_folder};
   const bool all = results.junit.stream != nullptr || results.html.stream != nullptr;
   const std::lock_guard lock(results.mutex);
   makeRoom(results.bad); // what can fail comes first
@@ -43,10 +51,12 @@ void keepAndWrite(Results &results, Record &&record, const std::string &line) {
 
 void printResults(Results &results, std::optional<double> seconds) {
   for (const BadFile &file : results.bad)
-    if (results.print0)
-      write(results.print, file.path + '\0');
-    else
+    if (!results.print0)
       write(results.print, file.line);
+    else if (file.folder) // what is done with the files of the list would be done with all that it holds
+      std::fprintf(stderr, "kbsurvey: %s.\n", file.line.c_str());
+    else
+      write(results.print, file.path + '\0');
   if (!results.print0)
     write(results.print, summary(results.tally, seconds));
 }

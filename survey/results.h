@@ -13,6 +13,7 @@ namespace kova::survey {
 struct BadFile {
   std::string path;
   std::string line;
+  bool folder; ///< it is a folder that cannot be read
 };
 
 struct Results {

@@ -89,7 +89,7 @@ void lookInto(Walk &walk, const std::string &folder) {
     errno = 0; // an error and the end of the folder are told apart by it
   }
   if (errno != 0)
-    walk.found.push_back({.input = {.path = folder, .error = std::strerror(errno)}});
+    walk.found.push_back({.input = {.path = folder, .error = std::strerror(errno), .folder = true}});
 }
 
 /// Of what is in folders, files are taken and links to files. A link that leads nowhere is a file that cannot be read.

@@ -43,15 +43,32 @@ recipe 1 5
 grep 'failures="2"' survey.xml >/dev/null || fail "script 5: no JUnit report"
 recipe 0 6
 same "script 6" $'scenes/a\\x0ab.kb\nscenes/damaged.kb' "$(sed 's/\n/\\x0a/' "$scratch/out" | perl -0pe 's/a\nb/a\\x0ab/' | sort)"
+
+# Whatever is moved away is there afterwards, also files of one name, and those of a second time. A folder that cannot be
+# read, here because its path is too long for the system, stays, and so do the files in it.
+mkdir -p scenes/x/same scenes/y
+for place in x y x/same; do cat "$SOURCE_DIR/samples/damaged.kb" - >"scenes/$place/same.kb" <<<"$place"; done
+(cd scenes && for _ in $(seq 20); do mkdir "$(printf 'd%0249d' 0)" && cd d0*; done && : >deep)
+contents() { find . -type f ! -name '*.list' -execdir sha256sum {} \; | cut -d ' ' -f 1 | sort; }
+kept=$(contents)
 recipe 0 3
-same "left by script 3" "town.kb" "$(ls scenes)"
+same "what script 3 has kept" "$kept" "$(contents)"
+same "left by script 3" "scenes/town.kb" "$(find scenes -name '*.kb')"
+same "told by script 3" "1" "$(grep -c '^kbsurvey: scenes/d0.*: folder cannot be read: File name too long\.$' "$scratch/err")"
+cat "$SOURCE_DIR/samples/damaged.kb" - >scenes/x/same.kb <<<"another"
+kept=$(contents)
+recipe 0 3
+same "what script 3 has kept, again" "$kept" "$(contents)"
+same "the second one" scenes/x/same.kb "$(cd quarantine && find . -name same.kb | grep '/x/same.kb' | sed 's|^\./||')"
 
 # --- Slurm: its variables are set as it sets them ---
 
 fresh_folder
-for task in 2 1 3 3; do # one is requeued
-  SLURM_ARRAY_TASK_ID=$task SLURM_ARRAY_TASK_COUNT=3 SLURM_CPUS_PER_TASK=2 recipe 0 8
+for task in $(seq 2 16) 3; do # one is requeued
+  SLURM_ARRAY_TASK_ID=$task SLURM_ARRAY_TASK_COUNT=16 SLURM_CPUS_PER_TASK=2 recipe 0 8
 done
+recipe 1 9 # one has not run
+SLURM_ARRAY_TASK_ID=1 SLURM_ARRAY_TASK_COUNT=16 SLURM_CPUS_PER_TASK=2 recipe 0 8
 recipe 0 9
 same "parts of an array" "$all" "$(verdicts "$scratch/out")"
 
