@@ -17,14 +17,14 @@ namespace kova::survey {
 
 namespace {
 
-void refuse(Record &record, Reason reason, std::string detail) {
+void refuse(FileResult &record, Reason reason, std::string detail) {
   record.verdict = Verdict::none;
   record.reason = reason;
   record.detail = std::move(detail);
 }
 
 /// Puts a finding of the library into the record. Its text, which can be as long as a list, is made only if it is kept.
-void receive(Record &record, const Finding &finding) {
+void receive(FileResult &record, const Finding &finding) {
   if (!countFinding(record, finding.row->id))
     return;
   keepFinding(record, {.id = finding.row->id,
@@ -38,7 +38,7 @@ void receive(Record &record, const Finding &finding) {
                        .text = kvFindingText(finding)});
 }
 
-bool has(const Record &record, const char *id) { return record.counts.contains(id); }
+bool has(const FileResult &record, const char *id) { return record.counts.contains(id); }
 
 /// @return a stream of an open file, for which nothing is opened: what lies at the path by now may be another file.
 Stream streamOf(const Descriptor &file) {
@@ -51,7 +51,7 @@ Stream streamOf(const Descriptor &file) {
 
 /// Loads a file of `record.bytes` bytes. @return what the library returns; 0 with a reason in the record if it cannot
 /// be read.
-int load(const Descriptor &file, Record &record, Kis &kis, Workspace &workspace) {
+int load(const Descriptor &file, FileResult &record, Kis &kis, Workspace &workspace) {
   if (record.bytes > SMALL_FILE) {
     if (const Stream stream = streamOf(file))
       return kvOpenKbStream(stream.get(), record.path.c_str(), kis);
@@ -69,7 +69,7 @@ int load(const Descriptor &file, Record &record, Kis &kis, Workspace &workspace)
 }
 
 /// A header of an unknown version is taken for one of the format if the rest of it fits the file.
-void refuseVersion(Record &record, const FileHeader &header) {
+void refuseVersion(FileResult &record, const FileHeader &header) {
   if (record.bytes < FILE_HEADER_BYTES || header.header_tag != 0 || header.size != record.bytes)
     return refuse(record, Reason::not_kova, "");
   char text[32];
@@ -77,14 +77,14 @@ void refuseVersion(Record &record, const FileHeader &header) {
   refuse(record, Reason::other_version, text);
 }
 
-bool hasChanged(const Descriptor &file, const Record &record) {
+bool hasChanged(const Descriptor &file, const FileResult &record) {
   struct stat status;
   return ::fstat(file.number, &status) != 0 || static_cast<std::uint64_t>(status.st_size) != record.bytes ||
-         timeText(status.st_mtim) != record.modified;
+         fileTime(status.st_mtim) != record.modified;
 }
 
 /// Loads and checks an opened file; findings go to the receiver in place.
-void judge(const Descriptor &file, Record &record, Workspace &workspace) {
+void judge(const Descriptor &file, FileResult &record, Workspace &workspace) {
   const KisHandle kis = kvNewKis();
   if (!kis)
     return refuse(record, Reason::no_memory, "");
@@ -100,7 +100,7 @@ void judge(const Descriptor &file, Record &record, Workspace &workspace) {
   const Word version = kvKOVAver(kis->file_header);
   if (version != VERSION_1 && version != VERSION_2)
     return refuseVersion(record, kis->file_header);
-  record.version = version == VERSION_1 ? "1.0" : "2.0";
+  record.version = version == VERSION_1 ? Version::one : Version::two;
   ok *= checkKOVA(*kis); // what could be read is checked, also after a failed load
   if (record.deep)
     deepCheck(*kis, record);
@@ -109,7 +109,7 @@ void judge(const Descriptor &file, Record &record, Workspace &workspace) {
 
 /// Finds out whether kbrepair could mend a file that was judged. The model of the audit is gone: beside the bytes of
 /// the file there is one model at a time.
-Repair repairOf(const Descriptor &file, Record &record, const Workspace &workspace) {
+Repair repairOf(const Descriptor &file, FileResult &record, const Workspace &workspace) {
   std::vector<unsigned char> bytes;
   if (record.bytes > bytes.max_size())
     return Repair::unknown;
@@ -136,7 +136,7 @@ Repair repairOf(const Descriptor &file, Record &record, const Workspace &workspa
 }
 
 /// Answers whether the file can be mended. If there is no memory for that, only this answer is lost.
-void answerRepair(const Descriptor &file, Record &record, const Workspace &workspace) {
+void answerRepair(const Descriptor &file, FileResult &record, const Workspace &workspace) {
   try {
     record.repair = needsRepair(record) ? repairOf(file, record, workspace) : Repair::needless;
   } catch (const std::exception &) {
@@ -145,7 +145,7 @@ void answerRepair(const Descriptor &file, Record &record, const Workspace &works
 }
 
 /// Judges a file, and keeps what is found.
-void judgeAndKeep(const Descriptor &file, Record &record, Workspace &workspace) {
+void judgeAndKeep(const Descriptor &file, FileResult &record, Workspace &workspace) {
   bool lost = false; // no memory for what was found
   const FindingReceiver receiver([&](const Finding &finding) {
     try {
@@ -160,7 +160,7 @@ void judgeAndKeep(const Descriptor &file, Record &record, Workspace &workspace) 
 }
 
 /// Opens a file, judges it and answers what was asked. Only a regular file is read.
-void openAndJudge(Record &record, Workspace &workspace) {
+void openAndJudge(FileResult &record, Workspace &workspace) {
   const Descriptor file = openToRead(record.path.c_str());
   struct stat status;
   if (file.number < 0 || ::fstat(file.number, &status) != 0)
@@ -168,7 +168,7 @@ void openAndJudge(Record &record, Workspace &workspace) {
   if (!S_ISREG(status.st_mode))
     return refuse(record, Reason::unreadable, "not a regular file");
   record.bytes = static_cast<std::uint64_t>(status.st_size);
-  record.modified = timeText(status.st_mtim);
+  record.modified = fileTime(status.st_mtim);
   judgeAndKeep(file, record, workspace);
   if (record.repair != Repair::not_asked)
     answerRepair(file, record, workspace);
@@ -176,17 +176,15 @@ void openAndJudge(Record &record, Workspace &workspace) {
 
 } // namespace
 
-std::string timeText(const struct timespec &time) {
-  char text[48];
-  std::snprintf(text, sizeof text, "%lld.%09ld", static_cast<long long>(time.tv_sec), time.tv_nsec);
-  return text;
+FileTime fileTime(const struct timespec &time) {
+  return {.seconds = time.tv_sec, .nanoseconds = static_cast<std::int32_t>(time.tv_nsec)};
 }
 
-Record audit(Input input, Questions asked, Workspace &workspace) noexcept {
-  Record record; // nothing is copied: there is a record also where memory has run out
+FileResult audit(Input input, Questions asked, Workspace &workspace) noexcept {
+  FileResult record; // nothing is copied: there is a record also where memory has run out
   record.path = std::move(input.path);
   record.bytes = input.bytes;
-  record.modified = std::move(input.modified);
+  record.modified = input.modified;
   record.deep = asked.deep;
   if (asked.repairable)
     record.repair = Repair::needless;

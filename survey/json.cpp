@@ -67,6 +67,25 @@ bool takeText(const Json &json, std::string &text) {
   return bytes.has_value();
 }
 
+/// A name of the catalogue or of a list: ASCII letters and digits, and in an id hyphens between them.
+bool takeName(const Json &json, std::string &name, bool is_id) {
+  const auto isOfIt = [&](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || (is_id ? c == '-' : c >= 'A' && c <= 'Z');
+  };
+  if (!json.is_string())
+    return false;
+  name = json.get_ref<const std::string &>();
+  return !name.empty() && name.size() <= MOST_NAME && std::all_of(name.begin(), name.end(), isOfIt) &&
+         name.front() != '-' && name.back() != '-' && name.find("--") == name.npos;
+}
+
+bool takeTime(const Json &json, std::optional<FileTime> &time) {
+  if (json.is_null())
+    return true;
+  time = json.is_string() ? timeOf(json.get_ref<const std::string &>()) : std::nullopt;
+  return time.has_value();
+}
+
 template <class Number> bool takeNumber(const Json &json, std::optional<Number> &number) {
   if (json.is_null())
     return true;
@@ -77,12 +96,14 @@ template <class Number> bool takeNumber(const Json &json, std::optional<Number> 
 }
 
 bool takeFinding(const Json &json, KeptFinding &finding) {
-  return json.is_object() && takeText(member(json, "id"), finding.id) && !finding.id.empty() &&
+  const Json &list = member(json, "list");
+  return json.is_object() && takeName(member(json, "id"), finding.id, true) &&
          takeName(STAGE_NAMES, member(json, "stage"), finding.stage) &&
          takeName(SEVERITY_NAMES, member(json, "severity"), finding.severity) &&
-         takeText(member(json, "list"), finding.list) && takeNumber(member(json, "element"), finding.element) &&
-         takeNumber(member(json, "offset"), finding.offset) && takeNumber(member(json, "found"), finding.found) &&
-         takeNumber(member(json, "expected"), finding.expected) && takeText(member(json, "text"), finding.text);
+         (list.is_null() || takeName(list, finding.list, false)) &&
+         takeNumber(member(json, "element"), finding.element) && takeNumber(member(json, "offset"), finding.offset) &&
+         takeNumber(member(json, "found"), finding.found) && takeNumber(member(json, "expected"), finding.expected) &&
+         takeText(member(json, "text"), finding.text) && finding.text.size() <= MOST_TEXT;
 }
 
 bool takeFindings(const Json &json, std::vector<KeptFinding> &findings) {
@@ -96,22 +117,34 @@ bool takeCounts(const Json &json, std::map<std::string, std::uint64_t> &counts) 
   if (!json.is_object())
     return false;
   for (const auto &[id, count] : json.items()) {
-    const std::optional<std::string> bytes = unescaped(id);
-    if (!bytes || !count.is_number_unsigned())
+    std::string name;
+    if (!takeName(Json(id), name, true) || !count.is_number_unsigned() || count == 0)
       return false;
-    counts[*bytes] = count.template get<std::uint64_t>();
+    counts[name] = count.template get<std::uint64_t>();
   }
   return true;
 }
 
-bool takeReason(const Json &json, Record &record) {
+/// What was judged is of a version that is known.
+bool takeVersion(const Json &json, FileResult &record) {
+  if (!json.is_null() && !takeName(VERSION_NAMES, json, record.version))
+    return false;
+  return record.verdict == Verdict::none || record.version != Version::unknown;
+}
+
+/// A path without NUL, which no file has: it would be two of a list.
+bool takePath(const Json &json, std::string &path) {
+  return json.is_string() && takeText(json, path) && !path.empty() && path.find('\0') == path.npos;
+}
+
+bool takeReason(const Json &json, FileResult &record) {
   if (!json.is_null() && !takeName(REASON_NAMES, json, record.reason))
     return false;
   return (record.verdict == Verdict::none) == (record.reason != Reason::has_verdict);
 }
 
 /// Without the member, it was not asked. A number of words goes with a file that can be mended, and with no other.
-bool takeRepair(const Json &object, Record &record) {
+bool takeRepair(const Json &object, FileResult &record) {
   if (!object.contains("repair"))
     return !object.contains("repair_words");
   const Json &repair = member(object, "repair");
@@ -126,17 +159,17 @@ bool takeRepair(const Json &object, Record &record) {
   return (record.repair == Repair::mended) == (record.repair_words != 0);
 }
 
-bool takeRecord(const Json &json, Record &record) {
+bool takeRecord(const Json &json, FileResult &record) {
   std::optional<std::uint64_t> bytes;
   const Json &deep = member(json, "deep");
   if (!json.is_object() || !deep.is_boolean() || !takeNumber(member(json, "bytes"), bytes) || !bytes)
     return false;
   record.bytes = *bytes;
   record.deep = deep.get<bool>();
-  return takeText(member(json, "path"), record.path) && !record.path.empty() &&
-         takeText(member(json, "modified"), record.modified) && takeText(member(json, "version"), record.version) &&
+  return takePath(member(json, "path"), record.path) && takeTime(member(json, "modified"), record.modified) &&
          takeName(VERDICT_NAMES, member(json, "verdict"), record.verdict) &&
-         takeReason(member(json, "reason"), record) && takeText(member(json, "detail"), record.detail) &&
+         takeVersion(member(json, "version"), record) && takeReason(member(json, "reason"), record) &&
+         takeText(member(json, "detail"), record.detail) && record.detail.size() <= MOST_TEXT &&
          takeRepair(json, record) && takeCounts(member(json, "counts"), record.counts) &&
          takeFindings(member(json, "findings"), record.findings) && findingCount(record) >= record.findings.size();
 }
@@ -148,7 +181,7 @@ Report readFrom(std::istream &stream, const std::string &name) {
   Report report;
   std::string line;
   for (std::size_t number = 1; readLine(stream, line); ++number) {
-    std::optional<Record> record = recordOf(line);
+    std::optional<FileResult> record = recordOf(line);
     if (!record) {
       report.error = name + ":" + std::to_string(number) + ": not a line of a report";
       return report;
@@ -162,7 +195,7 @@ Report readFrom(std::istream &stream, const std::string &name) {
 
 } // namespace
 
-std::string jsonLine(const Record &record) {
+std::string jsonLine(const FileResult &record) {
   Json findings = Json::array();
   for (const KeptFinding &finding : record.findings)
     findings.push_back(jsonOf(finding));
@@ -171,8 +204,8 @@ std::string jsonLine(const Record &record) {
     counts[escaped(id)] = count;
   Json json = {{"path", escaped(record.path)},
                {"bytes", record.bytes},
-               {"modified", textOrNull(record.modified)},
-               {"version", textOrNull(record.version)},
+               {"modified", record.modified ? Json(timeText(*record.modified)) : Json()},
+               {"version", textOrNull(nameOf(VERSION_NAMES, record.version))},
                {"verdict", nameOf(VERDICT_NAMES, record.verdict)},
                {"reason", textOrNull(nameOf(REASON_NAMES, record.reason))},
                {"detail", textOrNull(record.detail)},
@@ -186,9 +219,9 @@ std::string jsonLine(const Record &record) {
   return json.dump() + '\n';
 }
 
-std::optional<Record> recordOf(const std::string &line) {
+std::optional<FileResult> recordOf(const std::string &line) {
   const Json json = Json::parse(line, nullptr, false);
-  Record record;
+  FileResult record;
   return !json.is_discarded() && takeRecord(json, record) ? std::optional(std::move(record)) : std::nullopt;
 }
 
@@ -202,21 +235,18 @@ Report readReport(const std::string &path) {
   return readFrom(stream, name);
 }
 
-void sortRecords(std::vector<Record> &records) {
-  const auto laterFirst = [](const Record &a, const Record &b) {
-    if (a.path != b.path)
-      return a.path < b.path;
-    // Numbers of equal length compare as texts do; a longer one is later.
-    return a.modified.size() != b.modified.size() ? a.modified.size() > b.modified.size() : a.modified > b.modified;
+void sortRecords(std::vector<FileResult> &records) {
+  const auto laterFirst = [](const FileResult &a, const FileResult &b) {
+    return a.path != b.path ? a.path < b.path : a.modified > b.modified;
   };
   // Records that differ though nothing tells which is later are put in the order of their lines, so that the result
   // does not depend on that of the reports.
-  std::sort(records.begin(), records.end(), [&](const Record &a, const Record &b) {
+  std::sort(records.begin(), records.end(), [&](const FileResult &a, const FileResult &b) {
     if (laterFirst(a, b) || laterFirst(b, a))
       return laterFirst(a, b);
     return jsonLine(a) < jsonLine(b);
   });
-  const auto same = [](const Record &a, const Record &b) { return a.path == b.path; };
+  const auto same = [](const FileResult &a, const FileResult &b) { return a.path == b.path; };
   records.erase(std::unique(records.begin(), records.end(), same), records.end());
 }
 

@@ -1,7 +1,7 @@
 /// The JSON report: a line for each file. docs/report.md describes it.
 #pragma once
 
-#include "survey/record.h"
+#include "survey/file_result.h"
 
 #include <optional>
 #include <string>
@@ -10,14 +10,14 @@
 namespace kova::survey {
 
 /// @return the record as a line, with the line break.
-std::string jsonLine(const Record &record);
+std::string jsonLine(const FileResult &record);
 
 /// @return the record of a line, with or without its line break; none if the line is not one of a report.
-std::optional<Record> recordOf(const std::string &line);
+std::optional<FileResult> recordOf(const std::string &line);
 
 /// A report that was read.
 struct Report {
-  std::vector<Record> records;
+  std::vector<FileResult> records;
   std::string error; ///< what is wrong with it, for people; empty if nothing is
 };
 
@@ -26,6 +26,6 @@ struct Report {
 Report readReport(const std::string &path);
 
 /// Sorts records by path and leaves one for each path: of several the one modified last, of equal ones any.
-void sortRecords(std::vector<Record> &records);
+void sortRecords(std::vector<FileResult> &records);
 
 } // namespace kova::survey

@@ -11,7 +11,7 @@ namespace kova::survey {
 namespace {
 
 /// @return the findings, one a line.
-std::string findingLines(const Record &record) {
+std::string findingLines(const FileResult &record) {
   std::string lines;
   for (const KeptFinding &finding : record.findings)
     lines += printable(finding.id) + ": " + oneLine(finding.text) + '\n';
@@ -19,7 +19,7 @@ std::string findingLines(const Record &record) {
   return more == 0 ? lines : lines + std::to_string(more) + " more\n";
 }
 
-void appendCase(pugi::xml_node suite, const Record &record) {
+void appendCase(pugi::xml_node suite, const FileResult &record) {
   pugi::xml_node test = suite.append_child("testcase");
   test.append_attribute("classname") = "kbsurvey";
   test.append_attribute("name") = printable(record.path).c_str();
@@ -34,7 +34,7 @@ void appendCase(pugi::xml_node suite, const Record &record) {
 
 } // namespace
 
-std::string junitReport(const std::vector<Record> &records) {
+std::string junitReport(const std::vector<FileResult> &records) {
   const Tally tally = tallyOf(records);
   pugi::xml_document document;
   pugi::xml_node declaration = document.append_child(pugi::node_declaration);
@@ -46,7 +46,7 @@ std::string junitReport(const std::vector<Record> &records) {
   suite.append_attribute("tests") = static_cast<unsigned long long>(tally.files);
   suite.append_attribute("failures") = static_cast<unsigned long long>(tally.of(Verdict::err));
   suite.append_attribute("errors") = static_cast<unsigned long long>(tally.of(Verdict::none));
-  for (const Record &record : records)
+  for (const FileResult &record : records)
     appendCase(suite, record);
   std::ostringstream text;
   document.save(text, "  ");

@@ -48,7 +48,7 @@ std::string shownText(const KeptFinding &finding) {
   return line.size() <= SHOWN_TEXT ? line : line.substr(0, SHOWN_TEXT) + "...";
 }
 
-Json shownFindings(PageData &data, const Record &record) {
+Json shownFindings(PageData &data, const FileResult &record) {
   Json list = Json::array();
   for (std::size_t i = 0; i < std::min(data.shown, record.findings.size()); ++i) {
     const KeptFinding &finding = record.findings[i];
@@ -59,11 +59,11 @@ Json shownFindings(PageData &data, const Record &record) {
 }
 
 /// @return how many findings of each file can be shown. It depends on the records alone.
-std::size_t fittingFindings(const std::vector<Record> &records) {
+std::size_t fittingFindings(const std::vector<FileResult> &records) {
   constexpr std::size_t BYTES_BESIDES_TEXT = 32;
   for (std::size_t shown = SHOWN_FINDINGS;; shown /= 2) {
     std::size_t bytes = 0;
-    for (const Record &record : records)
+    for (const FileResult &record : records)
       for (std::size_t i = 0; i < std::min(shown, record.findings.size()); ++i)
         bytes += std::min(record.findings[i].text.size(), SHOWN_TEXT) + BYTES_BESIDES_TEXT;
     if (bytes <= FINDINGS_BYTES || shown == 1)
@@ -74,11 +74,11 @@ std::size_t fittingFindings(const std::vector<Record> &records) {
 /// @return [folder, name, bytes, version, verdict], and for a file with findings or without a verdict behind it
 /// [reason, detail, [id, count, id, count...], findings], and if it was asked whether it can be mended, behind that
 /// [repair, words].
-Json fileRow(PageData &data, const Record &record) {
+Json fileRow(PageData &data, const FileResult &record) {
   const std::size_t slash = record.path.rfind('/');
   const std::size_t name = slash == record.path.npos ? 0 : slash + 1;
   Json row = {numberOf(data.folders, record.path.substr(0, name)), escaped(record.path.substr(name)), record.bytes,
-              escaped(record.version), record.verdict};
+              VERSION_NAMES[static_cast<std::size_t>(record.version)], record.verdict};
   if (record.verdict == Verdict::ok && record.counts.empty())
     return row;
   Json counts = Json::array();
@@ -111,14 +111,14 @@ Json helpRows(const Numbers &ids) {
   return help;
 }
 
-Json pageData(const std::vector<Record> &records) {
+Json pageData(const std::vector<FileResult> &records) {
   PageData data{fittingFindings(records)};
   const Tally tally = tallyOf(records);
   Json histogram = Json::array();
   for (const auto &[id, frequency] : mostFrequent(tally))
     histogram.push_back({numberOf(data.ids, id), frequency.findings, frequency.files});
   Json files = Json::array();
-  for (const Record &record : records)
+  for (const FileResult &record : records)
     files.push_back(fileRow(data, record));
   return {{"verdicts", VERDICT_NAMES},
           {"reasons", REASON_TEXTS},
@@ -158,7 +158,7 @@ std::string scriptSafe(const std::string &json) {
 
 } // namespace
 
-std::string pageOf(const std::vector<Record> &records) {
+std::string pageOf(const std::vector<FileResult> &records) {
   return std::string(PAGE_BEGIN) + scriptSafe(pageData(records).dump()) + PAGE_END;
 }
 

@@ -29,7 +29,7 @@ struct Shared {
 
 void auditOne(Shared &shared, Input &&input, Workspace &workspace) {
   const std::uint64_t bytes = input.bytes; // as they were added up
-  Record record = audit(std::move(input), shared.run.asked, workspace);
+  FileResult record = audit(std::move(input), shared.run.asked, workspace);
   shared.bad += record.verdict != Verdict::ok;
   shared.bytes_done += bytes;
   ++shared.files_done;

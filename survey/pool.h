@@ -12,8 +12,8 @@ namespace kova::survey {
 struct Run {
   unsigned workers = 1;
   Questions asked = {};
-  bool show_progress = false;                  ///< on standard error
-  std::function<void(Record &&record)> take{}; ///< called in any order, by several threads at once; must not throw
+  bool show_progress = false;                      ///< on standard error
+  std::function<void(FileResult &&record)> take{}; ///< called in any order, by several threads at once; must not throw
 };
 
 /// Audits the files, each once, and hands on their records.

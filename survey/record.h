@@ -1,92 +1,10 @@
-/// What the survey knows of one file: its verdict and its findings.
+/// The name by which parts of the survey still know a `FileResult`.
 #pragma once
 
-#include "kova/findings.h"
-
-#include <cstdint>
-#include <map>
-#include <string>
-#include <vector>
+#include "survey/file_result.h"
 
 namespace kova::survey {
 
-enum class Verdict : std::uint8_t { ok, err, none };
-inline constexpr const char *VERDICT_NAMES[] = {"OK", "ERR", "none"};
-
-/// Why a file has no verdict.
-enum class Reason : std::uint8_t { has_verdict, unreadable, unreadable_folder, not_kova, other_version, no_memory };
-inline constexpr const char *REASON_NAMES[] = {"",         "unreadable",    "unreadable-folder",
-                                               "not-kova", "other-version", "no-memory"};
-inline constexpr const char *REASON_TEXTS[] = {
-    "", "cannot be read", "folder cannot be read", "not a KOVA file", "other version", "not enough memory"};
-
-/// Whether kbrepair could mend a file.
-enum class Repair : std::uint8_t {
-  not_asked,
-  needless, ///< the file is OK; or there is nothing to mend, as it was not read or is no KOVA file
-  mended,   ///< it would audit OK, with all that it has
-  salvaged, ///< with --salvage it would, with what is left of it
-  no,
-  unknown ///< there was not enough memory, or the file has changed
-};
-inline constexpr const char *REPAIR_NAMES[] = {"", "", "mended", "salvaged", "no", "unknown"};
-inline constexpr const char *REPAIR_TEXTS[] = {
-    "", "", "can be mended", "can be salvaged", "cannot be mended", "unknown whether it can be mended"};
-
-/// A finding that is kept when the library has forgotten it.
-struct KeptFinding {
-  std::string id = {};
-  Stage stage = Stage::load;
-  Severity severity = Severity::error;
-  std::string list = {}; ///< empty if it is about none
-  std::optional<Word> element = {};
-  std::optional<std::uint64_t> offset = {};
-  std::optional<Word> found = {};
-  std::optional<Word> expected = {};
-  std::string text = {}; ///< as it is printed, at most `MOST_TEXT` bytes of it
-};
-
-/// Bounds of what is kept of one file: a hostile file can have millions of findings, and a message with all the sizes
-/// of a list in it.
-inline constexpr std::size_t MOST_FINDINGS = 1000;
-inline constexpr std::size_t MOST_TEXT = 1024;
-
-struct Record {
-  std::string path = {};
-  std::uint64_t bytes = 0;
-  std::string modified = {}; ///< seconds since 1970, a point, nine digits; empty if unknown
-  std::string version = {};  ///< "1.0" or "2.0"; empty if it is neither
-  Verdict verdict = Verdict::none;
-  Reason reason = Reason::has_verdict;
-  std::string detail = {}; ///< more about the reason; may be empty
-  bool deep = false;       ///< whether the deep checks have run, too
-  Repair repair = Repair::not_asked;
-  std::uint64_t repair_words = 0; ///< of a file that can be mended: the number of words that would be changed
-  std::vector<KeptFinding> findings = {};
-  std::map<std::string, std::uint64_t> counts = {}; ///< of all findings by id, also of those not kept
-};
-
-/// Counts a finding. @return whether there is room to keep it, too: of many, only the first are kept.
-bool countFinding(Record &record, const char *id);
-
-/// Keeps a finding that was counted; a long text is cut.
-void keepFinding(Record &record, KeptFinding &&finding);
-
-/// @return the number of findings, also of those not kept.
-std::uint64_t findingCount(const Record &record);
-
-/// @return whether there is something to mend: only in a file of the format, whatever its version, that was read.
-inline bool needsRepair(const Record &record) {
-  return record.verdict == Verdict::err || record.reason == Reason::other_version;
-}
-
-/// The order of all reports: by path, byte by byte.
-inline bool pathLess(const Record &a, const Record &b) { return a.path < b.path; }
-
-/// @return the row of a finding's id, also one of the deep checks; null for an id of another version of the program.
-const FindingRow *rowOf(const char *id);
-
-/// @return all rows, those of the library and those of the deep checks.
-std::vector<const FindingRow *> allRows();
+using Record = FileResult;
 
 } // namespace kova::survey

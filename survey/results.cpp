@@ -22,7 +22,7 @@ template <class Element> void makeRoom(std::vector<Element> &list) {
 }
 
 /// @return the line of a file that is not OK; with --print0, only a folder has one.
-std::string lineOf(const Results &results, const Record &record) {
+std::string lineOf(const Results &results, const FileResult &record) {
   if (!results.print0)
     return badLine(record);
   return record.reason == Reason::unreadable_folder ? printable(record.path) + ": " + whatIsWrong(record) : "";
@@ -30,7 +30,7 @@ std::string lineOf(const Results &results, const Record &record) {
 
 /// Counts and keeps a record, and writes its line. If there is no memory for it, nothing is done.
 /// @param line for the JSON report; empty if it is not to be written
-void keepAndWrite(Results &results, Record &&record, const std::string &line) {
+void keepAndWrite(Results &results, FileResult &&record, const std::string &line) {
   BadFile bad;
   if (record.verdict != Verdict::ok)
     bad = {record.path, lineOf(results, record), record.reason == Reason::unreadable_folder};
@@ -87,9 +87,9 @@ bool openResults(Results &results, const Options &options, Opening json) {
   return ok;
 }
 
-void keepResult(Results &results, Record &&record) { keepAndWrite(results, std::move(record), ""); }
+void keepResult(Results &results, FileResult &&record) { keepAndWrite(results, std::move(record), ""); }
 
-void take(Results &results, Record &&record) {
+void take(Results &results, FileResult &&record) {
   // Other workers may have all the memory for a while. What was found in this file is given up for it.
   constexpr int TRIES = 500;
   constexpr std::chrono::milliseconds PAUSE(10);
@@ -101,7 +101,7 @@ void take(Results &results, Record &&record) {
     } catch (const std::exception &) {
       record.findings = {};
       record.counts = {};
-      record.version.clear();
+      record.version = Version::unknown;
       record.detail.clear();
       record.repair_words = 0;
       if (record.repair != Repair::not_asked)

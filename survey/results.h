@@ -22,18 +22,18 @@ struct Results {
   bool print0 = false;
   Tally tally = {};
   std::vector<BadFile> bad = {};
-  std::vector<Record> records = {}; ///< all of them, if a report is made of them in the end
-  std::uint64_t lost = 0;           ///< records for which there was no memory
+  std::vector<FileResult> records = {}; ///< all of them, if a report is made of them in the end
+  std::uint64_t lost = 0;               ///< records for which there was no memory
 };
 
 /// Opens the outputs that were asked for. @return whether all could be opened; a failure is told.
 bool openResults(Results &results, const Options &options, Opening json);
 
 /// Counts a record, and keeps of it what is needed in the end. Several threads may call this at once.
-void keepResult(Results &results, Record &&record);
+void keepResult(Results &results, FileResult &&record);
 
 /// Writes a record to the JSON report, and keeps it as above. Several threads may call this at once. Does not throw.
-void take(Results &results, Record &&record);
+void take(Results &results, FileResult &&record);
 
 /// Writes the reports and prints the lines and the summary. @return the exit status.
 /// @param seconds how long it took; none for what was not audited now

@@ -35,7 +35,7 @@ std::string repairs(const Tally &tally) {
 }
 
 /// @return "can be mended (2 words), ", or another answer; empty if there is none.
-std::string repairText(const Record &record) {
+std::string repairText(const FileResult &record) {
   std::string text = REPAIR_TEXTS[static_cast<std::size_t>(record.repair)];
   if (record.repair == Repair::mended)
     text += " (" + counted(record.repair_words, " word", " words") + ')';
@@ -43,7 +43,7 @@ std::string repairText(const Record &record) {
 }
 
 /// Warnings do not change the verdict: of a file that is ERR, the first error is told.
-const KeptFinding *toldFinding(const Record &record) {
+const KeptFinding *toldFinding(const FileResult &record) {
   const auto error = std::find_if(record.findings.begin(), record.findings.end(),
                                   [](const KeptFinding &kept) { return kept.severity == Severity::error; });
   if (error != record.findings.end())
@@ -53,7 +53,7 @@ const KeptFinding *toldFinding(const Record &record) {
 
 } // namespace
 
-void count(Tally &tally, const Record &record) {
+void count(Tally &tally, const FileResult &record) {
   for (const auto &[id, number] : record.counts) // what can fail comes first
     tally.by_finding.try_emplace(id);
   ++tally.files;
@@ -68,9 +68,9 @@ void count(Tally &tally, const Record &record) {
   }
 }
 
-Tally tallyOf(const std::vector<Record> &records) {
+Tally tallyOf(const std::vector<FileResult> &records) {
   Tally tally;
-  for (const Record &record : records)
+  for (const FileResult &record : records)
     count(tally, record);
   return tally;
 }
@@ -82,7 +82,7 @@ std::vector<std::pair<std::string, Frequency>> mostFrequent(const Tally &tally) 
   return list;
 }
 
-std::string whatIsWrong(const Record &record) {
+std::string whatIsWrong(const FileResult &record) {
   if (record.verdict == Verdict::none)
     return repairText(record) + REASON_TEXTS[static_cast<std::size_t>(record.reason)] +
            (record.detail.empty() ? "" : ": " + printable(record.detail));
@@ -95,7 +95,7 @@ std::string whatIsWrong(const Record &record) {
   return number + ": " + (list.empty() || text.starts_with(list) ? "" : list + ": ") + text;
 }
 
-std::string badLine(const Record &record) {
+std::string badLine(const FileResult &record) {
   return std::string(record.verdict == Verdict::err ? "ERR   " : "NONE  ") + printable(record.path) + "  " +
          whatIsWrong(record) + '\n';
 }

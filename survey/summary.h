@@ -1,7 +1,7 @@
 /// The totals of a survey, and what is printed of them.
 #pragma once
 
-#include "survey/record.h"
+#include "survey/file_result.h"
 
 #include <array>
 
@@ -25,19 +25,19 @@ struct Tally {
 };
 
 /// Adds a record to the totals. If there is no memory for it, the numbers are as before.
-void count(Tally &tally, const Record &record);
+void count(Tally &tally, const FileResult &record);
 
-Tally tallyOf(const std::vector<Record> &records);
+Tally tallyOf(const std::vector<FileResult> &records);
 
 /// @return the findings by their frequency, the most frequent first.
 std::vector<std::pair<std::string, Frequency>> mostFrequent(const Tally &tally);
 
 /// @return what is wrong with a file, in one printable line: whether it can be mended, if that was asked; the number of
 /// findings and the first one, or why there is no verdict.
-std::string whatIsWrong(const Record &record);
+std::string whatIsWrong(const FileResult &record);
 
 /// @return the line of a file that is not OK, with its line break.
-std::string badLine(const Record &record);
+std::string badLine(const FileResult &record);
 
 /// @return the lines of the summary.
 /// @param seconds how long it took; none for what was not audited now

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <memory>
@@ -22,6 +23,12 @@ namespace {
 Status refuse(const std::string &message) {
   std::fprintf(stderr, "kbsurvey: %s.\n", message.c_str());
   return FAILED;
+}
+
+/// @return whether standard error is a terminal on which a line can be written again and again.
+bool canShowProgress() {
+  const char *const terminal = std::getenv("TERM");
+  return ::isatty(STDERR_FILENO) == 1 && terminal != nullptr && *terminal != '\0' && std::strcmp(terminal, "dumb") != 0;
 }
 
 // --- Finding the files ----------------------------------------------------------------------------------------------
@@ -46,14 +53,14 @@ std::string addListed(const std::string &list, std::vector<std::string> &paths) 
 // --- Resuming -------------------------------------------------------------------------------------------------------
 
 /// What an earlier report says, by path.
-using Earlier = std::unordered_map<std::string, Record>;
+using Earlier = std::unordered_map<std::string, FileResult>;
 
 /// A report that does not exist is an empty one, so that the first run and the next ones have the same command line.
 std::string readEarlier(const std::string &path, Earlier &earlier) {
   if (path.empty() || (::access(path.c_str(), F_OK) != 0 && errno == ENOENT))
     return "";
   Report report = readReport(path);
-  for (Record &record : report.records) {
+  for (FileResult &record : report.records) {
     std::string key = record.path;
     earlier.insert_or_assign(std::move(key), std::move(record));
   }
@@ -61,15 +68,15 @@ std::string readEarlier(const std::string &path, Earlier &earlier) {
 }
 
 /// A file that could not be read, or for which there was no memory, is tried again.
-bool stillHolds(const Record &record, const Input &input, Questions asked) {
+bool stillHolds(const FileResult &record, const Input &input, Questions asked) {
   return input.error.empty() && record.bytes == input.bytes && record.modified == input.modified &&
          record.deep == asked.deep && (record.repair != Repair::not_asked) == asked.repairable &&
          record.repair != Repair::unknown && record.reason != Reason::unreadable && record.reason != Reason::no_memory;
 }
 
 /// Takes the files of which the earlier report still holds out of those to do. @return their records.
-std::vector<Record> takeOver(Earlier &earlier, std::vector<Input> &inputs, Questions asked) {
-  std::vector<Record> records;
+std::vector<FileResult> takeOver(Earlier &earlier, std::vector<Input> &inputs, Questions asked) {
+  std::vector<FileResult> records;
   std::erase_if(inputs, [&](const Input &input) {
     const auto at = earlier.find(input.path);
     if (at == earlier.end() || !stillHolds(at->second, input, asked))
@@ -88,17 +95,17 @@ bool sameFile(const std::string &a, const std::string &b) {
 
 /// Opens the results. A JSON report that is also the one to resume is never without the records that were taken over,
 /// also if this run is interrupted; they are then not written again.
-bool openResumed(Results &results, const Options &options, const std::vector<Record> &taken_over) {
+bool openResumed(Results &results, const Options &options, const std::vector<FileResult> &taken_over) {
   if (options.json.empty() || !sameFile(options.json, options.resume)) {
     if (!openResults(results, options, Opening::replace))
       return false;
-    for (const Record &record : taken_over)
+    for (const FileResult &record : taken_over)
       write(results.json, jsonLine(record));
     flush(results.json);
     return true;
   }
   std::string lines;
-  for (const Record &record : taken_over)
+  for (const FileResult &record : taken_over)
     lines += jsonLine(record);
   if (const int error = replaceFile(options.json, lines)) {
     refuse(printable(options.json) + ": " + std::strerror(error));
@@ -119,17 +126,17 @@ Status surveyFiles(const Options &options) {
   std::vector<Input> inputs = findFiles(search);
   const bool nothing = inputs.empty();
   std::erase_if(inputs, [&](const Input &input) { return !inShard(input.path, options.shard); });
-  std::vector<Record> taken_over = takeOver(earlier, inputs, options.asked);
+  std::vector<FileResult> taken_over = takeOver(earlier, inputs, options.asked);
 
   Results results;
   if (!openResumed(results, options, taken_over))
     return FAILED;
-  for (Record &record : taken_over)
+  for (FileResult &record : taken_over)
     keepResult(results, std::move(record));
   auditAll(std::move(inputs), {.workers = options.workers,
                                .asked = options.asked,
-                               .show_progress = !options.quiet && ::isatty(STDERR_FILENO) == 1,
-                               .take = [&](Record &&record) { take(results, std::move(record)); }});
+                               .show_progress = !options.quiet && canShowProgress(),
+                               .take = [&](FileResult &&record) { take(results, std::move(record)); }});
   if (nothing)
     std::fputs("kbsurvey: no file was found.\n", stderr);
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
@@ -139,7 +146,7 @@ Status surveyFiles(const Options &options) {
 }
 
 Status mergeReports(const Options &options) {
-  std::vector<Record> records;
+  std::vector<FileResult> records;
   for (const std::string &path : options.paths) {
     Report report = readReport(path);
     if (!report.error.empty())
@@ -151,7 +158,7 @@ Status mergeReports(const Options &options) {
   Results results;
   if (!openResults(results, options, Opening::replace))
     return FAILED;
-  for (Record &record : records)
+  for (FileResult &record : records)
     take(results, std::move(record));
   return finishResults(results, std::nullopt);
 }

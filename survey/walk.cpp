@@ -104,7 +104,7 @@ void identify(Found &found) {
     found.wanted = found.named;
   } else {
     found.input.bytes = static_cast<std::uint64_t>(status.st_size);
-    found.input.modified = timeText(status.st_mtim);
+    found.input.modified = fileTime(status.st_mtim);
     found.identity = {status.st_dev, status.st_ino};
   }
 }

@@ -58,7 +58,7 @@ std::map<std::string, std::uint64_t> deadLinks(const Bytes &file) {
   const FindingReceiver silent([](const Finding &) {});
   Kis kis;
   kvOpenKbMemory(file, "", kis);
-  survey::Record record;
+  survey::FileResult record;
   survey::deepCheck(kis, record);
   std::map<std::string, std::uint64_t> links;
   for (const auto &[id, count] : record.counts) {

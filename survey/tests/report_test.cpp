@@ -12,19 +12,19 @@ namespace kova::survey {
 
 namespace {
 
-Record hostileRecord(int number) {
+FileResult hostileRecord(int number) {
   std::string path = "d";
   path += std::to_string(number % 10);
   path += "/</script><!--\n\xff\\\"&'.kb";
   path += std::to_string(number);
-  Record record{.path = path,
-                .bytes = 123'456,
-                .modified = "1700000000.000000001",
-                .version = "2.0",
-                .verdict = Verdict::err,
-                .deep = true,
-                .repair = Repair::mended,
-                .repair_words = 12};
+  FileResult record{.path = path,
+                    .bytes = 123'456,
+                    .modified = FileTime{1'700'000'000, 1},
+                    .version = Version::two,
+                    .verdict = Verdict::err,
+                    .deep = true,
+                    .repair = Repair::mended,
+                    .repair_words = 12};
   for (Word i = 0; i < 20; ++i)
     record.findings.push_back({.id = "element-size",
                                .stage = Stage::check,
@@ -35,24 +35,25 @@ Record hostileRecord(int number) {
                                .found = 0xffffffff,
                                .expected = 0,
                                .text = path});
-  record.counts = {{"element-size", 20}, {"<b>", 1}, {"\xff", 1}};
+  record.counts = {{"element-size", 20}, {"b", 1}, {"c", 1}};
   return record;
 }
 
 TEST(SurveyReport, ARecordComesBackFromItsLine) {
-  const Record unreadable{.path = "x", .reason = Reason::unreadable, .detail = "it\xff"};
-  const Record forged{.path = "x",
-                      .version = "\xff",
-                      .verdict = Verdict::err,
-                      .findings = {{.id = "\x1b\xff"}},
-                      .counts = {{"\x1b\xff", 1}}};
-  const Record hopeless{.path = "x", .reason = Reason::other_version, .repair = Repair::no};
-  const Record good{.path = "y", .verdict = Verdict::ok};
-  const Record asked{.path = "y", .verdict = Verdict::ok, .repair = Repair::needless};
-  for (const Record &record : {hostileRecord(1), unreadable, forged, hopeless, good, asked}) {
+  const FileResult unreadable{.path = "x", .reason = Reason::unreadable, .detail = "it\xff"};
+  const FileResult forged{.path = "x\x1b\xff",
+                          .modified = FileTime{-1, 750'000'000},
+                          .version = Version::one,
+                          .verdict = Verdict::err,
+                          .findings = {{.id = "x", .text = "\x1b\xff"}},
+                          .counts = {{"x", 1}}};
+  const FileResult hopeless{.path = "x", .reason = Reason::other_version, .repair = Repair::no};
+  const FileResult good{.path = "y", .version = Version::one, .verdict = Verdict::ok};
+  const FileResult asked{.path = "y", .version = Version::one, .verdict = Verdict::ok, .repair = Repair::needless};
+  for (const FileResult &record : {hostileRecord(1), unreadable, forged, hopeless, good, asked}) {
     const std::string line = jsonLine(record);
     EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
-    const std::optional<Record> back = recordOf(line);
+    const std::optional<FileResult> back = recordOf(line);
     ASSERT_TRUE(back) << line;
     EXPECT_EQ(back->path, record.path);
     EXPECT_EQ(back->detail, record.detail);
@@ -90,6 +91,16 @@ TEST(SurveyReport, WhatIsNoRecordIsRefused) {
       {"\"verdict\":\"ERR\"", "\"verdict\":\"OK\""}, // but it can be mended
       {"\"element\":0", "\"element\":4294967296"},
       {"\"stage\":\"check\"", "\"stage\":\"chess\""},
+      {"\"path\":\"", "\"path\":\"\\u0000"},
+      {"\"modified\":\"17", "\"modified\":\"+17"},
+      {".000000001\"", ".00000001\""},
+      {"\"version\":\"2.0\"", "\"version\":\"3.0\""},
+      {"\"version\":\"2.0\"", "\"version\":null"},
+      {"\"list\":\"ObjList\"", "\"list\":\"\""},
+      {"\"id\":\"element-size\"", "\"id\":\"element--size\""},
+      {"\"id\":\"element-size\"", "\"id\":\"Element\""},
+      {"\"b\":1", "\"b\":0"},
+      {"\"b\":1", "\"-b\":1"},
       {"\"id\":\"element-size\"", "\"id\":\"\""},
       {"\"counts\":{", "\"counts\":{\"a\":\"b\","},
       {"\"counts\":{", "\"counts\":{\"\\\\\":1,"},
@@ -123,14 +134,15 @@ TEST(SurveyReport, AnInterruptedLineIsIgnoredAnyOtherIsAnError) {
 }
 
 TEST(SurveyReport, SortingLeavesTheLastOfEachPathWhateverTheOrder) {
-  std::vector<Record> records;
-  for (const char *const modified : {"9.000000000", "10.000000000", "10.000000001", ""})
+  std::vector<FileResult> records;
+  for (const FileTime &modified : {FileTime{-10, 0}, FileTime{-9, 0}, FileTime{-9, 1}})
     records.push_back({.path = "b", .modified = modified, .verdict = Verdict::ok});
-  records.push_back({.path = "b", .modified = "10.000000001", .verdict = Verdict::err});
+  records.push_back({.path = "b", .verdict = Verdict::ok});
+  records.push_back({.path = "b", .modified = FileTime{-9, 1}, .verdict = Verdict::err});
   records.push_back({.path = "a", .verdict = Verdict::ok});
   std::vector<std::size_t> order = {0, 1, 2, 3, 4, 5};
   do {
-    std::vector<Record> some;
+    std::vector<FileResult> some;
     for (const std::size_t i : order)
       some.push_back(records[i]);
     sortRecords(some);
@@ -140,8 +152,8 @@ TEST(SurveyReport, SortingLeavesTheLastOfEachPathWhateverTheOrder) {
   } while (std::next_permutation(order.begin(), order.end()));
 }
 
-std::vector<Record> manyRecords(int number) {
-  std::vector<Record> records;
+std::vector<FileResult> manyRecords(int number) {
+  std::vector<FileResult> records;
   for (int i = 0; i < number; ++i)
     records.push_back(hostileRecord(i));
   std::sort(records.begin(), records.end(), pathLess);

@@ -13,5 +13,5 @@ run 2 "a run" "$KBSURVEY" --json run.json "$SOURCE_DIR/samples" odd missing
 run 2 "a deep run" "$KBSURVEY" --deep --json deep.json "$SOURCE_DIR/samples"
 run 2 "a merge" "$KBSURVEY" --merge run.json deep.json --json merged.json
 run 2 "a run that asks for repairs" "$KBSURVEY" --repairable --json repairable.json "$SOURCE_DIR/samples" odd missing
-run 0 "the schema" python3 -B "$SOURCE_DIR/survey/tests/schema_check.py" "$SOURCE_DIR/survey/report.schema.json" \
-  "$SOURCE_DIR/docs/report.md" run.json deep.json merged.json repairable.json
+run 0 "the schema" python3 -B "$SOURCE_DIR/survey/tests/schema_check.py" "$KBSURVEY" \
+  "$SOURCE_DIR/survey/report.schema.json" "$SOURCE_DIR/docs/report.md" run.json deep.json merged.json repairable.json

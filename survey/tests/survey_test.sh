@@ -301,8 +301,11 @@ fi
 # --- A terminal ---
 
 if has script; then
-  script -qec "'$KBSURVEY' good" terminal >/dev/null </dev/null || fail "on a terminal"
-  grep '2 files: 2 OK' terminal >/dev/null || fail "no summary on a terminal"
+  for terminal in xterm dumb; do # progress clears its line, which not every terminal can do
+    TERM=$terminal script -qec "'$KBSURVEY' good" $terminal >/dev/null </dev/null || fail "on a terminal"
+    grep '2 files: 2 OK' $terminal >/dev/null || fail "no summary on a terminal"
+  done
+  same "terminals with a progress line" xterm "$(grep -l $'\e\\[K' xterm dumb)"
 fi
 survey 0 good
 [ ! -s err ] || fail "standard error is no terminal, and yet: $(cat err)"

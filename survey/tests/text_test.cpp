@@ -58,6 +58,29 @@ TEST(SurveyText, BytesForPeople) {
   EXPECT_EQ(bytesText(~std::uint64_t{0}), "18.4 EB");
 }
 
+TEST(SurveyText, TimesBeforeAndAfter1970) {
+  struct Case {
+    FileTime time;
+    const char *text;
+  };
+  constexpr std::int64_t MOST = 9'223'372'036'854'775'807;
+  constexpr Case CASES[] = {{{0, 0}, "0.000000000"},
+                            {{7, 50}, "7.000000050"},
+                            {{-1, 750'000'000}, "-0.250000000"},
+                            {{-1, 0}, "-1.000000000"},
+                            {{-2, 1}, "-1.999999999"},
+                            {{MOST, 999'999'999}, "9223372036854775807.999999999"},
+                            {{-MOST - 1, 0}, "-9223372036854775808.000000000"},
+                            {{-MOST - 1, 1}, "-9223372036854775807.999999999"}};
+  for (const Case &tried : CASES) {
+    EXPECT_EQ(timeText(tried.time), tried.text);
+    EXPECT_TRUE(timeOf(tried.text) == tried.time) << tried.text;
+  }
+  for (const char *const wrong : {"", "-", "1", "1.", "1.5", ".000000000", "--1.000000000", "1.-00000000",
+                                  "9223372036854775808.000000000", "1.0000000000", " 1.000000000"})
+    EXPECT_FALSE(timeOf(wrong)) << wrong;
+}
+
 TEST(SurveyText, Progress) {
   EXPECT_EQ(progressText({.files = 9, .bytes = 90}, 0), "0/9 files, 0 bad, 0.0 MB/s");
   EXPECT_EQ(progressText({.files = 4, .bytes = 400'000'000, .files_done = 1, .bytes_done = 100'000'000, .bad = 1}, 25),
@@ -65,7 +88,7 @@ TEST(SurveyText, Progress) {
 }
 
 TEST(SurveyText, WhatIsWrongTellsTheFirstErrorAndItsList) {
-  Record record{.path = "a\nOK.kb", .verdict = Verdict::err};
+  FileResult record{.path = "a\nOK.kb", .verdict = Verdict::err};
   record.findings = {{.id = "w", .severity = Severity::warning, .list = "ObjList", .text = "a warning\n"},
                      {.id = "e", .severity = Severity::error, .list = "EnvList", .text = "size is wrong\n"}};
   record.counts = {{"w", 2000}, {"e", 1}};
@@ -83,7 +106,7 @@ TEST(SurveyText, WhatIsWrongTellsTheFirstErrorAndItsList) {
 
 TEST(SurveyText, TheSummaryHasALineAboutRepairsIfThereAreAnswers) {
   const auto second_line = [](std::initializer_list<Repair> repairs) {
-    std::vector<Record> records;
+    std::vector<FileResult> records;
     for (const Repair repair : repairs)
       records.push_back({.path = "a", .verdict = Verdict::ok, .repair = repair});
     const std::string text = summary(tallyOf(records), std::nullopt);

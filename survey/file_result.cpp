@@ -1,4 +1,4 @@
-#include "survey/record.h"
+#include "survey/file_result.h"
 
 #include "survey/deep.h"
 
@@ -6,12 +6,12 @@
 
 namespace kova::survey {
 
-bool countFinding(Record &record, const char *id) {
+bool countFinding(FileResult &record, const char *id) {
   ++record.counts[id];
   return record.findings.size() < MOST_FINDINGS;
 }
 
-void keepFinding(Record &record, KeptFinding &&finding) {
+void keepFinding(FileResult &record, KeptFinding &&finding) {
   if (finding.text.size() > MOST_TEXT) {
     finding.text.resize(MOST_TEXT - 3);
     finding.text += "...";
@@ -19,7 +19,7 @@ void keepFinding(Record &record, KeptFinding &&finding) {
   record.findings.push_back(std::move(finding));
 }
 
-std::uint64_t findingCount(const Record &record) {
+std::uint64_t findingCount(const FileResult &record) {
   std::uint64_t sum = 0;
   for (const auto &[id, count] : record.counts)
     sum += count;
