@@ -1,9 +1,9 @@
 /// The steps that checks are made of.
 #pragma once
 
+#include "format/lists.h"
 #include "kova/check.h"
 #include "reader/findings.h"
-#include "reader/lists.h"
 
 namespace kova {
 

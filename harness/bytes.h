@@ -1,7 +1,7 @@
 /// The bytes of a KOVA file, and its words by their places. Independent of the reader's own conversions.
 #pragma once
 
-#include "reader/lists.h"
+#include "format/lists.h"
 
 #include <vector>
 

@@ -1,9 +1,9 @@
 #include "kova/kova.h"
 
+#include "format/lists.h"
 #include "reader/cursor.h"
 #include "reader/file.h"
 #include "reader/findings.h"
-#include "reader/lists.h"
 #include "reader/window.h"
 
 #include <algorithm>

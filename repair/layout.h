@@ -5,7 +5,7 @@
 /// said once, by the function `content` of its kind; those who need more than the end take part as `Events`.
 #pragma once
 
-#include "reader/lists.h"
+#include "format/lists.h"
 
 #include <initializer_list>
 #include <span>

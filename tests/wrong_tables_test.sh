@@ -10,7 +10,7 @@ compiler=$(cached CMAKE_CXX_COMPILER)
 record='
 struct Base { Word tag; };
 struct Record : Base { Index index; float length; Xyz axis; };
-constexpr auto BASE_LINES = lines<Base>({{"tag %0#10x\n", &Base::tag}});
+constexpr auto BASE_WORDS = words<Base>({{"tag %0#10x\n", &Base::tag}});
 '
 index='{"index %d\n", &Record::index}'
 length='{"length %#g\n", &Record::length}'
@@ -37,7 +37,10 @@ start() {
 }
 
 # rows REASON WHAT ROWS
-rows() { start "$1" "$2" textdump/table.h "$record constexpr auto TABLE = lines<Record>({$3});"; }
+rows() {
+  start "$1" "$2" textdump/table.h "$record constexpr auto RECORD_WORDS = words<Record>({$3});
+    constexpr auto &TABLE = LINES_OF<RECORD_WORDS>;"
+}
 
 # print REASON WHAT FORMAT NUMBER
 print() { start "$1" "$2" textdump/text.h "void write(Text &text) { print<\"$3\">(text, $4); }"; }
@@ -45,29 +48,29 @@ print() { start "$1" "$2" textdump/text.h "void write(Text &text) { print<\"$3\"
 # lists REASON WHAT SED-SCRIPT: the names of all lists, one to a line, as the script leaves them.
 lists() {
   local names
-  names=$(sed -n 's/^    {\("[A-Za-z]*List"\), .*/    ListWord{\1},/p' "$SOURCE_DIR/reader/lists.h" | sed "$3")
-  start "$1" "$2" reader/lists.h "struct ListWord { const char *list; };
+  names=$(sed -n 's/^    {\("[A-Za-z]*List"\), .*/    ListWord{\1},/p' "$SOURCE_DIR/format/lists.h" | sed "$3")
+  start "$1" "$2" format/lists.h "struct ListWord { const char *list; };
     constexpr auto TABLE = inListOrder({$names});"
 }
 
 number='a text has one conversion for each word of its member'
 missing='a member of the record is missing'
 
-rows '' 'the right table' "BASE_LINES, $index, $length, $axis"
-rows '' 'a table that leaves a member unprinted' "BASE_LINES, $index, unprinted(&Record::length), $axis"
-rows '%d takes a Word or an Index' '%d for a float' "BASE_LINES, $index, {\"length %d\n\", &Record::length}, $axis"
-rows '%0#10x takes a Word' '%0#10x for an index' "BASE_LINES, {\"index %0#10x\n\", &Record::index}, $length, $axis"
-rows '%#g and %#12g take a float' '%#g for an index' "BASE_LINES, {\"index %#g\n\", &Record::index}, $length, $axis"
-rows '%d takes a Word or an Index' '%d in a vector' "BASE_LINES, $index, $length, {\"%#g %d %#g\", &Record::axis}"
-rows 'a conversion that the dump does not know' '%u' "BASE_LINES, {\"index %u\n\", &Record::index}, $length, $axis"
-rows "$number" 'a text without a conversion' "BASE_LINES, {\"index\n\", &Record::index}, $length, $axis"
-rows "$number" 'a text with two conversions' "BASE_LINES, {\"index %d %d\n\", &Record::index}, $length, $axis"
-rows "$number" 'a vector with two conversions' "BASE_LINES, $index, $length, {\"axis %#g %#g\n\", &Record::axis}"
-rows "$missing" 'a missing member' "BASE_LINES, $index, $axis"
-rows "$missing" 'a missing last member' "BASE_LINES, $index, $length"
+rows '' 'the right table' "BASE_WORDS, $index, $length, $axis"
+rows '' 'a table that leaves a member unprinted' "BASE_WORDS, $index, unprinted(\"length\", &Record::length), $axis"
+rows '%d takes a Word or an Index' '%d for a float' "BASE_WORDS, $index, {\"length %d\n\", &Record::length}, $axis"
+rows '%0#10x takes a Word' '%0#10x for an index' "BASE_WORDS, {\"index %0#10x\n\", &Record::index}, $length, $axis"
+rows '%#g and %#12g take a float' '%#g for an index' "BASE_WORDS, {\"index %#g\n\", &Record::index}, $length, $axis"
+rows '%d takes a Word or an Index' '%d in a vector' "BASE_WORDS, $index, $length, {\"%#g %d %#g\", &Record::axis}"
+rows 'a conversion that the dump does not know' '%u' "BASE_WORDS, {\"index %u\n\", &Record::index}, $length, $axis"
+rows "$number" 'a text without a conversion' "BASE_WORDS, {\"index\n\", &Record::index}, $length, $axis"
+rows "$number" 'a text with two conversions' "BASE_WORDS, {\"index %d %d\n\", &Record::index}, $length, $axis"
+rows "$number" 'a vector with two conversions' "BASE_WORDS, $index, $length, {\"axis %#g %#g\n\", &Record::axis}"
+rows "$missing" 'a missing member' "BASE_WORDS, $index, $axis"
+rows "$missing" 'a missing last member' "BASE_WORDS, $index, $length"
 rows "$missing" 'a missing base' "$index, $length, $axis"
-rows 'a member stands twice' 'a doubled member' "BASE_LINES, $index, $length, $length, $axis"
-rows 'the members are not in the order of the record' 'a reordered member' "BASE_LINES, $length, $index, $axis"
+rows 'a member stands twice' 'a doubled member' "BASE_WORDS, $index, $length, $length, $axis"
+rows 'the members are not in the order of the record' 'a reordered member' "BASE_WORDS, $length, $index, $axis"
 
 print '' 'the right line' '%d %#g\n' 'Word{1}, 1.0F'
 print '%d takes a Word or an Index' '%d for a float argument' '%d\n' '1.0F'

@@ -33,20 +33,20 @@ void writeZeroedAnims(Text &text, std::size_t count) {
 } // namespace
 
 void kvWriteKtAnimListFix1(Text &text, const AnimList &list) {
-  writeListHead<ANIM_LIST_LINES, "anim_group_num_byte[%d]  %d \n">(text, list, ANIM_SECTION.name);
+  writeListHead<LINES_OF<ANIM_LIST_WORDS>, "anim_group_num_byte[%d]  %d \n">(text, list, ANIM_SECTION.name);
 }
 
 void kvWriteKtAnimGroupFix1(Text &text, const AnimGroup &group, Index number) {
   print<"AnimGroup(%d)\n">(text, number);
-  putRecord<ANIM_GROUP_LINES>(text, group);
+  putRecord<LINES<AnimGroupHead>>(text, group);
   switch (group.type) {
   case 0:
   case 2:
-    return writeAnims<ANIM_STEP_LINES>(text, counted(group.anim_num, group.step));
+    return writeAnims<LINES<AnimStep>>(text, counted(group.anim_num, group.step));
   case 3:
-    return writeAnims<ANIM_KEYFRAME_LINES>(text, counted(group.anim_num, group.keyframe));
+    return writeAnims<LINES<AnimKeyframe>>(text, counted(group.anim_num, group.keyframe));
   case 4:
-    return writeAnims<ANIM_NODE_LINES>(text, counted(group.anim_num, group.node));
+    return writeAnims<LINES<AnimNode>>(text, counted(group.anim_num, group.node));
   default:
     return writeZeroedAnims(text, std::min(group.anim_num, group.zeroed_anim_num));
   }
@@ -67,16 +67,16 @@ void writeAnimGroupExt(Text &text, const AnimGroup &group) {
   if (!group.ext)
     return writeExtBlkAfter(text, group, 0);
   const AnimGroupExt &ext = *group.ext;
-  putRecord<ANIM_GROUP_EXT_LINES>(text, ext);
-  writeKeys<ROTATE_AXIS_LINES, "RotateAxis(%d)\n">(text, counted(ext.rotate_axis_num, ext.rotate_axis));
+  putRecord<LINES<AnimGroupExtHead>>(text, ext);
+  writeKeys<LINES<RotateAxis>, "RotateAxis(%d)\n">(text, counted(ext.rotate_axis_num, ext.rotate_axis));
   kvWriteKtRotateX(text, counted(ext.rotate_x_num, ext.rotate_x), "RotateX");
   kvWriteKtRotateX(text, counted(ext.rotate_y_num, ext.rotate_y), "RotateY");
   kvWriteKtRotateX(text, counted(ext.rotate_z_num, ext.rotate_z), "RotateZ");
-  writeKeys<ORIENTATION_XY_LINES, "OrientationXY(%d)\n">(text, counted(ext.orientation_xy_num, ext.orientation_xy));
-  writeKeys<TRANSLATION_LINES, "Translation(%d)\n">(text, counted(ext.translation_num, ext.translation));
+  writeKeys<LINES<OrientationXY>, "OrientationXY(%d)\n">(text, counted(ext.orientation_xy_num, ext.orientation_xy));
+  writeKeys<LINES<Translation>, "Translation(%d)\n">(text, counted(ext.translation_num, ext.translation));
   kvWriteKtUniqScale(text, counted(ext.unique_scale_num, ext.unique_scale), "Unique");
   kvWriteKtUniqScale(text, counted(ext.classic_scale_num, ext.classic_scale), "Classic");
-  putLater<ANIM_GROUP_EXT_LINES>(text, ext);
+  putLater<LINES<AnimGroupExtHead>>(text, ext);
   writeExtBlkAfter(text, group, kvSizeofAnimGroupExt(ext));
 }
 
@@ -102,12 +102,12 @@ template <const auto &TABLE> void writeData(Text &text, const Coll &coll) {
 }
 
 constexpr std::array<CollKind, 7> COLL_KINDS = {{{0x00, "NONE\n", writeNoData},
-                                                 {0x10, "TERRAIN\n", writeData<TERRAIN_LINES>},
-                                                 {0x20, "POINT\n", writeData<POINT_LINES>},
-                                                 {0x21, "CIRCLE\n", writeData<CIRCLE_LINES>},
-                                                 {0x22, "SPHERE\n", writeData<SPHERE_LINES>},
-                                                 {0x23, "CYLINDER\n", writeData<CYLINDER_LINES>},
-                                                 {0x24, "BOX\n", writeData<BOX_LINES>}}};
+                                                 {0x10, "TERRAIN\n", writeData<LINES<CollTerrain>>},
+                                                 {0x20, "POINT\n", writeData<LINES<CollPoint>>},
+                                                 {0x21, "CIRCLE\n", writeData<LINES<CollCircle>>},
+                                                 {0x22, "SPHERE\n", writeData<LINES<CollSphere>>},
+                                                 {0x23, "CYLINDER\n", writeData<LINES<CollCylinder>>},
+                                                 {0x24, "BOX\n", writeData<LINES<CollBox>>}}};
 constexpr CollKind UNKNOWN_COLL_KIND = {0, "????\n", writeNoData};
 
 const CollKind &collKind(Word coll_type) {
@@ -119,7 +119,7 @@ const CollKind &collKind(Word coll_type) {
 
 void writeColl(Text &text, const Coll &coll, Index number) {
   print<"Coll(%d)\n">(text, number);
-  putRecord<COLL_LINES>(text, coll);
+  putRecord<LINES<CollHead>>(text, coll);
   const CollKind &kind = collKind(coll.coll_type);
   putString(text, kind.word);
   kind.data(text, coll);
@@ -128,12 +128,12 @@ void writeColl(Text &text, const Coll &coll, Index number) {
 } // namespace
 
 void kvWriteKtCollListFix1(Text &text, const CollList &list) {
-  writeListHead<COLL_LIST_LINES, "coll_group_num_byte[%d]  %d \n">(text, list, COLL_SECTION.name);
+  writeListHead<LINES_OF<COLL_LIST_WORDS>, "coll_group_num_byte[%d]  %d \n">(text, list, COLL_SECTION.name);
 }
 
 void kvWriteKtCollGroupFix1(Text &text, const CollGroup &group, Index number) {
   print<"CollGroup(%d)\n">(text, number);
-  putRecord<COLL_GROUP_LINES>(text, group);
+  putRecord<LINES<CollGroupHead>>(text, group);
   printEach<"coll_num_byte[%d]  %d \n">(text, counted(group.coll_num, group.coll_num_byte));
   Index position = 0;
   for (const Coll &coll : counted(group.coll_num, group.coll))
@@ -146,12 +146,12 @@ void kvWriteKtCollList(Text &text, const CollList &list) { kvWriteKtCollList1(te
 // --- SwitchList ------------------------------------------------------------------------------------------------------
 
 void kvWriteKtSwitchListFix1(Text &text, const SwitchList &list) {
-  writeListHead<SWITCH_LIST_LINES, "switch_num_byte[%d]    %d\n">(text, list, SWITCH_SECTION.name);
+  writeListHead<LINES_OF<SWITCH_LIST_WORDS>, "switch_num_byte[%d]    %d\n">(text, list, SWITCH_SECTION.name);
 }
 
 void kvWriteKtSwitchFix1(Text &text, const Switch &node, Index number) {
   print<"Switch(%d)\n">(text, number);
-  putRecord<SWITCH_LINES>(text, node);
+  putRecord<LINES<SwitchHead>>(text, node);
   printEach<"case_val[%d]  %d\n">(text, counted(node.case_node_num, node.case_val));
   printEach<"case_dest_index[%d]  %d\n">(text, counted(node.case_node_num, node.case_dest_index));
 }
@@ -178,7 +178,7 @@ void putName(Text &text, const Name &name) {
 } // namespace
 
 void kvWriteKtNameListFix1(Text &text, const NameList &list) {
-  putRecord<NAME_LIST_LINES>(text, list);
+  putRecord<LINES_OF<NAME_LIST_WORDS>>(text, list);
   printEach<"name_num_byte[%d]    %d\n">(text, counted(list.num, list.num_byte));
   print<"\n">(text);
 }

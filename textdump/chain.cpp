@@ -1,4 +1,5 @@
-#include "textdump/chain.h"
+#include "format/chain.h"
+#include "textdump/lines.h"
 
 namespace kova {
 
@@ -11,32 +12,33 @@ template <class Node> void writeObjs(Text &text, const Node &node) {
 }
 
 void writeChainRoot(Text &text, const ChainRoot &root, Index) {
-  kvWriteKtElementTop<CHAIN_ROOT_LINES>(text, root, "ChainRoot");
+  kvWriteKtElementTop<LINES<ChainRootHead>>(text, root, "ChainRoot");
   writeObjs(text, root);
 }
 
 void writeJoint(Text &text, const Joint &joint, Index) {
-  kvWriteKtElementTop<JOINT_LINES>(text, joint, "Joint");
+  kvWriteKtElementTop<LINES<JointHead>>(text, joint, "Joint");
   writeObjs(text, joint);
 }
 
 void writeEffector(Text &text, const Effector &effector, Index) {
-  kvWriteKtElementTop<EFFECTOR_LINES>(text, effector, "Effector");
+  kvWriteKtElementTop<LINES<EffectorHead>>(text, effector, "Effector");
   writeObjs(text, effector);
 }
 
 } // namespace
 
 void kvWriteKtChainRootList(Text &text, const ChainRootList &list) {
-  writeVersion2Section<CHAIN_ROOT_LIST_LINES>(text, list, "ChainRootList", "chain_root_num_byte", writeChainRoot);
+  writeVersion2Section<LINES_OF<CHAIN_ROOT_LIST_WORDS>>(text, list, "ChainRootList", "chain_root_num_byte",
+                                                        writeChainRoot);
 }
 
 void kvWriteKtJointList(Text &text, const JointList &list) {
-  writeVersion2Section<JOINT_LIST_LINES>(text, list, "JointList", "joint_num_byte", writeJoint);
+  writeVersion2Section<LINES_OF<JOINT_LIST_WORDS>>(text, list, "JointList", "joint_num_byte", writeJoint);
 }
 
 void kvWriteKtEffectorList(Text &text, const EffectorList &list) {
-  writeVersion2Section<EFFECTOR_LIST_LINES>(text, list, "EffectorList", "effector_num_byte", writeEffector);
+  writeVersion2Section<LINES_OF<EFFECTOR_LIST_WORDS>>(text, list, "EffectorList", "effector_num_byte", writeEffector);
 }
 
 } // namespace kova

@@ -42,14 +42,14 @@ template <Format FORMAT> void writeTuples(Text &text, std::span<const St> tuples
 // --- VtxList: its header section holds the groups --------------------------------------------------------------------
 
 void kvWriteKtVtxListFix1(Text &text, const VtxList &list) {
-  writeListHead<VTX_LIST_LINES, "vtx_group_num_byte[%d]  %d \n">(text, list, VTX_SECTION);
+  writeListHead<LINES_OF<VTX_LIST_WORDS>, "vtx_group_num_byte[%d]  %d \n">(text, list, VTX_SECTION);
   print<"\n">(text);
   writeGroups(text, list.num, list.element, kvWriteKtVtxFix1);
 }
 
 void kvWriteKtVtxFix1(Text &text, const VtxGroup &group, Index number) {
   print<"VtxGroup(%d)\n">(text, number);
-  putRecord<VTX_GROUP_LINES>(text, group);
+  putRecord<LINES<VtxGroupHead>>(text, group);
   writeTuples<" Vtx(%d) %#12g %#12g %#12g   ; x,y,z\n">(text, counted(group.vtx_num, group.vtx));
 }
 
@@ -126,13 +126,13 @@ void writeTriGroupEnd(Text &text, const TriGroup &group) {
 } // namespace
 
 void kvWriteKtTriListFix1(Text &text, const TriList &list) {
-  writeListHead<TRI_LIST_LINES, "tri_group_num_byte[%d] %d\n">(text, list, TRI_SECTION.name);
+  writeListHead<LINES_OF<TRI_LIST_WORDS>, "tri_group_num_byte[%d] %d\n">(text, list, TRI_SECTION.name);
   print<"\n">(text);
 }
 
 void kvWriteKtTriGroupFix1(Text &text, const TriGroup &group, Index number) {
   print<"TriGroup(%d)\n">(text, number);
-  putRecord<TRI_GROUP_LINES>(text, group);
+  putRecord<LINES<TriGroupHead>>(text, group);
   const std::array<AnimRef, REF_KIND_NUM> refs = kvRefs(group);
   for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind)
     REF_WRITERS[kind](text, refs[kind], refForm(group.tri_anim_type, kind));
@@ -141,7 +141,7 @@ void kvWriteKtTriGroupFix1(Text &text, const TriGroup &group, Index number) {
 
 void kvWriteKtTriFix1(Text &text, const Tri &tri, Index number) {
   print<"Tri(%d)\n">(text, number);
-  putRecord<TRI_LINES>(text, tri);
+  putRecord<LINES<TriHead>>(text, tri);
 }
 
 void kvWriteKtTriList1(Text &text, const TriList &list) { writeSection(text, TRI_SECTION, list, writeTriGroupEnd); }
@@ -151,7 +151,7 @@ void kvWriteKtTriList(Text &text, const TriList &list) { kvWriteKtTriList1(text,
 
 void kvWriteKtColorListFix1(Text &text, const ColorList &list) {
   kvWriteKtListName(text, COLOR_SECTION);
-  putRecord<COLOR_LIST_LINES>(text, list);
+  putRecord<LINES_OF<COLOR_LIST_WORDS>>(text, list);
   printEach<"tri_color_group_size[%d]   %d\n">(text, counted(list.tri_group_num, list.tri_group_size));
   printEach<"vtx_color_group_size[%d]   %d\n">(text, counted(list.vtx_group_num, list.vtx_group_size));
   print<"\n">(text);
@@ -161,13 +161,13 @@ void kvWriteKtColorListFix1(Text &text, const ColorList &list) {
 
 void kvWriteKtTriColorFix1(Text &text, const TriColorGroup &group, Index number) {
   print<"TriColorGroup(%d)\n">(text, number);
-  putRecord<TRI_COLOR_GROUP_LINES>(text, group);
+  putRecord<LINES<TriColorGroupHead>>(text, group);
   writeTuples<"TriColor(%d) %#12g %#12g %#12g %#12g    ; RGBA\n">(text, counted(group.tri_color_num, group.color));
 }
 
 void kvWriteKtVtxColorFix1(Text &text, const VtxColorGroup &group, Index number) {
   print<"VtxColorGroup(%d)\n">(text, number);
-  putRecord<VTX_COLOR_GROUP_LINES>(text, group);
+  putRecord<LINES<VtxColorGroupHead>>(text, group);
   writeTuples<"VtxColor(%d) %#12g %#12g %#12g %#12g    ; RGBA\n">(text, counted(group.vtx_color_num, group.color));
 }
 
@@ -181,7 +181,7 @@ void kvWriteKtColorList(Text &text, const ColorList &list) { kvWriteKtColorList1
 
 void kvWriteKtVectorListFix1(Text &text, const VectorList &list) {
   kvWriteKtListName(text, VECTOR_SECTION);
-  putRecord<VECTOR_LIST_LINES>(text, list);
+  putRecord<LINES_OF<VECTOR_LIST_WORDS>>(text, list);
   printEach<"tri_nv_group_size[%d]     %d\n">(text, counted(list.tri_group_num, list.tri_group_size));
   printEach<"vtx_nv_group_size[%d]     %d\n">(text, counted(list.vtx_group_num, list.vtx_group_size));
   print<"\n">(text);
@@ -191,13 +191,13 @@ void kvWriteKtVectorListFix1(Text &text, const VectorList &list) {
 
 void kvWriteKtTriNvFix1(Text &text, const TriNvGroup &group, Index number) {
   print<"TriNvGroup(%d)\n">(text, number);
-  putRecord<TRI_NV_GROUP_LINES>(text, group);
+  putRecord<LINES<TriNvGroupHead>>(text, group);
   writeTuples<" TriNv(%d) %#12g %#12g %#12g    ; Nx,Ny,Nz\n">(text, counted(group.tri_nv_num, group.normal));
 }
 
 void kvWriteKtVtxNvFix1(Text &text, const VtxNvGroup &group, Index number) {
   print<"VtxNvGroup(%d)\n">(text, number);
-  putRecord<VTX_NV_GROUP_LINES>(text, group);
+  putRecord<LINES<VtxNvGroupHead>>(text, group);
   writeTuples<" VtxNv(%d) %#12g %#12g %#12g    ; Nx,Ny,Nz\n">(text, counted(group.vtx_nv_num, group.normal));
 }
 
@@ -210,14 +210,14 @@ void kvWriteKtVectorList(Text &text, const VectorList &list) { kvWriteKtVectorLi
 // --- StList ----------------------------------------------------------------------------------------------------------
 
 void kvWriteKtStListFix1(Text &text, const StList &list) {
-  writeListHead<ST_LIST_LINES, "st_group_size[%d]   %d\n">(text, list, ST_SECTION);
+  writeListHead<LINES_OF<ST_LIST_WORDS>, "st_group_size[%d]   %d\n">(text, list, ST_SECTION);
   print<"\n">(text);
   writeGroups(text, list.num, list.element, kvWriteKtStFix1);
 }
 
 void kvWriteKtStFix1(Text &text, const StGroup &group, Index number) {
   print<"StGroup(%d)\n">(text, number);
-  putRecord<ST_GROUP_LINES>(text, group);
+  putRecord<LINES<StGroupHead>>(text, group);
   writeTuples<"St(%d)  %#12g  %#12g    ; s,t\n">(text, counted(group.st_num, group.st));
 }
 
@@ -230,12 +230,12 @@ void kvWriteKtStList(Text &text, const StList &list) { kvWriteKtStList1(text, li
 // --- PartList --------------------------------------------------------------------------------------------------------
 
 void kvWriteKtPartListFix1(Text &text, const PartList &list) {
-  writeListHead<PART_LIST_LINES, "part_num_byte[%d]    %d\n">(text, list, PART_SECTION.name);
+  writeListHead<LINES_OF<PART_LIST_WORDS>, "part_num_byte[%d]    %d\n">(text, list, PART_SECTION.name);
 }
 
 void kvWriteKtPartFix1(Text &text, const Part &part, Index number) {
   print<"Part(%d)\n">(text, number);
-  putRecord<PART_LINES>(text, part);
+  putRecord<LINES<PartHead>>(text, part);
   printEach<"tri_index[%d]     %d\n">(text, counted(part.part_tri_num, part.tri_index));
 }
 

@@ -1,7 +1,7 @@
 #include "kova/kt.h"
 
+#include "format/lists.h"
 #include "reader/findings.h"
-#include "reader/lists.h"
 #include "textdump/lines.h"
 #include "textdump/sections.h"
 

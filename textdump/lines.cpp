@@ -1,5 +1,9 @@
 #include "textdump/lines.h"
 
+#include "format/behavior.h"
+#include "format/header.h"
+#include "format/material.h"
+
 namespace kova {
 
 namespace {
@@ -96,7 +100,7 @@ void kvWriteKtRotateX(Text &text, std::span<const RotateE> keys, const char *lab
   Index position = 0;
   for (const RotateE &key : keys) {
     printLabelled<"(%d)\n">(text, label, position++);
-    putRecord<ROTATE_E_LINES>(text, key);
+    putRecord<LINES<RotateE>>(text, key);
   }
 }
 
@@ -104,7 +108,7 @@ void kvWriteKtUniqScale(Text &text, std::span<const Scale> keys, const char *lab
   Index position = 0;
   for (const Scale &key : keys) {
     printLabelled<"Scale(%d)">(text, label, position++); // no line end, on purpose: the next text continues the line
-    putRecord<SCALE_LINES>(text, key);
+    putRecord<LINES<Scale>>(text, key);
   }
 }
 
@@ -113,13 +117,13 @@ void kvWriteKtPrimColorAnim(Text &text, std::span<const PrimColorAnim> keys, con
   for (const PrimColorAnim &key : keys) {
     print<"PrimColorAnim">(text);
     printLabelled<"(%d)\n">(text, label, position++);
-    putRecord<PRIM_COLOR_ANIM_LINES>(text, key);
+    putRecord<LINES<PrimColorAnim>>(text, key);
   }
 }
 
 void kvWriteKtFileHeaderFix1(Text &text, const FileHeader &header) {
   kvWriteKtListName(text, "FileHeader");
-  putRecord<FILE_HEADER_LINES>(text, header);
+  putRecord<LINES<FileHeaderHead>>(text, header);
 }
 
 void kvWriteKtFileHeader1(Text &text, const FileHeader &header) {
@@ -130,7 +134,7 @@ void kvWriteKtFileHeader1(Text &text, const FileHeader &header) {
 
 void kvWriteKtFileHeader(Text &text, const FileHeader &header) {
   kvWriteKtFileHeaderFix1(text, header);
-  putRecord<VERSION_2_SIZES_LINES>(text, header);
+  putRecord<LINES<Version2Sizes>>(text, header);
   writeExtBlkAfter(text, header, VERSION_2_SIZES_BYTES);
   kvWriteKtListEnd(text, "FileHeader");
 }

@@ -14,12 +14,12 @@ constexpr Section<Teximg> TEXIMG_SECTION = {"TexImgList", kvWriteKtTeximgListFix
 // --- MatList ---------------------------------------------------------------------------------------------------------
 
 void kvWriteKtMatListFix1(Text &text, const MatList &list) {
-  writeListHead<MAT_LIST_LINES, "mat_num_byte[%d]    %d\n">(text, list, MAT_SECTION.name);
+  writeListHead<LINES_OF<MAT_LIST_WORDS>, "mat_num_byte[%d]    %d\n">(text, list, MAT_SECTION.name);
 }
 
 void kvWriteKtMatFix1(Text &text, const Mat &mat, Index number) {
   print<"Mat(%d)\n">(text, number);
-  putRecord<MAT_LINES>(text, mat);
+  putRecord<LINES<MatHead>>(text, mat);
   printEach<"tex_index[%d]   %0#10x\n">(text, counted(mat.tex_num, mat.tex_index));
 }
 
@@ -29,10 +29,10 @@ void writeMatExt(Text &text, const Mat &mat) {
   if (!mat.ext)
     return writeExtBlkAfter(text, mat, 0);
   const MatExt &ext = *mat.ext;
-  putRecord<MAT_EXT_LINES>(text, ext);
+  putRecord<LINES<MatExtHead>>(text, ext);
   kvWriteKtPrimColorAnim(text, counted(ext.prim_color_anim_num, ext.prim_color_anim), "");
   kvWriteKtPrimColorAnim(text, counted(ext.prim_color_anim_num_for_fog, ext.prim_color_anim_for_fog), "ForFog");
-  putLater<MAT_EXT_LINES>(text, ext);
+  putLater<LINES<MatExtHead>>(text, ext);
   kvWriteKtExternal(text, counted(ext.external_tex_num, ext.external_tex), "external tex");
   writeExtBlkAfter(text, mat, kvSizeofMatExt(ext));
 }
@@ -47,7 +47,7 @@ void kvWriteKtMatList(Text &text, const MatList &list) { writeSection(text, MAT_
 namespace {
 
 void writeTiles(Text &text, const TexTiles &tiles) {
-  putRecord<TEX_TILES_LINES>(text, tiles);
+  putRecord<LINES<TexTilesHead>>(text, tiles);
   printEach<"tex_tile_scale_key[%d]   %d\n">(text, counted(tiles.tex_tile_scale_num, tiles.tex_tile_scale_key));
   printEach<"tex_tile_width[%d]       %d\n">(text, counted(tiles.tex_tile_scale_num, tiles.tex_tile_width));
   printEach<"tex_tile_height[%d]      %d\n">(text, counted(tiles.tex_tile_scale_num, tiles.tex_tile_height));
@@ -63,7 +63,7 @@ void writeTexExt(Text &text, const Tex &tex) {
   if (!tex.ext)
     return writeExtBlkAfter(text, tex, 0);
   const TexExt &ext = *tex.ext;
-  putRecord<TEX_EXT_LINES>(text, ext);
+  putRecord<LINES<TexExtHead>>(text, ext);
   const Word tile_num = kvCiTileNum(tex);
   kvWriteKtArray(text, counted(tile_num, ext.color_palette_index), "color_palette_index");
   kvWriteKtArray(text, counted(tile_num, ext.tlut_palette_number), "tlut_palette_number");
@@ -75,14 +75,14 @@ void writeTexExt(Text &text, const Tex &tex) {
 } // namespace
 
 void kvWriteKtTexListFix1(Text &text, const TexList &list) {
-  writeListHead<TEX_LIST_LINES, "tex_num_byte[%d]    %d\n">(text, list, TEX_SECTION.name);
+  writeListHead<LINES_OF<TEX_LIST_WORDS>, "tex_num_byte[%d]    %d\n">(text, list, TEX_SECTION.name);
 }
 
 void kvWriteKtTexFix1(Text &text, const Tex &tex, Index number) {
   print<"Tex(%d)\n">(text, number);
-  putRecord<TEX_LINES>(text, tex);
+  putRecord<LINES<TexHead>>(text, tex);
   if (tex.tex_anim == 0)
-    putRecord<TEX_STILL_LINES>(text, tex.still);
+    putRecord<LINES<TexStill>>(text, tex.still);
   else
     writeTiles(text, tex.tiles);
 }
@@ -114,7 +114,7 @@ void writeTeximgEnd2(Text &text, const Teximg &image) {
   if (!image.ext)
     return writeExtBlkAfter(text, image, 0);
   const TeximgExt &ext = *image.ext;
-  putRecord<TEXIMG_EXT_LINES>(text, ext);
+  putRecord<LINES<TeximgExtHead>>(text, ext);
   kvWriteKtArray(text, counted(ext.mipmap_max_level, ext.mipmap_img_offset), "mipmap img offset");
   writeExtBlkAfter(text, image, kvSizeofTeximgExt(ext));
 }
@@ -122,12 +122,12 @@ void writeTeximgEnd2(Text &text, const Teximg &image) {
 } // namespace
 
 void kvWriteKtTeximgListFix1(Text &text, const TeximgList &list) {
-  writeListHead<TEXIMG_LIST_LINES, "tex_img_num_byte[%d]    %d\n">(text, list, TEXIMG_SECTION.name);
+  writeListHead<LINES_OF<TEXIMG_LIST_WORDS>, "tex_img_num_byte[%d]    %d\n">(text, list, TEXIMG_SECTION.name);
 }
 
 void kvWriteKtTeximgFix1(Text &text, const Teximg &image, Index number) {
   print<"TexImg(%d)\n">(text, number);
-  putRecord<TEXIMG_LINES>(text, image);
+  putRecord<LINES<TeximgHead>>(text, image);
   writeTexels(text, counted(kvSizeofTeximg(image), image.texel));
 }
 

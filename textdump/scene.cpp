@@ -25,7 +25,7 @@ template <const auto &TABLE> void writeDirLights(Text &text, const Light &light)
 
 void kvWriteKtSceneListFix1(Text &text, const Scene &scene) {
   kvWriteKtListName(text, SCENE_SECTION);
-  putRecord<SCENE_LINES>(text, scene);
+  putRecord<LINES<SceneHead>>(text, scene);
   printEach<"obj link[%d]    %d\n">(text, counted(scene.scene_obj_link_num, scene.obj_link));
   printEach<"env link[%d]    %d\n">(text, counted(scene.scene_env_link_num, scene.env_link));
   printEach<"cam link[%d]    %d\n">(text, counted(scene.scene_cam_link_num, scene.cam_link));
@@ -43,7 +43,7 @@ void writeSceneListExt(Text &text, const Scene &scene) {
   if (!scene.ext)
     return writeExtBlkAfter(text, scene, 0);
   const SceneListExt &ext = *scene.ext;
-  putRecord<SCENE_LIST_EXT_LINES>(text, ext);
+  putRecord<LINES<SceneListExtHead>>(text, ext);
   kvWriteKtArray(text, counted(ext.scene_chain_root_link_num, ext.chain_root_link), "chain root link");
   kvWriteKtExternal(text, counted(ext.external_obj_num, ext.external_obj), "external obj");
   kvWriteKtExternal(text, counted(ext.external_env_num, ext.external_env), "external env");
@@ -63,13 +63,13 @@ void kvWriteKtSceneList(Text &text, const Scene &scene) {
 // --- EnvList ---------------------------------------------------------------------------------------------------------
 
 void kvWriteKtEnvListFix1(Text &text, const EnvList &list) {
-  writeListHead<ENV_LIST_LINES, "env_num_byte[%d]   %d\n">(text, list, ENV_SECTION.name);
+  writeListHead<LINES_OF<ENV_LIST_WORDS>, "env_num_byte[%d]   %d\n">(text, list, ENV_SECTION.name);
   print<"\n">(text);
 }
 
 void kvWriteKtEnvFix1(Text &text, const Env &env, Index number) {
   print<"Env(%d)\n">(text, number);
-  putRecord<ENV_LINES>(text, env);
+  putRecord<LINES<EnvHead>>(text, env);
 }
 
 void kvWriteKtEnvList1(Text &text, const EnvList &list) { writeSection(text, ENV_SECTION, list); }
@@ -78,13 +78,13 @@ void kvWriteKtEnvList(Text &text, const EnvList &list) { kvWriteKtEnvList1(text,
 // --- CamList ---------------------------------------------------------------------------------------------------------
 
 void kvWriteKtCamListFix1(Text &text, const CamList &list) {
-  writeListHead<CAM_LIST_LINES, "cam_num_byte[%d]  %d \n">(text, list, CAM_SECTION.name);
+  writeListHead<LINES_OF<CAM_LIST_WORDS>, "cam_num_byte[%d]  %d \n">(text, list, CAM_SECTION.name);
   print<"\n">(text);
 }
 
 void kvWriteKtCamFix1(Text &text, const Cam &cam, Index number) {
   print<"Cam(%d)\n">(text, number);
-  putRecord<CAM_LINES>(text, cam);
+  putRecord<LINES<CamHead>>(text, cam);
 }
 
 namespace {
@@ -92,7 +92,7 @@ namespace {
 void writeCamExt(Text &text, const Cam &cam) {
   if (!cam.ext)
     return writeExtBlkAfter(text, cam, 0);
-  putRecord<CAM_EXT_LINES>(text, *cam.ext);
+  putRecord<LINES<CamExt>>(text, *cam.ext);
   writeExtBlkAfter(text, cam, sizeof(CamExt));
 }
 
@@ -104,18 +104,18 @@ void kvWriteKtCamList(Text &text, const CamList &list) { writeSection(text, CAM_
 // --- LightList -------------------------------------------------------------------------------------------------------
 
 void kvWriteKtLightListFix1(Text &text, const LightList &list) {
-  writeListHead<LIGHT_LIST_LINES, "light_num_byte[%d]  %d \n">(text, list, LIGHT_SECTION.name);
+  writeListHead<LINES_OF<LIGHT_LIST_WORDS>, "light_num_byte[%d]  %d \n">(text, list, LIGHT_SECTION.name);
   print<"\n">(text);
 }
 
 /// A light of a type that stores no directional lights prints none, whatever its count says.
 void kvWriteKtLightFix1(Text &text, const Light &light, Index number) {
   print<"Light(%d)\n">(text, number);
-  putRecord<LIGHT_LINES>(text, light);
+  putRecord<LINES<LightHead>>(text, light);
   if (light.light_type == 0)
-    writeDirLights<DIRECTION_LIGHT_LINES>(text, light);
+    writeDirLights<LINES_OF<DIRECTION_LIGHT_WORDS>>(text, light);
   else if (light.light_type == 1)
-    writeDirLights<DIR_LIGHT_LINES>(text, light);
+    writeDirLights<LINES<DirLight>>(text, light);
 }
 
 void kvWriteKtLightList1(Text &text, const LightList &list) { writeSection(text, LIGHT_SECTION, list); }
@@ -124,12 +124,12 @@ void kvWriteKtLightList(Text &text, const LightList &list) { kvWriteKtLightList1
 // --- ObjList ---------------------------------------------------------------------------------------------------------
 
 void kvWriteKtObjListFix1(Text &text, const ObjList &list) {
-  writeListHead<OBJ_LIST_LINES, "obj_num_byte[%d]    %d\n">(text, list, OBJ_SECTION.name);
+  writeListHead<LINES_OF<OBJ_LIST_WORDS>, "obj_num_byte[%d]    %d\n">(text, list, OBJ_SECTION.name);
 }
 
 void kvWriteKtObjFix1(Text &text, const Obj &obj, Index number) {
   print<"Obj(%d)\n">(text, number);
-  putRecord<OBJ_LINES>(text, obj);
+  putRecord<LINES<ObjHead>>(text, obj);
   printEach<"LOD_dist[%d]   %#g\n">(text, counted(obj.obj_lod_num, obj.LOD_dist));
   printEach<"LOD_link[%d]   %d\n">(text, counted(obj.obj_lod_num, obj.LOD_link));
   for (const Word link : counted(obj.obj_child_num, obj.child_link))
@@ -142,7 +142,7 @@ void writeObjExt(Text &text, const Obj &obj) {
   if (!obj.ext)
     return writeExtBlkAfter(text, obj, 0);
   const ObjExt &ext = *obj.ext;
-  putRecord<OBJ_EXT_LINES>(text, ext);
+  putRecord<LINES<ObjExtHead>>(text, ext);
   printEach<"obj_chain_root_link[%d] %d\n">(text, counted(ext.obj_chain_root_link_num, ext.obj_chain_root_link));
   printEach<"external_lod_obj_dist[%d]  %#g\n">(text, counted(ext.external_lod_obj_num, ext.external_lod_obj_dist));
   kvWriteKtExternal(text, counted(ext.external_lod_obj_num, ext.external_lod_obj), "external lod obj");
@@ -158,12 +158,12 @@ void kvWriteKtObjList(Text &text, const ObjList &list) { writeSection(text, OBJ_
 // --- ShapeList -------------------------------------------------------------------------------------------------------
 
 void kvWriteKtShapeListFix1(Text &text, const ShapeList &list) {
-  writeListHead<SHAPE_LIST_LINES, "shape_num_byte[%d]  %d\n">(text, list, SHAPE_SECTION.name);
+  writeListHead<LINES_OF<SHAPE_LIST_WORDS>, "shape_num_byte[%d]  %d\n">(text, list, SHAPE_SECTION.name);
 }
 
 void kvWriteKtShapeFix1(Text &text, const Shape &shape, Index number) {
   print<"Shape(%d)\n">(text, number);
-  putRecord<SHAPE_LINES>(text, shape);
+  putRecord<LINES<ShapeHead>>(text, shape);
   printEach<"shape_part_link[%d]   %d\n">(text, counted(shape.shape_part_num, shape.shape_part_link));
 }
 
@@ -172,7 +172,7 @@ namespace {
 void writeShapeExt(Text &text, const Shape &shape) {
   if (!shape.ext)
     return writeExtBlkAfter(text, shape, 0);
-  putRecord<SHAPE_EXT_LINES>(text, *shape.ext);
+  putRecord<LINES<ShapeExt>>(text, *shape.ext);
   writeExtBlkAfter(text, shape, sizeof(ShapeExt));
 }
 

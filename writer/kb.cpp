@@ -1,6 +1,6 @@
 #include "kova/kb.h"
 
-#include "reader/lists.h"
+#include "format/lists.h"
 #include "writer/elements.h"
 #include "writer/lists.h"
 

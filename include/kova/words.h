@@ -27,6 +27,9 @@ using Words = std::vector<Word>;
 using Indices = std::vector<Index>;
 using Floats = std::vector<float>;
 
+/// Stands for none in every index and link of the format.
+inline constexpr Word NO_LINK = 0xffffffff;
+
 /// A reference into another file: both -1 where there is none.
 struct External {
   Index file_name;

@@ -1,7 +1,7 @@
 /// Files that were cut, and what is left of them.
 
+#include "format/lists.h"
 #include "kova/kb.h"
-#include "reader/lists.h"
 #include "repair/tests/mending.h"
 #include "samples/builder.h"
 #include "survey/deep.h"
