@@ -93,6 +93,19 @@ std::optional<std::string> unescaped(std::string_view text) {
   return bytes;
 }
 
+std::size_t controlByte(std::string_view bytes) {
+  for (std::size_t at = 0; at < bytes.size();) {
+    const auto byte = static_cast<unsigned char>(bytes[at]);
+    const std::size_t taken = characterBytes(bytes.substr(at));
+    if (byte < ' ' || byte == 0x7f || (taken == 0 && byte >= 0x80 && byte <= 0x9f))
+      return at;
+    if (byte == 0xc2 && taken == 2 && static_cast<unsigned char>(bytes[at + 1]) <= 0x9f)
+      return at + 1;
+    at += std::max<std::size_t>(taken, 1);
+  }
+  return bytes.npos;
+}
+
 std::string oneLine(std::string_view text) {
   std::string line;
   while (!text.empty()) {

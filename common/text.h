@@ -17,6 +17,11 @@ std::string escaped(std::string_view bytes);
 /// @return the bytes that `printable` or `escaped` have made the text of; none for a text that neither has made.
 std::optional<std::string> unescaped(std::string_view text);
 
+/// @return where the first control byte is; `npos` if there is none. Control bytes are those below the blank, DEL, and
+/// 0x80 to 0x9f, which are control characters of 8-bit character sets and, as the second byte of a character, of UTF-8.
+/// In other characters of valid UTF-8 these bytes control nothing.
+std::size_t controlByte(std::string_view bytes);
+
 /// @return the lines of a finding's text as one printable line.
 std::string oneLine(std::string_view text);
 

@@ -1,5 +1,6 @@
 #include "survey/deep.h"
 
+#include "common/text.h"
 #include "survey/deep_tables.h"
 
 #include <algorithm>
@@ -163,9 +164,21 @@ Place fieldPlace(const Place &place, const Field &field, const void *record, Fie
   return after(place, static_cast<std::uint64_t>(bytes.data() - static_cast<const std::byte *>(record)));
 }
 
-void checkLink(Check &check, const LinkRow &row, const void *record, const Place &place) {
+/// Bytes of a record, if all of them are in the file.
+constexpr std::uint64_t WHOLE = UNKNOWN;
+
+/// @return the bytes of a field as far as they are among the first `held` of its record, those that are in the file.
+FieldBytes heldBytes(const Field &field, const void *record, std::uint64_t held) {
+  const FieldBytes bytes = field.bytes(record);
+  if (field.is_array || held == WHOLE)
+    return bytes;
+  const auto begin = static_cast<std::uint64_t>(bytes.data() - static_cast<const std::byte *>(record));
+  const std::uint64_t there = std::min<std::uint64_t>(bytes.size(), held - std::min(held, begin));
+  return bytes.first(static_cast<std::size_t>(there / sizeof(Word) * sizeof(Word)));
+}
+
+void checkLink(Check &check, const LinkRow &row, const void *record, FieldBytes bytes, const Place &place) {
   const std::uint64_t number = check[row.target];
-  const FieldBytes bytes = row.bytes(record);
   for (std::size_t i = row.first; i < wordsIn(bytes); i += row.stride) {
     const Word index = wordAt(bytes, i);
     if (index < number || index == NO_LINK)
@@ -179,8 +192,7 @@ void checkLink(Check &check, const LinkRow &row, const void *record, const Place
 bool notFinite(Word bits) { return (bits & 0x7f800000) == 0x7f800000; }
 
 /// Reports the first float of a field that is not finite.
-void checkFloats(Check &check, const WordsRow &row, const void *record, const Place &place) {
-  const FieldBytes bytes = row.bytes(record);
+void checkFloats(Check &check, const WordsRow &row, const void *record, FieldBytes bytes, const Place &place) {
   for (std::size_t begin = 0; begin + row.stride <= wordsIn(bytes); begin += row.stride)
     for (std::size_t i = begin + row.first; i < begin + row.first + row.count; ++i)
       if (notFinite(wordAt(bytes, i)))
@@ -188,8 +200,7 @@ void checkFloats(Check &check, const WordsRow &row, const void *record, const Pl
 }
 
 /// Reports the first key of a field that is less than the one before it.
-void checkKeys(Check &check, const WordsRow &row, const void *record, const Place &place) {
-  const FieldBytes bytes = row.bytes(record);
+void checkKeys(Check &check, const WordsRow &row, const void *record, FieldBytes bytes, const Place &place) {
   for (std::size_t i = row.stride + row.first; i < wordsIn(bytes); i += row.stride) {
     const Word before = wordAt(bytes, i - row.stride), key = wordAt(bytes, i);
     if (static_cast<Index>(key) < static_cast<Index>(before))
@@ -198,17 +209,19 @@ void checkKeys(Check &check, const WordsRow &row, const void *record, const Plac
 }
 
 /// Checks a record by all rows of the tables that are about its type.
-template <class Record> void checkRecord(Check &check, const Record &record, const Place &place) {
+/// @param held the bytes of its fixed words that are in the file
+template <class Record>
+void checkRecord(Check &check, const Record &record, const Place &place, std::uint64_t held = WHOLE) {
   static constexpr auto LINKS_HERE = rowsOf<Record>(LINKS);
   static constexpr auto FLOATS_HERE = rowsOf<Record>(FLOATS);
   static constexpr auto KEYS_HERE = rowsOf<Record>(KEYS);
   static_assert(LINKS_HERE.size() + FLOATS_HERE.size() + KEYS_HERE.size() != 0, "no table has rows for this");
   for (const LinkRow &row : LINKS_HERE)
-    checkLink(check, row, &record, place);
+    checkLink(check, row, &record, heldBytes(row, &record, held), place);
   for (const WordsRow &row : FLOATS_HERE)
-    checkFloats(check, row, &record, place);
+    checkFloats(check, row, &record, heldBytes(row, &record, held), place);
   for (const WordsRow &row : KEYS_HERE)
-    checkKeys(check, row, &record, place);
+    checkKeys(check, row, &record, heldBytes(row, &record, held), place);
 }
 
 /// Checks a record and its decoded maker block.
@@ -216,7 +229,7 @@ template <class Record> void checkWithBlock(Check &check, const Record &record, 
   checkRecord(check, record, place);
   if constexpr (requires { record.ext; })
     if (record.ext)
-      checkRecord(check, *record.ext, {place.list, place.element});
+      checkRecord(check, *record.ext, {place.list, place.element}, vanExtBlk(record.ext_blk).size_bytes());
 }
 
 /// Checks the records of a list; `inside` then does what the tables cannot.
@@ -265,13 +278,20 @@ GroupSizes groupSizes(const Kis &kis) {
   return sizes;
 }
 
-/// @return the size of the smallest group that a reference names; unknown if it names none that is there.
+/// @return the size of a group: 0 if none is meant, unknown if it is not there.
+std::uint64_t sizeOf(const std::vector<Word> &sizes, Index group) {
+  const auto at = static_cast<Word>(group);
+  return at < sizes.size() ? sizes[at] : at == NO_LINK ? 0 : UNKNOWN;
+}
+
+/// @return the size of the smallest group that a reference names; unknown if it names none that is there, 0 if it names
+/// none at all.
 std::uint64_t smallestGroup(const AnimRef &ref, const std::vector<Word> &sizes) {
-  std::uint64_t smallest = UNKNOWN;
+  std::optional<std::uint64_t> smallest;
   for (const Index group : ref.group_index)
-    if (static_cast<Word>(group) < sizes.size())
-      smallest = std::min<std::uint64_t>(smallest, sizes[static_cast<Word>(group)]);
-  return smallest;
+    if (static_cast<Word>(group) != NO_LINK)
+      smallest = std::min(smallest.value_or(UNKNOWN), sizeOf(sizes, group));
+  return smallest.value_or(0);
 }
 
 /// @return the bytes of a group before its first triangle.
@@ -315,7 +335,11 @@ void checkParts(Check &check, const TriList &triangles, const PartList &list) {
 // --- Records with records inside ------------------------------------------------------------------------------------
 
 /// Images of a texture with a palette can also be of the other list.
-void checkTexture(Check &check, const Tex &tex, const Place &place) {
+/// @param is_last whether the list ends with this texture
+void checkTexture(Check &check, const Tex &tex, bool is_last, const Place &place) {
+  constexpr TexStill ZEROS = {};
+  if (is_last && tex.tex_anim == 0 && std::memcmp(&tex.still, &ZEROS, sizeof ZEROS) == 0)
+    return; // the file ends before its data
   const bool has_palette = tex.ext && tex.ext->use_color_palette != 0;
   std::uint64_t &not_meant = check[has_palette ? Target::teximg : Target::image];
   const std::uint64_t images = std::exchange(not_meant, UNKNOWN);
@@ -326,28 +350,33 @@ void checkTexture(Check &check, const Tex &tex, const Place &place) {
   not_meant = images;
 }
 
+/// A collision can be shorter than its kind; what follows in its words is the next record.
+template <class Data> void checkCollisionData(Check &check, const Coll &coll, const Place &place) {
+  checkRecord(check, collData<Data>(coll), place, Word{coll.coll_size - coll.coll_header_size});
+}
+
 void checkCollisions(Check &check, const CollGroup &group, const Place &place) {
   const Place inside = {place.list, place.element};
   for (const Coll &coll : group.coll) {
     checkRecord(check, coll, inside);
     switch (coll.coll_type) {
     case 0x10:
-      checkRecord(check, collData<CollTerrain>(coll), inside);
+      checkCollisionData<CollTerrain>(check, coll, inside);
       break;
     case 0x20:
-      checkRecord(check, collData<CollPoint>(coll), inside);
+      checkCollisionData<CollPoint>(check, coll, inside);
       break;
     case 0x21:
-      checkRecord(check, collData<CollCircle>(coll), inside);
+      checkCollisionData<CollCircle>(check, coll, inside);
       break;
     case 0x22:
-      checkRecord(check, collData<CollSphere>(coll), inside);
+      checkCollisionData<CollSphere>(check, coll, inside);
       break;
     case 0x23:
-      checkRecord(check, collData<CollCylinder>(coll), inside);
+      checkCollisionData<CollCylinder>(check, coll, inside);
       break;
     case 0x24:
-      checkRecord(check, collData<CollBox>(coll), inside);
+      checkCollisionData<CollBox>(check, coll, inside);
       break;
     default: // has no data that is known
       break;
@@ -359,13 +388,13 @@ void checkCollisions(Check &check, const CollGroup &group, const Place &place) {
 /// of them an index is about; unknown if a group is not there.
 using Reach = std::array<std::uint64_t, REF_KIND_NUM + 1>;
 
-/// Extends a reach by the groups of a part.
+/// Extends a reach by the groups of a part. A part without groups has nothing that a triangle could use.
 void extend(Reach &reach, const GroupSizes &sizes, std::span<const VtxTriNvColor> groups, Index st,
             std::span<const Index> weights) {
+  if (groups.empty())
+    return;
   const auto take = [&](std::size_t kind, Index group) {
-    const std::vector<Word> &size = sizes.number[kind];
-    const auto at = static_cast<Word>(group);
-    reach[kind] = std::max(reach[kind], at < size.size() ? size[at] : UNKNOWN);
+    reach[kind] = std::max(reach[kind], sizeOf(sizes.number[kind], group));
   };
   for (const VtxTriNvColor &group : groups) {
     take(refVtx, group.vtx_group_index);
@@ -377,9 +406,7 @@ void extend(Reach &reach, const GroupSizes &sizes, std::span<const VtxTriNvColor
   take(refSt, st);
   for (const Index group : weights)
     take(WEIGHTS, group);
-  if (groups.empty())
-    reach.fill(UNKNOWN);
-  if (weights.empty())
+  if (weights.empty()) // what its corners then say of weights is nowhere laid down
     reach[WEIGHTS] = UNKNOWN;
 }
 
@@ -466,14 +493,10 @@ void checkNames(Check &check, const char *list, const std::vector<Name> &names) 
   Place place = {list, 0};
   for (const Name &name : names) {
     place.offset = name.offset;
-    for (std::size_t i = 0; i < name.text.size() * sizeof(Word); ++i) {
-      const Word byte = name.text[i / 4] >> (24 - 8 * (i % 4)) & 0xff;
-      if (byte == 0)
-        break;
-      if (byte < 0x20 || byte == 0x7f) {
-        say<nameControlByte>(check, after(place, sizeof(NameHead) + i), {byte}, byte);
-        break;
-      }
+    const std::string text = kvGetName(name);
+    if (const std::size_t at = controlByte(text); at != text.npos) {
+      const Word byte = static_cast<unsigned char>(text[at]);
+      say<nameControlByte>(check, after(place, sizeof(NameHead) + at), {byte}, byte);
     }
     ++*place.element;
   }
@@ -605,8 +628,9 @@ void checkVersion1(Check &check, const GroupSizes &sizes, const Kis &kis) {
   checkList(check, "StList", kis.st.element);
   checkParts(check, kis.tri, kis.part);
   checkList(check, "MatList", kis.mat.element);
-  checkList(check, "TexList", kis.tex.element,
-            [&](const Tex &tex, const Place &place) { checkTexture(check, tex, place); });
+  checkList(check, "TexList", kis.tex.element, [&](const Tex &tex, const Place &place) {
+    checkTexture(check, tex, &tex == &kis.tex.element.back(), place);
+  });
   checkList(check, "AnimList", kis.anim.element);
   checkList(check, "CollList", kis.coll.element,
             [&](const CollGroup &group, const Place &place) { checkCollisions(check, group, place); });

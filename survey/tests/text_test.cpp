@@ -10,27 +10,34 @@ namespace kova::survey {
 namespace {
 
 TEST(SurveyText, Escapes) {
+  constexpr std::size_t NONE = std::string_view::npos;
   struct Case {
     std::string_view bytes, printable, escaped;
+    std::size_t control = NONE; ///< where the first control byte is
   };
   using namespace std::string_view_literals;
   constexpr Case CASES[] = {
       {"a/b c.kb"sv, "a/b c.kb", "a/b c.kb"},
       {"\\xff"sv, "\\x5cxff", "\\x5cxff"},
-      {"\n\x1b\x7f\0"sv, "\\x0a\\x1b\\x7f\\x00", "\n\x1b\x7f\0"sv}, // JSON escapes control characters itself
+      {"\n\x1b\x7f\0"sv, "\\x0a\\x1b\\x7f\\x00", "\n\x1b\x7f\0"sv, 0}, // JSON escapes control characters itself
+      {"b\x7f"sv, "b\\x7f", "b\x7f", 1},
+      {"b\xc2\x9b"sv, "b\\xc2\\x9b", "b\xc2\x9b", 2},
+      {"\xc2\xa0\x9f"sv, "\\xc2\\xa0\\x9f", "\xc2\xa0\\x9f", 2},
+      {"\xe1\x80\x9b\xa0\xff"sv, "\\xe1\\x80\\x9b\\xa0\\xff", "\xe1\x80\x9b\\xa0\\xff"},
       {"\xc3\xa4"sv, "\\xc3\\xa4", "\xc3\xa4"},
       {"\xf0\x9f\x98\x80!"sv, "\\xf0\\x9f\\x98\\x80!", "\xf0\x9f\x98\x80!"},
-      {"\xc3(\xff\xe2\x82"sv, "\\xc3(\\xff\\xe2\\x82", "\\xc3(\\xff\\xe2\\x82"}, // cut sequences
+      {"\xc3(\xff\xe2\x82"sv, "\\xc3(\\xff\\xe2\\x82", "\\xc3(\\xff\\xe2\\x82", 4}, // cut sequences
       {"\xc0\xaf\xe0\x80\xaf\xf0\x80\x80\xaf"sv, "\\xc0\\xaf\\xe0\\x80\\xaf\\xf0\\x80\\x80\\xaf",
-       "\\xc0\\xaf\\xe0\\x80\\xaf\\xf0\\x80\\x80\\xaf"}, // longer than needed
-      {"\xed\xa0\x80\xf4\x90\x80\x80"sv, "\\xed\\xa0\\x80\\xf4\\x90\\x80\\x80",
-       "\\xed\\xa0\\x80\\xf4\\x90\\x80\\x80"}, // a surrogate, and beyond the last character
+       "\\xc0\\xaf\\xe0\\x80\\xaf\\xf0\\x80\\x80\\xaf", 3}, // longer than needed
+      {"\xed\xa0\x80\xf4\x90\x80\x80"sv, "\\xed\\xa0\\x80\\xf4\\x90\\x80\\x80", "\\xed\\xa0\\x80\\xf4\\x90\\x80\\x80",
+       2}, // a surrogate, and beyond the last character
   };
   for (const Case &tried : CASES) {
     EXPECT_EQ(printable(tried.bytes), tried.printable);
     EXPECT_EQ(escaped(tried.bytes), tried.escaped);
     EXPECT_EQ(unescaped(tried.printable), tried.bytes);
     EXPECT_EQ(unescaped(tried.escaped), tried.bytes);
+    EXPECT_EQ(controlByte(tried.bytes), tried.control) << tried.printable;
   }
   for (const char *const wrong : {"\\", "a\\x", "\\x1", "\\xFF", "\\n", "\\xg0"})
     EXPECT_EQ(unescaped(wrong), std::nullopt) << wrong;
