@@ -65,6 +65,8 @@ void print(const std::string &line) { std::fwrite(line.data(), 1, line.size(), s
 /// Prints what was found, all but the last line.
 void printWords(const Result &result, Form form) {
   const bool two = result.outcome == Outcome::ambiguous;
+  for (const mend::Undoing &undone : result.undone)
+    print(undoneLine(undone, form));
   for (const Change &change : result.changes)
     print(changeLine(change, form, two ? 1 : 0));
   for (const Change &change : result.alternative)
@@ -112,7 +114,7 @@ int repair(const Options &options) {
   if (const std::string wrong = readInput(options, scene); !wrong.empty())
     return refuse(wrong);
   const Form form = options.json ? Form::json : Form::text;
-  const Result result = mend(scene.bytes, options.salvage);
+  const Result result = mend(scene.bytes, options.asked);
   const int status =
       result.outcome == Outcome::ambiguous || result.outcome == Outcome::hopeless ? NOT_MENDED : AUDITS_OK;
   errno = 0;

@@ -4,6 +4,8 @@
 #include "repair/derive.h"
 #include "repair/salvage.h"
 
+#include <algorithm>
+
 namespace kova::repair {
 
 namespace {
@@ -151,23 +153,8 @@ bool salvageShort(std::vector<unsigned char> &bytes, Result &result) {
   return true;
 }
 
-/// Leaves out what stands behind the end that the header gives.
-Result salvageLonger(std::vector<unsigned char> &bytes, std::size_t stated) {
-  if (stated < FILE_HEADER_BYTES)
-    return hopeless(OTHER_END);
-  std::vector<unsigned char> whole(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(stated));
-  Result result = mendWhole(whole, Image{whole});
-  if (result.outcome != Outcome::good && result.outcome != Outcome::mended)
-    return hopeless(result.reason.empty() ? OTHER_END : result.reason);
-  result.outcome = Outcome::salvaged;
-  result.losses.push_back({"FileHeader", {}, std::to_string(bytes.size() - stated) + " bytes behind the last list"});
-  bytes = std::move(whole);
-  return result;
-}
-
-} // namespace
-
-Result mend(std::vector<unsigned char> &bytes, bool salvage) {
+/// Mends a file as it is.
+Result mendAsIs(std::vector<unsigned char> &bytes, bool salvage) {
   const Image image = {bytes};
   if (image.size() < sizeof(Word))
     return hopeless("it is too short even for a version");
@@ -181,11 +168,82 @@ Result mend(std::vector<unsigned char> &bytes, bool salvage) {
     return result;
   if (result.outcome == Outcome::hopeless && salvageShort(bytes, result))
     return result;
-  if (stated == image.size())
+  if (stated <= image.size())
     return result;
   if (result.outcome == Outcome::hopeless)
     setWords(image, result.changes, &Change::old_value);
-  return stated > image.size() ? salvageCut(bytes) : salvageLonger(bytes, static_cast<std::size_t>(stated));
+  return salvageCut(bytes);
+}
+
+bool isMended(const Result &result) { return result.outcome == Outcome::good || result.outcome == Outcome::mended; }
+
+/// Undoes the steps, and mends the file that results.
+Result undoAndMend(std::vector<unsigned char> &bytes, const std::vector<mend::Undoing> &steps, bool salvage) {
+  std::vector<mend::Undoing> undone;
+  std::vector<Change> version;
+  for (const mend::Undoing &step : steps) {
+    bytes = mend::undo(bytes, step);
+    if (mend::setsVersion(step))
+      version.push_back({0,
+                         "FileHeader",
+                         {},
+                         "version",
+                         static_cast<Word>(step.count),
+                         static_cast<Word>(step.value),
+                         "the version under which all agrees"});
+    else
+      undone.push_back(step);
+  }
+  Result result = mendAsIs(bytes, salvage);
+  result.undone = std::move(undone);
+  result.changes.insert(result.changes.begin(), version.begin(), version.end());
+  if (result.outcome == Outcome::good)
+    result.outcome = Outcome::mended;
+  return result;
+}
+
+/// @return the steps to the file that audits OK, at once.
+std::vector<mend::Undoing> findOriginal(const std::vector<unsigned char> &bytes) {
+  return mend::findOriginal(
+      bytes, [](mend::Bytes &file, const mend::HeaderFacts &facts) { return facts.isWhole() && auditBytes(file).ok; });
+}
+
+/// @return the steps to a file that audits OK when it is mended. More of its lists are in their place than now.
+std::vector<mend::Undoing> findMendable(const std::vector<unsigned char> &bytes) {
+  int most = mend::headerFacts({bytes}).agreement + 1;
+  mend::findOriginal(bytes, [&](mend::Bytes &, const mend::HeaderFacts &facts) {
+    most = std::max(most, facts.agreement);
+    return false;
+  });
+  return mend::findOriginal(bytes, [&](mend::Bytes &file, const mend::HeaderFacts &facts) {
+    return facts.agreement == most && isMended(mendAsIs(file, false));
+  });
+}
+
+} // namespace
+
+Result mend(std::vector<unsigned char> &bytes, const Asked &asked) {
+  if (mend::headerFacts({bytes}).isWhole() && asked.part < 2)
+    return mendAsIs(bytes, asked.salvage);
+  const std::vector<mend::Part> parts = mend::findParts(bytes);
+  if (parts.size() > 1 && asked.part == 0)
+    return hopeless("it holds " + std::to_string(parts.size()) + " scenes, one behind the other");
+  if (asked.part > std::max<std::size_t>(parts.size(), 1))
+    return hopeless("it holds no such part: there are " + std::to_string(parts.size()));
+  if (parts.size() > 1)
+    return undoAndMend(bytes, {mend::takePart(parts, asked.part)}, asked.salvage);
+  if (const std::vector<mend::Undoing> steps = findOriginal(bytes); !steps.empty())
+    return undoAndMend(bytes, steps, false);
+  std::vector<unsigned char> as_is = bytes;
+  Result result = mendAsIs(as_is, false);
+  if (!isMended(result)) {
+    if (const std::vector<mend::Undoing> steps = findMendable(bytes); !steps.empty())
+      return undoAndMend(bytes, steps, false);
+    if (asked.salvage)
+      return mendAsIs(bytes, true);
+  }
+  bytes = std::move(as_is);
+  return result;
 }
 
 } // namespace kova::repair

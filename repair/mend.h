@@ -7,7 +7,7 @@
 /// changed; if there are two, neither is.
 #pragma once
 
-#include "kova/words.h"
+#include "mend/transform.h"
 
 #include <span>
 #include <string>
@@ -45,15 +45,24 @@ enum class Outcome {
 
 struct Result {
   Outcome outcome = Outcome::good;
-  std::vector<Change> changes = {};     ///< by offset, in the input; of a file without hope those that were sure
-  std::vector<Change> alternative = {}; ///< the other reading
+  std::vector<mend::Undoing> undone = {}; ///< in this order, before the changes
+  std::vector<Change> changes = {};       ///< by offset, in the input, or in what it is when all is undone; of a file
+                                          ///< without hope those that were sure
+  std::vector<Change> alternative = {};   ///< the other reading
   std::vector<Loss> losses = {};
   std::string reason = {};
 };
 
-/// Mends the bytes of a file in place. An ambiguous file stays as it is. Of one without hope, the words are changed of
-/// which there is no doubt. Where `salvage` is set and the file is cut, has bytes behind its end, or maker blocks that
-/// are too short, `bytes` is the salvaged file afterwards.
-Result mend(std::vector<unsigned char> &bytes, bool salvage);
+/// What is asked for.
+struct Asked {
+  bool salvage = false;
+  std::size_t part = 0; ///< which of several scenes that stand one behind the other, from 1; 0: there is to be one
+};
+
+/// Mends the bytes of a file in place. What can be undone exactly of what was done to all of them is undone first, if
+/// the file then audits OK, at once or mended, and if there is no other way. An ambiguous file stays as it is. Of one
+/// without hope, the words are changed of which there is no doubt. Where `salvage` is set and the file is cut, or has
+/// maker blocks that are too short, `bytes` is the salvaged file afterwards.
+Result mend(std::vector<unsigned char> &bytes, const Asked &asked);
 
 } // namespace kova::repair

@@ -23,7 +23,10 @@ void declare(CLI::App &app, Options &options) {
   app.set_help_flag("-h,--help", "Print this help");
   app.add_option("INPUT", options.input, "The file to mend")->type_name("")->required();
   app.add_option("OUTPUT", options.output, "The mended file; may be absent with --dry-run")->type_name("");
-  app.add_flag("--salvage", options.salvage, "Of a file that was cut, keep what is whole");
+  app.add_flag("--salvage", options.asked.salvage, "Of a file that was cut, keep what is whole");
+  app.add_option("--part", options.asked.part, "Of several scenes in one file, take this one, from 1")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1'000'000));
   app.add_flag("--force", options.force, "Replace OUTPUT if it exists");
   app.add_flag("--partial", options.partial, "Write OUTPUT also if it does not audit OK");
   app.add_flag("--dry-run", options.dry_run, "Write nothing; only print what would be changed");

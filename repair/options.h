@@ -1,6 +1,8 @@
 /// The command line.
 #pragma once
 
+#include "repair/mend.h"
+
 #include <optional>
 #include <string>
 
@@ -9,7 +11,7 @@ namespace kova::repair {
 struct Options {
   std::string input = {};
   std::string output = {}; ///< may be empty if `dry_run` is set
-  bool salvage = false;
+  Asked asked = {};
   bool force = false;
   bool partial = false;
   bool dry_run = false;

@@ -47,10 +47,15 @@ Json textOrNull(const std::string &text) { return text.empty() ? Json() : Json(e
 
 std::string jsonLine(const Json &json) { return json.dump() + '\n'; }
 
-/// @return "3 words changed"; if they were not: "3 words to change, 2 losses".
+/// @return "3 words changed"; if they were not: "1 transformation to undo, 3 words to change, 2 losses".
 std::string doneText(const Ending &ending) {
-  std::string text = counted(ending.result.changes.size(), "word", "words");
-  text += ending.output.empty() ? " to change" : " changed";
+  std::string text;
+  const bool written = !ending.output.empty();
+  if (!ending.result.undone.empty())
+    text = counted(ending.result.undone.size(), "transformation", "transformations") +
+           (written ? " undone, " : " to undo, ");
+  text += counted(ending.result.changes.size(), "word", "words");
+  text += written ? " changed" : " to change";
   if (!ending.result.losses.empty())
     text += ", " + counted(ending.result.losses.size(), "loss", "losses");
   return text;
@@ -108,6 +113,16 @@ std::string changeLine(const Change &change, Form form, int reading) {
          " (" + change.why + ")\n";
 }
 
+std::string undoneLine(const mend::Undoing &undone, Form form) {
+  if (form == Form::json)
+    return jsonLine({{"undone", undone.transformation->id},
+                     {"what", undone.transformation->tell(undone)},
+                     {"at", undone.at},
+                     {"count", undone.count},
+                     {"value", undone.value}});
+  return undone.transformation->tell(undone) + '\n';
+}
+
 std::string lossLine(const Loss &loss, Form form) {
   if (form == Form::json)
     return jsonLine({{"loss", escaped(loss.what)}, {"list", loss.list}, {"element", elementJson(loss.element)}});
@@ -123,6 +138,7 @@ std::string endingLine(const Ending &ending, Form form) {
                    {"input", escaped(ending.input)},
                    {"output", textOrNull(ending.output)},
                    {"written", !ending.output.empty()},
+                   {"undone", result.undone.size()},
                    {"changes", one_reading ? result.changes.size() : 0},
                    {"losses", result.losses.size()},
                    {"reason", textOrNull(result.reason)}});

@@ -1,5 +1,5 @@
-/// What kbrepair prints: a line for each changed word and each loss, and a last line with the outcome; as text, or as
-/// a JSON object each.
+/// What kbrepair prints: a line for each transformation that was undone, each changed word and each loss, and a last
+/// line with the outcome; as text, or as a JSON object each.
 #pragma once
 
 #include "repair/mend.h"
@@ -11,6 +11,9 @@ enum class Form { text, json };
 /// @param reading the number of the reading that the word is changed in, from 1, if there are two; else 0
 /// @return the line, with its line break, as the next two
 std::string changeLine(const Change &change, Form form, int reading = 0);
+
+/// @return what was undone of what was done to the whole file.
+std::string undoneLine(const mend::Undoing &undone, Form form);
 
 std::string lossLine(const Loss &loss, Form form);
 

@@ -119,12 +119,12 @@ Repair repairOf(const Descriptor &file, FileResult &record, const Workspace &wor
   else if (bytes.resize(size); readWhole(file, size, bytes.data()) != nullptr)
     return Repair::unknown;
   // Also with the salvage, a file is mended without a loss if it can be.
-  const repair::Result result = repair::mend(bytes, true);
+  const repair::Result result = repair::mend(bytes, {.salvage = true});
   switch (result.outcome) {
   case repair::Outcome::good: // it has changed
     return Repair::unknown;
   case repair::Outcome::mended:
-    record.repair_words = result.changes.size();
+    record.repair_words = result.changes.size() + result.undone.size();
     return Repair::mended;
   case repair::Outcome::salvaged:
     return Repair::salvaged;

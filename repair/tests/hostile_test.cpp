@@ -71,7 +71,7 @@ TEST(Hostile, MemoryAndTimeDependOnTheSizeAlone) {
         file.resize(SIZE - cut);
         const std::size_t held = test::allocations.held;
         test::allocations.peak = held;
-        mend(file, true);
+        mend(file, {.salvage = true});
         const std::size_t taken = test::allocations.peak - held;
         most = std::max(most, static_cast<double>(taken) / SIZE);
         EXPECT_LE(taken, memoryBound(SIZE)) << LISTS[list].name << ' ' << words[0];

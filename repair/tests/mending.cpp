@@ -53,7 +53,9 @@ std::string brokenOutcome(const Bytes &before, const Bytes &after, const Result 
   case Outcome::good:
     return result.changes.empty() && before == after ? "" : "good, but changed";
   case Outcome::mended:
-    return !result.changes.empty() && after.size() == before.size() ? "" : "mended without changes";
+    if (result.changes.empty() && result.undone.empty())
+      return "mended without changes";
+    return after.size() == before.size() ? "" : "mended, but longer or shorter";
   case Outcome::salvaged:
     if (!salvage || result.losses.empty() || after.size() > mostSalvaged(before.size()))
       return "salvaged: not asked for, too long, or nothing lost";
@@ -76,18 +78,20 @@ bool auditsOk(const Bytes &file) {
   return (version == VERSION_1 || version == VERSION_2) && (checkKOVA(kis) & loaded) != 0;
 }
 
-Mending mendAndCheck(const Bytes &file, bool salvage) {
-  Mending mending = {{}, file, ""};
-  mending.result = mend(mending.bytes, salvage);
+Mending mendAndCheck(const Bytes &input, bool salvage) {
+  Mending mending = {{}, input, ""};
+  mending.result = mend(mending.bytes, {.salvage = salvage});
   const Result &result = mending.result;
+  Bytes file = input; // as it is when all is undone that is told
+  for (const mend::Undoing &step : result.undone)
+    file = mend::undo(file, step);
   const auto say = [&](const std::string &what) {
     if (!what.empty())
       mending.broken += what + " (" + listed(result.changes) + result.reason + ")\n";
   };
   say(brokenOutcome(file, mending.bytes, result, salvage));
-  const bool longer = file.size() >= FILE_HEADER_BYTES && harness::wordAt(file, 4) < file.size();
-  const bool cut = result.outcome == Outcome::salvaged && !longer;
-  if (result.outcome != Outcome::ambiguous && !cut && !tellAll(result.changes, file, mending.bytes))
+  if (result.outcome != Outcome::ambiguous && result.outcome != Outcome::salvaged &&
+      !tellAll(result.changes, file, mending.bytes))
     say("the changes that are told are not those that were made");
   if (result.outcome != Outcome::salvaged && !result.losses.empty())
     say("losses of what is not salvaged");
@@ -97,7 +101,7 @@ Mending mendAndCheck(const Bytes &file, bool salvage) {
     say("it does not audit OK");
   for (const bool again_salvage : {false, true}) {
     Bytes again = mending.bytes;
-    const Result second = mend(again, again_salvage);
+    const Result second = mend(again, {.salvage = again_salvage});
     if (second.outcome != Outcome::good || again != mending.bytes)
       say("mended again, it changes: " + listed(second.changes));
   }

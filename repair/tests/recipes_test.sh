@@ -84,5 +84,5 @@ complete_words() { # WORD...: what is offered for the last one
   bash -c '. "$SOURCE_DIR/repair/completion.bash"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _kbrepair; printf "%s\n" "${COMPREPLY[@]}"' \
     kbrepair "$KBREPAIR" "$@"
 }
-same "completion of options" $'--dry-run\n--force\n--help\n--json\n--partial\n--salvage\n--version' "$(complete_words --)"
+same "completion of options" $'--dry-run\n--force\n--help\n--json\n--part\n--partial\n--salvage\n--version' "$(complete_words --)"
 same "completion of paths" "mended.kb" "$(complete_words damaged.kb men)"

@@ -78,9 +78,20 @@ same "the last line of a dry run" "can be mended: 1 word to change" "$(last_line
 # OUTPUT is INPUT with the changes that are told, and nothing else; mended again, nothing is.
 tell='import json, sys
 lines = [json.loads(line) for line in sys.stdin]
-changes, end = lines[:-1], lines[-1]
+undone, changes, end = [l for l in lines if "undone" in l and "what" in l], [l for l in lines if "field" in l], lines[-1]
 data = bytearray(open(sys.argv[1], "rb").read())
-assert end["input"] == sys.argv[1] and end["changes"] == len(changes) and end["losses"] == 0
+assert lines == undone + changes + [end]
+assert end["input"] == sys.argv[1] and (end["undone"], end["changes"]) == (len(undone), len(changes)) and end["losses"] == 0
+for u in undone:
+    before, at, count = len(data), u["at"], u["count"]
+    if u["undone"] == "line-ends": data = data.replace(b"\r\n", b"\n"); assert before - len(data) == count
+    elif u["undone"] == "utf-8": data = data.decode().encode("latin-1"); assert before - len(data) == count
+    elif u["undone"] == "byte-order": data = bytes(data[i ^ u["value"]] for i in range(count))
+    elif u["undone"] == "front": data = data[count:]
+    elif u["undone"] == "behind": assert before == at + count; data = data[:at]
+    elif u["undone"] == "part": data = data[at:at + count]
+    else: assert False, u
+    data = bytearray(data)
 assert sorted(c["offset"] for c in changes) == [c["offset"] for c in changes]
 for c in changes:
     at = c["offset"]

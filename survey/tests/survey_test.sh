@@ -213,7 +213,7 @@ damaged.kb mended 4
 light-type.kb no None
 not.kb None None
 town.kb None None
-version.kb no None
+version.kb mended 1
 END
 )" "$(repairs mendable.json)"
 same "what can be mended, as lines" "NONE  mendable/broken.kb  cannot be read: No such file or directory
@@ -221,8 +221,8 @@ ERR   mendable/cut.kb  can be salvaged, 36 findings
 ERR   mendable/damaged.kb  can be mended (4 words), 6 findings
 ERR   mendable/light-type.kb  cannot be mended, 1 finding
 NONE  mendable/not.kb  not a KOVA file
-NONE  mendable/version.kb  cannot be mended, other version
-to repair: 1 can be mended, 1 can be salvaged, 2 cannot be mended" \
+NONE  mendable/version.kb  can be mended (1 word), other version
+to repair: 2 can be mended, 1 can be salvaged, 1 cannot be mended" \
   "$(sed -n 's/\(finding\|findings\|version\): .*/\1/; /^ERR\|^NONE\|^to repair/p' out)"
 same "files that were only looked at" "" "$(for file in town damaged cut light-type version; do cmp "samples/$file.kb" "mendable/$file.kb"; done)"
 
@@ -235,7 +235,7 @@ survey 2 --resume mendable.json --json resumed.json mendable
 same "not asked when resumed" "$(sort plain.json)" "$(sort resumed.json)"
 sed 's/"repair_words":4/"repair_words":5/; s/"repair":"salvaged"/"repair":"unknown"/' mendable.json >forged.json
 survey 2 --repairable --resume forged.json --json resumed.json mendable
-same "answers that are taken over" "mended 5 salvaged None" "$(repairs resumed.json | sed -n 's/.*\(mended\|salvaged\)/\1/p' | sort | xargs)"
+same "answers that are taken over" "mended 1 mended 5 salvaged None" "$(repairs resumed.json | sed -n 's/.*\(mended\|salvaged\)/\1/p' | sort | xargs)"
 survey 2 --merge mendable.json --json merged.json --html merged.html --junit merged.xml
 same "merged answers" "$(sort mendable.json)" "$(sort merged.json)"
 survey 2 --repairable --html run.html --junit run.xml mendable
@@ -251,7 +251,7 @@ if [ -n "${KBREPAIR-}" ]; then
       "$KBREPAIR" --dry-run --json $option "$sample" | tail -n 1 >outcome.json || :
       [ "$outcome" != no ] || outcome=$(python3 -c 'import json
 line = json.load(open("outcome.json"))
-print({"mended": "mended %d" % line["changes"], "good": "None None", "salvaged": "salvaged None"}.get(line["outcome"], "no"))')
+print({"mended": "mended %d" % (line["changes"] + line["undone"]), "good": "None None", "salvaged": "salvaged None"}.get(line["outcome"], "no"))')
     done
     printf '%s %s\n' "$sample" "${outcome/%no/no None}"
   done >by_kbrepair

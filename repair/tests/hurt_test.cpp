@@ -1,0 +1,98 @@
+/// Damage as it happens to whole files: how often the original comes back, or everything outside the hole.
+
+#include "samples/hurt.h"
+#include "repair/tests/mending.h"
+
+#include <cstdio>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+
+namespace kova::repair {
+
+namespace {
+
+using samples::DamageKind;
+using samples::Hurt;
+using samples::Remedy;
+
+Bytes sampleFile(const std::string &name) {
+  std::ifstream stream(KOVA_SOURCE_DIR "/samples/" + name + ".kb", std::ios::binary);
+  return Bytes(std::istreambuf_iterator<char>(stream), {});
+}
+
+/// A scene with some elements of most kinds, and with numbers like those of real ones.
+Bytes anyScene(std::uint32_t seed) {
+  std::mt19937 random(seed);
+  const auto some = [&](const char *element, std::size_t most) {
+    std::string text;
+    for (std::size_t i = random() % (most + 1); i != 0; --i) {
+      text += element;
+      for (std::size_t at = text.find('%'); at != text.npos; at = text.find('%'))
+        text = text.substr(0, at) + std::to_string(1 + random() % 40) + text.substr(at + 1);
+    }
+    return std::string(" { ").append(text).append("} ");
+  };
+  const Word version = seed % 2 == 0 ? VERSION_1 : VERSION_2;
+  std::string text = "SceneList CamList" + some("Cam ", 3) + "LightList" + some("Light { DirLight0*2 } ", 2) +
+                     "ObjList" + some("Obj obj_child_num=% ", 12) + "ShapeList" + some("Shape shape_part_num=% ", 6) +
+                     "VtxList" + some("VtxGroup vtx_num=% ", 8) + "TriList" + some("TriGroup { Tri*% } ", 5) +
+                     "VectorList" + some("TriNvGroup tri_nv_num=% ", 3) + "StList" + some("StGroup st_num=% ", 4) +
+                     "PartList" + some("Part part_tri_num=% ", 6) + "MatList" + some("Mat tex_num=2 ", 6) + "TexList" +
+                     some("Tex { TexStill } ", 4) + "TeximgList" + some("Teximg texels=16 ", 4) + "AnimList" +
+                     some("AnimGroup { AnimStep*% } ", 3) + "NameList" + some("Name text=part~number~% ", 12);
+  if (seed % 4 == 1)
+    text += "EnvelopeList" + some("Envelope { WeightedPart affected_node_num=% EnvelopeTri*% } ", 2) + "WeightList" +
+            some("WeightGroup weight_num=% ", 4) + "ExternalNameList" + some("Name text=other.kb ", 3);
+  samples::File file = samples::build(version, text, samples::LinkWords::none);
+  for (const samples::NamedWord &word : file.words)
+    for (const char *const array : {"vtx[", "normal[", "st[", "weight["})
+      if (word.field.starts_with(array)) { // now and then with a line end in it
+        const auto number = static_cast<Word>(0x3f000000 + random() % 0x2000000 + (random() % 2 << 31));
+        harness::setWordAt(file.bytes, word.offset, random() % 200 == 0 ? 0x3f0d0a00 + (number & 0xff) : number);
+      }
+  return file.bytes;
+}
+
+std::vector<Bytes> scenes() {
+  std::vector<Bytes> files = {sampleFile("town"),         sampleFile("figure"),  sampleFile("every-form-1"),
+                              sampleFile("every-form-2"), sampleFile("small-1"), sampleFile("small-2")};
+  for (std::uint32_t seed = 0; seed < 24; ++seed)
+    files.push_back(anyScene(seed));
+  return files;
+}
+
+TEST(Hurt, ComesBack) {
+  const std::vector<Bytes> files = scenes();
+  std::printf("%-20s %6s %6s %6s %6s %6s\n", "kind", "total", "exact", "salvaged", "other", "refused");
+  for (const DamageKind &kind : samples::damageKinds()) {
+    std::mt19937 random(7);
+    int total = 0, exact = 0, salvaged = 0, other = 0, refused = 0;
+    for (int round = 0; round < 4; ++round)
+      for (const Bytes &file : files) {
+        const Hurt hurt = kind.inflict(file, random);
+        if (auditsOk(hurt.bytes))
+          continue;
+        ++total;
+        const Mending mending = mendAndCheck(hurt.bytes, true);
+        EXPECT_EQ(mending.broken, "") << kind.name;
+        if (mending.bytes == file)
+          ++exact;
+        else if (mending.result.outcome == Outcome::salvaged)
+          ++salvaged;
+        else if (mending.result.outcome == Outcome::mended)
+          ++other;
+        else
+          ++refused;
+      }
+    std::printf("%-20s %6d %6d %6d %6d %6d\n", kind.name, total, exact, salvaged, other, refused);
+    EXPECT_GT(total, 0) << kind.name;
+    if (kind.remedy == Remedy::undone) {
+      EXPECT_EQ(exact, total) << kind.name;
+    }
+  }
+}
+
+} // namespace
+
+} // namespace kova::repair
