@@ -130,6 +130,17 @@ struct ScratchFolder {
   }
 };
 
+/// The folder is the current one while this lives. Paths in it are then found also by a user to whom the folders above
+/// are closed.
+struct Inside {
+  fs::path before = fs::current_path();
+
+  explicit Inside(const ScratchFolder &folder) { fs::current_path(folder.path); }
+  Inside(const Inside &) = delete;
+  Inside &operator=(const Inside &) = delete;
+  ~Inside() { fs::current_path(before); }
+};
+
 /// Saves a model. @return what was printed on standard error, and the result.
 std::string save(const Kis &kis, const std::string &path) {
   int ok = 0;
@@ -444,7 +455,8 @@ TEST(Save, KeepsOwnerAndGroupWhereItMay) {
   if (::geteuid() != 0)
     GTEST_SKIP() << "only the superuser gives files away";
   const ScratchFolder folder;
-  const std::string path = folder.path + "/file";
+  const Inside inside(folder);
+  const std::string path = "file";
   const auto saveAs = [&](uid_t user) {
     EXPECT_EQ(save(Bytes(1), path), "saved");
     EXPECT_EQ(::chown(path.c_str(), 65534, 12345), 0);
@@ -463,27 +475,26 @@ TEST(Save, KeepsOwnerAndGroupWhereItMay) {
 
 /// Whoever may not write to the file or its folder cannot save there, also where the other one would allow it.
 TEST(Save, NeedsTheRightToWrite) {
+  Kis kis;
+  EXPECT_TRUE(loadBytes(goodFile1().bytes, kis));
+  const ScratchFolder folder;
+  const Inside inside(folder);
   // The superuser may write everywhere, and so is somebody else for a while.
+  constexpr uid_t NOBODY = 65534;
   const uid_t user = ::geteuid();
-  if (user == 0 && ::seteuid(65534) != 0)
-    GTEST_SKIP() << "the superuser may write everywhere";
-  {
-    const ScratchFolder folder;
-    const std::string path = folder.path + "/file";
-    Kis kis;
-    EXPECT_TRUE(loadBytes(goodFile1().bytes, kis));
-    EXPECT_EQ(save(kis, path), "saved");
-    ::chmod(path.c_str(), 0400);
-    EXPECT_EQ(save(kis, path), "Output File Open Error\nfailed");
-    ::chmod(path.c_str(), 0600);
-    ::chmod(folder.path.c_str(), 0500);
-    EXPECT_EQ(save(kis, path), "Output File Open Error\nfailed");
-    EXPECT_EQ(save(kis, folder.path + "/new"), "Output File Open Error\nfailed");
-    ::chmod(folder.path.c_str(), 0700);
-    EXPECT_EQ(bytesOf(readFile(path)), goodFile1().bytes);
-    EXPECT_EQ(folder.files(), 1U);
-  }
+  if (user == 0 && (::chown(".", NOBODY, gid_t(-1)) != 0 || ::seteuid(NOBODY) != 0))
+    GTEST_SKIP() << "the superuser may write everywhere, and cannot become somebody else";
+  EXPECT_EQ(save(kis, "file"), "saved");
+  ::chmod("file", 0400);
+  EXPECT_EQ(save(kis, "file"), "Output File Open Error\nfailed");
+  ::chmod("file", 0600);
+  ::chmod(".", 0500);
+  EXPECT_EQ(save(kis, "file"), "Output File Open Error\nfailed");
+  EXPECT_EQ(save(kis, "new"), "Output File Open Error\nfailed");
+  ::chmod(".", 0700);
+  EXPECT_EQ(bytesOf(readFile("file")), goodFile1().bytes);
   EXPECT_EQ(::seteuid(user), 0);
+  EXPECT_EQ(folder.files(), 1U);
 }
 
 } // namespace kova::test
