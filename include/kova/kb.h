@@ -55,6 +55,7 @@ enum class Existing { replace, refuse };
 using Writing = std::function<int(std::FILE *)>;
 
 /// Saves any file in the same way: for a program that edits the bytes of a file, or writes a report. Prints nothing.
+/// @param path the file, as for `kvSaveAsKb`
 /// @param existing `refuse`: `path` must be free, also when the file is whole; no link is followed
 /// @param mode the permissions of a file that was not there, such as 0666, less those that the umask withholds
 /// @param write whatever has to succeed before `path` is changed may be part of it
