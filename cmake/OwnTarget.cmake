@@ -3,6 +3,12 @@ if(PROJECT_IS_TOP_LEVEL)
   check_pie_supported(LANGUAGES CXX)
 endif()
 
+# Other versions of the compilers warn of other things, which must not keep anybody from building.
+set(KOVA_WARNINGS_AS_ERRORS "")
+if("${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}" MATCHES "^(GNU 12|Clang 14)\\.")
+  set(KOVA_WARNINGS_AS_ERRORS -Werror)
+endif()
+
 # Settings that every target of this project shares. A project that includes this one keeps its own say in hardening.
 function(kova_own_target target)
   target_compile_features(${target} PRIVATE cxx_std_20)
@@ -12,7 +18,7 @@ function(kova_own_target target)
   target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF POSITION_INDEPENDENT_CODE ON)
   if(KOVA_DEVELOPER)
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow ${KOVA_WARNINGS_AS_ERRORS})
   endif()
   # The same bytes wherever the sources lie; a debugger still finds them in a debug build.
   target_compile_options(${target} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>)
