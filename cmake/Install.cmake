@@ -53,6 +53,8 @@ endfunction()
 
 install(TARGETS kbaudit COMPONENT program)
 install(FILES docs/kbaudit.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT program)
+set(completions_dir "${CMAKE_INSTALL_DATADIR}/bash-completion/completions")
+install(FILES driver/completion.bash DESTINATION "${completions_dir}" RENAME kbaudit COMPONENT program)
 kova_install_documents(
   kbaudit program README.md CHANGELOG.md SECURITY.md docs/findings.md docs/format.md docs/kbsurvey.png
   docs/performance.md docs/recipes.md docs/robustness.md)
@@ -104,8 +106,7 @@ function(kova_install_program program component)
   endif()
   install(TARGETS ${program} COMPONENT ${component})
   install(FILES docs/${program}.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT ${component})
-  install(FILES ${component}/completion.bash DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions"
-          RENAME ${program} COMPONENT ${component})
+  install(FILES ${component}/completion.bash DESTINATION "${completions_dir}" RENAME ${program} COMPONENT ${component})
   kova_install_documents(${program} ${component} ${ARGN})
   install(FILES LICENSE DESTINATION "${doc_dir}/${program}" RENAME copyright COMPONENT ${component})
 endfunction()

@@ -1,4 +1,8 @@
 # The Debian packages, one for each component of the installation.
+option(KOVA_PACKAGES "Stop here if the tools are missing that make the packages" OFF)
+if(KOVA_PACKAGES)
+  include(cmake/PackageTools.cmake)
+endif()
 set(CPACK_GENERATOR DEB)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_PACKAGE_NAME kbaudit)

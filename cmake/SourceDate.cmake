@@ -1,4 +1,7 @@
-# Run by cpack. All files of a package carry the date of the last commit, so that equal sources give equal packages.
+# Run by cpack, first of all.
+include("${CMAKE_CURRENT_LIST_DIR}/PackageTools.cmake")
+
+# All files of a package carry the date of the last commit, so that equal sources give equal packages.
 if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
   set(source_date "")
   if(EXISTS "${CPACK_KOVA_SOURCE_DIR}/.git")

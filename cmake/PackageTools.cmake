@@ -1,0 +1,15 @@
+# Stops where a tool is missing that the packages need. cpack says so only after minutes, or makes packages that depend
+# on nothing. Included where the packages are configured, and by cpack.
+set(missing_tools "")
+foreach(needed IN ITEMS dpkg-shlibdeps:dpkg-dev file:file)
+  string(REPLACE ":" ";" needed "${needed}")
+  list(POP_FRONT needed tool package)
+  find_program(path_of_${tool} ${tool} NO_CACHE)
+  if(NOT path_of_${tool})
+    list(APPEND missing_tools "${tool} (Debian: ${package})")
+  endif()
+endforeach()
+if(missing_tools)
+  list(JOIN missing_tools ", " missing_tools)
+  message(FATAL_ERROR "The packages need what is missing here: ${missing_tools}.")
+endif()
