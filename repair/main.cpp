@@ -17,9 +17,9 @@ namespace kova::repair {
 
 namespace {
 
-int refuse(const std::string &message) {
+int refuse(const std::string &message, Status status = FAILED) {
   std::fprintf(stderr, "kbrepair: %s.\n", message.c_str());
-  return FAILED;
+  return status;
 }
 
 std::string existsText(const Options &options) { return printable(options.output) + " exists; --force replaces it"; }
@@ -41,23 +41,21 @@ struct Scene {
   mode_t mode = 0; ///< the permissions of INPUT
 };
 
-/// Reads INPUT whole, unless OUTPUT may not be written. @return what is wrong, for people; empty if nothing is.
-std::string readInput(const Options &options, Scene &scene) {
-  const std::string name = printable(options.input);
-  const Descriptor file = openToRead(options.input.c_str());
-  struct stat status;
+/// Looks at INPUT before it is read. @return what is wrong, for people; empty if nothing is.
+std::string inputRefusal(const Descriptor &file, struct stat &status) {
   if (file.number < 0 || ::fstat(file.number, &status) != 0)
-    return name + ": " + std::strerror(errno);
-  if (!S_ISREG(status.st_mode))
-    return name + ": not a regular file";
-  if (const std::string wrong = options.dry_run ? "" : outputRefusal(options, status); !wrong.empty())
-    return wrong;
+    return std::strerror(errno);
+  return S_ISREG(status.st_mode) ? "" : "not a regular file";
+}
+
+/// Reads INPUT whole. @return what is wrong, for people; empty if nothing is.
+std::string readInput(const Descriptor &file, const struct stat &status, Scene &scene) {
   if (static_cast<std::uint64_t>(status.st_size) > scene.bytes.max_size())
-    return name + ": not enough memory";
+    return "not enough memory";
   scene.mode = status.st_mode & 0777;
   scene.bytes.resize(static_cast<std::size_t>(status.st_size));
   const char *const error = readWhole(file, scene.bytes.size(), scene.bytes.data());
-  return error != nullptr ? name + ": " + error : "";
+  return error != nullptr ? error : "";
 }
 
 void print(const std::string &line) { std::fwrite(line.data(), 1, line.size(), stdout); }
@@ -109,10 +107,23 @@ int writeOutput(const Options &options, const Scene &scene, const std::string &l
                                 : printable(options.output) + " cannot be written: " + std::strerror(errno));
 }
 
+/// Reads INPUT, unless OUTPUT may not be written. @return the exit status if there is nothing to go on with.
+std::optional<int> load(const Options &options, Scene &scene) {
+  const Descriptor file = openToRead(options.input.c_str());
+  struct stat status;
+  std::string wrong = inputRefusal(file, status);
+  if (wrong.empty() && !options.dry_run)
+    if (const std::string refusal = outputRefusal(options, status); !refusal.empty())
+      return refuse(refusal);
+  if (wrong.empty())
+    wrong = readInput(file, status, scene);
+  return wrong.empty() ? std::nullopt : std::optional(refuse(printable(options.input) + ": " + wrong, UNREADABLE));
+}
+
 int repair(const Options &options) {
   Scene scene;
-  if (const std::string wrong = readInput(options, scene); !wrong.empty())
-    return refuse(wrong);
+  if (const std::optional<int> refused = load(options, scene))
+    return *refused;
   const Form form = options.json ? Form::json : Form::text;
   const Result result = mend(scene.bytes, options.asked);
   const int status =
@@ -147,6 +158,6 @@ int main(int argc, char **argv) {
     return kova::repair::run(argc, argv);
   } catch (const std::exception &) {
     std::fputs("kbrepair: not enough memory.\n", stderr);
-    return kova::repair::FAILED;
+    return kova::repair::UNREADABLE;
   }
 }

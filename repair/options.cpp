@@ -15,8 +15,8 @@ constexpr const char *DESCRIPTION =
     "the rest of the file. Prints every word that it changes. INPUT is never changed.";
 
 constexpr const char *FOOTER =
-    "Exit status: 0: OUTPUT audits OK; 1: the file cannot be mended; 2: wrong usage, an INPUT that cannot\n"
-    "be read, or an output that cannot be written.";
+    "Exit status: 0: OUTPUT audits OK; 1: the file cannot be mended; 2: INPUT cannot be read; 3: wrong\n"
+    "usage, or an output that cannot be written.";
 
 void declare(CLI::App &app, Options &options) {
   app.set_version_flag("--version", std::string("kbrepair ") + KOVA_VERSION, "Print the version");

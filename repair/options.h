@@ -18,7 +18,8 @@ struct Options {
   bool json = false;
 };
 
-enum Status { AUDITS_OK, NOT_MENDED, FAILED };
+/// Equal to those of kbsurvey where they mean the same.
+enum Status { AUDITS_OK, NOT_MENDED, UNREADABLE, FAILED };
 
 /// Reads the command line. @return the options; none after help, the version or an error was printed, with the exit
 /// status in `status`.

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The manual page: no warning, all sections, and examples that run as they are shown.
+# The manual page: no warning, all sections, and examples that run as they are shown. The completion of the command line.
 set -euo pipefail
 # shellcheck source=tests/lib.sh
 . "$(dirname "$0")/lib.sh"
@@ -7,6 +7,15 @@ page=$SOURCE_DIR/docs/kbaudit.1
 
 same "sections" "$(printf '%s\n' NAME SYNOPSIS DESCRIPTION 'EXIT STATUS' FINDINGS FILES EXAMPLES SECURITY 'SEE ALSO')" \
   "$(sed -n 's/^\.SH //p' "$page")"
+
+completed() { # WORD: what is offered for it
+  (cd "$SOURCE_DIR/samples" && bash -c '. ../driver/completion.bash
+    COMP_WORDS=(kbaudit "$1") COMP_CWORD=1; _kbaudit; echo "${COMPREPLY[@]}"' bash "$1")
+}
+same "completion of options" "-h -help" "$(completed -)"
+same "completion of files" "small-1.kb small-2.kb" "$(completed small | xargs -n 1 | sort | xargs)"
+same "completion of other files" "README.md" "$(completed READ)"
+
 has groff || skip_test "groff (Debian: groff-base) is not here"
 same "warnings" "" "$(groff -man -Tutf8 -ww -z "$page" 2>&1)"
 ! has mandoc || same "warnings of mandoc" "" "$(mandoc -Tlint "$page" 2>&1)"

@@ -127,7 +127,7 @@ if [ -n "${KBREPAIR-}" ]; then
   echo old >before/old.kb
   chmod 640 before/old.kb
   ln -s old.kb before/link.kb
-  repair_told() { [ "$status" -eq 2 ] && [ -s err ]; }
+  repair_told() { [ "$status" -ge 2 ] && [ "$status" -le 3 ] && [ -s err ]; }
   for options in "damaged.kb new.kb" "--force damaged.kb old.kb" "--force --json damaged.kb link.kb" "--salvage cut.kb new.kb" \
     "--partial cut.kb new.kb"; do
     read -ra options <<<"$options"

@@ -46,6 +46,7 @@ $(printf 'share/doc/%s\n' {kbaudit,"libkova${version%%.*}",libkova-dev}/copyrigh
   kbaudit/docs/{findings,format,performance,recipes,robustness}.md kbaudit/docs/kbsurvey.png \
   libkova-dev/examples/{CMakeLists.txt,findings.cpp,names.cpp,verdict.cpp})
 share/man/man1/kbaudit.1$packed
+share/bash-completion/completions/kbaudit
 $(cd "$SOURCE_DIR" && printf 'share/kova/%s\n' samples/*.kb)
 END
 )" "$(cd "$installed" && find . ! -type d ! -path '*/libkova-dev/html/*' ! -name changelog.gz \

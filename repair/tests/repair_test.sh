@@ -18,10 +18,10 @@ repair() { # STATUS ARGUMENT...
   shift
   run "$status" "kbrepair $*" "$KBREPAIR" "$@"
 }
-refused() { # MESSAGE ARGUMENT...: with status 2; nothing is printed or written
-  local message=$1
-  shift
-  repair 2 "$@"
+refused() { # STATUS MESSAGE ARGUMENT...: nothing is printed or written
+  local status=$1 message=$2
+  shift 2
+  repair "$status" "$@"
   same "message of kbrepair $*" "kbrepair: $message" "$(cat "$scratch/err")"
   [ ! -s "$scratch/out" ] || fail "kbrepair $* prints: $(head -c 300 "$scratch/out")"
 }
@@ -127,7 +127,7 @@ done
 
 for wrong in "" "--nonsense town.kb out.kb" "town.kb" "--force" "town.kb out.kb out2.kb"; do
   # shellcheck disable=SC2086 # several words
-  repair 2 $wrong
+  repair 3 $wrong
   if [ -s "$scratch/out" ] || [ ! -s "$scratch/err" ]; then fail "what wrong usage ($wrong) prints"; fi
 done
 for asked in --help -h --version; do
@@ -136,22 +136,22 @@ for asked in --help -h --version; do
 done
 mkdir folder
 mkfifo pipe
-refused "missing.kb: No such file or directory." missing.kb out.kb
-refused ": No such file or directory." "" out.kb
-refused "folder: not a regular file." folder out.kb
+refused 2 "missing.kb: No such file or directory." missing.kb out.kb
+refused 2 ": No such file or directory." "" out.kb
+refused 2 "folder: not a regular file." folder out.kb
 run 2 "a pipe" timeout 20 "$KBREPAIR" pipe out.kb
 same "a pipe" "kbrepair: pipe: not a regular file." "$(cat "$scratch/err")"
-refused "folder exists; --force replaces it." town.kb folder
+refused 3 "folder exists; --force replaces it." town.kb folder
 written folder pipe
 for output in none/out.kb town.kb/out.kb; do
-  repair 2 --force bad.kb $output
+  repair 3 --force bad.kb $output
   [[ $(cat "$scratch/err") == "kbrepair: $output cannot be written: "*. ]] || fail "told of $output: $(cat "$scratch/err")"
   written
 done
 if [ "$(id -u)" -ne 0 ]; then
   cp bad.kb closed.kb
   chmod 0 closed.kb
-  refused "closed.kb: Permission denied." closed.kb out.kb
+  refused 2 "closed.kb: Permission denied." closed.kb out.kb
   written closed.kb
 fi
 
@@ -161,10 +161,10 @@ printf old >there.kb
 chmod 640 there.kb
 ln -s there.kb link.kb
 ln -s nowhere broken.kb
-refused "there.kb exists; --force replaces it." bad.kb there.kb
-refused "link.kb exists; --force replaces it." bad.kb link.kb
-refused "broken.kb exists; --force replaces it." bad.kb broken.kb
-refused "missing.kb: No such file or directory." --force missing.kb there.kb
+refused 3 "there.kb exists; --force replaces it." bad.kb there.kb
+refused 3 "link.kb exists; --force replaces it." bad.kb link.kb
+refused 3 "broken.kb exists; --force replaces it." bad.kb broken.kb
+refused 2 "missing.kb: No such file or directory." --force missing.kb there.kb
 repair 1 --force not.kb there.kb
 same "left where nothing is written" old "$(cat there.kb)"
 repair 0 --force bad.kb link.kb
@@ -178,10 +178,10 @@ ln -s hard.kb soft.kb
 mkdir folder
 for other in bad.kb ./bad.kb folder/../bad.kb hard.kb soft.kb; do
   for option in --force --partial; do
-    refused "$other is the same file as INPUT, which is never changed." $option bad.kb "$other"
+    refused 3 "$other is the same file as INPUT, which is never changed." $option bad.kb "$other"
   done
 done
-refused "bad.kb is the same file as INPUT, which is never changed." --force soft.kb bad.kb
+refused 3 "bad.kb is the same file as INPUT, which is never changed." --force soft.kb bad.kb
 repair 0 --dry-run bad.kb hard.kb # writes nothing anyway
 written hard.kb soft.kb folder
 
@@ -195,11 +195,11 @@ for input in town bad private; do
 done
 written private.kb
 # A file that becomes too large, and one that nobody reads.
-run 2 "a limit on the size of files" sh -c 'ulimit -f 1; "$@"' sh "$KBREPAIR" bad.kb out.kb
+run 3 "a limit on the size of files" sh -c 'ulimit -f 1; "$@"' sh "$KBREPAIR" bad.kb out.kb
 same "told of the limit" "kbrepair: out.kb cannot be written: File too large." "$(cat "$scratch/err")"
 written
 mkfifo pipe
-run 2 "a pipe that nobody reads" timeout 20 "$KBREPAIR" --force bad.kb pipe
+run 3 "a pipe that nobody reads" timeout 20 "$KBREPAIR" --force bad.kb pipe
 same "told of the pipe" "kbrepair: pipe cannot be written: No such device or address." "$(cat "$scratch/err")"
 written pipe
 
@@ -209,19 +209,19 @@ written pipe
 {
   if [ -e /dev/full ]; then
     for options in "" --json; do
-      run 2 "full standard output" sh -c '"$@" >/dev/full' sh "$KBREPAIR" ${options:+"$options"} bad.kb out.kb
+      run 3 "full standard output" sh -c '"$@" >/dev/full' sh "$KBREPAIR" ${options:+"$options"} bad.kb out.kb
       same "told of full standard output" "kbrepair: standard output cannot be written: No space left on device." "$(cat "$scratch/err")"
       written # a change that could not be told is not written
-      run 2 "full standard output, a good file" sh -c '"$@" >/dev/full' sh "$KBREPAIR" ${options:+"$options"} town.kb out.kb
+      run 3 "full standard output, a good file" sh -c '"$@" >/dev/full' sh "$KBREPAIR" ${options:+"$options"} town.kb out.kb
       written
     done
-    run 2 "full standard output, last line" sh -c '"$@" >/dev/full' sh "$KBREPAIR" --dry-run town.kb
-    run 2 "full standard output, help" sh -c '"$@" >/dev/full' sh "$KBREPAIR" --help
-    repair 2 --force bad.kb /dev/full
+    run 3 "full standard output, last line" sh -c '"$@" >/dev/full' sh "$KBREPAIR" --dry-run town.kb
+    run 3 "full standard output, help" sh -c '"$@" >/dev/full' sh "$KBREPAIR" --help
+    repair 3 --force bad.kb /dev/full
   fi
-  run 2 "closed standard output, a good file" sh -c '"$@" >&-' sh "$KBREPAIR" town.kb out.kb
+  run 3 "closed standard output, a good file" sh -c '"$@" >&-' sh "$KBREPAIR" town.kb out.kb
   written
-  run 2 "closed standard output" sh -c '"$@" >&-' sh "$KBREPAIR" bad.kb out.kb
+  run 3 "closed standard output" sh -c '"$@" >&-' sh "$KBREPAIR" bad.kb out.kb
   same "told of closed standard output" "kbrepair: standard output cannot be written: Bad file descriptor." "$(cat "$scratch/err")"
   written
   run 0 "other standard streams closed" sh -c '"$@" <&- 2>&-' sh "$KBREPAIR" bad.kb out.kb
@@ -249,7 +249,7 @@ lines = open(sys.argv[1], "rb").read().splitlines()
 path = json.loads(lines[1])["input"]
 assert len(lines) == 2 and re.sub(rb"\\x(..)", lambda m: bytes.fromhex(m[1].decode()), path.encode()) == os.fsencode(sys.argv[2])' \
     ../told "$name"
-  repair 2 -- "$name" "$name.out"
+  repair 3 -- "$name" "$name.out"
   same "lines that refuse $name" 1 "$(wc -l <"$scratch/err")"
 done
 cd ..
