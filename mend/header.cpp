@@ -1,6 +1,6 @@
 #include "mend/header.h"
 
-#include "reader/lists.h"
+#include "format/lists.h"
 
 namespace kova::mend {
 

@@ -26,7 +26,7 @@ struct Habit {
 /// Goes over the file as it was read, and sets what follows.
 class Deriver : public Events {
 public:
-  Deriver(const Image &file, const Reading &reading) : image(file), version_2((file[0] & 0xffff) == VERSION_2) {
+  Deriver(FileBytes &file, const Reading &reading) : image(file), version_2(file.version() == VERSION_2) {
     for (const Claim *claim = reading.claims; claim != nullptr; claim = claim->before) {
       if (claim->sort == Claim::Sort::list)
         spans[claim->list] = claim;
@@ -52,7 +52,7 @@ private:
   void deriveElement(const Kind &kind, std::uint64_t begin, std::uint64_t end, Word number, std::uint64_t table_word,
                      const char *table_name);
 
-  const Image &image;
+  FileBytes &image;
   bool version_2;
   std::array<const Claim *, LIST_NUM> spans = {};
   std::unordered_map<std::uint64_t, std::uint64_t> unsolved = {};
@@ -244,9 +244,9 @@ Applied Deriver::derive() {
 
 } // namespace
 
-Applied applyReading(const Image &image, const Reading &reading) { return Deriver(image, reading).derive(); }
+Applied applyReading(FileBytes &image, const Reading &reading) { return Deriver(image, reading).derive(); }
 
-std::vector<Change> changesOf(const Image &image, const Claim *claims) {
+std::vector<Change> changesOf(const FileBytes &image, const Claim *claims) {
   std::vector<Change> changes;
   for (; claims != nullptr; claims = claims->before)
     if (claims->sort == Claim::Sort::word)

@@ -9,7 +9,7 @@ namespace {
 /// Copies a file, list by list, with zeros behind the maker blocks that are too short.
 class Filler {
 public:
-  explicit Filler(const Image &file) : image(file) {}
+  explicit Filler(const FileBytes &file) : image(file) {}
 
   std::optional<Salvaged> fill(const Reading &reading);
 
@@ -18,15 +18,14 @@ private:
   bool fillRecord(std::size_t list, const Spot &spot, std::uint64_t &end);
   bool fillList(const Claim &span);
 
-  const Image &image;
+  const FileBytes &image;
   std::uint64_t filled = 0; ///< bytes of zeros
   Salvaged made = {};
 };
 
 void Filler::copy(std::uint64_t begin, std::uint64_t end) {
-  const auto from = image.bytes.begin();
-  made.bytes.insert(made.bytes.end(), from + static_cast<std::ptrdiff_t>(begin),
-                    from + static_cast<std::ptrdiff_t>(end));
+  const std::span<const unsigned char> part = image.between(begin, end);
+  made.bytes.insert(made.bytes.end(), part.begin(), part.end());
 }
 
 /// Copies a record. @return false where it is none, or where its counts call for more than a file can lack.
@@ -51,7 +50,7 @@ bool Filler::fillRecord(std::size_t list, const Spot &spot, std::uint64_t &end) 
   copy(spot.begin, end - user);
   made.bytes.resize(made.bytes.size() + static_cast<std::size_t>(lacking));
   copy(end - user, end);
-  const Image written = {made.bytes};
+  FileBytes written(made.bytes);
   for (const std::uint64_t at : {std::uint64_t{blocks_at}, std::uint64_t{spot.kind->size_at}})
     written.set(record + at, written[record + at] + static_cast<Word>(lacking));
   made.losses.push_back({LISTS[list].name, list == 0 ? std::optional<Word>() : spot.number,
@@ -103,16 +102,17 @@ std::optional<Salvaged> Filler::fill(const Reading &reading) {
   }
   if (filled == 0)
     return std::nullopt;
-  applyReading({made.bytes}, {.claims = before});
+  FileBytes written(made.bytes);
+  applyReading(written, {.claims = before});
   return std::move(made);
 }
 
 } // namespace
 
-std::optional<Salvaged> fillMakerBlocks(const Image &image) {
-  if ((image[0] & 0xffff) != VERSION_2)
+std::optional<Salvaged> fillMakerBlocks(const FileBytes &image) {
+  if (image.version() != VERSION_2)
     return std::nullopt;
-  Reader reader(image, true);
+  Reader reader(image);
   const std::optional<Reading> reading = reader.readFile();
   return reading && !reading->has_rival ? Filler(image).fill(*reading) : std::nullopt;
 }

@@ -26,7 +26,7 @@ void vtxTriNvColors(Walk &walk, std::uint64_t number) {
 /// What follows begins where the header size says. `unit` as in `Site`.
 void headerFirst(Walk &walk, const char *field, Word at, Word usual, std::int32_t unit) {
   const Word size = walk.count(at, field, unit);
-  walk.pass(std::uint64_t{size} - usual);
+  walk.pass(std::int64_t{size} - usual);
   if (size != usual)
     walk.doubt();
 }
@@ -226,13 +226,15 @@ void texMaker(Walk &walk) {
   externals(walk, images, false);
 }
 
-/// What is between the head of a record and its blocks takes up what its two sizes leave.
-Word sized(Walk &walk, Word size_at, const char *size_name, Word header_at, const char *header_name, Word head) {
+/// What is between the head of a record and its blocks takes up what its two sizes leave. Negative: the sizes are
+/// wrong.
+std::int64_t sized(Walk &walk, Word size_at, const char *size_name, Word header_at, const char *header_name,
+                   Word head) {
   const Word size = walk.count(size_at, size_name, 1);
   const Word header = walk.count(header_at, header_name, -1);
   if (header != head)
     walk.doubt();
-  return size - header;
+  return std::int64_t{size} - header;
 }
 
 /// (The sizes of its blocks say only how much of it are texels.)
@@ -331,15 +333,12 @@ void switch_(Walk &walk) {
   walk.blocks();
 }
 
-void name(Walk &walk) {
-  const Word bytes = sized(walk, 12, "name_size", 8, "name_header_size", 16);
-  walk.pass(bytes - bytes % sizeof(Word));
-}
+void name(Walk &walk) { walk.pass(sized(walk, 12, "name_size", 8, "name_header_size", 16) & ~std::int64_t{3}); }
 
 // --- Palettes, skins, chains ----------------------------------------------------------------------------------------
 
 void ciImg(Walk &walk) {
-  walk.pass(std::uint64_t{(walk.word(16) * walk.word(20) * walk.word(24) + 31) / 32} * sizeof(Word));
+  walk.pass(std::int64_t{(walk.word(16) * walk.word(20) * walk.word(24) + 31) / 32} * sizeof(Word));
   walk.blocks();
 }
 

@@ -6,26 +6,11 @@
 #pragma once
 
 #include "format/lists.h"
+#include "repair/bytes.h"
 
 #include <initializer_list>
-#include <span>
 
 namespace kova::repair {
-
-/// The bytes of a file, as its big-endian words.
-struct Image {
-  std::span<unsigned char> bytes;
-
-  Word operator[](std::uint64_t offset) const {
-    const unsigned char *const at = bytes.data() + offset;
-    return Word{at[0]} << 24 | Word{at[1]} << 16 | Word{at[2]} << 8 | Word{at[3]};
-  }
-  void set(std::uint64_t offset, Word word) const {
-    for (std::size_t i = 0; i < sizeof word; ++i)
-      bytes[static_cast<std::size_t>(offset) + i] = static_cast<unsigned char>(word >> (24 - 8 * i));
-  }
-  std::uint64_t size() const { return bytes.size(); }
-};
 
 /// Where words of the file's header stand.
 namespace header_at {
@@ -155,8 +140,11 @@ struct Events {
 /// Goes over a record. Nothing beyond `limit` is read; lengths go on in 64 bits.
 class Walk {
 public:
-  Walk(const Image &walked, std::uint64_t end_of_bytes, bool is_version_2, Events *follower = nullptr)
+  Walk(const FileBytes &walked, std::uint64_t end_of_bytes, bool is_version_2, Events *follower = nullptr)
       : image(walked), limit(end_of_bytes), version_2(is_version_2), events(follower) {}
+  /// The same over no more records than `steps_left` says, which counts down.
+  Walk(const FileBytes &walked, bool is_version_2, Events *follower, std::uint64_t &steps_left)
+      : image(walked), limit(walked.size()), version_2(is_version_2), events(follower), steps(&steps_left) {}
 
   /// @return the end of the record.
   std::uint64_t over(const Spot &spot, int depth = 0);
@@ -188,7 +176,7 @@ public:
   }
   void records(Word number, const Kind &kind);
   /// Bytes that are not looked at.
-  void pass(std::uint64_t bytes) { position += bytes; }
+  void pass(std::int64_t bytes) { position += static_cast<std::uint64_t>(bytes); }
   /// Both blocks of the record.
   void blocks();
   /// The same of a record that has the sizes of its blocks in the record around it, `at` bytes from its begin.
@@ -199,16 +187,18 @@ public:
   void fault() { ++faults; }
 
 private:
+  bool isInMakerBlock(std::uint64_t offset) const;
   Word wordAt(std::uint64_t offset);
   void takeSite(std::uint64_t offset, const char *field, Word value, std::int32_t unit, const Kind *records,
                 bool block);
   void blocksOf(std::uint64_t sizes_at);
   void lookIntoMakerBlock(Word bytes);
 
-  const Image &image;
+  const FileBytes &image;
   std::uint64_t limit;
   bool version_2;
   Events *events;
+  std::uint64_t *steps = nullptr;
   const Kind *kind_ = nullptr;
   std::uint64_t base = 0;  ///< of the record, or of the maker block that is looked at
   std::uint64_t outer = 0; ///< of what is around that

@@ -44,7 +44,7 @@ std::string withoutLineEnd(std::string text) {
 }
 
 /// Sets the words of changes to their old or their new values.
-void setWords(const Image &image, const std::vector<Change> &changes, Word Change::*value) {
+void setWords(FileBytes &image, const std::vector<Change> &changes, Word Change::*value) {
   for (const Change &change : changes)
     image.set(change.offset, change.*value);
 }
@@ -73,7 +73,7 @@ Result hopeless(std::string reason) { return {.outcome = Outcome::hopeless, .rea
 
 /// @return whether the header is right and promises more than there is: its sizes add up to the size that it states.
 /// Words that are wrong hardly agree like that, so the file was cut.
-bool isCut(const Image &image) {
+bool isCut(const FileBytes &image) {
   const bool version_2_lists = hasVersion2Lists(image);
   if (image.size() < FILE_HEADER_BYTES + (version_2_lists ? Word{VERSION_2_SIZES_BYTES} : 0))
     return true;
@@ -84,11 +84,11 @@ bool isCut(const Image &image) {
 }
 
 /// Mends a file whose lists are all there.
-Result mendWhole(const std::vector<unsigned char> &bytes, const Image &image) {
+Result mendWhole(const std::vector<unsigned char> &bytes, FileBytes &image) {
   if (isCut(image))
     return hopeless("it is cut: " + std::to_string(image.size()) + " of " + std::to_string(image[header_at::SIZE]) +
                     " bytes are left");
-  Reader reader(image, (image[0] & 0xffff) == VERSION_2);
+  Reader reader(image);
   const std::optional<Reading> reading = reader.readFile();
   if (!reading)
     return auditBytes(bytes).ok ? Result{} : hopeless(OTHER_END);
@@ -128,7 +128,7 @@ Result mendWhole(const std::vector<unsigned char> &bytes, const Image &image) {
 
 /// Makes a file of what is left of one that was cut.
 Result salvageCut(std::vector<unsigned char> &bytes) {
-  std::optional<Salvaged> salvaged = salvageFile(Image{bytes});
+  std::optional<Salvaged> salvaged = salvageFile(FileBytes(bytes));
   if (!salvaged)
     return hopeless("it is cut, and what is left of it is damaged, too");
   const Audit audit = auditBytes(salvaged->bytes);
@@ -143,7 +143,7 @@ Result salvageCut(std::vector<unsigned char> &bytes) {
 bool salvageShort(std::vector<unsigned char> &bytes, Result &result) {
   if (bytes.size() < FILE_HEADER_BYTES)
     return false;
-  std::optional<Salvaged> filled = fillMakerBlocks(Image{bytes});
+  std::optional<Salvaged> filled = fillMakerBlocks(FileBytes(bytes));
   if (!filled || !auditBytes(filled->bytes).ok)
     return false;
   bytes = std::move(filled->bytes);
@@ -155,10 +155,10 @@ bool salvageShort(std::vector<unsigned char> &bytes, Result &result) {
 
 /// Mends a file as it is.
 Result mendAsIs(std::vector<unsigned char> &bytes, bool salvage) {
-  const Image image = {bytes};
+  FileBytes image(bytes);
   if (image.size() < sizeof(Word))
     return hopeless("it is too short even for a version");
-  const Word version = image[0] & 0xffff;
+  const Word version = image.version();
   if (version != VERSION_1 && version != VERSION_2)
     return hopeless("it is of no version that is known");
   const bool has_header = image.size() >= FILE_HEADER_BYTES;

@@ -12,10 +12,6 @@ namespace {
 constexpr std::size_t MOST_READINGS = 6;
 constexpr Word MOST_BEHIND = cost::UNSOLVED_LIST + 8;
 
-/// How often a list may be searched through, and how many bytes in any case.
-constexpr std::uint64_t LIST_SCANS = 16;
-constexpr std::uint64_t LIST_SCAN_BYTES = 4 << 20;
-
 /// How many places are tried at which the elements of a list could begin.
 constexpr int MOST_BEGINNINGS = 3;
 
@@ -44,8 +40,8 @@ std::uint64_t sizeWordOffset(std::size_t list) {
   return static_cast<std::uint64_t>(reinterpret_cast<const unsigned char *>(&(header.*LISTS[list].size)) - begin);
 }
 
-bool hasVersion2Lists(const Image &image) {
-  return (image[0] & 0xffff) == VERSION_2 && image[header_at::BLOCKS] >= VERSION_2_SIZES_BYTES;
+bool hasVersion2Lists(const FileBytes &image) {
+  return image.version() == VERSION_2 && image[header_at::BLOCKS] >= VERSION_2_SIZES_BYTES;
 }
 
 const Claim *Reader::claim(const Claim &made, const Claim *before) {
@@ -90,26 +86,33 @@ void Reader::prune(Readings &readings) const {
 std::uint64_t Reader::find(std::uint64_t from, std::uint64_t to, Word tag, std::optional<Word> number) {
   to = std::min(to, image.size());
   const std::uint64_t room = to >= from + 8 ? to - from - 4 : 0;
-  to = from + std::min({room, scan_left, list_scan_left}) / sizeof(Word) * sizeof(Word);
+  to = from + std::min(room, list_left.scan_bytes) / sizeof(Word) * sizeof(Word);
   std::uint64_t at = from;
   while (at < to && (image[at] != tag || (number && image[at + 4] != *number)))
     at += sizeof(Word);
-  mayScan(at - from);
+  list_left.scan_bytes -= at - from;
   return at < to ? at : 0;
 }
 
-/// @return whether so many bytes more may be searched through. There is a bound for each list and one for the file, so
-/// that time is linear, and so that one list does not take from the others what they need.
-bool Reader::mayScan(std::uint64_t bytes) {
-  if (bytes > scan_left || bytes > list_scan_left)
-    return false;
-  scan_left -= bytes;
-  list_scan_left -= bytes;
-  return true;
+/// Gives a list of so many bytes its share. What the one before has left goes back.
+void Reader::beginList(std::uint64_t bytes) {
+  const Budget share = budgetOf(bytes, 1);
+  for (std::uint64_t Budget::*const kind : {&Budget::scan_bytes, &Budget::read_steps, &Budget::search_steps}) {
+    file_left.*kind += list_left.*kind;
+    list_left.*kind = std::min(share.*kind, file_left.*kind);
+    file_left.*kind -= list_left.*kind;
+  }
+}
+
+/// Goes over a record as it is.
+Walk Reader::read(const Spot &spot, std::uint64_t &end) {
+  Walk walk(image, version_2, nullptr, list_left.read_steps);
+  end = walk.over(spot);
+  return walk;
 }
 
 Word Reader::declared(std::size_t list) const {
-  if (list >= VERSION_1_LIST_NUM && !hasVersion2Lists(image))
+  if (list >= VERSION_1_LIST_NUM && !version_2_lists)
     return 0;
   return image[sizeWordOffset(list)];
 }
@@ -165,7 +168,7 @@ void Reader::readElement(std::size_t list, const Kind &kind, const Reading &befo
     return;
   const Spot spot = {&kind, begin, number};
   std::uint64_t by_words = 0;
-  const Walk walk = measure(spot, by_words);
+  const Walk walk = read(spot, by_words);
   const std::uint64_t by_size = begin + wholeWords(kind, image[begin + kind.size_at]);
   const std::uint64_t by_table = begin + wholeWords(kind, table_size);
   const Word cost = Word{!isElementTag(kind, image[begin])} + Word{image[begin + kind.index_at] != number};
@@ -331,7 +334,7 @@ void Reader::readScene(const Reading &before, Readings &readings) {
   const std::uint64_t begin = before.at;
   const Spot spot = {&SCENE, begin};
   std::uint64_t by_words = 0;
-  const Walk walk = measure(spot, by_words);
+  const Walk walk = read(spot, by_words);
   const std::uint64_t by_size = begin + image[begin + SCENE.size_at];
   const std::uint64_t by_header = begin + declared(SCENE_LIST);
   std::vector<std::uint64_t> ends;
@@ -363,7 +366,7 @@ void Reader::passList(std::size_t list, const Reading &before, Readings &reading
 void Reader::readListAt(const Reading &before, std::size_t list, Readings &readings) {
   const std::uint64_t begin = before.at;
   list_end = std::min(image.size(), begin + std::max(image[begin + 8], declared(list)));
-  list_scan_left = LIST_SCANS * (list_end - begin) + LIST_SCAN_BYTES;
+  beginList(list_end - begin);
   Reading inside = before;
   inside.cost += Word{!isListTag(list, image[begin])};
   Readings ends;
@@ -408,7 +411,7 @@ void Reader::readHeader(Readings &readings) {
   const std::uint64_t by_words =
       FILE_HEADER_BYTES + std::uint64_t{image[header_at::BLOCKS]} + image[header_at::BLOCKS + 4];
   const std::uint64_t by_size = image[header_at::HEADER_SIZE];
-  list_scan_left = image.size();
+  beginList(image.size());
   std::vector<std::uint64_t> ends = {by_words};
   addEnd(ends, by_size);
   if (ends.size() == 2)
@@ -429,13 +432,13 @@ std::optional<Reading> Reader::readFile() {
   for (const Reading &header : headers) {
     // The size words of the version-2 lists are there only if the header's maker block is.
     const Claim *const changed = header.claims;
-    const Word old = changed != nullptr ? image[changed->begin] : 0;
-    if (changed != nullptr)
-      image.set(changed->begin, changed->value);
+    const bool changes_maker = changed != nullptr && changed->begin == header_at::BLOCKS;
+    const Word maker = changes_maker ? changed->value : image[header_at::BLOCKS];
+    version_2_lists = version_2 && maker >= VERSION_2_SIZES_BYTES;
     Readings readings = {header};
-    if (version_2 && image[header_at::BLOCKS] == 0) // no file of version 2.0 lacks the block
+    if (version_2 && maker == 0) // no file of version 2.0 lacks the block
       readings.clear();
-    const std::size_t lists = hasVersion2Lists(image) ? LIST_NUM : VERSION_1_LIST_NUM;
+    const std::size_t lists = version_2_lists ? LIST_NUM : VERSION_1_LIST_NUM;
     for (std::size_t list = 0; list < lists; ++list) {
       Readings after;
       for (const Reading &reading : readings)
@@ -446,8 +449,6 @@ std::optional<Reading> Reader::readFile() {
     for (const Reading &reading : readings)
       if (reading.at == image.size())
         add(whole, reading);
-    if (changed != nullptr)
-      image.set(changed->begin, old);
   }
   return whole.empty() ? std::nullopt : std::optional(whole.front());
 }

@@ -50,16 +50,26 @@ inline constexpr Word SWALLOWED = 32; ///< a block that takes in what looks like
 /// Reads a file in all ways that are worth it.
 class Reader {
 public:
-  Reader(const Image &file, bool is_version_2)
-      : image(file), version_2(is_version_2), scan_left(FILE_SCANS * file.size() + FILE_SCAN_BYTES) {}
+  explicit Reader(const FileBytes &file)
+      : image(file), version_2(file.version() == VERSION_2), file_left(budgetOf(file.size(), FILE_SHARES)) {}
 
   /// @return the best reading of the file, whose last list ends where the file ends; none if there is no such reading.
   std::optional<Reading> readFile();
 
 private:
-  /// How often the file may be searched through, and how many bytes in any case.
-  static constexpr std::uint64_t FILE_SCANS = 64;
-  static constexpr std::uint64_t FILE_SCAN_BYTES = 64 << 20;
+  /// What reading may still take. Time is linear for this, whatever the file says.
+  struct Budget {
+    std::uint64_t scan_bytes;   ///< in which tags are looked for
+    std::uint64_t read_steps;   ///< records that are gone over to read them
+    std::uint64_t search_steps; ///< and to find a wrong word
+  };
+  /// A list has one share for its bytes, so that it does not take from the others what they need, and a file has some.
+  static constexpr std::uint64_t FILE_SHARES = 4;
+  static constexpr Budget budgetOf(std::uint64_t bytes, std::uint64_t shares) {
+    return {shares * (16 * bytes + (16 << 20)), shares * (2 * bytes + (1 << 16)), shares * (bytes + (1 << 19))};
+  }
+  /// Bytes of the smallest record inside another one.
+  static constexpr std::uint64_t SMALLEST_INSIDE = 20;
 
   using Readings = std::vector<Reading>;
 
@@ -78,19 +88,20 @@ private:
   void add(Readings &readings, const Reading &reading) const;
   void prune(Readings &readings) const;
 
-  bool mayScan(std::uint64_t bytes);
+  void beginList(std::uint64_t bytes);
   std::uint64_t find(std::uint64_t from, std::uint64_t to, Word tag, std::optional<Word> number);
 
-  Walk measure(const Spot &spot, std::uint64_t &end, Events *events = nullptr) const;
-  void tryWord(const Spot &spot, std::uint64_t end, const Site &site, Word value, Proposals &proposals) const;
+  Walk read(const Spot &spot, std::uint64_t &end);
+  Walk measure(const FileBytes &file, const Spot &spot, std::uint64_t &end, Events *events = nullptr);
+  void tryWord(const Spot &spot, std::uint64_t end, const Site &site, Word value, Proposals &proposals);
   void solveCounts(const Spot &spot, std::uint64_t end, Proposals &proposals);
   void growSite(const Spot &spot, std::uint64_t end, const Site &site, std::int64_t from, std::int64_t bytes,
-                Proposals &proposals) const;
+                Proposals &proposals);
   void solveRecords(const Spot &spot, std::uint64_t end, const Site &site, std::span<const Spot> series_of,
                     Proposals &proposals);
   void searchValue(const Spot &spot, std::uint64_t end, const Site &site, Proposals &proposals);
   void solveInside(const Spot &spot, std::uint64_t end, const Spot &inner, std::int64_t lacking, Proposals &proposals);
-  Word recordsInARow(Spot spot, std::uint64_t end) const;
+  Word recordsInARow(Spot spot, std::uint64_t end);
   Proposals solve(const Spot &spot, std::uint64_t end);
   static void keepBest(Proposals &proposals);
 
@@ -113,11 +124,12 @@ private:
 
   Word declared(std::size_t list) const;
 
-  const Image &image;
+  const FileBytes &image;
   bool version_2;
+  bool version_2_lists = false;
   std::uint64_t list_end = 0; ///< the latest end that something gives for the list that is read
-  std::uint64_t scan_left;    ///< bytes that may still be searched through
-  std::uint64_t list_scan_left = 0;
+  Budget file_left;           ///< without what the list has
+  Budget list_left = {};
   std::deque<Claim> claims;
 };
 
@@ -125,6 +137,6 @@ private:
 std::uint64_t sizeWordOffset(std::size_t list);
 
 /// @return whether a file with such a header has version-2 lists.
-bool hasVersion2Lists(const Image &image);
+bool hasVersion2Lists(const FileBytes &image);
 
 } // namespace kova::repair

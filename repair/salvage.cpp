@@ -29,15 +29,15 @@ std::string leftOf(const Left &left, const char *what) {
   return std::to_string(left.now) + " of " + std::to_string(left.before) + ' ' + what + " are left";
 }
 
-void append(Bytes &bytes, const Image &image, std::uint64_t begin, std::uint64_t end) {
-  const auto from = image.bytes.begin();
-  bytes.insert(bytes.end(), from + static_cast<std::ptrdiff_t>(begin), from + static_cast<std::ptrdiff_t>(end));
+void append(Bytes &bytes, const FileBytes &image, std::uint64_t begin, std::uint64_t end) {
+  const std::span<const unsigned char> part = image.between(begin, end);
+  bytes.insert(bytes.end(), part.begin(), part.end());
 }
 
 void appendWords(Bytes &bytes, std::initializer_list<Word> words) {
   for (const Word word : words) {
     bytes.resize(bytes.size() + sizeof word);
-    Image{bytes}.set(bytes.size() - sizeof word, word);
+    FileBytes(bytes).set(bytes.size() - sizeof word, word);
   }
 }
 
@@ -87,7 +87,7 @@ struct Pieces : Events {
 /// A record that ends where the file was cut, with the counts of what is left of it.
 class CutRecord {
 public:
-  CutRecord(const Image &file, const Kind &kind_of_record, std::uint64_t begins_at, Word number, bool is_version_2)
+  CutRecord(const FileBytes &file, const Kind &kind_of_record, std::uint64_t begins_at, Word number, bool is_version_2)
       : image(file), kind(kind_of_record), begin(begins_at), version_2(is_version_2) {
     if (begin + kind.fixed > image.size() || (kind.tag != 0 && !isElementTag(kind, image[begin])))
       return;
@@ -109,7 +109,7 @@ private:
   bool keepBlocks();
   bool isWhole();
 
-  const Image &image;
+  const FileBytes &image;
   const Kind &kind;
   std::uint64_t begin;
   bool version_2;
@@ -166,7 +166,7 @@ bool CutRecord::keepPiece(Piece &piece) {
                                     [&](const Piece &other) { return other.count_at == piece.count_at; });
   if (piece.count_at < begin || others != 1)
     return false;
-  Image{bytes}.set(piece.count_at - begin, static_cast<Word>(keep));
+  FileBytes(bytes).set(piece.count_at - begin, static_cast<Word>(keep));
   if (piece.bytes != 0 && entries.before == 0)
     entries = {piece.number, keep};
   if (!told.empty())
@@ -184,10 +184,10 @@ bool CutRecord::keepBlocks() {
   const auto kept_maker = static_cast<Word>(std::min<std::uint64_t>(maker, there) & ~std::uint64_t{3});
   const auto kept_user =
       static_cast<Word>(std::min<std::uint64_t>(user, there > maker ? there - maker : 0) & ~std::uint64_t{3});
-  Image{bytes}.set(kind.blocks_at, kept_maker);
-  Image{bytes}.set(Word{kind.blocks_at} + 4, 0);
+  FileBytes(bytes).set(kind.blocks_at, kept_maker);
+  FileBytes(bytes).set(Word{kind.blocks_at} + 4, 0);
   append(bytes, image, blocks, blocks + kept_maker);
-  const Image made = {bytes};
+  FileBytes made(bytes);
   made.set(kind.size_at, static_cast<Word>(bytes.size())); // the size of an image follows from it
   Walk walk(made, bytes.size(), version_2);
   walk.over({&kind, 0});
@@ -195,11 +195,11 @@ bool CutRecord::keepBlocks() {
   if (lacking > image.size())
     return false;
   bytes.resize(bytes.size() + static_cast<std::size_t>(lacking));
-  Image{bytes}.set(kind.blocks_at, kept_maker + static_cast<Word>(lacking));
-  Image{bytes}.set(Word{kind.blocks_at} + 4, kept_user);
+  FileBytes(bytes).set(kind.blocks_at, kept_maker + static_cast<Word>(lacking));
+  FileBytes(bytes).set(Word{kind.blocks_at} + 4, kept_user);
   if (kept_user != 0)
     append(bytes, image, blocks + maker, blocks + maker + kept_user);
-  Image{bytes}.set(kind.size_at, static_cast<Word>(bytes.size()));
+  FileBytes(bytes).set(kind.size_at, static_cast<Word>(bytes.size()));
   const auto tell = [&](const std::string &what) { told += (told.empty() ? "" : ", ") + what; };
   if (lacking != 0)
     tell("the maker block is filled up with " + std::to_string(lacking) + " bytes of zeros");
@@ -212,7 +212,7 @@ bool CutRecord::keepBlocks() {
 
 /// @return whether what is left is a record: counts that stand between the tables of some can be cut off.
 bool CutRecord::isWhole() {
-  const Image made = {bytes};
+  const FileBytes made(bytes);
   Walk walk(made, bytes.size(), version_2);
   return walk.over({&kind, 0}) == bytes.size() && !walk.broken;
 }
@@ -228,7 +228,7 @@ struct CutElement {
 
 class Salvage {
 public:
-  explicit Salvage(const Image &file) : image(file), version_2((file[0] & 0xffff) == VERSION_2) {}
+  explicit Salvage(const FileBytes &file) : image(file), version_2(file.version() == VERSION_2) {}
 
   std::optional<Salvaged> salvage();
 
@@ -258,7 +258,7 @@ private:
   void tellChanges(std::vector<Change> changes);
   Word headerWord(std::uint64_t at) const { return at + 4 <= image.size() ? image[at] : 0; }
 
-  const Image &image;
+  const FileBytes &image;
   bool version_2;
   std::uint64_t lists_begin = FILE_HEADER_BYTES; ///< in the cut file
   std::uint64_t whole_end = 0;                   ///< of the elements of the list that are whole
@@ -293,8 +293,8 @@ void Salvage::salvageHeader() {
   bytes.resize(FILE_HEADER_BYTES + static_cast<std::size_t>(filled));
   if (kept_user != 0)
     append(bytes, image, FILE_HEADER_BYTES + maker, FILE_HEADER_BYTES + maker + kept_user);
-  Image{bytes}.set(header_at::BLOCKS, static_cast<Word>(filled));
-  Image{bytes}.set(header_at::BLOCKS + 4, static_cast<Word>(kept_user));
+  FileBytes(bytes).set(header_at::BLOCKS, static_cast<Word>(filled));
+  FileBytes(bytes).set(header_at::BLOCKS + 4, static_cast<Word>(kept_user));
   copy(8, kept_maker == maker && filled == maker && kept_user == user ? 16 : 12, 8);
   if (image.size() < FILE_HEADER_BYTES)
     lose(LIST_NUM, {}, leftOf({FILE_HEADER_BYTES, image.size()}, "bytes"));
@@ -310,10 +310,10 @@ void Salvage::emptyList(std::size_t list) {
     const std::uint64_t begin = bytes.size();
     appendWords(bytes, {SCENE.tag, SCENE.fixed, SCENE.fixed, 0, NO_LINK, 0, 0, 0, 0, 0, 0});
     if (version_2) {
-      const Image written = {bytes};
+      const FileBytes written(bytes);
       Walk walk(written, bytes.size(), true);
       walk.over({&SCENE, begin});
-      Image{bytes}.set(begin + SCENE.blocks_at, static_cast<Word>(-walk.maker_spare));
+      FileBytes(bytes).set(begin + SCENE.blocks_at, static_cast<Word>(-walk.maker_spare));
       bytes.resize(bytes.size() + static_cast<std::size_t>(-walk.maker_spare));
     }
     return;
@@ -408,7 +408,7 @@ void Salvage::cutList(std::size_t list, std::uint64_t begin) {
   Bytes &bytes = made.bytes;
   const std::uint64_t head = bytes.size();
   append(bytes, image, begin, table);
-  const Image written = {bytes};
+  FileBytes written(bytes);
   written.set(head + 12, static_cast<Word>(first_left));
   if (layout.second != nullptr)
     written.set(head + 16, static_cast<Word>(second_left));
@@ -452,7 +452,7 @@ bool Salvage::salvageList(std::size_t list, std::uint64_t begin, std::uint64_t s
 }
 
 /// @return whether the records of a list of the salvaged file end within it. What was whole can be damaged, too.
-bool isSound(const Image &image, const Claim &span, bool version_2) {
+bool isSound(const FileBytes &image, const Claim &span, bool version_2) {
   const ListLayout &layout = LAYOUT[span.list];
   const auto goOver = [&](const Kind &kind, std::uint64_t &at, Word number) {
     if (at + kind.fixed > span.end || (kind.tag != 0 && !isElementTag(kind, image[at])))
@@ -483,7 +483,7 @@ bool isSound(const Image &image, const Claim &span, bool version_2) {
 /// Sets the links into what is gone to none.
 class LinkCutter : public Events {
 public:
-  LinkCutter(const Image &file, const Salvage &salvage, std::vector<Loss> &told)
+  LinkCutter(FileBytes &file, const Salvage &salvage, std::vector<Loss> &told)
       : image(file), left(salvage.left), cut(salvage.cut_element), losses(told) {}
 
   void startElement(const char *list, std::optional<Word> element) {
@@ -541,7 +541,7 @@ private:
         own[i] = cut.entries;
   }
 
-  const Image &image;
+  FileBytes &image;
   const std::array<Left, TO_NUM> &left;
   const CutElement &cut;
   std::vector<Loss> &losses;
@@ -551,7 +551,7 @@ private:
 };
 
 /// Walks over every record of the salvaged file.
-void cutLinks(const Image &image, const Salvage &salvage, bool version_2, std::vector<Loss> &losses) {
+void cutLinks(FileBytes &image, const Salvage &salvage, bool version_2, std::vector<Loss> &losses) {
   LinkCutter cutter(image, salvage, losses);
   for (std::size_t list = 0; list < LIST_NUM; ++list) {
     const Claim &span = salvage.spans[list];
@@ -610,7 +610,7 @@ std::optional<Salvaged> Salvage::salvage() {
       span.before = before;
       before = &span;
     }
-  const Image written = {made.bytes};
+  FileBytes written(made.bytes);
   for (const Claim &span : spans)
     if (span.end != 0 && !isSound(written, span, version_2))
       return std::nullopt;
@@ -624,7 +624,7 @@ std::optional<Salvaged> Salvage::salvage() {
 
 } // namespace
 
-std::optional<Salvaged> salvageFile(const Image &cut) {
+std::optional<Salvaged> salvageFile(const FileBytes &cut) {
   if (cut.size() < sizeof(Word))
     return std::nullopt;
   return Salvage(cut).salvage();

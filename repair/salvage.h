@@ -14,10 +14,10 @@ struct Salvaged {
 };
 
 /// @return the file; none where the lists do not stand where the header says, or where not even the version is left.
-std::optional<Salvaged> salvageFile(const Image &cut);
+std::optional<Salvaged> salvageFile(const FileBytes &cut);
 
 /// Fills up with zeros the maker blocks of a whole 2.0 file that are too short for what they hold.
 /// @return the file; none where there is no such block, or something else is wrong.
-std::optional<Salvaged> fillMakerBlocks(const Image &image);
+std::optional<Salvaged> fillMakerBlocks(const FileBytes &image);
 
 } // namespace kova::repair

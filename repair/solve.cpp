@@ -2,6 +2,7 @@
 #include "repair/reading.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace kova::repair {
 
@@ -26,25 +27,23 @@ struct Sites : Events {
 };
 
 /// @return whether a count or a size can have that value.
-bool isNumber(Word value) { return static_cast<Index>(value) >= 0; }
+bool isNumber(std::int64_t value) { return value >= 0 && value <= std::numeric_limits<Index>::max(); }
 
 } // namespace
 
-Walk Reader::measure(const Spot &spot, std::uint64_t &end, Events *events) const {
-  Walk walk(image, image.size(), version_2, events);
+/// Goes over a record as a part of the search for a wrong word.
+Walk Reader::measure(const FileBytes &file, const Spot &spot, std::uint64_t &end, Events *events) {
+  Walk walk(file, version_2, events, list_left.search_steps);
   end = walk.over(spot);
   return walk;
 }
 
 /// Proposes `value` for a word if the record then ends at `end`.
-void Reader::tryWord(const Spot &spot, std::uint64_t end, const Site &site, Word value, Proposals &proposals) const {
-  const Word old = image[site.offset];
-  if (value == old)
+void Reader::tryWord(const Spot &spot, std::uint64_t end, const Site &site, Word value, Proposals &proposals) {
+  if (value == image[site.offset])
     return;
-  image.set(site.offset, value);
   std::uint64_t ends_at = 0;
-  const Walk walk = measure(spot, ends_at);
-  image.set(site.offset, old);
+  const Walk walk = measure(image.with(site.offset, value), spot, ends_at);
   if (walk.broken || ends_at != end)
     return;
   proposals.push_back({1 + walk.faults, walk.doubts, true, site, value});
@@ -54,7 +53,7 @@ void Reader::tryWord(const Spot &spot, std::uint64_t end, const Site &site, Word
 void Reader::solveCounts(const Spot &spot, std::uint64_t end, Proposals &proposals) {
   Sites found;
   std::uint64_t ends_at = 0;
-  const Walk walk = measure(spot, ends_at, &found);
+  const Walk walk = measure(image, spot, ends_at, &found);
   const auto lacking = static_cast<std::int64_t>(end - ends_at);
   // Where the blocks are, too, may be wrong if their sizes do not tell where the record ends.
   const bool blocks_tell =
@@ -86,10 +85,10 @@ void Reader::solveCounts(const Spot &spot, std::uint64_t end, Proposals &proposa
 
 /// Proposes the value with which the record is longer by so many bytes.
 void Reader::growSite(const Spot &spot, std::uint64_t end, const Site &site, std::int64_t from, std::int64_t bytes,
-                      Proposals &proposals) const {
-  const auto value = static_cast<Word>(from + bytes / site.unit);
+                      Proposals &proposals) {
+  const std::int64_t value = from + bytes / site.unit;
   if (bytes % site.unit == 0 && isNumber(value))
-    tryWord(spot, end, site, value, proposals);
+    tryWord(spot, end, site, static_cast<Word>(value), proposals);
 }
 
 /// Proposes numbers of records, which may be of unequal length: as many as stand in a row; or, where a table with an
@@ -109,15 +108,16 @@ void Reader::solveRecords(const Spot &spot, std::uint64_t end, const Site &site,
 void Reader::searchValue(const Spot &spot, std::uint64_t end, const Site &site, Proposals &proposals) {
   const std::uint64_t length = end - spot.begin;
   const std::uint64_t most = length / static_cast<std::uint64_t>(site.unit);
-  if (!mayScan(length * most))
+  // As many records as this one could have inside are gone over each time.
+  if (most * (1 + length / SMALLEST_INSIDE) > list_left.search_steps / 2)
     return;
   for (Word value = 0; value <= most; ++value)
     tryWord(spot, end, site, value, proposals);
 }
 
 /// @return how many records that raise no doubt stand in a row.
-Word Reader::recordsInARow(Spot spot, std::uint64_t end) const {
-  Walk walk(image, end, version_2);
+Word Reader::recordsInARow(Spot spot, std::uint64_t end) {
+  Walk walk(image, version_2, nullptr, list_left.search_steps);
   while (spot.begin + spot.kind->fixed <= end) {
     spot.begin = walk.over(spot, 1);
     if (walk.doubts != 0 || walk.broken || spot.begin > end)
@@ -134,7 +134,7 @@ void Reader::solveInside(const Spot &spot, std::uint64_t end, const Spot &inner,
   if (inner.kind == nullptr)
     return;
   std::uint64_t inner_end = 0;
-  measure(inner, inner_end);
+  measure(image, inner, inner_end);
   std::uint64_t ends[] = {inner_end + static_cast<std::uint64_t>(lacking), 0, 0};
   if (inner.kind->size_at != NO_WORD)
     ends[1] = inner.begin + image[inner.begin + inner.kind->size_at];
@@ -152,7 +152,7 @@ void Reader::solveInside(const Spot &spot, std::uint64_t end, const Spot &inner,
 Reader::Proposals Reader::solve(const Spot &spot, std::uint64_t end) {
   Proposals proposals;
   std::uint64_t ends_at = 0;
-  const Walk walk = measure(spot, ends_at);
+  const Walk walk = measure(image, spot, ends_at);
   if (!walk.broken && ends_at == end)
     proposals.push_back({walk.faults * cost::FAULT, walk.doubts, false, {}, 0});
   if (proposals.empty() || walk.faults != 0)
@@ -162,6 +162,8 @@ Reader::Proposals Reader::solve(const Spot &spot, std::uint64_t end) {
     for (const Spot &inner : {walk.suspect, walk.before})
       solveInside(spot, end, inner, lacking, proposals);
   }
+  if (list_left.search_steps == 0) // there may be others that are as good
+    proposals.clear();
   keepBest(proposals);
   return proposals;
 }

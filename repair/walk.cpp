@@ -2,8 +2,10 @@
 
 namespace kova::repair {
 
+bool Walk::isInMakerBlock(std::uint64_t offset) const { return maker_end == 0 || offset + sizeof(Word) <= maker_end; }
+
 Word Walk::wordAt(std::uint64_t offset) {
-  if (maker_end != 0 && offset + sizeof(Word) > maker_end)
+  if (!isInMakerBlock(offset))
     return 0; // as the library decodes a block that is too short
   if (offset + sizeof(Word) > limit) {
     broken = true;
@@ -20,7 +22,7 @@ Word Walk::next() {
 
 void Walk::takeSite(std::uint64_t offset, const char *field, Word value, std::int32_t unit, const Kind *records,
                     bool block) {
-  if (events != nullptr && !broken)
+  if (events != nullptr && !broken && isInMakerBlock(offset))
     events->site({offset, field, value, unit, records, block, maker_end != 0});
 }
 
@@ -119,12 +121,18 @@ std::uint64_t Walk::over(const Spot &spot, int depth) {
   base = spot.begin;
   kind_ = &kind;
   position = base + kind.fixed;
-  if (position > limit)
+  if (position > limit || (steps != nullptr && *steps == 0)) {
     broken = true;
+    return position;
+  }
+  if (steps != nullptr)
+    --*steps;
   if (events != nullptr)
     events->enter(spot, depth);
   if (kind.content != nullptr)
     kind.content(*this);
+  if (position < base + kind.fixed) // sizes that lead backwards
+    broken = true;
   if (depth > 0) {
     const bool own_tag = kind.tag == 0 || word(0) == kind.tag;
     const bool own_number = kind.index_at == NO_WORD || word(kind.index_at) == spot.number;

@@ -1,8 +1,8 @@
 /// Files with which nothing can be done, or that were made to do harm: no crash, no hang, nothing untold.
 
 #include "harness/bytes.h"
+#include "repair/tests/damage.h"
 #include "repair/tests/mending.h"
-#include "samples/builder.h"
 #include "tests/allocations.h"
 
 #include <algorithm>
@@ -34,7 +34,44 @@ TEST(Hostile, AnyDamageIsStood) {
         setWordAt(file, at / 4 * 4, wordAt(file, random() % (file.size() - 3)));
     }
     EXPECT_EQ(auditMending(file), "") << "seed " << seed;
+    EXPECT_EQ(auditMending(damagedFile(seed)), "") << "structure, seed " << seed;
   }
+}
+
+/// The notation of a file in which nothing stands behind the list.
+std::string lastList(const std::string &list, const std::string &content) {
+  std::string text = list + content;
+  bool behind = false;
+  for (const ListRow &row : std::span(LISTS).first(VERSION_1_LIST_NUM)) {
+    if (behind)
+      text += std::string(" ") + row.name + " absent=1";
+    behind |= row.name == list;
+  }
+  return text;
+}
+
+/// Maker blocks that end with the file, at every word, with counts that promise more than any file has.
+TEST(Hostile, NothingIsReadBehindMakerBlocks) {
+  struct {
+    const char *list, *record, *more;
+    std::size_t block; ///< bytes, without arrays
+  } const rows[] = {{"SceneList", "", "", 20},       {"CamList", "Cam", "", 24},
+                    {"ObjList", "Obj", "", 28},      {"ShapeList", "Shape", "", 12},
+                    {"MatList", "Mat", "", 104},     {"TexList", "Tex", "{ TexStill }", 20},
+                    {"TeximgList", "Teximg", "", 4}, {"AnimList", "AnimGroup", "", 148}};
+  for (const auto &[list, record, more, block] : rows)
+    for (std::size_t bytes = 0; bytes <= block; bytes += 4) {
+      const std::string maker = " V=" + std::to_string(bytes) + ' ' + more;
+      const std::string content = *record == '\0' ? maker : std::string(" { ") + record + maker + " }";
+      const samples::File file = samples::build(VERSION_2, lastList(list, content));
+      for (std::size_t at = file.bytes.size() - std::min<std::size_t>(bytes, 12); at <= file.bytes.size(); at += 4)
+        for (const Word value : {1U, 0x10000001U, 0x20000001U, 0x40000001U, 0x7fffffffU, 0x80000000U, ~0U}) {
+          Bytes damaged = file.bytes;
+          if (at < damaged.size())
+            setWordAt(damaged, at, value);
+          EXPECT_EQ(auditMending(damaged), "") << list << ' ' << bytes << ' ' << at << ' ' << value;
+        }
+    }
 }
 
 /// A file of one word, over and over, behind a header that promises all of it to one list.

@@ -1,0 +1,94 @@
+/// What mending costs at worst: files made so that as much as possible has to be tried.
+
+#include "repair/mend.h"
+#include "repair/tests/damage.h"
+
+#include <ctime>
+#include <gtest/gtest.h>
+
+namespace kova::repair {
+
+namespace {
+
+using harness::Bytes;
+using harness::setWordAt;
+using harness::wordAt;
+
+double secondsOf(Bytes bytes) {
+  const std::clock_t begin = std::clock();
+  mend(bytes, true);
+  return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+}
+
+/// A list and its elements, which have counts.
+struct Row {
+  Word version;
+  const char *list, *kind, *element;
+};
+constexpr Row ROWS[] = {
+    {VERSION_1, "TriList", "TriGroup", "tri_anim_type=0x222222 keys=2 { Tri }"},
+    {VERSION_1, "TriList", "TriGroup", "tri_anim_type=0x111111 tri_anim_frame_num=2 { Tri }"},
+    {VERSION_1, "LightList", "Light", "{ DirLight0*2 }"},
+    {VERSION_1, "AnimList", "AnimGroup", "{ AnimStep*2 }"},
+    {VERSION_1, "AnimList", "AnimGroup", "type=4 { AnimNode*2 }"},
+    {VERSION_1, "CollList", "CollGroup", "{ Coll coll_type=0x20 { Point } }"},
+    {VERSION_1, "ObjList", "Obj", "obj_lod_num=2 obj_child_num=2"},
+    {VERSION_1, "VtxList", "VtxGroup", "vtx_num=2"},
+    {VERSION_2, "AnimList", "AnimGroup", "{ AnimStep AnimGroupExt rotate_x_num=2 translation_num=1 }"},
+    {VERSION_2, "MatList", "Mat", "tex_num=1 { MatExt external_tex_num=2 prim_color_anim_num=1 }"},
+    {VERSION_2, "TexList", "Tex", "tex_anim=1 { TexTiles tex_tile_scale_num=2 tex_tile_offset_num=1 TexExt }"},
+    {VERSION_2, "EnvelopeList", "Envelope", "{ FullWeightedPart WeightedPart*2 MorphPart EnvelopeTri }"},
+    {VERSION_2, "ClusterList", "ClusterShape", "{ Cluster*2 ClusterTri*2 }"},
+    {VERSION_2, "JointList", "Joint", "obj_num=2 external_obj_num=1"},
+};
+constexpr std::size_t BULK = 1 << 20;
+
+/// What stands behind the elements is zero, and so is most in them: a walk in the wrong place goes far.
+samples::File fileOf(const Row &row) {
+  std::string text = row.list + std::string(" U=") + std::to_string(BULK) + " {";
+  for (int i = 0; i < 70; ++i)
+    text += std::string(" ") + row.kind + ' ' + row.element;
+  samples::File file = samples::build(row.version, text + " }");
+  for (const samples::NamedWord &word : file.words)
+    if (!isStructure(word) && !word.kind.starts_with("FileHeader"))
+      setWordAt(file.bytes, word.offset, 0);
+  return file;
+}
+
+/// The counts of the elements, by name.
+std::map<std::string, std::vector<std::size_t>> countsOf(const samples::File &file, const Row &row) {
+  std::map<std::string, std::vector<std::size_t>> counts;
+  for (const samples::NamedWord &word : file.words) {
+    const bool is_count = word.field.ends_with("_num") || word.field.ends_with("_blk_size");
+    const bool is_inside = word.kind == row.kind || word.kind == row.kind + std::string("Ext") ||
+                           word.kind == "TexTiles" || word.kind == "WeightedPart";
+    if (is_count && is_inside)
+      counts[word.field].push_back(word.offset);
+  }
+  for (const auto &[name, places] : std::map(counts))
+    counts["all"].insert(counts["all"].end(), places.begin(), places.end());
+  return counts;
+}
+
+/// One kind of count of all elements, or all of them, reaches to the end of the file or beyond it.
+TEST(Bounds, TimeOfMending) {
+  double worst = 0;
+  for (const Row &row : ROWS) {
+    const samples::File file = fileOf(row);
+    const double megabytes = static_cast<double>(file.bytes.size()) / (1 << 20);
+    for (const auto &[name, places] : countsOf(file, row))
+      for (const std::size_t unit : {4, 20, 76, 84, 0}) {
+        Bytes damaged = file.bytes;
+        for (const std::size_t at : places)
+          setWordAt(damaged, at, unit != 0 ? static_cast<Word>((damaged.size() - at) / unit - 8) : 0x7fffffff);
+        const double seconds = secondsOf(damaged);
+        worst = std::max(worst, seconds / megabytes);
+        EXPECT_LE(seconds, 0.1 + 0.5 * megabytes) << row.list << ' ' << row.element << ' ' << name << ' ' << unit;
+      }
+  }
+  std::printf("time of mending: up to %.2f s a megabyte\n", worst);
+}
+
+} // namespace
+
+} // namespace kova::repair

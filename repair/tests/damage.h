@@ -1,0 +1,23 @@
+/// Damage by structure: what a scene file is like when programs, disks and people have been at its words.
+#pragma once
+
+#include "samples/builder.h"
+
+#include <random>
+
+namespace kova::repair {
+
+/// @return whether the lengths or the order of things depend on the word.
+bool isStructure(const samples::NamedWord &word);
+
+/// Files with every list and every form of every record, and small ones, in which nothing is wrong.
+const std::vector<samples::File> &madeFiles();
+
+/// Cuts a file at a place, and makes all sizes around that place and of the file agree that it ends there.
+void endAt(samples::File &file, std::size_t place);
+
+/// One of the made files: counts, sizes, tags and indices set to other values; cut, often inside a maker block, and
+/// often so that its sizes agree with that. The same file for the same number.
+harness::Bytes damagedFile(std::uint32_t seed);
+
+} // namespace kova::repair
