@@ -16,7 +16,7 @@ using harness::wordAt;
 
 double secondsOf(Bytes bytes) {
   const std::clock_t begin = std::clock();
-  mend(bytes, true);
+  mend(bytes, {.salvage = true});
   return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
 }
 

@@ -63,7 +63,8 @@ std::map<std::string, std::uint64_t> deadLinks(const Bytes &file) {
   std::map<std::string, std::uint64_t> links;
   for (const auto &[id, count] : record.counts) {
     const std::string name = id;
-    if (!name.starts_with("float") && !name.starts_with("object") && !name.starts_with("key"))
+    const bool of_triangle = name.find("-index") != name.npos; // kept when the group is gone that it is about
+    if (!name.starts_with("float") && !name.starts_with("object") && !name.starts_with("key") && !of_triangle)
       links[name] = count;
   }
   return links;
