@@ -6,10 +6,35 @@ set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/kova")
 set(pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 set(doc_dir "${CMAKE_INSTALL_DATAROOTDIR}/doc")
 
-# Puts a document with the links that lead to other documents of the list. Others, to what is in another package or
-# only among the sources, become text with the name of the file.
-function(kova_cut_links document to)
+# What a document says to those who have the sources goes, what it says to those who have installed the programs stays,
+# and so do its examples, with the names of the programs.
+function(kova_as_installed text)
+  set(rest "${${text}}")
+  set(kept "")
+  string(FIND "${rest}" "<!-- sources -->\n" begin)
+  while(begin GREATER_EQUAL 0)
+    string(FIND "${rest}" "<!-- end -->\n" end)
+    math(EXPR behind "${end} + 13")
+    string(SUBSTRING "${rest}" 0 ${begin} before)
+    string(SUBSTRING "${rest}" ${behind} -1 rest)
+    string(APPEND kept "${before}")
+    string(FIND "${rest}" "<!-- sources -->\n" begin)
+  endwhile()
+  string(APPEND kept "${rest}")
+  string(REGEX REPLACE "<!-- installed:\n([^>]*)\n-->\n" "\\1\n" kept "${kept}")
+  string(REGEX REPLACE "building kb[a-z]+ \\.\\.\\. [0-9]+ s\n" "" kept "${kept}")
+  foreach(names IN ITEMS run:kbaudit survey:kbsurvey repair:kbrepair)
+    string(REGEX MATCH "(.*):(.*)" names "${names}")
+    string(REPLACE "scripts/${CMAKE_MATCH_1}" "${CMAKE_MATCH_2}" kept "${kept}")
+  endforeach()
+  set(${text} "${kept}" PARENT_SCOPE)
+endfunction()
+
+# Puts a document as it is installed, with the links that lead to other documents of the list. Others, to what is in
+# another package or only among the sources, become text with the name of the file.
+function(kova_install_form document to)
   file(READ "${PROJECT_SOURCE_DIR}/${document}" rest)
+  kova_as_installed(rest)
   cmake_path(GET document PARENT_PATH folder)
   set(text "")
   while("${rest}" MATCHES "\\[([^][]*)\\]\\(([^()#: ]+)(#[^()]*)?\\)")
@@ -43,7 +68,7 @@ function(kova_install_documents program component)
     set(file "${PROJECT_SOURCE_DIR}/${document}")
     if(document MATCHES "\\.md$")
       set(file "${PROJECT_BINARY_DIR}/documents/${program}/${document}")
-      kova_cut_links("${document}" "${file}" ${ARGN})
+      kova_install_form("${document}" "${file}" ${ARGN})
     endif()
     install(FILES "${file}" DESTINATION "${doc_dir}/${program}/${folder}" COMPONENT ${component})
   endforeach()
@@ -57,7 +82,7 @@ set(completions_dir "${CMAKE_INSTALL_DATADIR}/bash-completion/completions")
 install(FILES driver/completion.bash DESTINATION "${completions_dir}" RENAME kbaudit COMPONENT program)
 kova_install_documents(
   kbaudit program README.md CHANGELOG.md SECURITY.md docs/findings.md docs/format.md docs/kbsurvey.png
-  docs/performance.md docs/recipes.md docs/robustness.md)
+  docs/performance.md docs/recipes.md docs/robustness.md docs/tour.md)
 install(DIRECTORY samples/ DESTINATION "${CMAKE_INSTALL_DATADIR}/kova/samples" COMPONENT program
         FILES_MATCHING PATTERN "*.kb")
 

@@ -113,14 +113,14 @@ apt_install() {
 # install_missing ITEM...
 install_missing() {
   local packages
-  packages=$(missing "$@" | xargs)
-  [ -n "$packages" ] || return 0
+  mapfile -t packages < <(missing "$@")
+  [ ${#packages[@]} -gt 0 ] || return 0
   if ! may_install; then
-    printf '%s\n' "missing here: $packages" "This installs all that the scripts need, on Debian 12:" "" "  $(install_line)" "" >&2
+    printf '%s\n' "missing here: ${packages[*]}" "This installs all that the scripts need, on Debian 12:" "" \
+      "  $(install_line)" "" >&2
     return 1
   fi
-  # shellcheck disable=SC2086 # a package each
-  timed "installing $packages" apt_install $packages
+  timed "installing ${packages[*]}" apt_install "${packages[@]}"
 }
 
 # build PRESET [OPTION...]: configures and builds a preset; the options go to the build.

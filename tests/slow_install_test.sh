@@ -43,7 +43,7 @@ $(cd "$SOURCE_DIR" && printf "%s\n" include/kova/*.h)
 $(printf 'lib/%s\n' libkova.{a,so,"so.${version%%.*}","so.$version"} pkgconfig/kova.pc \
   cmake/kova/kova{Config,ConfigVersion,Targets,Targets-release}.cmake)
 $(printf 'share/doc/%s\n' {kbaudit,"libkova${version%%.*}",libkova-dev}/copyright kbaudit/{README,CHANGELOG,SECURITY}.md \
-  kbaudit/docs/{findings,format,performance,recipes,robustness}.md kbaudit/docs/kbsurvey.png \
+  kbaudit/docs/{findings,format,performance,recipes,robustness,tour}.md kbaudit/docs/kbsurvey.png \
   libkova-dev/examples/{CMakeLists.txt,findings.cpp,names.cpp,verdict.cpp})
 share/man/man1/kbaudit.1$packed
 share/bash-completion/completions/kbaudit
@@ -67,6 +67,8 @@ find "$installed/share/doc" -name '*.md' -print0 | while IFS= read -r -d '' docu
   done
 done
 [ "$(wc -l <"$scratch/links")" -ge 10 ] || fail "the documents have no links to one another"
+! grep -rn 'scripts/\|<!-- \(sources\|end\|installed\)' "$installed"/share/doc/*/ --include='*.md' ||
+  fail "the documents tell of scripts, which are not installed"
 
 if [ "$(cached KOVA_SURVEY)" = ON ]; then
   run 1 "installed kbsurvey" "$installed/bin/kbsurvey" "$samples/town.kb" "$samples/damaged.kb"
