@@ -233,13 +233,45 @@ std::string tellUtf8(const Undoing &way) {
   return "bytes from 80 to ff taken for text and written as UTF-8: " + std::to_string(way.count) + " turned back";
 }
 
+// --- A block that is there twice ------------------------------------------------------------------------------------
+
+/// Fewer bytes can be equal by chance.
+constexpr std::uint64_t LEAST_DOUBLED = 16;
+/// More places at which so many bytes are repeated are not looked at.
+constexpr std::size_t MOST_DOUBLED = 8;
+
+/// The file is too long by what stands twice in it, one behind the other.
+void findDoubled(BytesView file, const HeaderFacts &facts, std::vector<Undoing> &ways) {
+  if (!facts.isHeader() || facts.sum != facts.stated || file.size() < facts.sum + LEAST_DOUBLED)
+    return;
+  const std::uint64_t length = file.size() - facts.sum;
+  std::uint64_t equal = 0; // bytes in a row that stand `length` bytes further, too
+  for (std::size_t i = 0; i + length < file.size() && ways.size() < MOST_DOUBLED; ++i) {
+    equal = file[i] == file[i + static_cast<std::size_t>(length)] ? equal + 1 : 0;
+    if (equal == length) // whichever of those in the row is taken out, the rest is the same
+      ways.push_back({.at = i + 1 - length, .count = length});
+  }
+}
+
+Bytes takeOut(BytesView file, const Undoing &way) {
+  Bytes bytes = part(file, 0, way.at);
+  const BytesView rest = file.subspan(static_cast<std::size_t>(way.at + way.count));
+  bytes.insert(bytes.end(), rest.begin(), rest.end());
+  return bytes;
+}
+
+std::string tellDoubled(const Undoing &way) {
+  return "a block of " + counted(way.count, "byte", "bytes") + " stood twice, one behind the other: taken out once";
+}
+
 // --- All of them ----------------------------------------------------------------------------------------------------
 
 /// The cheapest first.
 constexpr Transformation TRANSFORMATIONS[] = {
-    {"version", findVersion, setVersion, tellVersion},      {"byte-order", findOrder, putInOrder, tellOrder},
-    {"behind", findBehind, leaveOutBehind, tellBehind},     {"front", findFront, leaveOutFront, tellFront},
-    {"line-ends", findLineEnds, takeReturns, tellLineEnds}, {"utf-8", findUtf8, decodeUtf8, tellUtf8},
+    {"version", findVersion, setVersion, tellVersion}, {"byte-order", findOrder, putInOrder, tellOrder},
+    {"doubled", findDoubled, takeOut, tellDoubled},    {"behind", findBehind, leaveOutBehind, tellBehind},
+    {"front", findFront, leaveOutFront, tellFront},    {"line-ends", findLineEnds, takeReturns, tellLineEnds},
+    {"utf-8", findUtf8, decodeUtf8, tellUtf8},
 };
 
 /// A search for what a file was before.

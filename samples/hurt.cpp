@@ -202,7 +202,7 @@ constexpr DamageKind KINDS[] = {
     {"around", Remedy::undone, aroundIt},
     {"version-zero", Remedy::undone, version<zero>},
     {"version-any", Remedy::undone, version<any>},
-    {"block-doubled", Remedy::told, blockDoubled},
+    {"block-doubled", Remedy::undone, blockDoubled},
     {"blocks-swapped", Remedy::told, blocksSwapped},
     {"padded-cut", Remedy::salvaged, paddedCut},
     {"zero-block", Remedy::salvaged, zeroBlock},
