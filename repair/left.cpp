@@ -1,0 +1,206 @@
+#include "repair/left.h"
+
+#include <algorithm>
+
+namespace kova::repair {
+
+std::string leftOf(const Left &left, const char *what) {
+  if (left.before == UNKNOWN)
+    return std::to_string(left.now) + ' ' + what + " are left";
+  return std::to_string(left.now) + " of " + std::to_string(left.before) + ' ' + what + " are left";
+}
+
+void append(Bytes &bytes, const FileBytes &image, std::uint64_t begin, std::uint64_t end) {
+  const std::span<const unsigned char> part = image.between(begin, end);
+  bytes.insert(bytes.end(), part.begin(), part.end());
+}
+
+void appendWords(Bytes &bytes, std::initializer_list<Word> words) {
+  for (const Word word : words) {
+    bytes.resize(bytes.size() + sizeof word);
+    FileBytes(bytes).set(bytes.size() - sizeof word, word);
+  }
+}
+
+namespace {
+
+/// A table or a row of records of a record.
+struct Piece {
+  std::uint64_t begin;
+  std::uint64_t number;
+  std::uint64_t bytes; ///< of one entry; 0: records
+  std::uint64_t count_at;
+  std::vector<std::uint64_t> ends = {}; ///< of the records
+};
+
+/// Takes down the pieces of a record.
+struct Pieces : Events {
+  std::vector<Piece> pieces;
+  std::vector<Site> sites;
+  int depth_now = 0;
+
+  bool wantsBroken() const override { return true; }
+  void enter(const Spot &, int) override { ++depth_now; }
+  void leave(const Spot &, std::uint64_t end, int) override {
+    if (--depth_now == 1)
+      pieces.back().ends.push_back(end);
+  }
+  void site(const Site &site) override {
+    if (depth_now == 1)
+      sites.push_back(site);
+  }
+  void table(std::uint64_t begin, std::uint64_t entries, std::span<const Column> columns,
+             std::uint64_t count_at) override {
+    std::uint64_t bytes = 0;
+    for (const Column &column : columns)
+      bytes += column.bytes;
+    if (depth_now == 1)
+      pieces.push_back({begin, entries, bytes, count_at});
+  }
+  void series(const Spot &first, Word number) override {
+    const auto counts = [&](const Site &site) { return site.records == first.kind; };
+    const auto site = std::find_if(sites.begin(), sites.end(), counts);
+    if (depth_now == 1)
+      pieces.push_back({first.begin, number, 0, site != sites.end() ? site->offset : 0});
+  }
+};
+
+/// Keeps what is left of a record.
+class Cutter {
+public:
+  Cutter(const FileBytes &file, const Kind &kind_of_record, std::uint64_t begins_at, Word number, bool is_version_2)
+      : image(file), kind(kind_of_record), begin(begins_at), version_2(is_version_2) {
+    if (begin + kind.fixed > image.size() || (kind.tag != 0 && !isElementTag(kind, image[begin])))
+      return;
+    Walk walk(image, image.size(), false, &found);
+    const std::uint64_t end = walk.over({&kind, begin, number});
+    if (!found.pieces.empty() && found.pieces.front().begin < begin + kind.fixed)
+      return; // a header size that puts them upon the fixed words
+    cut.kept = keepPieces(end) && keepBlocks() && isWhole();
+  }
+
+  CutRecord cut = {};
+
+private:
+  bool keepPieces(std::uint64_t end);
+  bool keepPiece(Piece &piece);
+  bool keepBlocks();
+  bool isWhole();
+
+  const FileBytes &image;
+  const Kind &kind;
+  std::uint64_t begin;
+  bool version_2;
+  Pieces found;
+  Bytes &bytes = cut.bytes;
+  std::string &told = cut.told;
+  bool cut_before_blocks = false;
+  Word maker = 0; ///< sizes of the blocks
+  Word user = 0;
+};
+
+/// Keeps the pieces as far as they are whole. @return false where what is left is no record.
+bool Cutter::keepPieces(std::uint64_t end) {
+  const bool has_blocks = kind.blocks_at != NO_WORD;
+  maker = has_blocks ? image[begin + kind.blocks_at] & ~Word{3} : 0;
+  user = has_blocks ? image[begin + kind.blocks_at + 4] & ~Word{3} : 0;
+  append(bytes, image, begin, begin + kind.fixed);
+  for (Piece &piece : found.pieces)
+    if (!keepPiece(piece))
+      return false;
+  const std::uint64_t content_end = end - maker - user;
+  if (!cut_before_blocks && content_end >= begin + kind.fixed &&
+      content_end <= image.size()) { // also what is no piece, as the size of an image
+    bytes.clear();
+    append(bytes, image, begin, content_end);
+    return true;
+  }
+  return cut_before_blocks;
+}
+
+bool Cutter::keepPiece(Piece &piece) {
+  std::uint64_t keep = 0;
+  std::uint64_t keep_end = piece.begin;
+  if (!cut_before_blocks) {
+    if (piece.begin > image.size()) // something before it that is no piece is cut
+      return false;
+    keep = std::min(piece.number, piece.bytes != 0 ? (image.size() - piece.begin) / piece.bytes : piece.number);
+    keep_end += keep * piece.bytes;
+    if (piece.bytes == 0) {
+      const auto first_cut = std::upper_bound(piece.ends.begin(), piece.ends.end(), image.size());
+      keep = static_cast<std::uint64_t>(first_cut - piece.ends.begin());
+      keep_end = keep != 0 ? piece.ends[keep - 1] : piece.begin;
+    }
+  }
+  if (keep == piece.number && !cut_before_blocks)
+    return true;
+  if (!cut_before_blocks) {
+    bytes.clear();
+    append(bytes, image, begin, std::min(keep_end, image.size()));
+  }
+  cut_before_blocks = true;
+  if (piece.number == 0)
+    return true;
+  // A count that is not that of this piece alone cannot be cut.
+  const auto others = std::count_if(found.pieces.begin(), found.pieces.end(),
+                                    [&](const Piece &other) { return other.count_at == piece.count_at; });
+  if (piece.count_at < begin || others != 1)
+    return false;
+  FileBytes(bytes).set(piece.count_at - begin, static_cast<Word>(keep));
+  if (piece.bytes != 0 && cut.entries.before == 0)
+    cut.entries = {piece.number, keep};
+  if (!told.empty())
+    told += ", ";
+  told += leftOf({piece.number, keep}, piece.bytes != 0 ? "entries" : "records");
+  return true;
+}
+
+/// Keeps the words of the blocks that are there. The maker block of a 2.0 record has to be as long as what it says.
+bool Cutter::keepBlocks() {
+  if (kind.blocks_at == NO_WORD)
+    return true;
+  const std::uint64_t blocks = begin + bytes.size();
+  const std::uint64_t there = cut_before_blocks ? 0 : image.size() - blocks;
+  const auto kept_maker = static_cast<Word>(std::min<std::uint64_t>(maker, there) & ~std::uint64_t{3});
+  const auto kept_user =
+      static_cast<Word>(std::min<std::uint64_t>(user, there > maker ? there - maker : 0) & ~std::uint64_t{3});
+  FileBytes(bytes).set(kind.blocks_at, kept_maker);
+  FileBytes(bytes).set(Word{kind.blocks_at} + 4, 0);
+  append(bytes, image, blocks, blocks + kept_maker);
+  FileBytes made(bytes);
+  made.set(kind.size_at, static_cast<Word>(bytes.size())); // the size of an image follows from it
+  Walk walk(made, bytes.size(), version_2);
+  walk.over({&kind, 0});
+  const std::uint64_t lacking = walk.maker_spare < 0 ? static_cast<std::uint64_t>(-walk.maker_spare) : 0;
+  if (lacking > image.size())
+    return false;
+  bytes.resize(bytes.size() + static_cast<std::size_t>(lacking));
+  FileBytes(bytes).set(kind.blocks_at, kept_maker + static_cast<Word>(lacking));
+  FileBytes(bytes).set(Word{kind.blocks_at} + 4, kept_user);
+  if (kept_user != 0)
+    append(bytes, image, blocks + maker, blocks + maker + kept_user);
+  FileBytes(bytes).set(kind.size_at, static_cast<Word>(bytes.size()));
+  const auto tell = [&](const std::string &what) { told += (told.empty() ? "" : ", ") + what; };
+  if (lacking != 0)
+    tell("the maker block is filled up with " + std::to_string(lacking) + " bytes of zeros");
+  if (kept_maker < maker && lacking == 0)
+    tell(leftOf({maker, kept_maker}, "bytes of the maker block"));
+  if (kept_user < user)
+    tell(leftOf({user, kept_user}, "bytes of the user block"));
+  return true;
+}
+
+/// @return whether what is left is a record: counts that stand between the tables of some can be cut off.
+bool Cutter::isWhole() {
+  const FileBytes made(bytes);
+  Walk walk(made, bytes.size(), version_2);
+  return walk.over({&kind, 0}) == bytes.size() && !walk.broken;
+}
+
+} // namespace
+
+CutRecord cutRecord(const FileBytes &image, const Kind &kind, std::uint64_t begin, Word number, bool version_2) {
+  return Cutter(image, kind, begin, number, version_2).cut;
+}
+
+} // namespace kova::repair

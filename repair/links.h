@@ -1,0 +1,34 @@
+/// Links into what a salvage has taken out of a file.
+#pragma once
+
+#include "repair/left.h"
+#include "repair/mend.h"
+#include "repair/reading.h"
+
+namespace kova::repair {
+
+/// Where the lists of a file are; those that are not there end at 0.
+using Spans = std::array<Claim, LIST_NUM>;
+
+/// An element that is there in part, and how much its table held.
+struct CutElement {
+  To to = To::nothing;
+  Word number = 0;
+  Left entries = {};
+};
+
+/// What is gone, or in part.
+struct Gone {
+  std::array<Left, TO_NUM> left = {}; ///< by what links lead to
+  std::vector<CutElement> cut = {};
+
+  Left &operator[](To to) { return left[static_cast<std::size_t>(to)]; }
+};
+
+/// @return what a link leads to that leads to elements of that kind.
+To toKind(std::size_t list, bool second);
+
+/// Sets the links into what is gone to none, and tells of them.
+void cutLinks(FileBytes &image, const Spans &spans, Gone gone, std::vector<Loss> &losses);
+
+} // namespace kova::repair
