@@ -77,6 +77,7 @@ struct Column {
   bool counts = true; ///< whether the audit takes it into account in the size of a maker block
 };
 
+class Conventions;
 class Walk;
 struct Kind;
 
@@ -143,8 +144,10 @@ public:
   Walk(const FileBytes &walked, std::uint64_t end_of_bytes, bool is_version_2, Events *follower = nullptr)
       : image(walked), limit(end_of_bytes), version_2(is_version_2), events(follower) {}
   /// The same over no more records than `steps_left` says, which counts down.
-  Walk(const FileBytes &walked, bool is_version_2, Events *follower, std::uint64_t &steps_left)
-      : image(walked), limit(walked.size()), version_2(is_version_2), events(follower), steps(&steps_left) {}
+  Walk(const FileBytes &walked, bool is_version_2, Events *follower, std::uint64_t &steps_left,
+       const Conventions *known = nullptr)
+      : image(walked), limit(walked.size()), version_2(is_version_2), events(follower), steps(&steps_left),
+        conventions(known) {}
 
   /// @return the end of the record.
   std::uint64_t over(const Spot &spot, int depth = 0);
@@ -175,8 +178,11 @@ public:
     table(count(at, count_name, entry.bytes), {entry}, base + at);
   }
   void records(Word number, const Kind &kind);
-  /// Bytes that are not looked at.
-  void pass(std::int64_t bytes) { position += static_cast<std::uint64_t>(bytes); }
+  /// Bytes that are not looked at. A negative number comes from sizes that are wrong.
+  void pass(std::int64_t bytes) {
+    position += static_cast<std::uint64_t>(bytes);
+    went_back |= bytes < 0;
+  }
   /// Both blocks of the record.
   void blocks();
   /// The same of a record that has the sizes of its blocks in the record around it, `at` bytes from its begin.
@@ -187,6 +193,7 @@ public:
   void fault() { ++faults; }
 
 private:
+  bool isOdd(const Spot &spot);
   bool isInMakerBlock(std::uint64_t offset) const;
   Word wordAt(std::uint64_t offset);
   void takeSite(std::uint64_t offset, const char *field, Word value, std::int32_t unit, const Kind *records,
@@ -199,10 +206,12 @@ private:
   bool version_2;
   Events *events;
   std::uint64_t *steps = nullptr;
+  const Conventions *conventions = nullptr;
   const Kind *kind_ = nullptr;
   std::uint64_t base = 0;  ///< of the record, or of the maker block that is looked at
   std::uint64_t outer = 0; ///< of what is around that
   std::uint64_t position = 0;
+  bool went_back = false;
   std::uint64_t maker_end = 0;         ///< of the maker block that is looked at; 0: none is
   std::uint64_t maker_not_counted = 0; ///< bytes of it that the audit leaves out
 };

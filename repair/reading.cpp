@@ -111,6 +111,25 @@ Walk Reader::read(const Spot &spot, std::uint64_t &end) {
   return walk;
 }
 
+/// The first place behind the fixed words of a record at which the next one of its kind could begin.
+std::uint64_t Reader::findNext(const Spot &spot, std::uint64_t to) {
+  const bool by_number = spot.kind->index_at != NO_WORD && tells(*spot.kind, Own::index);
+  return find(spot.begin + spot.kind->fixed, to, spot.kind->tag,
+              by_number ? std::optional(spot.number + 1) : std::nullopt);
+}
+
+const Conventions &Reader::known() {
+  if (!conventions)
+    conventions.emplace(image);
+  return *conventions;
+}
+
+/// @return whether the audit looks at a word, or else whether it follows the rule in this file.
+bool Reader::tells(const Kind &kind, Own own) {
+  const bool is_checked = own == Own::index ? kind.index_checked : kind.size_checked;
+  return is_checked || known().follows(kind, own);
+}
+
 Word Reader::declared(std::size_t list) const {
   if (list >= VERSION_1_LIST_NUM && !version_2_lists)
     return 0;
@@ -122,7 +141,7 @@ Word Reader::declared(std::size_t list) const {
 /// Follows one end of an element, of which the size table gives the size. @param own_size whether the element's own
 /// size says so, too. @param believed whether the end holds even if nothing explains it.
 void Reader::readElementTo(std::size_t list, const Spot &spot, const Reading &before, std::uint64_t end,
-                           Word table_size, Word cost, bool own_size, bool believed, Readings &readings) {
+                           Word table_size, bool own_size, bool believed, Readings &readings) {
   Proposals proposals = solve(spot, end);
   const std::uint64_t size_word = spot.begin + spot.kind->size_at;
   std::erase_if(proposals, [&](const Proposal &proposal) { // a new size has to say so, too
@@ -132,13 +151,14 @@ void Reader::readElementTo(std::size_t list, const Spot &spot, const Reading &be
   Reading reading = before;
   reading.at = end;
   for (const Proposal &proposal : proposals) {
-    reading.cost = before.cost + cost + proposal.cost;
-    reading.doubts = before.doubts + proposal.doubts;
-    reading.claims = before.claims;
+    reading.cost = before.cost + proposal.cost;
     const bool changes_size = proposal.changes && proposal.site.offset == size_word;
+    const bool in_table = changes_size && spot.begin + wholeWords(*spot.kind, table_size) == end;
+    const bool ends_in_word = changes_size && !in_table && proposal.value % sizeof(Word) != 0;
+    reading.doubts = before.doubts + proposal.doubts + Word{ends_in_word};
+    reading.claims = before.claims;
     if (!own_size && !changes_size)
       ++reading.cost;
-    const bool in_table = changes_size && spot.begin + wholeWords(*spot.kind, table_size) == end;
     if (proposal.changes)
       reading.claims = claim({.begin = proposal.site.offset,
                               .list = list,
@@ -151,7 +171,7 @@ void Reader::readElementTo(std::size_t list, const Spot &spot, const Reading &be
     add(readings, reading);
   }
   if (proposals.empty() && believed) {
-    reading.cost = before.cost + cost + cost::UNSOLVED;
+    reading.cost = before.cost + cost::UNSOLVED;
     reading.doubts = before.doubts;
     reading.claims =
         claim({.sort = Claim::Sort::unsolved, .begin = spot.begin, .end = end, .list = list, .element = spot.number},
@@ -171,25 +191,32 @@ void Reader::readElement(std::size_t list, const Kind &kind, const Reading &befo
   const Walk walk = read(spot, by_words);
   const std::uint64_t by_size = begin + wholeWords(kind, image[begin + kind.size_at]);
   const std::uint64_t by_table = begin + wholeWords(kind, table_size);
-  const Word cost = Word{!isElementTag(kind, image[begin])} + Word{image[begin + kind.index_at] != number};
-  if (by_words == by_size && by_size == by_table && !walk.broken && walk.faults == 0) {
-    Reading reading = before;
-    reading.at = by_words;
-    reading.cost += cost;
-    reading.doubts += walk.doubts;
-    return add(readings, reading);
+  const bool other_index = image[begin + kind.index_at] != number;
+  Reading inner = before;
+  inner.cost += Word{!isElementTag(kind, image[begin])} + Word{other_index && kind.index_checked};
+  inner.doubts += other_index && !kind.index_checked && tells(kind, Own::index);
+  const bool table_tells = by_size == by_table || tells(kind, Own::table_entry);
+  const bool as_in_table = by_size == by_table || (!table_tells && findNext(spot, list_end) == by_words);
+  if (by_words == by_size && as_in_table && !walk.broken && walk.faults == 0) {
+    inner.at = by_words;
+    inner.doubts += walk.doubts;
+    return add(readings, inner);
   }
   std::vector<std::uint64_t> ends;
   if (!walk.broken)
     addEnd(ends, by_words);
   addEnd(ends, by_size);
   addEnd(ends, by_table);
-  if (ends.size() == 3 || (ends.size() == 2 && walk.broken))
-    addEnd(ends, find(begin + kind.fixed, list_end, kind.tag, number + 1));
-  for (const std::uint64_t end : ends)
-    if (end >= begin + kind.fixed && end <= image.size())
-      readElementTo(list, spot, before, end, table_size, cost + Word{end != by_table}, end == by_size,
-                    end == by_size && end == by_table, readings);
+  if (ends.size() == 3 || (ends.size() == 2 && walk.broken) || !table_tells)
+    addEnd(ends, findNext(spot, list_end));
+  for (const std::uint64_t end : ends) {
+    if (end < begin + kind.fixed || end > image.size())
+      continue;
+    const bool other_in_table = end != by_table && table_tells;
+    Reading ended = inner;
+    (kind.size_checked ? ended.cost : ended.doubts) += other_in_table;
+    readElementTo(list, spot, ended, end, table_size, end == by_size, end == by_size && !other_in_table, readings);
+  }
 }
 
 /// Reads elements, in all ways that cost no more than `most_cost`.
@@ -342,9 +369,12 @@ void Reader::readScene(const Reading &before, Readings &readings) {
     addEnd(ends, by_words);
   addEnd(ends, by_size);
   addEnd(ends, by_header);
-  for (const std::uint64_t end : ends)
+  for (const std::uint64_t end : ends) {
+    Reading ended = before;
+    ended.cost += end != by_header;
     if (end >= begin + SCENE.fixed && end <= image.size())
-      readElementTo(SCENE_LIST, spot, before, end, 0, Word{end != by_header}, end == by_size, false, readings);
+      readElementTo(SCENE_LIST, spot, ended, end, 0, end == by_size, false, readings);
+  }
 }
 
 /// Passes a list without looking into it.

@@ -1,7 +1,7 @@
 /// Readings of a damaged file: where its lists, elements and counts could be, each with what speaks against it.
 #pragma once
 
-#include "repair/layout.h"
+#include "repair/conventions.h"
 
 #include <deque>
 #include <string>
@@ -91,6 +91,10 @@ private:
   void beginList(std::uint64_t bytes);
   std::uint64_t find(std::uint64_t from, std::uint64_t to, Word tag, std::optional<Word> number);
 
+  std::uint64_t findNext(const Spot &spot, std::uint64_t to);
+  const Conventions &known();
+  bool tells(const Kind &kind, Own own);
+
   Walk read(const Spot &spot, std::uint64_t &end);
   Walk measure(const FileBytes &file, const Spot &spot, std::uint64_t &end, Events *events = nullptr);
   void tryWord(const Spot &spot, std::uint64_t end, const Site &site, Word value, Proposals &proposals);
@@ -108,7 +112,7 @@ private:
   void readElement(std::size_t list, const Kind &kind, const Reading &before, Word number, Word table_size,
                    Readings &readings);
   void readElementTo(std::size_t list, const Spot &spot, const Reading &before, std::uint64_t end, Word table_size,
-                     Word cost, bool own_size, bool believed, Readings &readings);
+                     bool own_size, bool believed, Readings &readings);
   Readings readElements(std::size_t list, const Kind &kind, Readings before, std::uint64_t table, Word number,
                         Word most_cost);
   void readNumbered(std::size_t list, const Reading &before, Word first, Word second, Readings &readings);
@@ -130,6 +134,7 @@ private:
   std::uint64_t list_end = 0; ///< the latest end that something gives for the list that is read
   Budget file_left;           ///< without what the list has
   Budget list_left = {};
+  std::optional<Conventions> conventions = {}; ///< of this file, once they are asked for
   std::deque<Claim> claims;
 };
 

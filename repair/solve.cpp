@@ -33,7 +33,7 @@ bool isNumber(std::int64_t value) { return value >= 0 && value <= std::numeric_l
 
 /// Goes over a record as a part of the search for a wrong word.
 Walk Reader::measure(const FileBytes &file, const Spot &spot, std::uint64_t &end, Events *events) {
-  Walk walk(file, version_2, events, list_left.search_steps);
+  Walk walk(file, version_2, events, list_left.search_steps, &known());
   end = walk.over(spot);
   return walk;
 }
@@ -117,7 +117,7 @@ void Reader::searchValue(const Spot &spot, std::uint64_t end, const Site &site, 
 
 /// @return how many records that raise no doubt stand in a row.
 Word Reader::recordsInARow(Spot spot, std::uint64_t end) {
-  Walk walk(image, version_2, nullptr, list_left.search_steps);
+  Walk walk(image, version_2, nullptr, list_left.search_steps, &known());
   while (spot.begin + spot.kind->fixed <= end) {
     spot.begin = walk.over(spot, 1);
     if (walk.doubts != 0 || walk.broken || spot.begin > end)
@@ -139,7 +139,7 @@ void Reader::solveInside(const Spot &spot, std::uint64_t end, const Spot &inner,
   if (inner.kind->size_at != NO_WORD)
     ends[1] = inner.begin + image[inner.begin + inner.kind->size_at];
   if (inner.kind->tag != 0)
-    ends[2] = find(inner.begin + inner.kind->fixed, end, inner.kind->tag, inner.number + 1);
+    ends[2] = findNext(inner, end);
   Proposals inside;
   for (const std::uint64_t to : ends)
     if (to > inner.begin && to <= end && to != inner_end)

@@ -1,4 +1,4 @@
-#include "repair/layout.h"
+#include "repair/conventions.h"
 
 namespace kova::repair {
 
@@ -112,6 +112,17 @@ void Walk::lookIntoMakerBlock(Word bytes) {
   position = begin;
 }
 
+/// @return whether a word of a record inside is not what it should be, and those of its kind are in this file.
+bool Walk::isOdd(const Spot &spot) {
+  const Kind &kind = *spot.kind;
+  const auto tells = [&](Own own) { return conventions == nullptr || conventions->follows(kind, own); };
+  if (kind.tag != 0 && word(0) != kind.tag)
+    return true;
+  if (kind.index_at != NO_WORD && word(kind.index_at) != spot.number && tells(Own::index))
+    return true;
+  return kind.size_at != NO_WORD && word(kind.size_at) != position - base && tells(Own::size);
+}
+
 std::uint64_t Walk::over(const Spot &spot, int depth) {
   const Kind *const kind_around = kind_;
   const std::uint64_t base_around = base;
@@ -131,15 +142,9 @@ std::uint64_t Walk::over(const Spot &spot, int depth) {
     events->enter(spot, depth);
   if (kind.content != nullptr)
     kind.content(*this);
-  if (position < base + kind.fixed) // sizes that lead backwards
-    broken = true;
-  if (depth > 0) {
-    const bool own_tag = kind.tag == 0 || word(0) == kind.tag;
-    const bool own_number = kind.index_at == NO_WORD || word(kind.index_at) == spot.number;
-    const bool own_size = kind.size_at == NO_WORD || word(kind.size_at) == position - base;
-    if (!own_tag || !own_number || !own_size)
-      doubt();
-  }
+  broken |= went_back;
+  if (depth > 0 && isOdd(spot))
+    doubt();
   if (events != nullptr)
     events->leave(spot, position, depth);
   kind_ = kind_around;

@@ -212,6 +212,36 @@ TEST(Mend, SeveralWordsAreMended) {
   EXPECT_GE(all.share(), 0.85);
 }
 
+/// Names that all have the number 0, and triangles that have nothing of their own: the audit accepts that, and one
+/// other word is mended as if they were numbered.
+TEST(Mend, WordsThatNobodyLooksAtMayBeAnything) {
+  std::string text = "TriList { TriGroup { Tri*5 } TriGroup { Tri*3 } } NameList {";
+  for (int i = 0; i < 100; ++i)
+    text += " Name text=" + std::string(static_cast<std::size_t>(i % 7 * 4 + 1), 'x');
+  File file = samples::build(VERSION_1, text + " }");
+  for (const NamedWord &word : file.words)
+    if (is(word.field, {"this_name_index", "this_tri_index", "tri_size"}))
+      harness::setWordAt(file.bytes, word.offset, 0);
+  EXPECT_EQ(mendAndCheck(file.bytes, false).result.outcome, Outcome::good);
+  Rate rate;
+  for (const NamedWord &word : file.words) {
+    const bool is_length = endsWith(word.field, {"_size", "num"}) && !endsWith(word.field, {"header_size", "blk_size"});
+    if (!is_length || !is(word.kind, {"NameList", "Name", "TriList", "TriGroup"}) || word.number > 20)
+      continue;
+    for (const Word value : damages(harness::wordAt(file.bytes, word.offset), word.offset)) {
+      Bytes damaged = file.bytes;
+      harness::setWordAt(damaged, word.offset, value);
+      const Mending mending = mendAndCheck(damaged, false);
+      EXPECT_EQ(mending.broken, "") << word.kind << word.number << word.field << value;
+      if (!auditsOk(damaged))
+        rate.count(mending, file.bytes);
+    }
+  }
+  rate.print("with other numbers");
+  EXPECT_GT(rate.total, 150U);
+  EXPECT_GE(rate.share(), 0.97);
+}
+
 // --- Examples -------------------------------------------------------------------------------------------------------
 
 std::string told(const std::vector<Change> &changes) {
