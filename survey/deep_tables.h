@@ -108,14 +108,15 @@ using FieldBytes = std::span<const std::byte>;
 
 /// A field of a record: one word, a structure, or an array of these.
 struct Field {
-  const void *record; ///< tells the types of records from one another
+  std::string_view record; ///< tells the types of records from one another
   const char *name;
   bool is_array;
   FieldBytes (*bytes)(const void *record);
 };
 
-/// Its address stands for a type of record.
-template <class Record> inline constexpr char RECORD_TYPE = 0;
+/// Stands for a type of record. The address of something would do as well, but that g++ compares no two of them at
+/// compile time if it looks for undefined behaviour.
+template <class Record> consteval std::string_view recordType() { return __PRETTY_FUNCTION__; }
 
 template <class Record, auto MEMBER> FieldBytes fieldBytes(const void *record) {
   const auto &field = static_cast<const Record *>(record)->*MEMBER;
@@ -135,7 +136,7 @@ template <class Record, RefKind KIND> FieldBytes refKeyBytes(const void *record)
 
 template <class Record, auto MEMBER> constexpr Field field(const char *name) {
   constexpr bool IS_ARRAY = requires(const Record &record) { (record.*MEMBER).data(); };
-  return {&RECORD_TYPE<Record>, name, IS_ARRAY, &fieldBytes<Record, MEMBER>};
+  return {recordType<Record>(), name, IS_ARRAY, &fieldBytes<Record, MEMBER>};
 }
 
 /// An index, or an array of them, or references of two of them.
@@ -156,7 +157,7 @@ constexpr LinkRow nodeLink(const char *id, const char *name, Target target = Tar
 }
 
 template <RefKind KIND> constexpr LinkRow refLink(const char *id, const char *name, Target target) {
-  return {{&RECORD_TYPE<TriGroup>, name, true, &refGroupBytes<TriGroup, KIND>}, id, target};
+  return {{recordType<TriGroup>(), name, true, &refGroupBytes<TriGroup, KIND>}, id, target};
 }
 
 /// Words of each of an array's records: `count` of them, from word `first` of its `stride` words.
@@ -177,19 +178,19 @@ constexpr WordsRow keys(const char *name, std::size_t stride = 1, std::size_t fi
 }
 
 template <RefKind KIND> constexpr WordsRow refKeys(const char *name) {
-  return {{&RECORD_TYPE<TriGroup>, name, true, &refKeyBytes<TriGroup, KIND>}, 1, 0, 1};
+  return {{recordType<TriGroup>(), name, true, &refKeyBytes<TriGroup, KIND>}, 1, 0, 1};
 }
 
 /// @return the rows of a table that are about one type of record. Rows that do not stand together do not compile.
 template <class Record, class Row, std::size_t N> consteval std::span<const Row> rowsOf(const Row (&table)[N]) {
   std::size_t first = 0;
-  while (first < N && table[first].record != &RECORD_TYPE<Record>)
+  while (first < N && table[first].record != recordType<Record>())
     ++first;
   std::size_t end = first;
-  while (end < N && table[end].record == &RECORD_TYPE<Record>)
+  while (end < N && table[end].record == recordType<Record>())
     ++end;
   for (std::size_t i = end; i < N; ++i)
-    if (table[i].record == &RECORD_TYPE<Record>)
+    if (table[i].record == recordType<Record>())
       throw "the rows of a record do not stand together";
   return std::span<const Row>(table).subspan(first, end - first);
 }

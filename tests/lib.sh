@@ -49,4 +49,4 @@ set_words() {
 # cached VARIABLE: its value in the build that is tested.
 cached() { sed -n "s/^$1:[A-Z]*=//p" "$BUILD_DIR/CMakeCache.txt"; }
 
-sanitized() { nm "$KBAUDIT" | grep __asan_init >/dev/null; }
+sanitized() { nm "$KBAUDIT" | grep '__[at]san_init' >/dev/null; }
