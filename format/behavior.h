@@ -259,4 +259,79 @@ inline constexpr auto WORDS<Scale> = words<Scale>({
     xyz("differential scale", &Scale::differential_scale),
 });
 
+// --- Content --------------------------------------------------------------------------------------------------------
+
+template <class Io> int content(Io &io, const AnimGroupExtHead &) {
+  using Ext = AnimGroupExt;
+  return io.run(items<RotateAxis, "rotate_axis", "RotateAxis(%d)\n">, &Ext::rotate_axis, &Ext::rotate_axis_num) &&
+         io.run(items<RotateE, "rotate_x", "RotateX(%d)\n">, &Ext::rotate_x, &Ext::rotate_x_num) &&
+         io.run(items<RotateE, "rotate_y", "RotateY(%d)\n">, &Ext::rotate_y, &Ext::rotate_y_num) &&
+         io.run(items<RotateE, "rotate_z", "RotateZ(%d)\n">, &Ext::rotate_z, &Ext::rotate_z_num) &&
+         io.run(items<OrientationXY, "orientation_xy", "OrientationXY(%d)\n">, &Ext::orientation_xy,
+                &Ext::orientation_xy_num) &&
+         io.run(items<Translation, "translation", "Translation(%d)\n">, &Ext::translation, &Ext::translation_num) &&
+         io.run(items<Scale, "unique_scale", "UniqueScale(%d)">, &Ext::unique_scale, &Ext::unique_scale_num) &&
+         io.run(items<Scale, "classic_scale", "ClassicScale(%d)">, &Ext::classic_scale, &Ext::classic_scale_num);
+}
+
+/// The type chooses the form of the records; other types store none, whatever the count says.
+template <class Io> int records(Io &io, const AnimGroupHead &group) {
+  constexpr auto COUNT_OF = &AnimGroup::anim_num;
+  switch (group.type) {
+  case 0:
+  case 2:
+    return io.run(items<AnimStep, "step", "Anim(%d)\n">, &AnimGroup::step, COUNT_OF);
+  case 3:
+    return io.run(items<AnimKeyframe, "keyframe", "Anim(%d)\n">, &AnimGroup::keyframe, COUNT_OF);
+  case 4:
+    return io.run(items<AnimNode, "node", "Anim(%d)\n">, &AnimGroup::node, COUNT_OF);
+  default:
+    return io.absent(line<"Anim(%d)\n", "anim">, &AnimGroup::zeroed_anim_num, COUNT_OF);
+  }
+}
+template <class Io> int content(Io &io, const AnimGroupHead &group) {
+  return records(io, group) && io.blocks(maker<AnimGroupExtHead>, &AnimGroup::ext);
+}
+
+/// A collision takes up what its own sizes say; the blocks behind it are as long as its group says.
+template <class Io> int content(Io &io, const CollHead &) {
+  return io.data(&Coll::data) && io.blocksAround(&Coll::group_ext_blk);
+}
+
+template <class Io> int content(Io &io, const CollGroupHead &) {
+  return io.array(line<"coll_num_byte[%d]  %d \n">, &CollGroup::coll_num_byte, &CollGroup::coll_num) &&
+         io.records(items<CollHead, "coll", "Coll(%d)\n", COLL_TAG>, &CollGroup::coll, &CollGroup::coll_num);
+}
+
+template <class Io> int content(Io &io, const SwitchHead &) {
+  return io.array(line<"case_val[%d]  %d\n">, &Switch::case_val, &Switch::case_node_num) &&
+         io.array(line<"case_dest_index[%d]  %d\n">, &Switch::case_dest_index, &Switch::case_node_num, To::any) &&
+         io.blocks();
+}
+
+/// Only the whole words of a text are held; one of negative length is empty.
+template <class Io> int content(Io &io, const NameHead &name) {
+  return io.text(&Name::text, static_cast<std::uint64_t>(std::max(kvGetNamelen(name), 0)) / sizeof(Word));
+}
+
+template <>
+struct ListFormat<AnimList>
+    : CommonList<AnimGroup, ANIM_LIST_WORDS, "anim_group_num_byte[%d]  %d \n",
+                 items<AnimGroupHead, "element", "AnimGroup(%d)\n", ANIM_LIST_TAG + ELEMENT_KIND>> {};
+
+template <>
+struct ListFormat<CollList>
+    : CommonList<CollGroup, COLL_LIST_WORDS, "coll_group_num_byte[%d]  %d \n",
+                 items<CollGroupHead, "element", "CollGroup(%d)\n", COLL_LIST_TAG + ELEMENT_KIND>> {};
+
+template <>
+struct ListFormat<SwitchList>
+    : CommonList<Switch, SWITCH_LIST_WORDS, "switch_num_byte[%d]    %d\n",
+                 items<SwitchHead, "element", "Switch(%d)\n", SWITCH_LIST_TAG + ELEMENT_KIND>> {};
+
+/// Also the list of external names, whose tags are others.
+template <>
+struct ListFormat<NameList> : CommonList<Name, NAME_LIST_WORDS, "name_num_byte[%d]    %d\n",
+                                         items<NameHead, "element", "Name(%d)\n", NAME_LIST_TAG + ELEMENT_KIND>> {};
+
 } // namespace kova

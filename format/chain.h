@@ -47,4 +47,30 @@ inline constexpr auto WORDS<EffectorHead> = words<EffectorHead>({
     {"usr_ext_blk_size  %d\n", &EffectorHead::usr_ext_blk_size, USR_SIZE},
 });
 
+// --- Content --------------------------------------------------------------------------------------------------------
+
+/// The objects that a chain root, a joint or an effector moves.
+template <class Node, class Io> int chainObjs(Io &io) {
+  return io.array(line<"obj_index[%d]  %d\n">, &Node::obj_index, &Node::obj_num, To::obj) &&
+         io.pairs(label<"external_obj">, &Node::external_obj, &Node::external_obj_num, To::external_name) &&
+         io.blocks();
+}
+template <class Io> int content(Io &io, const ChainRootHead &) { return chainObjs<ChainRoot>(io); }
+template <class Io> int content(Io &io, const JointHead &) { return chainObjs<Joint>(io); }
+template <class Io> int content(Io &io, const EffectorHead &) { return chainObjs<Effector>(io); }
+
+template <>
+struct ListFormat<ChainRootList>
+    : CommonList<ChainRoot, CHAIN_ROOT_LIST_WORDS, "chain_root_num_byte[%d]  %d\n",
+                 items<ChainRootHead, "element", "ChainRoot(%d)\n", CHAIN_ROOT_LIST_TAG + ELEMENT_KIND>> {};
+
+template <>
+struct ListFormat<JointList> : CommonList<Joint, JOINT_LIST_WORDS, "joint_num_byte[%d]  %d\n",
+                                          items<JointHead, "element", "Joint(%d)\n", JOINT_LIST_TAG + ELEMENT_KIND>> {};
+
+template <>
+struct ListFormat<EffectorList>
+    : CommonList<Effector, EFFECTOR_LIST_WORDS, "effector_num_byte[%d]  %d\n",
+                 items<EffectorHead, "element", "Effector(%d)\n", EFFECTOR_LIST_TAG + ELEMENT_KIND>> {};
+
 } // namespace kova

@@ -160,4 +160,101 @@ inline constexpr auto WORDS<PartHead> = words<PartHead>({
     {"usr_ext_blk_size  %d\n", &PartHead::usr_ext_blk_size, USR_SIZE},
 });
 
+// --- Content --------------------------------------------------------------------------------------------------------
+
+template <class Io> int content(Io &io, const VtxGroupHead &) {
+  return io.array(line<" Vtx(%d) %#12g %#12g %#12g   ; x,y,z\n", "vtx">, &VtxGroup::vtx, &VtxGroup::vtx_num);
+}
+
+template <class Io> int content(Io &io, const TriColorGroupHead &) {
+  return io.array(line<"TriColor(%d) %#12g %#12g %#12g %#12g    ; RGBA\n", "color">, &TriColorGroup::color,
+                  &TriColorGroup::tri_color_num);
+}
+template <class Io> int content(Io &io, const VtxColorGroupHead &) {
+  return io.array(line<"VtxColor(%d) %#12g %#12g %#12g %#12g    ; RGBA\n", "color">, &VtxColorGroup::color,
+                  &VtxColorGroup::vtx_color_num);
+}
+
+template <class Io> int content(Io &io, const TriNvGroupHead &) {
+  return io.array(line<" TriNv(%d) %#12g %#12g %#12g    ; Nx,Ny,Nz\n", "normal">, &TriNvGroup::normal,
+                  &TriNvGroup::tri_nv_num);
+}
+template <class Io> int content(Io &io, const VtxNvGroupHead &) {
+  return io.array(line<" VtxNv(%d) %#12g %#12g %#12g    ; Nx,Ny,Nz\n", "normal">, &VtxNvGroup::normal,
+                  &VtxNvGroup::vtx_nv_num);
+}
+
+template <class Io> int content(Io &io, const StGroupHead &) {
+  return io.array(line<"St(%d)  %#12g  %#12g    ; s,t\n", "st">, &StGroup::st, &StGroup::st_num);
+}
+
+/// A reference of a triangle group: the names of its words, and where it leads.
+struct RefWords {
+  const char *key_num; ///< only in the key form
+  const char *key;     ///< only in the key form
+  const char *group_index;
+  To to;
+};
+
+/// By `RefKind`.
+inline constexpr std::array<RefWords, REF_KIND_NUM> REFS = {{
+    {"vtx_anim_key_num", "vtx_anim_key", "vtx_group_index", To::vtx},
+    {"tri_color_anim_key_num", "tri_color_anim_key", "tri_color_group_index", To::tri_color},
+    {"vtx_color_anim_key_num", "vtx_color_anim_key", "vtx_color_group_index", To::vtx_color},
+    {"tri_nv_anim_key_num", "tri_nv_anim_key", "tri_nv_group_index", To::tri_nv},
+    {"vtx_nv_anim_key_num", "vtx_nv_anim_key", "vtx_nv_group_index", To::vtx_nv},
+    {"st_anim_key_num", "st_anim_key", "st_group_index", To::st},
+}};
+
+/// @return how many frames a reference in the frame form has: 0 to `tri_anim_frame_num`.
+constexpr std::uint64_t framesOf(const TriGroupHead &group) {
+  const std::int64_t frames = std::int64_t{group.tri_anim_frame_num} + 1;
+  return frames > 0 ? static_cast<std::uint64_t>(frames) : 0;
+}
+
+template <class Io> int content(Io &io, const TriHead &) { return io.blocks(); }
+
+/// Each of the six references has one of three forms: a group index, one for each frame, or a number of keys, the keys
+/// and a group index for each of them. In the model they are one piece, see `kvRefs`.
+template <class Io> int content(Io &io, const TriGroupHead &) {
+  return io.refs(&TriGroup::ref) && io.records(items<TriHead, "tri", "Tri(%d)\n">, &TriGroup::tri, &TriGroup::tri_num);
+}
+
+template <class Io> int content(Io &io, const PartHead &) {
+  return io.array(line<"tri_index[%d]     %d\n">, &Part::tri_index, &Part::part_tri_num, To::own_tri) && io.blocks();
+}
+
+template <>
+struct ListFormat<VtxList> : CommonList<VtxGroup, VTX_LIST_WORDS, "vtx_group_num_byte[%d]  %d \n",
+                                        items<VtxGroupHead, "element", "VtxGroup(%d)\n", VTX_LIST_TAG + ELEMENT_KIND>> {
+};
+
+template <>
+struct ListFormat<TriList> : CommonList<TriGroup, TRI_LIST_WORDS, "tri_group_num_byte[%d] %d\n",
+                                        items<TriGroupHead, "element", "TriGroup(%d)\n", TRI_LIST_TAG + ELEMENT_KIND>> {
+};
+
+/// The format's library goes by the first count for both kinds of group, and files are read the way it reads them.
+template <>
+struct ListFormat<ColorList>
+    : TwoKinds<ColorList, COLOR_LIST_WORDS, "tri_color_group_size[%d]   %d\n", "vtx_color_group_size[%d]   %d\n",
+               items<TriColorGroupHead, "tri_group", "TriColorGroup(%d)\n", COLOR_LIST_TAG + ELEMENT_KIND>,
+               items<VtxColorGroupHead, "vtx_group", "VtxColorGroup(%d)\n", COLOR_LIST_TAG + SECOND_ELEMENT_KIND>,
+               &TwoKindListHead::tri_group_num> {};
+
+template <>
+struct ListFormat<VectorList>
+    : TwoKinds<VectorList, VECTOR_LIST_WORDS, "tri_nv_group_size[%d]     %d\n", "vtx_nv_group_size[%d]     %d\n",
+               items<TriNvGroupHead, "tri_group", "TriNvGroup(%d)\n", VECTOR_LIST_TAG + ELEMENT_KIND>,
+               items<VtxNvGroupHead, "vtx_group", "VtxNvGroup(%d)\n", VECTOR_LIST_TAG + SECOND_ELEMENT_KIND>,
+               &TwoKindListHead::vtx_group_num> {};
+
+template <>
+struct ListFormat<StList> : CommonList<StGroup, ST_LIST_WORDS, "st_group_size[%d]   %d\n",
+                                       items<StGroupHead, "element", "StGroup(%d)\n", ST_LIST_TAG + ELEMENT_KIND>> {};
+
+template <>
+struct ListFormat<PartList> : CommonList<Part, PART_LIST_WORDS, "part_num_byte[%d]    %d\n",
+                                         items<PartHead, "element", "Part(%d)\n", PART_LIST_TAG + ELEMENT_KIND>> {};
+
 } // namespace kova

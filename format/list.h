@@ -1,7 +1,7 @@
 /// The words that lists and their elements begin with.
 #pragma once
 
-#include "format/words.h"
+#include "format/content.h"
 
 namespace kova {
 
@@ -60,5 +60,45 @@ inline constexpr auto WORDS<ElementHead> = words<ElementHead>({
     {"size         %d\n", &ElementHead::size, SIZE},
     {"name_index   %d\n", &ElementHead::name_index, link(To::name)},
 });
+
+// --- Content of lists -----------------------------------------------------------------------------------------------
+
+/// What a list holds: its words as its own names, its content, and the forms of its elements. Specialized for each type
+/// of list.
+template <class List> struct ListFormat;
+
+/// A list with the common header.
+/// @tparam TABLE_LINE of its size table
+template <class Element, const auto &HEAD_WORDS, Format TABLE_LINE, const auto &ELEMENTS> struct CommonList {
+  using Head = ListHead;
+  static constexpr auto &words = HEAD_WORDS;
+  static constexpr auto &table = line<TABLE_LINE>;
+  static constexpr auto &elements = ELEMENTS;
+
+  template <class Io> static int content(Io &io, const Head &) {
+    return io.array(table, &List<Element>::num_byte, &ListHead::num) &&
+           io.records(elements, &List<Element>::element, &ListHead::num) && io.blocks();
+  }
+};
+
+/// A list of groups for triangles and groups for vertices.
+/// @tparam VTX_COUNT says how many groups for vertices there are
+template <class List, const auto &HEAD_WORDS, Format TRI_LINE, Format VTX_LINE, const auto &TRI_GROUPS,
+          const auto &VTX_GROUPS, Word TwoKindListHead::*VTX_COUNT>
+struct TwoKinds {
+  using Head = TwoKindListHead;
+  static constexpr auto &words = HEAD_WORDS;
+  static constexpr auto &table = line<TRI_LINE>;
+  static constexpr auto &second_table = line<VTX_LINE>;
+  static constexpr auto &elements = TRI_GROUPS;
+  static constexpr auto &second_elements = VTX_GROUPS;
+
+  template <class Io> static int content(Io &io, const Head &) {
+    return io.array(table, &List::tri_group_size, &Head::tri_group_num) &&
+           io.array(second_table, &List::vtx_group_size, &Head::vtx_group_num) &&
+           io.records(elements, &List::tri_group, &Head::tri_group_num) &&
+           io.records(second_elements, &List::vtx_group, VTX_COUNT) && io.blocks();
+  }
+};
 
 } // namespace kova

@@ -1,15 +1,16 @@
 /// The lists of a KOVA file in the order in which they stand in it: the one place that knows this order, their names,
 /// their tags and the words of the header with their sizes.
 ///
-/// Whatever part of the library does something for every list has a table with one row for each, built by
-/// `inListOrder`, so that a list that is missing, doubled or out of its order does not compile.
+/// Whoever does the same for every list goes over them with `eachList`. Whoever does something of its own for every
+/// list has a table with one row for each, built by `inListOrder`, so that a list that is missing, doubled or out of
+/// its order does not compile.
 #pragma once
 
 #include "kova/kova.h"
 
 #include <array>
-#include <iterator>
 #include <string_view>
+#include <tuple>
 
 namespace kova {
 
@@ -19,38 +20,54 @@ struct ListRow {
   Word FileHeader::*size; ///< the word of the header, or of its maker block, with the list's size in bytes
 };
 
+/// The same with the list's place in the model.
+template <class List> struct ListOf : ListRow { List Kis::*list; };
+template <class List> ListOf(ListRow, List Kis::*) -> ListOf<List>;
+
 /// File order is neither the order of the tags nor that of the header's words.
-inline constexpr ListRow LISTS[] = {
-    {"SceneList", SCENE_LIST_TAG, &FileHeader::scene_list_num},
-    {"EnvList", ENV_LIST_TAG, &FileHeader::env_list_num},
-    {"CamList", CAM_LIST_TAG, &FileHeader::cam_list_num},
-    {"LightList", LIGHT_LIST_TAG, &FileHeader::light_list_num},
-    {"ObjList", OBJ_LIST_TAG, &FileHeader::obj_list_num},
-    {"ShapeList", SHAPE_LIST_TAG, &FileHeader::shape_list_num},
-    {"VtxList", VTX_LIST_TAG, &FileHeader::vtx_list_num},
-    {"TriList", TRI_LIST_TAG, &FileHeader::tri_list_num},
-    {"ColorList", COLOR_LIST_TAG, &FileHeader::color_list_num},
-    {"VectorList", VECTOR_LIST_TAG, &FileHeader::vector_list_num},
-    {"StList", ST_LIST_TAG, &FileHeader::st_list_num},
-    {"PartList", PART_LIST_TAG, &FileHeader::part_list_num},
-    {"MatList", MAT_LIST_TAG, &FileHeader::mat_list_num},
-    {"TexList", TEX_LIST_TAG, &FileHeader::tex_list_num},
-    {"TeximgList", TEXIMG_LIST_TAG, &FileHeader::tex_img_list_num},
-    {"AnimList", ANIM_LIST_TAG, &FileHeader::anim_list_num},
-    {"CollList", COLL_LIST_TAG, &FileHeader::coll_list_num},
-    {"SwitchList", SWITCH_LIST_TAG, &FileHeader::switch_list_num},
-    {"NameList", NAME_LIST_TAG, &FileHeader::name_list_num},
-    {"CiImgList", CI_IMG_LIST_TAG, &FileHeader::ci_img_list_num},
-    {"ColorPaletteList", COLOR_PALETTE_LIST_TAG, &FileHeader::color_palette_list_num},
-    {"EnvelopeList", ENVELOPE_LIST_TAG, &FileHeader::envelope_list_num},
-    {"ClusterList", CLUSTER_LIST_TAG, &FileHeader::cluster_list_num},
-    {"WeightList", WEIGHT_LIST_TAG, &FileHeader::weight_list_num},
-    {"ChainRootList", CHAIN_ROOT_LIST_TAG, &FileHeader::chain_root_list_num},
-    {"JointList", JOINT_LIST_TAG, &FileHeader::joint_list_num},
-    {"EffectorList", EFFECTOR_LIST_TAG, &FileHeader::effector_list_num},
-    {"ExternalNameList", EXTERNAL_NAME_LIST_TAG, &FileHeader::external_name_list_num},
+inline constexpr std::tuple LIST_ROWS = {
+    ListOf{{"SceneList", SCENE_LIST_TAG, &FileHeader::scene_list_num}, &Kis::scene},
+    ListOf{{"EnvList", ENV_LIST_TAG, &FileHeader::env_list_num}, &Kis::env},
+    ListOf{{"CamList", CAM_LIST_TAG, &FileHeader::cam_list_num}, &Kis::cam},
+    ListOf{{"LightList", LIGHT_LIST_TAG, &FileHeader::light_list_num}, &Kis::light},
+    ListOf{{"ObjList", OBJ_LIST_TAG, &FileHeader::obj_list_num}, &Kis::obj},
+    ListOf{{"ShapeList", SHAPE_LIST_TAG, &FileHeader::shape_list_num}, &Kis::shape},
+    ListOf{{"VtxList", VTX_LIST_TAG, &FileHeader::vtx_list_num}, &Kis::vtx},
+    ListOf{{"TriList", TRI_LIST_TAG, &FileHeader::tri_list_num}, &Kis::tri},
+    ListOf{{"ColorList", COLOR_LIST_TAG, &FileHeader::color_list_num}, &Kis::color},
+    ListOf{{"VectorList", VECTOR_LIST_TAG, &FileHeader::vector_list_num}, &Kis::vector},
+    ListOf{{"StList", ST_LIST_TAG, &FileHeader::st_list_num}, &Kis::st},
+    ListOf{{"PartList", PART_LIST_TAG, &FileHeader::part_list_num}, &Kis::part},
+    ListOf{{"MatList", MAT_LIST_TAG, &FileHeader::mat_list_num}, &Kis::mat},
+    ListOf{{"TexList", TEX_LIST_TAG, &FileHeader::tex_list_num}, &Kis::tex},
+    ListOf{{"TeximgList", TEXIMG_LIST_TAG, &FileHeader::tex_img_list_num}, &Kis::teximg},
+    ListOf{{"AnimList", ANIM_LIST_TAG, &FileHeader::anim_list_num}, &Kis::anim},
+    ListOf{{"CollList", COLL_LIST_TAG, &FileHeader::coll_list_num}, &Kis::coll},
+    ListOf{{"SwitchList", SWITCH_LIST_TAG, &FileHeader::switch_list_num}, &Kis::switch_},
+    ListOf{{"NameList", NAME_LIST_TAG, &FileHeader::name_list_num}, &Kis::name},
+    ListOf{{"CiImgList", CI_IMG_LIST_TAG, &FileHeader::ci_img_list_num}, &Kis::ci_img},
+    ListOf{{"ColorPaletteList", COLOR_PALETTE_LIST_TAG, &FileHeader::color_palette_list_num}, &Kis::color_palette},
+    ListOf{{"EnvelopeList", ENVELOPE_LIST_TAG, &FileHeader::envelope_list_num}, &Kis::envelope},
+    ListOf{{"ClusterList", CLUSTER_LIST_TAG, &FileHeader::cluster_list_num}, &Kis::cluster},
+    ListOf{{"WeightList", WEIGHT_LIST_TAG, &FileHeader::weight_list_num}, &Kis::weight},
+    ListOf{{"ChainRootList", CHAIN_ROOT_LIST_TAG, &FileHeader::chain_root_list_num}, &Kis::chain_root},
+    ListOf{{"JointList", JOINT_LIST_TAG, &FileHeader::joint_list_num}, &Kis::joint},
+    ListOf{{"EffectorList", EFFECTOR_LIST_TAG, &FileHeader::effector_list_num}, &Kis::effector},
+    ListOf{{"ExternalNameList", EXTERNAL_NAME_LIST_TAG, &FileHeader::external_name_list_num}, &Kis::external_name},
 };
-inline constexpr std::size_t LIST_NUM = std::size(LISTS);
+inline constexpr std::size_t LIST_NUM = std::tuple_size_v<decltype(LIST_ROWS)>;
+
+/// @return the table of what `make` makes of each row.
+template <class Make> constexpr auto ofEachList(Make make) {
+  return std::apply([&](const auto &...row) { return std::array{make(row)...}; }, LIST_ROWS);
+}
+
+/// Calls `visit` with each row.
+template <class Visit> constexpr void eachList(Visit visit) {
+  std::apply([&](const auto &...row) { (visit(row), ...); }, LIST_ROWS);
+}
+
+inline constexpr std::array<ListRow, LIST_NUM> LISTS = ofEachList([](const ListRow &row) { return row; });
 
 /// The lists of version 1.0 come first; the others belong to version 2.0.
 inline constexpr std::size_t VERSION_2_LIST_NUM = sizeof(Version2Sizes) / sizeof(Word);

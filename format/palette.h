@@ -29,4 +29,25 @@ inline constexpr auto WORDS<ColorPaletteHead> = words<ColorPaletteHead>({
     {"usr_ext_blk_size  %d\n", &ColorPaletteHead::usr_ext_blk_size, USR_SIZE},
 });
 
+// --- Content --------------------------------------------------------------------------------------------------------
+
+template <class Io> int content(Io &io, const CiImgHead &image) {
+  return io.array(line<"pixel_index_array">, &CiImg::pixel_index_array, kvSizeofPixelIndexArray(image)) && io.blocks();
+}
+
+/// Two colours to a word.
+template <class Io> int content(Io &io, const ColorPaletteHead &) {
+  return io.array(line<"color_array">, &ColorPalette::color_array, Half{&ColorPaletteHead::color_num}) && io.blocks();
+}
+
+template <>
+struct ListFormat<CiImgList> : CommonList<CiImg, CI_IMG_LIST_WORDS, "ci_img_num_byte[%d]  %d\n",
+                                          items<CiImgHead, "element", "CiImg(%d)\n", CI_IMG_LIST_TAG + ELEMENT_KIND>> {
+};
+
+template <>
+struct ListFormat<ColorPaletteList>
+    : CommonList<ColorPalette, COLOR_PALETTE_LIST_WORDS, "color_palette_num_byte[%d]  %d\n",
+                 items<ColorPaletteHead, "element", "ColorPalette(%d)\n", COLOR_PALETTE_LIST_TAG + ELEMENT_KIND>> {};
+
 } // namespace kova

@@ -225,4 +225,96 @@ inline constexpr auto WORDS<ShapeExt> = words<ShapeExt>({
     external("external mat", &ShapeExt::external_mat),
 });
 
+// --- Content --------------------------------------------------------------------------------------------------------
+
+template <class Io> int content(Io &io, const SceneListExtHead &) {
+  using Ext = SceneListExt;
+  return io.array(line<"chain root link[%d]  %d\n">, &Ext::chain_root_link, &Ext::scene_chain_root_link_num,
+                  To::chain_root) &&
+         io.pairs(label<"external obj">, &Ext::external_obj, &Ext::external_obj_num, To::external_name) &&
+         io.pairs(label<"external env">, &Ext::external_env, &Ext::external_env_num, To::external_name) &&
+         io.pairs(label<"external cam">, &Ext::external_cam, &Ext::external_cam_num, To::external_name) &&
+         io.pairs(label<"external light">, &Ext::external_light, &Ext::external_light_num, To::external_name);
+}
+
+/// The one list whose header size says where what follows begins.
+template <class Io> int content(Io &io, const SceneHead &) {
+  return io.header(&SceneHead::scene_header_size) &&
+         io.array(line<"obj link[%d]    %d\n">, &Scene::obj_link, &Scene::scene_obj_link_num, To::obj) &&
+         io.array(line<"env link[%d]    %d\n">, &Scene::env_link, &Scene::scene_env_link_num, To::env) &&
+         io.array(line<"cam link[%d]    %d\n">, &Scene::cam_link, &Scene::scene_cam_link_num, To::cam) &&
+         io.array(line<"light link[%d]    %d\n">, &Scene::light_link, &Scene::scene_light_link_num, To::light) &&
+         io.blocks(maker<SceneListExtHead>, &Scene::ext);
+}
+
+template <class Io> int content(Io &io, const EnvHead &) { return io.blocks(); }
+
+template <class Io> int content(Io &, const CamExt &) { return 1; }
+template <class Io> int content(Io &io, const CamHead &) { return io.blocks(maker<CamExt>, &Cam::ext); }
+
+/// The one element whose header size says where what follows begins. Of the two forms that store directional lights,
+/// type 0 has the first nine words only; other types store none, whatever the count says.
+template <class Io> int content(Io &io, const LightHead &light) {
+  constexpr auto &DIRECTIONS =
+      items<DirLight, "dir_light", "DirLight(%d)\n", 0, DIRECTION_LIGHT_WORDS, DIRECTION_LIGHT_BYTES>;
+  constexpr auto &POSITIONS = items<DirLight, "dir_light", "DirLight(%d)\n">;
+  if (!io.header(&LightHead::light_header_size))
+    return 0;
+  const int ok = light.light_type == 0 ? io.run(DIRECTIONS, &Light::dir_light, &Light::dir_light_num)
+                 : light.light_type == 1
+                     ? io.run(POSITIONS, &Light::dir_light, &Light::dir_light_num)
+                     : io.absent(line<"", "dir_light">, &Light::zeroed_dir_light_num, &Light::dir_light_num);
+  return ok && io.blocks();
+}
+
+template <class Io> int content(Io &io, const ObjExtHead &) {
+  using Ext = ObjExt;
+  return io.array(line<"obj_chain_root_link[%d] %d\n">, &Ext::obj_chain_root_link, &Ext::obj_chain_root_link_num,
+                  To::chain_root) &&
+         io.array(line<"external_lod_obj_dist[%d]  %#g\n">, &Ext::external_lod_obj_dist, &Ext::external_lod_obj_num) &&
+         io.pairs(label<"external lod obj">, &Ext::external_lod_obj, &Ext::external_lod_obj_num, To::external_name) &&
+         io.pairs(label<"external obj">, &Ext::external_obj, &Ext::external_obj_num, To::external_name);
+}
+
+template <class Io> int content(Io &io, const ObjHead &) {
+  return io.array(line<"LOD_dist[%d]   %#g\n">, &Obj::LOD_dist, &Obj::obj_lod_num) &&
+         io.array(line<"LOD_link[%d]   %d\n">, &Obj::LOD_link, &Obj::obj_lod_num, To::obj) &&
+         io.array(line<"child link    %0#10x\n">, &Obj::child_link, &Obj::obj_child_num, To::obj) &&
+         io.blocks(maker<ObjExtHead>, &Obj::ext);
+}
+
+template <class Io> int content(Io &, const ShapeExt &) { return 1; }
+template <class Io> int content(Io &io, const ShapeHead &) {
+  return io.array(line<"shape_part_link[%d]   %d\n">, &Shape::shape_part_link, &Shape::shape_part_num, To::part) &&
+         io.blocks(maker<ShapeExt>, &Shape::ext);
+}
+
+/// The scene is a list without size table and elements: a single record.
+template <> struct ListFormat<Scene> {
+  using Head = SceneHead;
+  static constexpr auto &words = WORDS<SceneHead>;
+
+  template <class Io> static int content(Io &io, const SceneHead &scene) { return kova::content(io, scene); }
+};
+
+template <>
+struct ListFormat<EnvList> : CommonList<Env, ENV_LIST_WORDS, "env_num_byte[%d]   %d\n",
+                                        items<EnvHead, "element", "Env(%d)\n", ENV_LIST_TAG + ELEMENT_KIND>> {};
+
+template <>
+struct ListFormat<CamList> : CommonList<Cam, CAM_LIST_WORDS, "cam_num_byte[%d]  %d \n",
+                                        items<CamHead, "element", "Cam(%d)\n", CAM_LIST_TAG + ELEMENT_KIND>> {};
+
+template <>
+struct ListFormat<LightList> : CommonList<Light, LIGHT_LIST_WORDS, "light_num_byte[%d]  %d \n",
+                                          items<LightHead, "element", "Light(%d)\n", LIGHT_LIST_TAG + ELEMENT_KIND>> {};
+
+template <>
+struct ListFormat<ObjList> : CommonList<Obj, OBJ_LIST_WORDS, "obj_num_byte[%d]    %d\n",
+                                        items<ObjHead, "element", "Obj(%d)\n", OBJ_LIST_TAG + ELEMENT_KIND>> {};
+
+template <>
+struct ListFormat<ShapeList> : CommonList<Shape, SHAPE_LIST_WORDS, "shape_num_byte[%d]  %d\n",
+                                          items<ShapeHead, "element", "Shape(%d)\n", SHAPE_LIST_TAG + ELEMENT_KIND>> {};
+
 } // namespace kova

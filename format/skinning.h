@@ -132,4 +132,60 @@ inline constexpr auto WORDS<WeightGroupHead> = words<WeightGroupHead>({
     {"usr_ext_blk_size  %d\n", &WeightGroupHead::usr_ext_blk_size, USR_SIZE},
 });
 
+// --- Content --------------------------------------------------------------------------------------------------------
+
+template <class Io> int content(Io &io, const FullWeightedPartHead &) { return io.blocks(); }
+
+/// Every affected node and every external affected object has a weight group and a record of group indices.
+template <class Io> int content(Io &io, const WeightedPartHead &) {
+  constexpr Sum AFFECTED = {&WeightedPart::affected_node_num, &WeightedPart::external_affected_obj_num};
+  return io.pairs(label<"affected_node">, &WeightedPart::affected_node, &WeightedPart::affected_node_num, To::any) &&
+         io.pairs(label<"external_affected_obj">, &WeightedPart::external_affected_obj,
+                  &WeightedPart::external_affected_obj_num, To::external_name) &&
+         io.array(line<"weight_group_index[%d]  %d\n">, &WeightedPart::weight_group_index, AFFECTED, To::weight) &&
+         io.pairs(label<"group_index">, &WeightedPart::group_index, AFFECTED) && io.blocks();
+}
+
+template <class Io> int content(Io &io, const MorphPartHead &) {
+  return io.pairs(label<"group_index">, &MorphPart::group_index, &MorphPart::table_num) && io.blocks();
+}
+
+template <class Io> int content(Io &io, const EnvelopeHead &) {
+  return io.records(items<FullWeightedPartHead, "full_weighted_part", "FullWeightedPart(%d)\n">,
+                    &Envelope::full_weighted_part, &Envelope::full_weighted_part_num) &&
+         io.records(items<WeightedPartHead, "weighted_part", "WeightedPart(%d)\n">, &Envelope::weighted_part,
+                    &Envelope::weighted_part_num) &&
+         io.records(items<MorphPartHead, "morph_part", "MorphPart(%d)\n">, &Envelope::morph_part,
+                    &Envelope::morph_part_num) &&
+         io.run(items<EnvelopeTri, "envelope_tri", "EnvelopeTri(%d)\n">, &Envelope::envelope_tri,
+                &Envelope::envelope_tri_num) &&
+         io.blocks();
+}
+
+template <class Io> int content(Io &io, const ClusterShapeHead &) {
+  return io.run(items<Cluster, "cluster", "Cluster(%d)\n">, &ClusterShape::cluster, &ClusterShape::cluster_num) &&
+         io.run(items<ClusterTri, "cluster_tri", "ClusterTri(%d)\n">, &ClusterShape::cluster_tri,
+                &ClusterShape::cluster_tri_num) &&
+         io.blocks();
+}
+
+template <class Io> int content(Io &io, const WeightGroupHead &) {
+  return io.array(line<"weight[%d]  %#g\n">, &WeightGroup::weight, &WeightGroup::weight_num) && io.blocks();
+}
+
+template <>
+struct ListFormat<EnvelopeList>
+    : CommonList<Envelope, ENVELOPE_LIST_WORDS, "envelope_size[%d]  %d\n",
+                 items<EnvelopeHead, "element", "Envelope(%d)\n", ENVELOPE_LIST_TAG + ELEMENT_KIND>> {};
+
+template <>
+struct ListFormat<ClusterList>
+    : CommonList<ClusterShape, CLUSTER_LIST_WORDS, "cluster_shape_size[%d]  %d\n",
+                 items<ClusterShapeHead, "element", "ClusterShape(%d)\n", CLUSTER_LIST_TAG + ELEMENT_KIND>> {};
+
+template <>
+struct ListFormat<WeightList>
+    : CommonList<WeightGroup, WEIGHT_LIST_WORDS, "weight_group_num_byte[%d]  %d\n",
+                 items<WeightGroupHead, "element", "WeightGroup(%d)\n", WEIGHT_LIST_TAG + ELEMENT_KIND>> {};
+
 } // namespace kova

@@ -287,8 +287,8 @@ struct WordInfo {
   std::size_t parts;
 };
 
-/// @return what a text begins with, up to two blanks, a tab or a number; brackets are left out, and blanks between
-/// words become underscores.
+/// @return what a text begins with, up to two blanks, a tab, a bracket or a number; square brackets are left out, and
+/// blanks between words become underscores.
 constexpr WordName nameInText(std::string_view text) {
   WordName name;
   for (std::size_t at = 0; at < text.size(); ++at) {

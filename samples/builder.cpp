@@ -583,7 +583,7 @@ File build(Word version, const std::string &text, LinkWords links) {
   const std::size_t header_bytes = putRecord(out, header, 0, 0);
   for (const ListRow &list : LISTS) {
     const Node node = takeNode(nodes, list.name, named);
-    const bool of_version2 = &list >= LISTS + VERSION_1_LIST_NUM;
+    const bool of_version2 = &list >= LISTS.data() + VERSION_1_LIST_NUM;
     if (node.set.contains("absent") || (!named && of_version2))
       continue;
     const std::size_t size_at = harness::sizeOffset(list);

@@ -242,7 +242,7 @@ TEST(Dump, StandsInTheOrderOfTheFile) {
   std::string version1 = "FileHeader ", version2;
   for (const ListRow &list : LISTS) {
     const std::string name = list.name == std::string_view("TeximgList") ? "TexImgList" : list.name;
-    (&list < LISTS + VERSION_1_LIST_NUM ? version1 : version2) += name + " ";
+    (&list < LISTS.data() + VERSION_1_LIST_NUM ? version1 : version2) += name + " ";
   }
   EXPECT_EQ(sections(dumpOf(0x100, "SceneList absent=1 NameList absent=1 ObjList absent=1")), version1);
   EXPECT_EQ(sections(dumpOf(0x200, "")), version1);

@@ -297,6 +297,63 @@ TEST(Writer, ChangesOfTheModelAreWritten) {
   EXPECT_EQ(*saved, expected.bytes);
 }
 
+/// What is decoded of a maker block is what stands in the file; words behind it follow, also where it has grown.
+TEST(Writer, ChangesOfMakerBlocksAreWritten) {
+  const auto fileWith = [](const char *materials) {
+    return build(0x200, std::string("SceneList { SceneListExt } ") + materials +
+                            " TexList { Tex U=4 { TexStill TexExt use_color_palette=1 tiles=1 } }");
+  };
+  const File file = fileWith("MatList { Mat V=144 U=4 { MatExt external_tex_num=1 prim_color_anim_num=1 }  Mat }");
+  Kis kis;
+  ASSERT_TRUE(loadBytes(file.bytes, kis));
+  EXPECT_EQ(written(kis), file.bytes);
+  Mat &mat = kis.mat.element[0];
+  mat.ext->diffuse.green = 0.5F;
+  kis.tex.element[0].ext->color_palette_index[0] = 9;
+  File expected = file;
+  setWord(expected, "MatExt", 0, "diffuse[1]", 0x3f000000);
+  setWord(expected, "TexExt", 0, "color_palette_index[0]", 9);
+  EXPECT_EQ(written(kis), expected.bytes);
+
+  mat.ext->external_tex.push_back({5, 6});
+  mat.ext->external_tex_num = 2;
+  const ScratchFolder folder;
+  EXPECT_EQ(save(kis, folder.path + "/file"), "Output File Write Error\nfailed");
+  EXPECT_EQ(folder.files(), 0U);
+  EXPECT_FALSE(written(kis));
+  mat.van_ext_blk_size += 8;
+  kvAdjustListSizeData(kis, 0, 8, MAT_LIST_TAG + ELEMENT_KIND);
+  expected = fileWith("MatList { Mat V=152 U=4 { MatExt external_tex_num=2 prim_color_anim_num=1 }  Mat }");
+  Kis grown;
+  const std::optional<Bytes> saved = written(kis);
+  ASSERT_TRUE(saved);
+  ASSERT_TRUE(loadBytes(*saved, grown));
+  EXPECT_EQ(saved->size(), expected.bytes.size());
+  EXPECT_EQ(grown.mat.element[0].ext->external_tex[1].name, 6);
+  EXPECT_EQ(grown.mat.element[0].ext->prim_color_anim[0].key, mat.ext->prim_color_anim[0].key);
+  EXPECT_EQ(vanExtBlk(grown.mat.element[0].ext_blk).back(), vanExtBlk(mat.ext_blk).back());
+}
+
+/// A block that ends anywhere in what it holds stays as long as it was; what it lacks cannot be written.
+TEST(Writer, ShortMakerBlocksComeBack) {
+  const File file = build(
+      0x200, "SceneList { SceneListExt }  ObjList { Obj U=96 { ObjExt obj_chain_root_link_num=2 external_lod_obj_num=2"
+             " external_obj_num=3 } }");
+  const Word size = getWord(file, "Obj", 0, "van_ext_blk_size");
+  for (Word cut = 0; cut < size; cut += 4) {
+    File shorter = file;
+    setWord(shorter, "Obj", 0, "van_ext_blk_size", size - cut);
+    setWord(shorter, "Obj", 0, "usr_ext_blk_size", 96 + cut);
+    Kis kis;
+    ASSERT_TRUE(loadBytes(shorter.bytes, kis));
+    EXPECT_EQ(written(kis), shorter.bytes) << cut;
+    ObjExt &ext = *kis.obj.element[0].ext;
+    ext.external_obj.resize(3);
+    ext.external_obj_num = 3;
+    EXPECT_EQ(written(kis).has_value(), cut == 0) << cut;
+  }
+}
+
 TEST(Writer, OtherVersionsAndListsUponEachOtherAreRefused) {
   File file = goodFile1();
   Kis kis;

@@ -48,7 +48,7 @@ print() { start "$1" "$2" textdump/text.h "void write(Text &text) { print<\"$3\"
 # lists REASON WHAT SED-SCRIPT: the names of all lists, one to a line, as the script leaves them.
 lists() {
   local names
-  names=$(sed -n 's/^    {\("[A-Za-z]*List"\), .*/    ListWord{\1},/p' "$SOURCE_DIR/format/lists.h" | sed "$3")
+  names=$(sed -n 's/^    ListOf{{\("[A-Za-z]*List"\), .*/    ListWord{\1},/p' "$SOURCE_DIR/format/lists.h" | sed "$3")
   start "$1" "$2" format/lists.h "struct ListWord { const char *list; };
     constexpr auto TABLE = inListOrder({$names});"
 }

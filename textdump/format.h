@@ -4,9 +4,9 @@
 /// conversions. A conversion that the format does not have does not compile.
 #pragma once
 
+#include "format/line.h"
 #include "kova/words.h"
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -50,12 +50,6 @@ constexpr std::string_view spellingOf(Conversion conversion) {
       return spelling.text;
   return {};
 }
-
-/// A string literal as a template argument.
-template <std::size_t N> struct Format {
-  char text[N];
-  consteval Format(const char (&literal)[N]) { std::copy_n(literal, N, text); }
-};
 
 /// One literal of a format text and the conversion that follows it; the last piece of a text has none.
 struct Piece {

@@ -1,12 +1,10 @@
-/// Writing lists: the steps that the list writers are made of, each the twin of a step of the list readers.
+/// Writing records: the steps of `content` that put what a model holds into the file.
 #pragma once
 
-#include "kova/list.h"
+#include "format/content.h"
 #include "reader/cursor.h"
+#include "writer/makerblock.h"
 #include "writer/output.h"
-
-#include <algorithm>
-#include <type_traits>
 
 namespace kova {
 
@@ -17,48 +15,138 @@ template <WordRecord Head> void putFixed(Output &out, const std::type_identity_t
 
 /// Writes the items that a count takes in, as far as they are held.
 template <WordRecord Item> void putRun(Output &out, const std::vector<Item> &run, std::uint64_t count) {
-  putWords(out, run.data(), static_cast<std::size_t>(std::min<std::uint64_t>(count, run.size())) * sizeof(Item));
+  const auto held = counted(count, run);
+  putWords(out, held.data(), held.size_bytes());
 }
 
-/// Writes one member of each record as a run of words, then the next member: pairs and the like are stored so.
-template <class Record, class... Member>
-void putMembers(Output &out, const std::vector<Record> &records, std::uint64_t count, Member Record::*...member) {
-  const auto held = std::span(records).first(static_cast<std::size_t>(std::min<std::uint64_t>(count, records.size())));
-  const auto putMember = [&](auto Record::*one) {
-    for (const Record &record : held)
-      putWords(out, &(record.*one), sizeof(Word));
-  };
-  (putMember(member), ...);
-}
+/// Writes what follows the fixed words of a record.
+/// @tparam Around the record that this one is inside of; itself where there is none
+template <class Record, class Around = Record> struct RecordWriter {
+  Output &out;
+  bool version_2;
+  const Record &record;
+  const Around &around;
+  std::uint64_t begin; ///< of the record, in its list
 
-inline void putExternal(Output &out, const std::vector<External> &pairs, Word count) {
-  putMembers(out, pairs, count, &External::file_name, &External::name);
-}
+  template <class Text, class Item, class Holder, class Count>
+  int array(Text, std::vector<Item> Holder::*member, Count count, To = To::nothing) {
+    putRun(out, record.*member, numberOf(record, count));
+    return 1;
+  }
 
-inline void putNodeIndex(Output &out, const std::vector<NodeIndex> &pairs, Word count) {
-  putMembers(out, pairs, count, &NodeIndex::kind, &NodeIndex::index);
-}
+  template <class Text, class Item, class Holder, class Count>
+  int pairs(Text, std::vector<Item> Holder::*member, Count count, To = To::nothing) {
+    const auto held = counted(numberOf(record, count), record.*member);
+    for (std::size_t word = 0; word < sizeof(Item) / sizeof(Word); ++word)
+      for (const Item &item : held)
+        putWords(out, reinterpret_cast<const unsigned char *>(&item) + word * sizeof(Word), sizeof(Word));
+    return 1;
+  }
 
-/// Writes the two blocks of a record from their raw words.
-inline void putExtBlk(Output &out, const ExtBlk &blk, Word van_size, Word usr_size) {
-  if (!blk.words)
-    return;
-  putRun(out, blk.words->van, van_size / sizeof(Word));
-  putRun(out, blk.words->usr, usr_size / sizeof(Word));
-}
+  template <class Form, class Item, class Holder, class Count>
+  int run(Form, std::vector<Item> Holder::*member, Count count) {
+    if constexpr (Form::bytes == sizeof(Item))
+      return array(0, member, count);
+    for (const Item &item : counted(numberOf(record, count), record.*member))
+      putWords(out, &item, Form::bytes);
+    return 1;
+  }
 
-/// The same of a record in whose head the sizes of its blocks stand.
-template <class Record> void putExtBlk(Output &out, const Record &record) {
-  putExtBlk(out, record.ext_blk, record.van_ext_blk_size, record.usr_ext_blk_size);
-}
+  template <class Form, class Item, class Holder, class Count>
+  int records(Form form, std::vector<Item> Holder::*member, Count count) {
+    for (const Item &item : counted(numberOf(record, count), record.*member))
+      put(form, item);
+    return 1;
+  }
 
-/// Writes a list that begins with the common header: header, size table, elements, blocks.
-template <class Element, class PutElement> void putList(Output &out, const List<Element> &list, PutElement putElement) {
-  putFixed<ListHead>(out, list);
-  putRun(out, list.num_byte, list.num);
-  for (const Element &element : counted(list.num, list.element))
-    putElement(out, element);
-  putExtBlk(out, list);
+  template <class Form, class Item, class Holder> int inner(Form form, Item Holder::*member) {
+    put(form, record.*member);
+    return 1;
+  }
+
+  int blocks() {
+    putBlocks(record.ext_blk, record);
+    return 1;
+  }
+
+  template <class Form, class Ext, class Holder> int blocks(Form, std::unique_ptr<Ext> Holder::*ext) {
+    if (!version_2 || record.*ext == nullptr)
+      return blocks();
+    putMakerBlock<typename Form::Head>(&out, record, record.*ext);
+    putUserBlock(record.ext_blk, record);
+    return 1;
+  }
+
+  template <class Holder> int blocksAround(ExtBlk Holder::*member) {
+    putBlocks(record.*member, around);
+    return 1;
+  }
+
+  /// Where that is less than the fixed words, what follows lies upon them.
+  template <class Holder> int header(Word Holder::*bytes) {
+    moveTo(out, begin + record.*bytes);
+    return 1;
+  }
+
+  template <class Text, class Holder, class Count> int absent(Text, Word Holder::*, Count) { return 1; }
+
+  template <class Holder> int refs(std::unique_ptr<Index[]> Holder::*) {
+    const std::array<AnimRef, REF_KIND_NUM> all = kvRefs(record);
+    for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind) {
+      if (refForm(record.tri_anim_type, kind) == RefForm::keys)
+        putFixed<Word>(out, all[kind].key_num);
+      putWords(out, all[kind].key.data(), all[kind].key.size_bytes());
+      putWords(out, all[kind].group_index.data(), all[kind].group_index.size_bytes());
+    }
+    return 1;
+  }
+
+  /// The ten words of data, of which those past the collision's own size are again those of what follows: that is
+  /// written over them. A collision with a wrong tag may hold no data, its read having ended there.
+  int data(CollData Coll::*member) {
+    const std::uint64_t start = out.offset;
+    const std::int64_t bytes =
+        std::int64_t{static_cast<Index>(record.coll_size)} - static_cast<Index>(record.coll_header_size);
+    if (record.coll_tag == COLL_TAG || record.*member != CollData{})
+      putFixed<CollData>(out, record.*member);
+    moveTo(out, start + static_cast<std::uint64_t>(std::max<std::int64_t>(bytes, 0)));
+    return 1;
+  }
+
+  template <class Holder> int texels(std::vector<unsigned char> Holder::*member, std::uint64_t) {
+    putBytes(out, (record.*member).data(), (record.*member).size());
+    return 1;
+  }
+
+  template <class Holder> int text(Words Holder::*member, std::uint64_t count) { return array(0, member, count); }
+
+private:
+  template <class Form, class Item> void put(Form, const Item &item) {
+    const typename Form::Head &head = item;
+    RecordWriter<Item, Record> writer{out, version_2, item, record, out.offset};
+    putWords(out, &head, Form::bytes);
+    content(writer, head);
+  }
+
+  template <class Sizes> void putUserBlock(const ExtBlk &blk, const Sizes &sizes) {
+    if (blk.words)
+      putRun(out, blk.words->usr, sizes.usr_ext_blk_size / sizeof(Word));
+  }
+
+  template <class Sizes> void putBlocks(const ExtBlk &blk, const Sizes &sizes) {
+    if (blk.words)
+      putRun(out, blk.words->van, sizes.van_ext_blk_size / sizeof(Word));
+    putUserBlock(blk, sizes);
+  }
+};
+
+/// Writes a list.
+template <class List> void putList(Output &out, const List &list, bool version_2) {
+  using Format = ListFormat<List>;
+  const typename Format::Head &head = list;
+  RecordWriter<List> writer{out, version_2, list, list, 0};
+  putWords(out, &head, sizeof head);
+  Format::content(writer, head);
 }
 
 } // namespace kova

@@ -1,8 +1,7 @@
 #include "kova/kb.h"
 
-#include "format/lists.h"
+#include "format/all.h"
 #include "writer/elements.h"
-#include "writer/lists.h"
 
 #include <algorithm>
 
@@ -15,52 +14,60 @@ template <WordRecord Head> bool anyWord(const Head &head) {
   const auto *const bytes = reinterpret_cast<const unsigned char *>(&head);
   return std::any_of(bytes, bytes + sizeof head, [](unsigned char byte) { return byte != 0; });
 }
-bool isHeld(const ListHead &list) { return anyWord(list); }
-bool isHeld(const TwoKindListHead &list) { return anyWord(list); }
-bool isHeld(const SceneHead &scene) { return anyWord(scene); }
-
-struct ListWriter {
-  const char *list;
-  void (*write)(Output &, const Kis &);
-  bool (*held)(const Kis &);
-};
-
-/// Of the record in the model and its writer.
-template <auto RECORD, auto WRITE> constexpr ListWriter listWriter(const char *list) {
-  return {list, [](Output &out, const Kis &kis) { WRITE(out, kis.*RECORD); },
-          [](const Kis &kis) { return isHeld(kis.*RECORD); }};
+bool anyListHeld(const Kis &kis) {
+  bool any = false;
+  eachList([&](const auto &row) {
+    using List = std::remove_cvref_t<decltype(kis.*row.list)>;
+    any = any || anyWord<typename ListFormat<List>::Head>(kis.*row.list);
+  });
+  return any;
 }
 
-constexpr auto WRITERS = inListOrder({
-    listWriter<&Kis::scene, writeSceneList>("SceneList"),
-    listWriter<&Kis::env, writeEnvList>("EnvList"),
-    listWriter<&Kis::cam, writeCamList>("CamList"),
-    listWriter<&Kis::light, writeLightList>("LightList"),
-    listWriter<&Kis::obj, writeObjList>("ObjList"),
-    listWriter<&Kis::shape, writeShapeList>("ShapeList"),
-    listWriter<&Kis::vtx, writeVtxList>("VtxList"),
-    listWriter<&Kis::tri, writeTriList>("TriList"),
-    listWriter<&Kis::color, writeColorList>("ColorList"),
-    listWriter<&Kis::vector, writeVectorList>("VectorList"),
-    listWriter<&Kis::st, writeStList>("StList"),
-    listWriter<&Kis::part, writePartList>("PartList"),
-    listWriter<&Kis::mat, writeMatList>("MatList"),
-    listWriter<&Kis::tex, writeTexList>("TexList"),
-    listWriter<&Kis::teximg, writeTeximgList>("TeximgList"),
-    listWriter<&Kis::anim, writeAnimList>("AnimList"),
-    listWriter<&Kis::coll, writeCollList>("CollList"),
-    listWriter<&Kis::switch_, writeSwitchList>("SwitchList"),
-    listWriter<&Kis::name, writeNameList>("NameList"),
-    listWriter<&Kis::ci_img, writeCiImgList>("CiImgList"),
-    listWriter<&Kis::color_palette, writeColorPaletteList>("ColorPaletteList"),
-    listWriter<&Kis::envelope, writeEnvelopeList>("EnvelopeList"),
-    listWriter<&Kis::cluster, writeClusterList>("ClusterList"),
-    listWriter<&Kis::weight, writeWeightList>("WeightList"),
-    listWriter<&Kis::chain_root, writeChainRootList>("ChainRootList"),
-    listWriter<&Kis::joint, writeJointList>("JointList"),
-    listWriter<&Kis::effector, writeEffectorList>("EffectorList"),
-    listWriter<&Kis::external_name, writeNameList>("ExternalNameList"),
-});
+/// Writes one list of a model.
+void writeList(Output &out, const Kis &kis, std::size_t list) {
+  std::size_t number = 0;
+  eachList([&](const auto &row) {
+    if (number++ == list)
+      putList(out, kis.*row.list, kvKOVAver(kis.file_header) == VERSION_2);
+  });
+}
+
+/// Finds out whether what is decoded of the maker blocks of a record's elements still fits them.
+template <class Record> struct MakerCheck : PassingIo {
+  const Record &record;
+  bool fits = true;
+
+  using PassingIo::blocks;
+  template <class Form, class Ext, class Holder> int blocks(Form, std::unique_ptr<Ext> Holder::*ext) {
+    if (record.*ext != nullptr)
+      fits = putMakerBlock<typename Form::Head>(nullptr, record, record.*ext);
+    return 1;
+  }
+
+  template <class Form, class Item, class Holder, class Count>
+  int records(Form, std::vector<Item> Holder::*member, Count count) {
+    for (const Item &item : counted(numberOf(record, count), record.*member)) {
+      MakerCheck<Item> check{{}, item};
+      const typename Form::Head &head = item;
+      content(check, head);
+      fits = fits && check.fits;
+    }
+    return 1;
+  }
+};
+
+/// @return whether all that is decoded of the maker blocks of a 2.0 file fits them: a program may have added to it.
+bool makerBlocksFit(const Kis &kis) {
+  bool fit = true;
+  eachList([&](const auto &row) {
+    const auto &list = kis.*row.list;
+    using Format = ListFormat<std::remove_cvref_t<decltype(list)>>;
+    MakerCheck<std::remove_cvref_t<decltype(list)>> check{{}, list};
+    Format::content(check, list);
+    fit = fit && check.fits;
+  });
+  return fit;
+}
 
 /// @return the bytes that the header's blocks take: one sum, which wraps.
 std::uint64_t sizeofBlocks(const FileHeader &header) { return Word{header.van_ext_blk_size + header.usr_ext_blk_size}; }
@@ -120,7 +127,7 @@ void writeLists(Output &out, const Kis &kis, std::uint64_t place) {
     if (size == 0)
       continue;
     beginList(out, std::min<std::uint64_t>(size, end - place));
-    WRITERS[list].write(out, kis);
+    writeList(out, kis, list);
     endList(out);
     place += size;
   }
@@ -132,10 +139,10 @@ void writeLists(Output &out, const Kis &kis, std::uint64_t place) {
 
 int kvWriteKb(std::FILE *stream, const Kis &kis) {
   const FileHeader &header = kis.file_header;
-  if (!canBeWritten(header))
+  if (!canBeWritten(header) || (kvKOVAver(header) == VERSION_2 && !makerBlocksFit(kis)))
     return 0;
   Output out(stream);
-  if (std::any_of(WRITERS.begin(), WRITERS.end(), [&](const ListWriter &list) { return list.held(kis); })) {
+  if (anyListHeld(kis)) {
     const std::uint64_t header_size = FILE_HEADER_BYTES + sizeofBlocks(header);
     writeHeader(out, header,
                 std::min<std::uint64_t>(header_size, std::max<std::uint64_t>(header.size, FILE_HEADER_BYTES)));

@@ -1,6 +1,8 @@
 /// Saving a file: a new one beside the target that takes its place when it is whole.
 #include "kova/kb.h"
 
+#include "reader/findings.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -17,11 +19,11 @@ namespace {
 
 /// How saving ended.
 struct Saved {
-  const char *message = nullptr; ///< null: the file is there
-  int reason = 0;                ///< the system's
+  enum Outcome { whole, notOpened, notWritten } outcome = whole;
+  int reason = 0; ///< the system's
 };
 
-Saved failed(const char *message) { return {message, errno}; }
+Saved failed(Saved::Outcome outcome) { return {outcome, errno}; }
 
 /// Holds back the signals that would end the process while its new file is there under a name that nobody knows. Where
 /// the file has become too large, saving fails instead.
@@ -173,11 +175,11 @@ Saved saveNew(const Writing &write, const std::string &target, Existing existing
   const HeldSignals held;
   NewFile file;
   if (!create(file, folderOf(target), mode))
-    return failed(OUTPUT_OPEN_ERROR);
+    return failed(Saved::notOpened);
   if (!writeToDisk(file, write))
-    return failed(OUTPUT_WRITE_ERROR);
+    return failed(Saved::notWritten);
   const bool named = existing == Existing::refuse ? takeFreeName(file, target) : takeName(file, target);
-  return named ? Saved{} : failed(OUTPUT_WRITE_ERROR);
+  return named ? Saved{} : failed(Saved::notWritten);
 }
 
 /// Puts a new file in the place of a regular one.
@@ -186,23 +188,23 @@ Saved replaceFile(const Writing &write, const std::string &target, const struct 
   NewFile file;
   // Until it has the permissions of the old one, nobody else may read it.
   if (!mayWrite(target) || !create(file, folderOf(target), 0600) || !resemble(file, old))
-    return failed(OUTPUT_OPEN_ERROR);
-  return writeToDisk(file, write) && takeName(file, target) ? Saved{} : failed(OUTPUT_WRITE_ERROR);
+    return failed(Saved::notOpened);
+  return writeToDisk(file, write) && takeName(file, target) ? Saved{} : failed(Saved::notWritten);
 }
 
 /// Writes to what cannot be replaced: a device, a pipe that somebody reads.
 Saved writeInPlace(const Writing &write, const char *path) {
   const int descriptor = ::open(path, O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); // does not wait for a reader
   if (descriptor < 0)
-    return failed(OUTPUT_OPEN_ERROR);
+    return failed(Saved::notOpened);
   Stream stream(::fcntl(descriptor, F_SETFL, 0) == 0 ? ::fdopen(descriptor, "wb") : nullptr);
   if (!stream) {
     ::close(descriptor);
-    return failed(OUTPUT_OPEN_ERROR);
+    return failed(Saved::notOpened);
   }
   if (write(stream.get()) == 0)
-    return failed(OUTPUT_WRITE_ERROR);
-  return closeStream(stream) ? Saved{} : failed(OUTPUT_WRITE_ERROR);
+    return failed(Saved::notWritten);
+  return closeStream(stream) ? Saved{} : failed(Saved::notWritten);
 }
 
 /// Saves a file whole or not at all, unless the target is one that cannot be replaced.
@@ -215,17 +217,17 @@ Saved save(const char *path, Existing existing, mode_t mode, const Writing &writ
       if (::lstat(path, &status) != 0)
         return saveNew(write, target, existing, mode);
       errno = EEXIST;
-      return failed(OUTPUT_OPEN_ERROR);
+      return failed(Saved::notOpened);
     }
     const bool exists = ::stat(path, &status) == 0;
     if (exists && !S_ISREG(status.st_mode))
       return writeInPlace(write, path);
     if ((!exists && errno != ENOENT) || !followLinks(target))
-      return failed(OUTPUT_OPEN_ERROR);
+      return failed(Saved::notOpened);
     return exists ? replaceFile(write, target, status) : saveNew(write, target, existing, mode);
   } catch (const std::exception &) { // the memory for a path
     errno = ENOMEM;
-    return failed(OUTPUT_OPEN_ERROR);
+    return failed(Saved::notOpened);
   }
 }
 
@@ -233,15 +235,21 @@ Saved save(const char *path, Existing existing, mode_t mode, const Writing &writ
 
 int kvSaveAsKb(const Kis &kis, const char *path) {
   const Saved saved = save(path, Existing::replace, 0666, [&](std::FILE *stream) { return kvWriteKb(stream, kis); });
-  if (saved.message != nullptr)
-    std::fputs(saved.message, stderr);
-  return saved.message == nullptr ? 1 : 0;
+  switch (saved.outcome) {
+  case Saved::notOpened:
+    return report<"output-open">({}, {});
+  case Saved::notWritten:
+    return report<"output-write">({}, {});
+  case Saved::whole:
+    break;
+  }
+  return 1;
 }
 
 int kvSaveFile(const char *path, Existing existing, unsigned mode, const Writing &write) {
   const Saved saved = save(path, existing, mode, write);
   errno = saved.reason;
-  return saved.message == nullptr ? 1 : 0;
+  return saved.outcome == Saved::whole ? 1 : 0;
 }
 
 int kvSaveBytes(std::span<const unsigned char> bytes, const char *path, Existing existing, unsigned mode) {

@@ -2,8 +2,10 @@
 ///
 /// Words are written as the model holds them, also wrong ones: tags, indices, counts and sizes. So a damaged file that
 /// was loaded comes back as damaged as it was. Nothing is computed anew; whoever changes the number of something keeps
-/// the sizes right with `kvAdjustListSizeData`. Maker blocks are written from their raw words, not from what was
-/// decoded from them; only the nine sizes of the version-2 lists are taken from the header's table.
+/// the sizes right with `kvAdjustListSizeData`. The maker blocks of a 2.0 file are written from what was decoded from
+/// them (`ext`, and the nine sizes in the header), followed by the other words of the block as they were read. A block
+/// that was too short for its counts stays as long as it was. What a program adds must fit the block: whoever needs
+/// more room raises `van_ext_blk_size`, and words that the block does not have yet are zeros.
 ///
 /// A file for which `kvOpenKb` returned 1 comes back byte for byte, but for the bytes that no record takes in. The
 /// model does not hold them, and they are written as zeros:
@@ -30,8 +32,9 @@ namespace kova {
 
 /// Writes a model of version 1.0 or 2.0 to the stream's position and flushes the stream, which stays open. Asks for no
 /// memory.
-/// @return 1; 0 where the stream fails, and 0 with nothing written for a model of another version, or of a 2.0 file
-/// with version-2 lists whose version-1 sizes add up to more than 32 bits (its lists lie upon each other).
+/// @return 1; 0 where the stream fails, and 0 with nothing written for a model of another version, of a 2.0 file with
+/// version-2 lists whose version-1 sizes add up to more than 32 bits (its lists lie upon each other), or of a 2.0 file
+/// where something in the `ext` of a record does not fit its maker block.
 KOVA_API int kvWriteKb(std::FILE *stream, const Kis &kis);
 
 /// Writes the model to the file at `path`, whole or not at all: to a new file in the same folder, which is flushed to

@@ -1,0 +1,153 @@
+/// Writing the maker blocks of a 2.0 file: from what is decoded of them, then the words behind it as they were read.
+#pragma once
+
+#include "format/content.h"
+#include "writer/output.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace kova {
+
+/// Goes over a maker block by what is decoded of it. A block that was shorter than its counts call for is as long as it
+/// was; the words that could not be decoded there, such as the first words of pairs that were cut off, stay those that
+/// were read.
+/// @tparam Ext what is decoded
+/// @tparam Around the record that has the block
+template <class Ext, class Around> struct MakerWriter : PassingIo {
+  Output *out; ///< null: nothing is written, it is only seen whether all fits
+  const Ext &ext;
+  const Around &around;
+  std::span<const Word> read; ///< the block as it was read
+  std::uint64_t room;         ///< words of the block
+  std::uint64_t position = 0; ///< in words
+  bool fits = true;           ///< whether all that is decoded lies inside the block
+
+  std::uint64_t inside(std::uint64_t words) const { return position < room ? std::min(words, room - position) : 0; }
+
+  /// The words of a run at the present position that the block had when it was read.
+  std::uint64_t wasRead(std::uint64_t words) const {
+    return position < read.size() ? std::min<std::uint64_t>(words, read.size() - position) : 0;
+  }
+
+  /// Puts decoded words. Zeros that the block did not have are only passed: where its reading ended before it,
+  /// something else may lie there.
+  void put(const void *words, std::uint64_t count) {
+    const std::uint64_t taken = inside(count);
+    fits = fits && taken == count;
+    if (out != nullptr) {
+      const auto *const from = static_cast<const unsigned char *>(words);
+      const auto known = static_cast<std::size_t>(wasRead(taken)) * sizeof(Word);
+      putWords(*out, from, known);
+      for (std::size_t at = known; at < taken * sizeof(Word); at += sizeof(Word))
+        putUnlessZero(from + at);
+    }
+    position += count;
+  }
+
+  void putUnlessZero(const unsigned char *from) {
+    constexpr unsigned char ZERO[sizeof(Word)] = {};
+    if (std::memcmp(from, ZERO, sizeof ZERO) == 0)
+      moveTo(*out, out->offset + sizeof(Word));
+    else
+      putWords(*out, from, sizeof(Word));
+  }
+
+  /// Puts words that are not decoded where they stand; those that were not read, either, are passed.
+  void keep(std::uint64_t count) {
+    const std::uint64_t taken = inside(count);
+    if (out != nullptr && taken > 0) {
+      const std::uint64_t end = out->offset + taken * sizeof(Word);
+      putWords(*out, read.data() + (wasRead(1) != 0 ? position : 0),
+               static_cast<std::size_t>(wasRead(taken)) * sizeof(Word));
+      moveTo(*out, end);
+    }
+    position += count;
+  }
+
+  /// Puts the fixed words. Those beyond the block are 0 unless a program has set them.
+  template <class Head> void putHead(const Head &head) {
+    const auto words = std::bit_cast<std::array<Word, sizeof(Head) / sizeof(Word)>>(head);
+    const auto taken = static_cast<std::size_t>(inside(words.size()));
+    fits = std::all_of(words.begin() + static_cast<std::ptrdiff_t>(taken), words.end(),
+                       [](Word word) { return word == 0; });
+    put(words.data(), taken);
+    position = words.size();
+  }
+
+  template <class Text, class Item, class Holder, class Count>
+  int array(Text, std::vector<Item> Holder::*member, Count count, To = To::nothing) {
+    constexpr std::uint64_t WORDS_EACH = sizeof(Item) / sizeof(Word);
+    const std::uint64_t number = numberOf(ext, count);
+    const auto held = counted(number, ext.*member);
+    put(held.data(), held.size() * WORDS_EACH);
+    keep((number - held.size()) * WORDS_EACH);
+    return 1;
+  }
+
+  template <class Form, class Item, class Holder, class Count>
+  int run(Form form, std::vector<Item> Holder::*member, Count count) {
+    return array(form, member, count);
+  }
+
+  template <class Text, class Item, class Holder, class Count>
+  int pairs(Text, std::vector<Item> Holder::*member, Count count, To) {
+    const std::uint64_t number = numberOf(ext, count);
+    const auto held = counted(number, ext.*member);
+    for (std::size_t word = 0; word < sizeof(Item) / sizeof(Word); ++word) {
+      for (const Item &item : held)
+        put(reinterpret_cast<const unsigned char *>(&item) + word * sizeof(Word), 1);
+      keep(number - held.size());
+    }
+    return 1;
+  }
+
+  Word tiles() const { return kvCiTileNum(around); }
+};
+
+/// Measures what a maker block begins with, as its counts call for it.
+template <class Head, class Around> struct MakerMeasure : PassingIo {
+  const Head &head;
+  const Around &around;
+  std::uint64_t words = sizeof(Head) / sizeof(Word);
+
+  template <class Text, class Item, class Holder, class Count, class... Target>
+  int array(Text, std::vector<Item> Holder::*, Count count, Target...) {
+    words += numberOf(head, count) * (sizeof(Item) / sizeof(Word));
+    return 1;
+  }
+  template <class... Arguments> int run(const Arguments &...all) { return array(all...); }
+  template <class... Arguments> int pairs(const Arguments &...all) { return array(all...); }
+
+  Word tiles() const { return kvCiTileNum(around); }
+};
+
+/// @return the words of a block behind what it begins with, as they were read.
+template <class Head, class Around>
+std::span<const Word> wordsBehind(std::span<const Word> read, const Around &around) {
+  std::array<Word, sizeof(Head) / sizeof(Word)> words{};
+  std::copy_n(read.begin(), std::min(read.size(), words.size()), words.begin());
+  const auto head = std::bit_cast<Head>(words);
+  MakerMeasure<Head, Around> measure{{}, head, around};
+  content(measure, head);
+  return read.subspan(static_cast<std::size_t>(std::min<std::uint64_t>(measure.words, read.size())));
+}
+
+/// Goes over the maker block of a record that has one decoded. @return whether it has room for everything.
+template <class Head, class Record, class Ext>
+bool putMakerBlock(Output *out, const Record &record, const std::unique_ptr<Ext> &ext) {
+  const std::uint64_t room = record.van_ext_blk_size / sizeof(Word);
+  const std::span<const Word> held = vanExtBlk(record.ext_blk);
+  const auto read = held.first(static_cast<std::size_t>(std::min<std::uint64_t>(room, held.size())));
+  MakerWriter<Ext, Record> writer{{}, out, *ext, record, read, room};
+  const Head &head = *ext;
+  writer.putHead(head);
+  content(writer, head);
+  const std::span<const Word> behind = wordsBehind<Head>(read, record);
+  if (!behind.empty())
+    writer.put(behind.data(), behind.size());
+  writer.keep(writer.inside(room));
+  return writer.fits;
+}
+
+} // namespace kova
