@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <initializer_list>
 #include <unistd.h>
 
@@ -17,10 +18,36 @@ Descriptor openToRead(const char *path) {
   return Descriptor(::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
 }
 
+std::optional<Identity> identityOf(const std::string &path) {
+  struct stat status;
+  return ::stat(path.c_str(), &status) == 0 ? std::optional(identityOf(status)) : std::nullopt;
+}
+
+std::string targetOf(const std::string &path) {
+  constexpr int MOST_LINKS = 40;
+  std::error_code error;
+  std::filesystem::path target = std::filesystem::absolute(path, error);
+  for (int i = 0; i < MOST_LINKS && std::filesystem::is_symlink(target, error); ++i)
+    target = target.parent_path() / std::filesystem::read_symlink(target, error);
+  const std::filesystem::path whole = std::filesystem::weakly_canonical(target, error);
+  return error ? target.string() : whole.string();
+}
+
 void occupyStandardStreams() {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
     if (::fcntl(stream, F_GETFD) < 0 && errno == EBADF)
       ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY); // takes the lowest number that is free
+}
+
+int writeWhole(const Descriptor &file, const void *bytes, std::size_t size) {
+  const auto *const from = static_cast<const char *>(bytes);
+  for (std::size_t done = 0; done < size;) {
+    const ssize_t put = ::write(file.number, from + done, size - done);
+    if (put < 0 && errno != EINTR)
+      return errno;
+    done += static_cast<std::size_t>(put < 0 ? 0 : put);
+  }
+  return 0;
 }
 
 const char *readWhole(const Descriptor &file, std::size_t bytes, unsigned char *to) {

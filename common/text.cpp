@@ -33,7 +33,8 @@ constexpr std::array<Sequence, 8> SEQUENCES = {{{0xc2, 0xdf, 0x80, 0xbf, 2},
                                                 {0xf1, 0xf3, 0x80, 0xbf, 4},
                                                 {0xf4, 0xf4, 0x80, 0x8f, 4}}};
 
-/// @return the bytes of the UTF-8 character that the text begins with; 0 if it begins with none.
+} // namespace
+
 std::size_t characterBytes(std::string_view text) {
   const auto at = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
   if (at(0) < 0x80)
@@ -50,8 +51,6 @@ std::size_t characterBytes(std::string_view text) {
   }
   return 0;
 }
-
-} // namespace
 
 std::string printable(std::string_view bytes) {
   std::string text;

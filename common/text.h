@@ -14,6 +14,9 @@ std::string printable(std::string_view bytes);
 /// For JSON: each byte that is not part of valid UTF-8, and each backslash, becomes `\xHH`. The result is valid UTF-8.
 std::string escaped(std::string_view bytes);
 
+/// @return the bytes of the UTF-8 character that a text begins with; 0 if it begins with none. The text is not empty.
+std::size_t characterBytes(std::string_view text);
+
 /// @return the bytes that `printable` or `escaped` have made the text of; none for a text that neither has made.
 std::optional<std::string> unescaped(std::string_view text);
 

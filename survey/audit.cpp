@@ -17,17 +17,17 @@ namespace kova::survey {
 
 namespace {
 
-void refuse(FileResult &record, Reason reason, std::string detail) {
-  record.verdict = Verdict::none;
-  record.reason = reason;
-  record.detail = std::move(detail);
+void refuse(FileResult &result, Reason reason, std::string detail) {
+  result.verdict = Verdict::none;
+  result.reason = reason;
+  result.detail = std::move(detail);
 }
 
-/// Puts a finding of the library into the record. Its text, which can be as long as a list, is made only if it is kept.
-void receive(FileResult &record, const Finding &finding) {
-  if (!countFinding(record, finding.row->id))
+/// Puts a finding of the library into the result. Its text, which can be as long as a list, is made only if it is kept.
+void receive(FileResult &result, const Finding &finding) {
+  if (!countFinding(result, finding.row->id))
     return;
-  keepFinding(record, {.id = finding.row->id,
+  keepFinding(result, {.id = finding.row->id,
                        .stage = finding.row->stage,
                        .severity = finding.row->severity,
                        .list = finding.list != nullptr ? finding.list : "",
@@ -38,7 +38,7 @@ void receive(FileResult &record, const Finding &finding) {
                        .text = kvFindingText(finding)});
 }
 
-bool has(const FileResult &record, const char *id) { return record.counts.contains(id); }
+bool has(const FileResult &result, const char *id) { return result.counts.contains(id); }
 
 /// @return a stream of an open file, for which nothing is opened: what lies at the path by now may be another file.
 Stream streamOf(const Descriptor &file) {
@@ -49,82 +49,82 @@ Stream streamOf(const Descriptor &file) {
   return stream;
 }
 
-/// Loads a file of `record.bytes` bytes. @return what the library returns; 0 with a reason in the record if it cannot
+/// Loads a file of `result.bytes` bytes. @return what the library returns; 0 with a reason in the result if it cannot
 /// be read.
-int load(const Descriptor &file, FileResult &record, Kis &kis, Workspace &workspace) {
-  if (record.bytes > SMALL_FILE) {
+int load(const Descriptor &file, FileResult &result, Kis &kis, Workspace &workspace) {
+  if (result.bytes > SMALL_FILE) {
     if (const Stream stream = streamOf(file))
-      return kvOpenKbStream(stream.get(), record.path.c_str(), kis);
-    refuse(record, Reason::unreadable, std::strerror(errno));
+      return kvOpenKbStream(stream.get(), result.path.c_str(), kis);
+    refuse(result, Reason::unreadable, std::strerror(errno));
     return 0;
   }
-  const auto bytes = static_cast<std::size_t>(record.bytes);
+  const auto bytes = static_cast<std::size_t>(result.bytes);
   if (!workspace.bytes)
     workspace.bytes = std::make_unique_for_overwrite<unsigned char[]>(SMALL_FILE);
   if (const char *const error = readWhole(file, bytes, workspace.bytes.get())) {
-    refuse(record, Reason::unreadable, error);
+    refuse(result, Reason::unreadable, error);
     return 0;
   }
-  return kvOpenKbMemory({workspace.bytes.get(), bytes}, record.path.c_str(), kis);
+  return kvOpenKbMemory({workspace.bytes.get(), bytes}, result.path.c_str(), kis);
 }
 
 /// A header of an unknown version is taken for one of the format if the rest of it fits the file.
-void refuseVersion(FileResult &record, const FileHeader &header) {
-  if (record.bytes < FILE_HEADER_BYTES || header.header_tag != 0 || header.size != record.bytes)
-    return refuse(record, Reason::not_kova, "");
+void refuseVersion(FileResult &result, const FileHeader &header) {
+  if (result.bytes < FILE_HEADER_BYTES || header.header_tag != 0 || header.size != result.bytes)
+    return refuse(result, Reason::not_kova, "");
   char text[32];
   std::snprintf(text, sizeof text, "version word %#010x", header.version);
-  refuse(record, Reason::other_version, text);
+  refuse(result, Reason::other_version, text);
 }
 
-bool hasChanged(const Descriptor &file, const FileResult &record) {
+bool hasChanged(const Descriptor &file, const FileResult &result) {
   struct stat status;
-  return ::fstat(file.number, &status) != 0 || static_cast<std::uint64_t>(status.st_size) != record.bytes ||
-         fileTime(status.st_mtim) != record.modified;
+  return ::fstat(file.number, &status) != 0 || static_cast<std::uint64_t>(status.st_size) != result.bytes ||
+         fileTime(status.st_mtim) != result.modified;
 }
 
 /// Loads and checks an opened file; findings go to the receiver in place.
-void judge(const Descriptor &file, FileResult &record, Workspace &workspace) {
+void judge(const Descriptor &file, FileResult &result, Workspace &workspace) {
   const KisHandle kis = kvNewKis();
   if (!kis)
-    return refuse(record, Reason::no_memory, "");
-  int ok = load(file, record, *kis, workspace);
-  if (record.reason != Reason::has_verdict)
+    return refuse(result, Reason::no_memory, "");
+  int ok = load(file, result, *kis, workspace);
+  if (result.reason != Reason::has_verdict)
     return;
-  if (has(record, "input-read"))
-    return refuse(record, Reason::unreadable, "");
-  if (hasChanged(file, record))
-    return refuse(record, Reason::unreadable, FILE_HAS_CHANGED);
-  if (has(record, "out-of-memory"))
-    return refuse(record, Reason::no_memory, "");
+  if (has(result, "input-read"))
+    return refuse(result, Reason::unreadable, "");
+  if (hasChanged(file, result))
+    return refuse(result, Reason::unreadable, FILE_HAS_CHANGED);
+  if (has(result, "out-of-memory"))
+    return refuse(result, Reason::no_memory, "");
   const Word version = kvKOVAver(kis->file_header);
   if (version != VERSION_1 && version != VERSION_2)
-    return refuseVersion(record, kis->file_header);
-  record.version = version == VERSION_1 ? Version::one : Version::two;
+    return refuseVersion(result, kis->file_header);
+  result.version = version == VERSION_1 ? Version::one : Version::two;
   ok *= checkKOVA(*kis); // what could be read is checked, also after a failed load
-  if (record.deep)
-    deepCheck(*kis, record);
-  record.verdict = ok != 0 ? Verdict::ok : Verdict::err;
+  if (result.deep)
+    deepCheck(*kis, result);
+  result.verdict = ok != 0 ? Verdict::ok : Verdict::err;
 }
 
 /// Finds out whether kbrepair could mend a file that was judged. The model of the audit is gone: beside the bytes of
 /// the file there is one model at a time.
-Repair repairOf(const Descriptor &file, FileResult &record, const Workspace &workspace) {
+Repair repairOf(const Descriptor &file, FileResult &result, const Workspace &workspace) {
   std::vector<unsigned char> bytes;
-  if (record.bytes > bytes.max_size())
+  if (result.bytes > MOST_REPAIR_BYTES)
     return Repair::unknown;
-  const auto size = static_cast<std::size_t>(record.bytes);
-  if (record.bytes <= SMALL_FILE)
+  const auto size = static_cast<std::size_t>(result.bytes);
+  if (result.bytes <= SMALL_FILE)
     bytes.assign(workspace.bytes.get(), workspace.bytes.get() + size); // as they were loaded
   else if (bytes.resize(size); readWhole(file, size, bytes.data()) != nullptr)
     return Repair::unknown;
   // Also with the salvage, a file is mended without a loss if it can be.
-  const repair::Result result = repair::mend(bytes, {.salvage = true});
-  switch (result.outcome) {
+  const repair::Result mending = repair::mend(bytes, {.salvage = true});
+  switch (mending.outcome) {
   case repair::Outcome::good: // it has changed
     return Repair::unknown;
   case repair::Outcome::mended:
-    record.repair_words = result.changes.size() + result.undone.size();
+    result.repair_words = mending.changes.size() + mending.undone.size();
     return Repair::mended;
   case repair::Outcome::salvaged:
     return Repair::salvaged;
@@ -136,42 +136,42 @@ Repair repairOf(const Descriptor &file, FileResult &record, const Workspace &wor
 }
 
 /// Answers whether the file can be mended. If there is no memory for that, only this answer is lost.
-void answerRepair(const Descriptor &file, FileResult &record, const Workspace &workspace) {
+void answerRepair(const Descriptor &file, FileResult &result, const Workspace &workspace) {
   try {
-    record.repair = needsRepair(record) ? repairOf(file, record, workspace) : Repair::needless;
+    result.repair = needsRepair(result) ? repairOf(file, result, workspace) : Repair::needless;
   } catch (const std::exception &) {
-    record.repair = Repair::unknown;
+    result.repair = Repair::unknown;
   }
 }
 
 /// Judges a file, and keeps what is found.
-void judgeAndKeep(const Descriptor &file, FileResult &record, Workspace &workspace) {
+void judgeAndKeep(const Descriptor &file, FileResult &result, Workspace &workspace) {
   bool lost = false; // no memory for what was found
   const FindingReceiver receiver([&](const Finding &finding) {
     try {
-      receive(record, finding);
+      receive(result, finding);
     } catch (const std::exception &) {
       lost = true;
     }
   });
-  judge(file, record, workspace);
+  judge(file, result, workspace);
   if (lost)
-    refuse(record, Reason::no_memory, "");
+    refuse(result, Reason::no_memory, "");
 }
 
 /// Opens a file, judges it and answers what was asked. Only a regular file is read.
-void openAndJudge(FileResult &record, Workspace &workspace) {
-  const Descriptor file = openToRead(record.path.c_str());
+void openAndJudge(FileResult &result, Workspace &workspace) {
+  const Descriptor file = openToRead(result.path.c_str());
   struct stat status;
   if (file.number < 0 || ::fstat(file.number, &status) != 0)
-    return refuse(record, Reason::unreadable, std::strerror(errno));
+    return refuse(result, Reason::unreadable, std::strerror(errno));
   if (!S_ISREG(status.st_mode))
-    return refuse(record, Reason::unreadable, "not a regular file");
-  record.bytes = static_cast<std::uint64_t>(status.st_size);
-  record.modified = fileTime(status.st_mtim);
-  judgeAndKeep(file, record, workspace);
-  if (record.repair != Repair::not_asked)
-    answerRepair(file, record, workspace);
+    return refuse(result, Reason::unreadable, "not a regular file");
+  result.bytes = static_cast<std::uint64_t>(status.st_size);
+  result.modified = fileTime(status.st_mtim);
+  judgeAndKeep(file, result, workspace);
+  if (result.repair != Repair::not_asked)
+    answerRepair(file, result, workspace);
 }
 
 } // namespace
@@ -181,24 +181,24 @@ FileTime fileTime(const struct timespec &time) {
 }
 
 FileResult audit(Input input, Questions asked, Workspace &workspace) noexcept {
-  FileResult record; // nothing is copied: there is a record also where memory has run out
-  record.path = std::move(input.path);
-  record.bytes = input.bytes;
-  record.modified = input.modified;
-  record.deep = asked.deep;
+  FileResult result; // nothing is copied: there is a result also where memory has run out
+  result.path = std::move(input.path);
+  result.bytes = input.bytes;
+  result.modified = input.modified;
+  result.deep = asked.deep;
   if (asked.repairable)
-    record.repair = Repair::needless;
+    result.repair = Repair::needless;
   try {
     if (!input.error.empty())
-      refuse(record, input.folder ? Reason::unreadable_folder : Reason::unreadable, std::move(input.error));
+      refuse(result, input.folder ? Reason::unreadable_folder : Reason::unreadable, std::move(input.error));
     else
-      openAndJudge(record, workspace);
+      openAndJudge(result, workspace);
   } catch (const std::exception &) {
-    refuse(record, Reason::no_memory, "");
+    refuse(result, Reason::no_memory, "");
   }
-  if (record.reason == Reason::no_memory) // what was found says little, and takes the memory that is short
-    record.findings = {};
-  return record;
+  if (result.reason == Reason::no_memory) // what was found says little, and takes the memory that is short
+    result.findings = {};
+  return result;
 }
 
 } // namespace kova::survey

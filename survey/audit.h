@@ -1,6 +1,7 @@
 /// The audit of one file.
 #pragma once
 
+#include "common/file.h"
 #include "survey/file_result.h"
 
 #include <memory>
@@ -13,6 +14,7 @@ struct Input {
   std::uint64_t bytes = 0;
   std::optional<FileTime> modified = {};
   std::string error = {}; ///< why it cannot be read; empty if it can, as far as is known
+  Identity identity = {}; ///< of a file that is there
   bool folder = false;    ///< it is a folder, which is only here because it cannot be read
 };
 
@@ -21,6 +23,9 @@ FileTime fileTime(const struct timespec &time);
 
 /// Small files are read whole, with one call, before they are loaded.
 inline constexpr std::size_t SMALL_FILE = 1024 * 1024;
+
+/// Of larger files it is not known whether they can be mended: that takes the memory of the file and of its model.
+inline constexpr std::uint64_t MOST_REPAIR_BYTES = 256 * 1024 * 1024;
 
 /// What is asked beyond the verdict.
 struct Questions {

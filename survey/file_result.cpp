@@ -6,22 +6,22 @@
 
 namespace kova::survey {
 
-bool countFinding(FileResult &record, const char *id) {
-  ++record.counts[id];
-  return record.findings.size() < MOST_FINDINGS;
+bool countFinding(FileResult &result, const char *id) {
+  ++result.counts[id];
+  return result.findings.size() < MOST_FINDINGS;
 }
 
-void keepFinding(FileResult &record, KeptFinding &&finding) {
+void keepFinding(FileResult &result, KeptFinding &&finding) {
   if (finding.text.size() > MOST_TEXT) {
     finding.text.resize(MOST_TEXT - 3);
     finding.text += "...";
   }
-  record.findings.push_back(std::move(finding));
+  result.findings.push_back(std::move(finding));
 }
 
-std::uint64_t findingCount(const FileResult &record) {
+std::uint64_t findingCount(const FileResult &result) {
   std::uint64_t sum = 0;
-  for (const auto &[id, count] : record.counts)
+  for (const auto &[id, count] : result.counts)
     sum += count;
   return sum;
 }

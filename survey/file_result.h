@@ -38,6 +38,9 @@ inline constexpr const char *REPAIR_NAMES[] = {"", "", "mended", "salvaged", "no
 inline constexpr const char *REPAIR_TEXTS[] = {
     "", "", "can be mended", "can be salvaged", "cannot be mended", "unknown whether it can be mended"};
 
+inline constexpr const char *STAGE_NAMES[] = {"load", "check"};
+inline constexpr const char *SEVERITY_NAMES[] = {"error", "warning"};
+
 /// A finding that is kept when the library has forgotten it.
 struct KeptFinding {
   std::string id = {};
@@ -73,21 +76,18 @@ struct FileResult {
 };
 
 /// Counts a finding. @return whether there is room to keep it, too: of many, only the first are kept.
-bool countFinding(FileResult &record, const char *id);
+bool countFinding(FileResult &result, const char *id);
 
 /// Keeps a finding that was counted; a long text is cut.
-void keepFinding(FileResult &record, KeptFinding &&finding);
+void keepFinding(FileResult &result, KeptFinding &&finding);
 
 /// @return the number of findings, also of those not kept.
-std::uint64_t findingCount(const FileResult &record);
+std::uint64_t findingCount(const FileResult &result);
 
 /// @return whether there is something to mend: only in a file of the format, whatever its version, that was read.
-inline bool needsRepair(const FileResult &record) {
-  return record.verdict == Verdict::err || record.reason == Reason::other_version;
+inline bool needsRepair(const FileResult &result) {
+  return result.verdict == Verdict::err || result.reason == Reason::other_version;
 }
-
-/// The order of all reports: by path, byte by byte.
-inline bool pathLess(const FileResult &a, const FileResult &b) { return a.path < b.path; }
 
 /// @return the row of a finding's id, also one of the deep checks; null for an id of another version of the program.
 const FindingRow *rowOf(const char *id);

@@ -1,56 +1,61 @@
 #include "survey/junit.h"
 
 #include "common/text.h"
-#include "survey/summary.h"
 
 #include <pugixml.hpp>
-#include <sstream>
 
 namespace kova::survey {
 
 namespace {
 
 /// @return the findings, one a line.
-std::string findingLines(const FileResult &record) {
+std::string findingLines(const FileResult &result) {
   std::string lines;
-  for (const KeptFinding &finding : record.findings)
+  for (const KeptFinding &finding : result.findings)
     lines += printable(finding.id) + ": " + oneLine(finding.text) + '\n';
-  const std::uint64_t more = findingCount(record) - record.findings.size();
+  const std::uint64_t more = findingCount(result) - result.findings.size();
   return more == 0 ? lines : lines + std::to_string(more) + " more\n";
 }
 
-void appendCase(pugi::xml_node suite, const FileResult &record) {
-  pugi::xml_node test = suite.append_child("testcase");
+/// A file that is not written any more once it has failed.
+struct Writer : pugi::xml_writer {
+  std::FILE *to;
+  bool ok = true;
+
+  explicit Writer(std::FILE *file) : to(file) {}
+  void write(const void *data, std::size_t size) override { ok = ok && std::fwrite(data, 1, size, to) == size; }
+};
+
+void writeCase(Writer &writer, const FileResult &file) {
+  pugi::xml_document document;
+  pugi::xml_node test = document.append_child("testcase");
   test.append_attribute("classname") = "kbsurvey";
-  test.append_attribute("name") = printable(record.path).c_str();
-  if (record.verdict == Verdict::ok)
-    return;
-  pugi::xml_node result = test.append_child(record.verdict == Verdict::err ? "failure" : "error");
-  result.append_attribute("type") =
-      record.verdict == Verdict::err ? "ERR" : REASON_NAMES[static_cast<std::size_t>(record.reason)];
-  result.append_attribute("message") = whatIsWrong(record).c_str();
-  result.text() = findingLines(record).c_str();
+  test.append_attribute("name") = printable(file.path).c_str();
+  if (file.verdict != Verdict::ok) {
+    const bool err = file.verdict == Verdict::err;
+    pugi::xml_node result = test.append_child(err ? "failure" : "error");
+    result.append_attribute("type") = err ? "ERR" : REASON_NAMES[static_cast<std::size_t>(file.reason)];
+    result.append_attribute("message") = whatIsWrong(file).c_str();
+    result.text() = findingLines(file).c_str();
+  }
+  constexpr unsigned DEPTH = 2;
+  test.print(writer, "  ", pugi::format_default, pugi::encoding_utf8, DEPTH);
 }
+
+void put(Writer &writer, std::string_view text) { writer.write(text.data(), text.size()); }
 
 } // namespace
 
-std::string junitReport(const std::vector<FileResult> &records) {
-  const Tally tally = tallyOf(records);
-  pugi::xml_document document;
-  pugi::xml_node declaration = document.append_child(pugi::node_declaration);
-  declaration.append_attribute("version") = "1.0";
-  declaration.append_attribute("encoding") = "UTF-8";
-  pugi::xml_node suites = document.append_child("testsuites");
-  pugi::xml_node suite = suites.append_child("testsuite");
-  suite.append_attribute("name") = "kbsurvey";
-  suite.append_attribute("tests") = static_cast<unsigned long long>(tally.files);
-  suite.append_attribute("failures") = static_cast<unsigned long long>(tally.of(Verdict::err));
-  suite.append_attribute("errors") = static_cast<unsigned long long>(tally.of(Verdict::none));
-  for (const FileResult &record : records)
-    appendCase(suite, record);
-  std::ostringstream text;
-  document.save(text, "  ");
-  return text.str();
+int writeJunit(std::FILE *to, const Tally &tally, const EachResult &each) {
+  Writer writer(to);
+  put(writer, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites>\n  <testsuite name=\"kbsurvey\" tests=\"" +
+                  std::to_string(tally.files) + "\" failures=\"" + std::to_string(tally.of(Verdict::err)) +
+                  "\" errors=\"" + std::to_string(tally.of(Verdict::none)) + "\"");
+  put(writer, tally.files == 0 ? " />\n" : ">\n");
+  if (each([&](const FileResult &file) { writeCase(writer, file); }) == 0)
+    return 0;
+  put(writer, tally.files == 0 ? "</testsuites>\n" : "  </testsuite>\n</testsuites>\n");
+  return writer.ok ? 1 : 0;
 }
 
 } // namespace kova::survey

@@ -1,11 +1,15 @@
 /// The JUnit report, which build servers show.
 #pragma once
 
-#include "survey/file_result.h"
+#include "survey/summary.h"
+
+#include <cstdio>
 
 namespace kova::survey {
 
-/// @return the report as XML. A file that is ERR is a failure, one without a verdict an error. Paths are printable.
-std::string junitReport(const std::vector<FileResult> &records);
+/// Writes the report as XML. A file that is ERR is a failure, one without a verdict an error. Paths are printable.
+/// @param each hands on the results in order
+/// @return 1; 0 with a reason in `errno`
+int writeJunit(std::FILE *to, const Tally &tally, const EachResult &each);
 
 } // namespace kova::survey

@@ -84,14 +84,12 @@ std::string contradiction(const Options &options, const Given &given) {
     return "";
   if (options.paths.empty() && options.files_from.empty())
     return given.merge ? "no report to merge" : "no file or folder to audit";
-  if (given.merge && !(options.files_from.empty() && options.resume.empty() && given.shard.empty()))
-    return "--merge audits nothing: --files-from, --resume and --shard do not go with it";
+  if (given.merge && !(options.files_from.empty() && options.resume.empty() && given.shard.empty() &&
+                       options.names.empty() && !options.asked.deep && !options.asked.repairable))
+    return "--merge audits nothing: --files-from, --name, --shard, --deep, --repairable and --resume do not go with it";
   const auto on_output = [](const std::string &path) { return path == "-" ? 1 : 0; };
   if (on_output(options.json) + on_output(options.junit) + on_output(options.html) + options.print0 > 1)
     return "standard output takes one report, or the paths of --print0";
-  const auto same = [](const std::string &a, const std::string &b) { return !a.empty() && a == b; };
-  if (same(options.json, options.junit) || same(options.json, options.html) || same(options.junit, options.html))
-    return "a file takes one report";
   if (!given.shard.empty() && !parseShard(given.shard))
     return "--shard needs I/N with I from 1 to N";
   return "";

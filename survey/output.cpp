@@ -3,7 +3,6 @@
 #include "common/text.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 
 namespace kova::survey {
@@ -17,14 +16,11 @@ void note(Output &output) {
 
 } // namespace
 
-void openOutput(Output &output, const std::string &path, Opening opening) {
+void openOutput(Output &output, const std::string &path) {
   output.path = path;
   errno = 0;
-  if (path == "-")
-    output.stream = stdout;
-  else if (!path.empty())
-    output.stream = std::fopen(path.c_str(), opening == Opening::append ? "abe" : "wbe");
-  if (!path.empty() && output.stream == nullptr)
+  output.stream = path == "-" ? stdout : std::fopen(path.c_str(), "abe");
+  if (output.stream == nullptr)
     note(output);
 }
 
@@ -46,27 +42,13 @@ bool finish(Output &output) {
   if (output.stream != nullptr && std::fclose(output.stream) != 0)
     note(output);
   output.stream = nullptr;
-  if (output.error != 0)
-    std::fprintf(stderr, "kbsurvey: %s cannot be written: %s.\n",
-                 output.path == "-" ? "standard output" : printable(output.path).c_str(), std::strerror(output.error));
-  return output.error == 0;
+  return output.error == 0 || tellNotWritten(output.path, output.error);
 }
 
-int replaceFile(const std::string &path, std::string_view text) {
-  // Of a link, the file that it leads to is replaced.
-  const std::unique_ptr<char, void (*)(void *)> real(::realpath(path.c_str(), nullptr), std::free);
-  const std::string target = real ? real.get() : path;
-  Output output;
-  openOutput(output, target + ".new");
-  write(output, text);
-  errno = 0;
-  if (output.stream != nullptr && std::fclose(output.stream) != 0)
-    note(output);
-  if (output.error == 0 && std::rename(output.path.c_str(), target.c_str()) != 0)
-    note(output);
-  if (output.error != 0)
-    std::remove(output.path.c_str());
-  return output.error;
+bool tellNotWritten(const std::string &path, int error) {
+  std::fprintf(stderr, "kbsurvey: %s cannot be written: %s.\n",
+               path == "-" ? "standard output" : printable(path).c_str(), std::strerror(error));
+  return false;
 }
 
 } // namespace kova::survey

@@ -1,24 +1,21 @@
-/// Files that reports are written to.
+/// Streams that are written as the program goes on.
 #pragma once
 
 #include <cstdio>
-#include <memory>
 #include <string>
 #include <string_view>
 
 namespace kova::survey {
 
-/// A file that is written, or standard output. The first failure is kept; what is written later is ignored.
+/// A stream with its name. The first failure is kept; what is written later is ignored.
 struct Output {
-  std::string path; ///< empty for an output that is not wanted: everything written to it is ignored
-  std::FILE *stream = nullptr;
-  int error = 0; ///< the system's reason for the first failure
+  std::string path = {};       ///< for messages
+  std::FILE *stream = nullptr; ///< null: everything that is written is ignored
+  int error = 0;               ///< the system's reason for the first failure
 };
 
-enum class Opening { replace, append };
-
-/// @param path a file, "-" for standard output, empty for no output
-void openOutput(Output &output, const std::string &path, Opening opening = Opening::replace);
+/// @param path a file that is there and cannot be replaced, or "-" for standard output
+void openOutput(Output &output, const std::string &path);
 
 void write(Output &output, std::string_view text);
 
@@ -29,7 +26,7 @@ void flush(Output &output);
 /// standard error.
 bool finish(Output &output);
 
-/// Puts a file in the place of another one, at once or not at all. @return 0 or the system's reason.
-int replaceFile(const std::string &path, std::string_view text);
+/// Tells on standard error that a file, or "-" for standard output, cannot be written. @return false.
+bool tellNotWritten(const std::string &path, int error);
 
 } // namespace kova::survey

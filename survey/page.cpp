@@ -1,46 +1,80 @@
 #include "survey/page.h"
 
 #include "common/text.h"
+#include "survey/json_line.h"
+#include "survey/json_text.h"
 #include "survey/page_parts.h"
-#include "survey/summary.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 namespace kova::survey {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 /// Bounds of the page, so that one of 10,000 bad files is still quick to open: of each file, as many findings are shown
-/// as fit, at most the first `SHOWN_FINDINGS`; the JSON report has more of them.
-constexpr std::size_t SHOWN_FINDINGS = 100;
+/// as fit, at most the first `MOST_SHOWN[0]`; the JSON report has more of them.
 constexpr std::size_t SHOWN_TEXT = 240;
 constexpr std::size_t FINDINGS_BYTES = 2'500'000;
+static_assert(MOST_SHOWN[0] <= FIRST_FINDINGS);
 
 /// Gives each text a number, from 0, in the order in which they come.
 struct Numbers {
   std::map<std::string, std::size_t> numbers = {};
-  Json texts = Json::array();
+  std::vector<const std::string *> texts = {}; ///< the keys of `numbers`
 };
 
 std::size_t numberOf(Numbers &numbers, const std::string &text) {
   const auto [at, added] = numbers.numbers.try_emplace(text, numbers.texts.size());
   if (added)
-    numbers.texts.push_back(escaped(text));
+    numbers.texts.push_back(&at->first);
   return at->second;
 }
 
-struct PageData {
-  std::size_t shown; ///< findings of a file, at most
-  Numbers folders = {};
-  Numbers ids = {};
-  Numbers lists = {};
+struct Page {
+  std::FILE *to;
+  std::size_t shown;     ///< findings of a file, at most
+  std::string json = {}; ///< what is not written yet
+  bool ok = true;
+  Numbers folders = {}, ids = {}, lists = {};
 };
 
-template <class Number> Json numberOrNull(const std::optional<Number> &number) {
-  return number ? Json(*number) : Json();
+void put(Page &page, std::string_view text) {
+  page.ok = page.ok && std::fwrite(text.data(), 1, text.size(), page.to) == text.size();
+}
+
+/// Writes the JSON that is there. It can stand in a `script` element: what could end the element is only in its
+/// strings.
+void flush(Page &page) {
+  std::string_view json = page.json;
+  while (!json.empty()) {
+    const std::size_t markup = json.find_first_of("<>&");
+    put(page, json.substr(0, markup));
+    if (markup == json.npos)
+      break;
+    put(page, json[markup] == '<' ? "\\u003c" : json[markup] == '>' ? "\\u003e" : "\\u0026");
+    json.remove_prefix(markup + 1);
+  }
+  page.json.clear();
+}
+
+// --- Pieces of the data ---------------------------------------------------------------------------------------------
+
+/// Appends the members of an array, commas between them.
+template <class List, class Append> void appendList(std::string &json, const List &list, const Append &append) {
+  json += '[';
+  bool first = true;
+  for (const auto &member : list) {
+    json += first ? "" : ",";
+    append(member);
+    first = false;
+  }
+  json += ']';
+}
+
+/// Appends a number and a comma.
+void appendCell(std::string &json, std::uint64_t number) {
+  appendNumber(json, number);
+  json += ',';
 }
 
 std::string shownText(const KeptFinding &finding) {
@@ -48,118 +82,168 @@ std::string shownText(const KeptFinding &finding) {
   return line.size() <= SHOWN_TEXT ? line : line.substr(0, SHOWN_TEXT) + "...";
 }
 
-Json shownFindings(PageData &data, const FileResult &record) {
-  Json list = Json::array();
-  for (std::size_t i = 0; i < std::min(data.shown, record.findings.size()); ++i) {
-    const KeptFinding &finding = record.findings[i];
-    list.push_back({numberOf(data.ids, finding.id), numberOf(data.lists, finding.list), numberOrNull(finding.element),
-                    numberOrNull(finding.offset), shownText(finding)});
-  }
-  return list;
+void appendFinding(Page &page, const KeptFinding &finding) {
+  page.json += '[';
+  appendCell(page.json, numberOf(page.ids, finding.id));
+  appendCell(page.json, numberOf(page.lists, finding.list));
+  appendNumber(page.json, finding.element);
+  page.json += ',';
+  appendNumber(page.json, finding.offset);
+  page.json += ',';
+  appendString(page.json, shownText(finding));
+  page.json += ']';
 }
 
-/// @return how many findings of each file can be shown. It depends on the records alone.
-std::size_t fittingFindings(const std::vector<FileResult> &records) {
-  constexpr std::size_t BYTES_BESIDES_TEXT = 32;
-  for (std::size_t shown = SHOWN_FINDINGS;; shown /= 2) {
-    std::size_t bytes = 0;
-    for (const FileResult &record : records)
-      for (std::size_t i = 0; i < std::min(shown, record.findings.size()); ++i)
-        bytes += std::min(record.findings[i].text.size(), SHOWN_TEXT) + BYTES_BESIDES_TEXT;
-    if (bytes <= FINDINGS_BYTES || shown == 1)
-      return shown;
+/// What is told of a file with findings or without a verdict.
+void appendDetails(Page &page, const FileResult &file) {
+  std::string &json = page.json;
+  json += ',';
+  appendCell(json, static_cast<std::uint64_t>(file.reason));
+  appendString(json, file.detail);
+  json += ',';
+  appendList(json, file.counts, [&](const auto &count) {
+    appendCell(json, numberOf(page.ids, count.first));
+    appendNumber(json, count.second);
+  });
+  json += ',';
+  appendList(json, std::span(file.findings).first(std::min(page.shown, file.findings.size())),
+             [&](const KeptFinding &finding) { appendFinding(page, finding); });
+  if (file.repair > Repair::needless) {
+    json += ',';
+    appendCell(json, static_cast<std::uint64_t>(file.repair));
+    appendNumber(json, file.repair_words);
   }
 }
 
-/// @return [folder, name, bytes, version, verdict], and for a file with findings or without a verdict behind it
+/// Appends [folder, name, bytes, version, verdict], and for a file with findings or without a verdict behind it
 /// [reason, detail, [id, count, id, count...], findings], and if it was asked whether it can be mended, behind that
 /// [repair, words].
-Json fileRow(PageData &data, const FileResult &record) {
-  const std::size_t slash = record.path.rfind('/');
-  const std::size_t name = slash == record.path.npos ? 0 : slash + 1;
-  Json row = {numberOf(data.folders, record.path.substr(0, name)), escaped(record.path.substr(name)), record.bytes,
-              VERSION_NAMES[static_cast<std::size_t>(record.version)], record.verdict};
-  if (record.verdict == Verdict::ok && record.counts.empty())
-    return row;
-  Json counts = Json::array();
-  for (const auto &[id, number] : record.counts) {
-    counts.push_back(numberOf(data.ids, id));
-    counts.push_back(number);
-  }
-  row.push_back(record.reason);
-  row.push_back(escaped(record.detail));
-  row.push_back(std::move(counts));
-  row.push_back(shownFindings(data, record));
-  if (record.repair > Repair::needless) {
-    row.push_back(record.repair);
-    row.push_back(record.repair_words);
-  }
-  return row;
+void appendFile(Page &page, const FileResult &file) {
+  const std::size_t slash = file.path.rfind('/');
+  const std::size_t name = slash == file.path.npos ? 0 : slash + 1;
+  std::string &json = page.json;
+  json += '[';
+  appendCell(json, numberOf(page.folders, file.path.substr(0, name)));
+  appendString(json, std::string_view(file.path).substr(name));
+  json += ',';
+  appendCell(json, file.bytes);
+  appendString(json, VERSION_NAMES[static_cast<std::size_t>(file.version)]);
+  json += ',';
+  appendNumber(json, static_cast<std::uint64_t>(file.verdict));
+  if (file.verdict != Verdict::ok || !file.counts.empty())
+    appendDetails(page, file);
+  json += ']';
 }
 
-/// @return for each id: [id, severity, meaning, next step].
-Json helpRows(const Numbers &ids) {
-  Json help = Json::array();
-  for (const Json &id : ids.texts) {
-    const auto &text = id.get_ref<const std::string &>();
-    const FindingRow *const row = rowOf(text.c_str());
-    if (row == nullptr)
-      help.push_back({text, "", "This version of kbsurvey does not know this finding.", ""});
-    else
-      help.push_back({text, row->severity == Severity::error ? "error" : "warning", row->meaning, row->next_step});
+/// Appends [id, severity, meaning, next step].
+void appendHelp(std::string &json, const std::string &id) {
+  const FindingRow *const row = rowOf(id.c_str());
+  const char *const texts[] = {row == nullptr ? "" : SEVERITY_NAMES[static_cast<std::size_t>(row->severity)],
+                               row == nullptr ? "This version of kbsurvey does not know this finding." : row->meaning,
+                               row == nullptr ? "" : row->next_step};
+  json += '[';
+  appendString(json, id);
+  for (const char *const text : texts) {
+    json += ',';
+    appendString(json, text);
   }
-  return help;
+  json += ']';
 }
 
-Json pageData(const std::vector<FileResult> &records) {
-  PageData data{fittingFindings(records)};
-  const Tally tally = tallyOf(records);
-  Json histogram = Json::array();
-  for (const auto &[id, frequency] : mostFrequent(tally))
-    histogram.push_back({numberOf(data.ids, id), frequency.findings, frequency.files});
-  Json files = Json::array();
-  for (const FileResult &record : records)
-    files.push_back(fileRow(data, record));
-  return {{"verdicts", VERDICT_NAMES},
-          {"reasons", REASON_TEXTS},
-          {"repairs", REPAIR_TEXTS},
-          {"totals",
-           {{"files", tally.files},
-            {"bytes", tally.bytes},
-            {"verdicts", tally.by_verdict},
-            {"reasons", tally.by_reason},
-            {"repairs", tally.by_repair}}},
-          {"histogram", std::move(histogram)},
-          {"ids", helpRows(data.ids)},
-          {"lists", std::move(data.lists.texts)},
-          {"folders", std::move(data.folders.texts)},
-          {"files", std::move(files)}};
+// --- The members of the data ----------------------------------------------------------------------------------------
+
+void appendKey(std::string &json, std::string_view key) {
+  json += json.ends_with('{') ? "" : ",";
+  appendString(json, key);
+  json += ':';
 }
 
-/// @return JSON that can stand in a `script` element: what could end the element is only in its strings.
-std::string scriptSafe(const std::string &json) {
-  std::string text;
-  for (const char byte : json)
-    switch (byte) {
-    case '<':
-      text += "\\u003c";
-      break;
-    case '>':
-      text += "\\u003e";
-      break;
-    case '&':
-      text += "\\u0026";
-      break;
-    default:
-      text += byte;
-    }
-  return text;
+template <class Names> void appendNames(std::string &json, std::string_view key, const Names &names) {
+  appendKey(json, key);
+  appendList(json, names, [&](const char *name) { appendString(json, name); });
+}
+
+template <class Numbers> void appendNumbers(std::string &json, std::string_view key, const Numbers &numbers) {
+  appendKey(json, key);
+  appendList(json, numbers, [&](std::uint64_t number) { appendNumber(json, number); });
+}
+
+void appendTotals(Page &page, const Tally &tally) {
+  std::string &json = page.json;
+  appendNames(json, "verdicts", VERDICT_NAMES);
+  appendNames(json, "reasons", REASON_TEXTS);
+  appendNames(json, "repairs", REPAIR_TEXTS);
+  json += ",\"totals\":{";
+  appendKey(json, "files");
+  appendNumber(json, tally.files);
+  appendKey(json, "bytes");
+  appendNumber(json, tally.bytes);
+  appendNumbers(json, "verdicts", tally.by_verdict);
+  appendNumbers(json, "reasons", tally.by_reason);
+  appendNumbers(json, "repairs", tally.by_repair);
+  json += '}';
+  appendKey(json, "histogram");
+  appendList(json, mostFrequent(tally), [&](const auto &row) {
+    json += '[';
+    appendCell(json, numberOf(page.ids, row.first));
+    appendCell(json, row.second.findings);
+    appendNumber(json, row.second.files);
+    json += ']';
+  });
+}
+
+/// @return whether the results could be read
+int appendFiles(Page &page, const EachResult &each) {
+  constexpr std::size_t AT_ONCE = 64 * 1024;
+  bool first = true;
+  appendKey(page.json, "files");
+  page.json += '[';
+  const int ok = each([&](const FileResult &file) {
+    page.json += first ? "" : ",";
+    appendFile(page, file);
+    first = false;
+    if (page.json.size() >= AT_ONCE)
+      flush(page);
+  });
+  page.json += ']';
+  return ok;
+}
+
+/// Appends the texts that the rows before have by their numbers.
+void appendNumbered(Page &page) {
+  std::string &json = page.json;
+  appendKey(json, "ids");
+  appendList(json, page.ids.texts, [&](const std::string *id) { appendHelp(json, *id); });
+  for (const auto &[key, numbers] : {std::pair("lists", &page.lists), std::pair("folders", &page.folders)}) {
+    appendKey(json, key);
+    appendList(json, numbers->texts, [&](const std::string *text) { appendString(json, *text); });
+  }
 }
 
 } // namespace
 
-std::string pageOf(const std::vector<FileResult> &records) {
-  return std::string(PAGE_BEGIN) + scriptSafe(pageData(records).dump()) + PAGE_END;
+void count(ShownFindings &shown, const FileResult &result) {
+  constexpr std::size_t BYTES_BESIDES_TEXT = 32;
+  std::size_t bytes = 0, number = 0;
+  for (std::size_t most = MOST_SHOWN.size(); most-- > 0; shown.bytes[most] += bytes)
+    for (; number < std::min(MOST_SHOWN[most], result.findings.size()); ++number)
+      bytes += std::min(result.findings[number].text.size(), SHOWN_TEXT) + BYTES_BESIDES_TEXT;
+}
+
+int writePage(std::FILE *to, const Tally &tally, const ShownFindings &shown, const EachResult &each) {
+  const auto fitting = std::find_if(shown.bytes.begin(), shown.bytes.end() - 1,
+                                    [](std::uint64_t bytes) { return bytes <= FINDINGS_BYTES; });
+  Page page{to, MOST_SHOWN[static_cast<std::size_t>(fitting - shown.bytes.begin())]};
+  put(page, PAGE_BEGIN);
+  page.json += '{';
+  appendTotals(page, tally);
+  if (appendFiles(page, each) == 0)
+    return 0;
+  appendNumbered(page);
+  page.json += '}';
+  flush(page);
+  put(page, PAGE_END);
+  return page.ok ? 1 : 0;
 }
 
 } // namespace kova::survey

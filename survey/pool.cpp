@@ -29,11 +29,11 @@ struct Shared {
 
 void auditOne(Shared &shared, Input &&input, Workspace &workspace) {
   const std::uint64_t bytes = input.bytes; // as they were added up
-  FileResult record = audit(std::move(input), shared.run.asked, workspace);
-  shared.bad += record.verdict != Verdict::ok;
+  FileResult result = audit(std::move(input), shared.run.asked, workspace);
+  shared.bad += result.verdict != Verdict::ok;
   shared.bytes_done += bytes;
   ++shared.files_done;
-  shared.run.take(std::move(record));
+  shared.run.take(std::move(result));
 }
 
 void work(Shared &shared) {

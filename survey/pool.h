@@ -13,10 +13,10 @@ struct Run {
   unsigned workers = 1;
   Questions asked = {};
   bool show_progress = false;                      ///< on standard error
-  std::function<void(FileResult &&record)> take{}; ///< called in any order, by several threads at once; must not throw
+  std::function<void(FileResult &&result)> take{}; ///< called in any order, by several threads at once; must not throw
 };
 
-/// Audits the files, each once, and hands on their records.
+/// Audits the files, each once, and hands on their results.
 void auditAll(std::vector<Input> inputs, const Run &run);
 
 } // namespace kova::survey

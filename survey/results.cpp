@@ -1,58 +1,207 @@
 #include "survey/results.h"
 
 #include "common/text.h"
-#include "survey/json.h"
+#include "survey/json_line.h"
 #include "survey/junit.h"
-#include "survey/page.h"
 
 #include <algorithm>
-#include <chrono>
+#include <cerrno>
 #include <cstring>
-#include <thread>
+#include <filesystem>
 #include <unistd.h>
 
 namespace kova::survey {
 
 namespace {
 
-/// Makes room for one more element.
-template <class Element> void makeRoom(std::vector<Element> &list) {
-  if (list.size() == list.capacity())
-    list.reserve(2 * list.size() + 16);
+constexpr std::size_t SPARE_BYTES = 64 * 1024;
+
+/// Of a plain file, all that the page and the JUnit report show is kept in memory.
+bool isPlain(const FileResult &result) { return result.verdict == Verdict::ok && result.counts.empty(); }
+
+/// @return whether all files are kept until the end.
+bool listsAll(const Results &results) {
+  return !results.json.target.empty() || isWanted(results.junit) || isWanted(results.html);
+}
+
+bool goesToStore(const Results &results, const FileResult &result) {
+  return !results.json.target.empty() || (listsAll(results) && !isPlain(result));
 }
 
 /// @return the line of a file that is not OK; with --print0, only a folder has one.
-std::string lineOf(const Results &results, const FileResult &record) {
+std::string printedLine(const Results &results, const FileResult &result) {
+  if (result.verdict == Verdict::ok)
+    return "";
   if (!results.print0)
-    return badLine(record);
-  return record.reason == Reason::unreadable_folder ? printable(record.path) + ": " + whatIsWrong(record) : "";
+    return badLine(result);
+  return result.reason == Reason::unreadable_folder ? printable(result.path) + ": " + whatIsWrong(result) : "";
 }
 
-/// Counts and keeps a record, and writes its line. If there is no memory for it, nothing is done.
-/// @param line for the JSON report; empty if it is not to be written
-void keepAndWrite(Results &results, FileResult &&record, const std::string &line) {
-  BadFile bad;
-  if (record.verdict != Verdict::ok)
-    bad = {record.path, lineOf(results, record), record.reason == Reason::unreadable_folder};
-  const bool all = results.junit.stream != nullptr || results.html.stream != nullptr;
-  const std::lock_guard lock(results.mutex);
-  makeRoom(results.bad); // what can fail comes first
-  makeRoom(results.records);
-  count(results.tally, record);
-  if (record.verdict != Verdict::ok)
-    results.bad.push_back(std::move(bad));
-  if (all)
-    results.records.push_back(std::move(record));
-  if (line.empty())
+Listed listedOf(const Results &results, const FileResult &result) {
+  return {.path = {},
+          .line = printedLine(results, result),
+          .bytes = result.bytes,
+          .version = result.version,
+          .verdict = result.verdict,
+          .plain = isPlain(result),
+          .folder = result.reason == Reason::unreadable_folder};
+}
+
+/// Counts a result and keeps what is needed of it. What can fail comes first: then nothing was done. There is room in
+/// the list.
+void list(Results &results, FileResult &&result, Listed &&listed) {
+  count(results.tally, result);
+  if (isWanted(results.html))
+    count(results.shown, result);
+  if (!listsAll(results) && result.verdict == Verdict::ok)
     return;
-  write(results.json, line);
-  flush(results.json);
+  listed.path = std::move(result.path);
+  results.listed.push_back(std::move(listed));
+}
+
+/// Writes a result's line and lists it, under the lock. A line of the store that is not listed then, because there was
+/// no memory for that, is no part of the reports.
+void writeAndList(Results &results, FileResult &&result, Listed &&listed, std::string_view line,
+                  std::size_t first_findings) {
+  if (goesToStore(results, result))
+    listed.place = append(results.store, line, first_findings);
+  list(results, std::move(result), std::move(listed));
+  write(results.json.stream, line);
+  flush(results.json.stream);
+}
+
+/// What was found in a file is given up if there is no memory for it.
+void giveUp(FileResult &result) {
+  result.findings = {};
+  result.counts = {};
+  result.detail = {};
+  result.version = Version::unknown;
+  result.repair_words = 0;
+  if (result.repair != Repair::not_asked)
+    result.repair = Repair::needless;
+  result.verdict = Verdict::none;
+  result.reason = Reason::no_memory;
+}
+
+/// Takes what is left of a result. Needs no memory, unless the path is longer than one of the system.
+void takeGivenUp(Results &results, FileResult &&result) {
+  giveUp(result);
+  const std::lock_guard lock(results.mutex);
+  try {
+    results.spare.clear();
+    const std::size_t first_findings = appendLine(results.spare, result);
+    Listed listed{.path = {}, .bytes = result.bytes};
+    writeAndList(results, std::move(result), std::move(listed), results.spare, first_findings);
+  } catch (const std::exception &) {
+    ++results.lost;
+  }
+}
+
+/// Makes the store for the lines of which reports are made in the end, beside the first of them.
+bool openStore(Results &results, Keeping keeping) {
+  if (keeping == Keeping::journal && !listsAll(results))
+    return true;
+  const Report *const reports[] = {&results.json, &results.junit, &results.html};
+  const auto replaced = std::find_if(std::begin(reports), std::end(reports),
+                                     [](const Report *report) { return !report->target.empty(); });
+  if (keeping == Keeping::journal && !results.json.target.empty()) {
+    results.left = leftJournals(results.json.target);
+    openJournal(results.store, results.json.target);
+  } else if (replaced != std::end(reports))
+    openUnnamed(results.store, std::filesystem::path((*replaced)->target).parent_path());
+  else
+    openUnnamed(results.store, std::filesystem::temp_directory_path());
+  if (results.store.error != 0)
+    std::fprintf(stderr, "kbsurvey: no file can be made for what is found: %s.\n", std::strerror(results.store.error));
+  return results.store.error == 0;
+}
+
+/// Reads the line of a file, or of a long one as much as has its first findings. @return 1; 0 with a reason in `errno`
+int readLine(Results &results, Place place, bool first_findings, std::string &line) {
+  if (first_findings)
+    place.bytes = place.first_findings;
+  const bool is_read = read(results.store, place, line);
+  if (first_findings)
+    completeLine(line);
+  errno = results.store.error;
+  return is_read ? 1 : 0;
+}
+
+/// Hands on the results of all files. @return 1; 0 with a reason in `errno`
+int forEach(Results &results, bool first_findings, const TakeEach &take) {
+  std::string line;
+  for (const Listed &listed : results.listed) {
+    if (listed.plain) {
+      take({.path = listed.path, .bytes = listed.bytes, .version = listed.version, .verdict = listed.verdict});
+      continue;
+    }
+    if (readLine(results, listed.place, first_findings, line) == 0)
+      return 0;
+    const std::optional<FileResult> result = resultOf(line);
+    if (!result) {
+      errno = EIO; // somebody else has changed the store
+      return 0;
+    }
+    take(*result);
+  }
+  return 1;
+}
+
+/// Writes the JSON report. @return 1; 0 with a reason in `errno`
+int writeJson(Results &results, std::FILE *to) {
+  std::string line;
+  for (const Listed &listed : results.listed)
+    if (readLine(results, listed.place, false, line) == 0 ||
+        std::fwrite(line.data(), 1, line.size(), to) != line.size())
+      return 0;
+  return 1;
+}
+
+/// Removes the journal. @return whether it is gone; a failure is told
+bool removeJournal(LineStore &store) {
+  const std::string path = store.path;
+  store.error = 0; // told by now
+  return removeStore(store) || tellNotWritten(path, store.error);
+}
+
+/// Writes the reports that are made in the end. @return whether that succeeded; a failure is told
+bool saveReports(Results &results) {
+  // A store that could not be written has not all lines.
+  const auto complete = [&] {
+    errno = results.store.error;
+    return results.store.error == 0;
+  };
+  bool ok = results.json.target.empty()
+                ? finish(results.json.stream)
+                : saveReport(results.json, [&](std::FILE *to) { return complete() ? writeJson(results, to) : 0; });
+  if (ok && !results.json.target.empty())
+    ok = removeStores(results.left);
+  ok = saveReport(results.junit,
+                  [&](std::FILE *to) {
+                    const auto each = [&](const TakeEach &take_each) { return forEach(results, false, take_each); };
+                    return complete() ? writeJunit(to, results.tally, each) : 0;
+                  }) &&
+       ok;
+  ok = saveReport(results.html,
+                  [&](std::FILE *to) {
+                    const auto each = [&](const TakeEach &take_each) { return forEach(results, true, take_each); };
+                    return complete() ? writePage(to, results.tally, results.shown, each) : 0;
+                  }) &&
+       ok;
+  return ok;
+}
+
+std::string lineOf(const Listed &file) {
+  // What was found in it is given up, and there was no memory for a line.
+  return !file.line.empty() ? file.line : badLine({.path = file.path, .reason = Reason::no_memory});
 }
 
 void printResults(Results &results, std::optional<double> seconds) {
-  for (const BadFile &file : results.bad)
-    if (!results.print0)
-      write(results.print, file.line);
+  for (const Listed &file : results.listed)
+    if (file.verdict == Verdict::ok)
+      continue;
+    else if (!results.print0)
+      write(results.print, lineOf(file));
     else if (file.folder) // what is done with the files of the list would be done with all that it holds
       std::fprintf(stderr, "kbsurvey: %s.\n", file.line.c_str());
     else
@@ -69,11 +218,12 @@ Status statusOf(const Tally &tally) {
 
 } // namespace
 
-bool openResults(Results &results, const Options &options, Opening json) {
-  openOutput(results.json, options.json, json);
-  openOutput(results.junit, options.junit);
-  openOutput(results.html, options.html);
+bool openResults(Results &results, const Options &options, Keeping keeping) {
   results.print0 = options.print0;
+  results.spare.reserve(SPARE_BYTES);
+  bool ok = openReport(results.json, options.json);
+  ok = openReport(results.junit, options.junit) && ok;
+  ok = openReport(results.html, options.html) && ok;
   // Standard output belongs to the report that is written there.
   if (options.json != "-" && options.junit != "-" && options.html != "-")
     openOutput(results.print, "-");
@@ -81,55 +231,58 @@ bool openResults(Results &results, const Options &options, Opening json) {
     results.print.path = "standard error";
     results.print.stream = ::fdopen(::dup(STDERR_FILENO), "w");
   }
-  bool ok = true;
-  for (Output *const output : {&results.json, &results.junit, &results.html})
-    ok = (output->error == 0 || finish(*output)) && ok;
-  return ok;
+  return ok && openStore(results, keeping);
 }
 
-void keepResult(Results &results, FileResult &&record) { keepAndWrite(results, std::move(record), ""); }
+void reserveResults(Results &results, std::size_t files) { results.listed.reserve(files); }
 
-void take(Results &results, FileResult &&record) {
-  // Other workers may have all the memory for a while. What was found in this file is given up for it.
-  constexpr int TRIES = 500;
-  constexpr std::chrono::milliseconds PAUSE(10);
-  for (int i = 0; i < TRIES; ++i) {
-    try {
-      const std::string line = results.json.stream != nullptr ? jsonLine(record) : std::string();
-      keepAndWrite(results, std::move(record), line);
-      return;
-    } catch (const std::exception &) {
-      record.findings = {};
-      record.counts = {};
-      record.version = Version::unknown;
-      record.detail.clear();
-      record.repair_words = 0;
-      if (record.repair != Repair::not_asked)
-        record.repair = Repair::needless;
-      record.verdict = Verdict::none;
-      record.reason = Reason::no_memory;
-      std::this_thread::sleep_for(PAUSE);
-    }
+void take(Results &results, FileResult &&result) {
+  try {
+    Listed listed = listedOf(results, result);
+    std::string line;
+    std::size_t first_findings = 0;
+    if (results.json.stream.stream != nullptr || goesToStore(results, result))
+      first_findings = appendLine(line, result);
+    const std::lock_guard lock(results.mutex);
+    writeAndList(results, std::move(result), std::move(listed), line, first_findings);
+  } catch (const std::exception &) {
+    takeGivenUp(results, std::move(result));
   }
-  const std::lock_guard lock(results.mutex);
-  ++results.lost;
+}
+
+void takeStored(Results &results, FileResult &&result, Place place) {
+  Listed listed = listedOf(results, result);
+  listed.place = place;
+  if (results.json.stream.stream != nullptr) {
+    std::string line;
+    appendLine(line, result);
+    write(results.json.stream, line);
+  }
+  list(results, std::move(result), std::move(listed));
 }
 
 Status finishResults(Results &results, std::optional<double> seconds) {
-  std::sort(results.bad.begin(), results.bad.end(), [](const BadFile &a, const BadFile &b) { return a.path < b.path; });
-  std::sort(results.records.begin(), results.records.end(), pathLess);
-  if (results.junit.stream != nullptr)
-    write(results.junit, junitReport(results.records));
-  if (results.html.stream != nullptr)
-    write(results.html, pageOf(results.records));
-  printResults(results, seconds);
+  std::sort(results.listed.begin(), results.listed.end(),
+            [](const Listed &a, const Listed &b) { return a.path < b.path; });
   bool ok = results.lost == 0;
   if (!ok)
     std::fprintf(stderr, "kbsurvey: not enough memory for the results of %llu files.\n",
                  static_cast<unsigned long long>(results.lost));
-  for (Output *const output : {&results.json, &results.junit, &results.html, &results.print})
-    ok = finish(*output) && ok;
+  ok = saveReports(results) && ok;
+  ok = removeJournal(results.store) && ok;
+  printResults(results, seconds); // a reader that hangs up ends the program here
+  ok = finish(results.print) && ok;
   return ok ? statusOf(results.tally) : FAILED;
 }
+
+bool removeStores(std::vector<LineStore> &stores) {
+  bool ok = true;
+  for (LineStore &store : stores)
+    ok = removeJournal(store) && ok;
+  stores.clear();
+  return ok;
+}
+
+void dropResults(Results &results) { removeStore(results.store); }
 
 } // namespace kova::survey

@@ -35,43 +35,43 @@ std::string repairs(const Tally &tally) {
 }
 
 /// @return "can be mended (2 words), ", or another answer; empty if there is none.
-std::string repairText(const FileResult &record) {
-  std::string text = REPAIR_TEXTS[static_cast<std::size_t>(record.repair)];
-  if (record.repair == Repair::mended)
-    text += " (" + counted(record.repair_words, " word", " words") + ')';
+std::string repairText(const FileResult &result) {
+  std::string text = REPAIR_TEXTS[static_cast<std::size_t>(result.repair)];
+  if (result.repair == Repair::mended)
+    text += " (" + counted(result.repair_words, " word", " words") + ')';
   return text.empty() ? text : text + ", ";
 }
 
 /// Warnings do not change the verdict: of a file that is ERR, the first error is told.
-const KeptFinding *toldFinding(const FileResult &record) {
-  const auto error = std::find_if(record.findings.begin(), record.findings.end(),
+const KeptFinding *toldFinding(const FileResult &result) {
+  const auto error = std::find_if(result.findings.begin(), result.findings.end(),
                                   [](const KeptFinding &kept) { return kept.severity == Severity::error; });
-  if (error != record.findings.end())
+  if (error != result.findings.end())
     return &*error;
-  return record.findings.empty() ? nullptr : &record.findings.front();
+  return result.findings.empty() ? nullptr : &result.findings.front();
 }
 
 } // namespace
 
-void count(Tally &tally, const FileResult &record) {
-  for (const auto &[id, number] : record.counts) // what can fail comes first
+void count(Tally &tally, const FileResult &result) {
+  for (const auto &[id, number] : result.counts) // what can fail comes first
     tally.by_finding.try_emplace(id);
   ++tally.files;
-  tally.bytes += record.bytes;
-  ++tally.by_verdict[static_cast<std::size_t>(record.verdict)];
-  ++tally.by_reason[static_cast<std::size_t>(record.reason)];
-  ++tally.by_repair[static_cast<std::size_t>(record.repair)];
-  for (const auto &[id, number] : record.counts) {
+  tally.bytes += result.bytes;
+  ++tally.by_verdict[static_cast<std::size_t>(result.verdict)];
+  ++tally.by_reason[static_cast<std::size_t>(result.reason)];
+  ++tally.by_repair[static_cast<std::size_t>(result.repair)];
+  for (const auto &[id, number] : result.counts) {
     Frequency &frequency = tally.by_finding[id];
     frequency.findings += number;
     ++frequency.files;
   }
 }
 
-Tally tallyOf(const std::vector<FileResult> &records) {
+Tally tallyOf(const std::vector<FileResult> &results) {
   Tally tally;
-  for (const FileResult &record : records)
-    count(tally, record);
+  for (const FileResult &result : results)
+    count(tally, result);
   return tally;
 }
 
@@ -82,12 +82,12 @@ std::vector<std::pair<std::string, Frequency>> mostFrequent(const Tally &tally) 
   return list;
 }
 
-std::string whatIsWrong(const FileResult &record) {
-  if (record.verdict == Verdict::none)
-    return repairText(record) + REASON_TEXTS[static_cast<std::size_t>(record.reason)] +
-           (record.detail.empty() ? "" : ": " + printable(record.detail));
-  const KeptFinding *const told = toldFinding(record);
-  const std::string number = repairText(record) + counted(findingCount(record), " finding", " findings");
+std::string whatIsWrong(const FileResult &result) {
+  if (result.verdict == Verdict::none)
+    return repairText(result) + REASON_TEXTS[static_cast<std::size_t>(result.reason)] +
+           (result.detail.empty() ? "" : ": " + printable(result.detail));
+  const KeptFinding *const told = toldFinding(result);
+  const std::string number = repairText(result) + counted(findingCount(result), " finding", " findings");
   if (told == nullptr)
     return number;
   // Most texts do not say which list they are about.
@@ -95,9 +95,9 @@ std::string whatIsWrong(const FileResult &record) {
   return number + ": " + (list.empty() || text.starts_with(list) ? "" : list + ": ") + text;
 }
 
-std::string badLine(const FileResult &record) {
-  return std::string(record.verdict == Verdict::err ? "ERR   " : "NONE  ") + printable(record.path) + "  " +
-         whatIsWrong(record) + '\n';
+std::string badLine(const FileResult &result) {
+  return std::string(result.verdict == Verdict::err ? "ERR   " : "NONE  ") + printable(result.path) + "  " +
+         whatIsWrong(result) + '\n';
 }
 
 std::string summary(const Tally &tally, std::optional<double> seconds) {

@@ -4,8 +4,15 @@
 #include "survey/file_result.h"
 
 #include <array>
+#include <functional>
 
 namespace kova::survey {
+
+/// Gets the result of one file after the other.
+using TakeEach = std::function<void(const FileResult &result)>;
+
+/// Hands on the results of all files, in the order of the paths. @return 1; 0 with a reason in `errno`
+using EachResult = std::function<int(const TakeEach &take)>;
 
 /// How often a finding occurs.
 struct Frequency {
@@ -24,20 +31,20 @@ struct Tally {
   std::uint64_t of(Verdict verdict) const { return by_verdict[static_cast<std::size_t>(verdict)]; }
 };
 
-/// Adds a record to the totals. If there is no memory for it, the numbers are as before.
-void count(Tally &tally, const FileResult &record);
+/// Adds a result to the totals. If there is no memory for it, the numbers are as before.
+void count(Tally &tally, const FileResult &result);
 
-Tally tallyOf(const std::vector<FileResult> &records);
+Tally tallyOf(const std::vector<FileResult> &results);
 
 /// @return the findings by their frequency, the most frequent first.
 std::vector<std::pair<std::string, Frequency>> mostFrequent(const Tally &tally);
 
 /// @return what is wrong with a file, in one printable line: whether it can be mended, if that was asked; the number of
 /// findings and the first one, or why there is no verdict.
-std::string whatIsWrong(const FileResult &record);
+std::string whatIsWrong(const FileResult &result);
 
 /// @return the line of a file that is not OK, with its line break.
-std::string badLine(const FileResult &record);
+std::string badLine(const FileResult &result);
 
 /// @return the lines of the summary.
 /// @param seconds how long it took; none for what was not audited now

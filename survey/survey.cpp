@@ -1,20 +1,19 @@
 #include "survey/survey.h"
 
 #include "common/text.h"
-#include "survey/json.h"
 #include "survey/pool.h"
+#include "survey/report_paths.h"
+#include "survey/report_reader.h"
 #include "survey/results.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 #include <memory>
-#include <sys/stat.h>
 #include <unistd.h>
-#include <unordered_map>
 
 namespace kova::survey {
 
@@ -30,8 +29,6 @@ bool canShowProgress() {
   const char *const terminal = std::getenv("TERM");
   return ::isatty(STDERR_FILENO) == 1 && terminal != nullptr && *terminal != '\0' && std::strcmp(terminal, "dumb") != 0;
 }
-
-// --- Finding the files ----------------------------------------------------------------------------------------------
 
 /// Adds the paths of --files-from. @return what is wrong, for people; empty if nothing is.
 std::string addListed(const std::string &list, std::vector<std::string> &paths) {
@@ -52,66 +49,55 @@ std::string addListed(const std::string &list, std::vector<std::string> &paths) 
 
 // --- Resuming -------------------------------------------------------------------------------------------------------
 
-/// What an earlier report says, by path.
-using Earlier = std::unordered_map<std::string, FileResult>;
-
-/// A report that does not exist is an empty one, so that the first run and the next ones have the same command line.
-std::string readEarlier(const std::string &path, Earlier &earlier) {
-  if (path.empty() || (::access(path.c_str(), F_OK) != 0 && errno == ENOENT))
-    return "";
-  Report report = readReport(path);
-  for (FileResult &record : report.records) {
-    std::string key = record.path;
-    earlier.insert_or_assign(std::move(key), std::move(record));
-  }
-  return report.error;
-}
-
 /// A file that could not be read, or for which there was no memory, is tried again.
-bool stillHolds(const FileResult &record, const Input &input, Questions asked) {
-  return input.error.empty() && record.bytes == input.bytes && record.modified == input.modified &&
-         record.deep == asked.deep && (record.repair != Repair::not_asked) == asked.repairable &&
-         record.repair != Repair::unknown && record.reason != Reason::unreadable && record.reason != Reason::no_memory;
+bool stillHolds(const FileResult &result, const Input &input, Questions asked) {
+  return input.error.empty() && result.bytes == input.bytes && result.modified == input.modified &&
+         result.deep == asked.deep && (result.repair != Repair::not_asked) == asked.repairable &&
+         (result.repair != Repair::unknown || result.bytes > MOST_REPAIR_BYTES) &&
+         result.reason != Reason::unreadable && result.reason != Reason::no_memory;
 }
 
-/// Takes the files of which the earlier report still holds out of those to do. @return their records.
-std::vector<FileResult> takeOver(Earlier &earlier, std::vector<Input> &inputs, Questions asked) {
-  std::vector<FileResult> records;
-  std::erase_if(inputs, [&](const Input &input) {
-    const auto at = earlier.find(input.path);
-    if (at == earlier.end() || !stillHolds(at->second, input, asked))
-      return false;
-    records.push_back(std::move(at->second));
-    return true;
-  });
-  return records;
+/// The files to audit, and of which of them an earlier result was taken over.
+struct TakingOver {
+  const std::vector<Input> &inputs; ///< sorted by path
+  Questions asked;
+  Results &results;
+  std::vector<bool> taken;
+};
+
+void takeOver(TakingOver &taking, FileResult &&result) {
+  const auto at = std::lower_bound(taking.inputs.begin(), taking.inputs.end(), result.path,
+                                   [](const Input &input, const std::string &path) { return input.path < path; });
+  const auto number = static_cast<std::size_t>(at - taking.inputs.begin());
+  if (at == taking.inputs.end() || at->path != result.path || taking.taken[number] ||
+      !stillHolds(result, *at, taking.asked))
+    return;
+  take(taking.results, std::move(result));
+  taking.taken[number] = true;
 }
 
-bool sameFile(const std::string &a, const std::string &b) {
-  struct stat first, second;
-  return ::stat(a.c_str(), &first) == 0 && ::stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
-         first.st_ino == second.st_ino;
-}
-
-/// Opens the results. A JSON report that is also the one to resume is never without the records that were taken over,
-/// also if this run is interrupted; they are then not written again.
-bool openResumed(Results &results, const Options &options, const std::vector<FileResult> &taken_over) {
-  if (options.json.empty() || !sameFile(options.json, options.resume)) {
-    if (!openResults(results, options, Opening::replace))
-      return false;
-    for (const FileResult &record : taken_over)
-      write(results.json, jsonLine(record));
-    flush(results.json);
-    return true;
-  }
-  std::string lines;
-  for (const FileResult &record : taken_over)
-    lines += jsonLine(record);
-  if (const int error = replaceFile(options.json, lines)) {
-    refuse(printable(options.json) + ": " + std::strerror(error));
-    return false;
-  }
-  return openResults(results, options, Opening::append);
+/// Takes over what an earlier report, and runs that were killed before they had written it, say of files that have not
+/// changed, and takes these files out of those to do. A report that does not exist is an empty one, so that the first
+/// run and the next ones have the same command line.
+/// @return what is wrong, for people; empty if nothing is
+std::string resume(const Options &options, std::vector<Input> &inputs, Results &results) {
+  if (options.resume.empty())
+    return "";
+  TakingOver taking{inputs, options.asked, results, std::vector<bool>(inputs.size())};
+  const auto take_over = [&](FileResult &&result) { takeOver(taking, std::move(result)); };
+  if (::access(options.resume.c_str(), F_OK) == 0 || errno != ENOENT)
+    if (std::string wrong = readReport(options.resume, take_over); !wrong.empty())
+      return wrong;
+  std::vector<LineStore> others;
+  if (const std::string target = targetOf(options.resume); target != results.json.target)
+    others = leftJournals(target);
+  const std::vector<LineStore> *const left[] = {&results.left, &others};
+  for (const std::vector<LineStore> *const journals : left)
+    for (const LineStore &journal : *journals)
+      readLines(journal.file, take_over); // whatever lines it has
+  std::size_t number = 0;
+  std::erase_if(inputs, [&](const Input &) { return taking.taken[number++]; });
+  return "";
 }
 
 } // namespace
@@ -119,48 +105,37 @@ bool openResumed(Results &results, const Options &options, const std::vector<Fil
 Status surveyFiles(const Options &options) {
   const auto begin = std::chrono::steady_clock::now();
   Search search{options.paths, options.names, options.workers};
-  Earlier earlier;
-  for (const std::string &wrong : {addListed(options.files_from, search.paths), readEarlier(options.resume, earlier)})
-    if (!wrong.empty())
-      return refuse(wrong);
+  if (const std::string wrong = addListed(options.files_from, search.paths); !wrong.empty())
+    return refuse(wrong);
   std::vector<Input> inputs = findFiles(search);
+  if (const std::string clash = clashOfReports(options, inputs); !clash.empty())
+    return refuse(clash);
   const bool nothing = inputs.empty();
   std::erase_if(inputs, [&](const Input &input) { return !inShard(input.path, options.shard); });
-  std::vector<FileResult> taken_over = takeOver(earlier, inputs, options.asked);
 
   Results results;
-  if (!openResumed(results, options, taken_over))
+  if (!openResults(results, options, Keeping::journal))
     return FAILED;
-  for (FileResult &record : taken_over)
-    keepResult(results, std::move(record));
+  reserveResults(results, inputs.size());
+  if (const std::string wrong = resume(options, inputs, results); !wrong.empty()) {
+    dropResults(results);
+    return refuse(wrong);
+  }
+  // What they have is in the journal of this run by now.
+  if (!options.resume.empty() && results.store.error == 0 && !removeStores(results.left)) {
+    dropResults(results);
+    return FAILED;
+  }
   auditAll(std::move(inputs), {.workers = options.workers,
                                .asked = options.asked,
                                .show_progress = !options.quiet && canShowProgress(),
-                               .take = [&](FileResult &&record) { take(results, std::move(record)); }});
+                               .take = [&](FileResult &&result) { take(results, std::move(result)); }});
   if (nothing)
     std::fputs("kbsurvey: no file was found.\n", stderr);
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
   const Status status = finishResults(results, seconds.count());
   // A part of a survey may have no file; the survey has.
   return status == SOME_WITHOUT_VERDICT && results.tally.files == 0 && !nothing ? ALL_OK : status;
-}
-
-Status mergeReports(const Options &options) {
-  std::vector<FileResult> records;
-  for (const std::string &path : options.paths) {
-    Report report = readReport(path);
-    if (!report.error.empty())
-      return refuse(report.error);
-    records.insert(records.end(), std::make_move_iterator(report.records.begin()),
-                   std::make_move_iterator(report.records.end()));
-  }
-  sortRecords(records);
-  Results results;
-  if (!openResults(results, options, Opening::replace))
-    return FAILED;
-  for (FileResult &record : records)
-    take(results, std::move(record));
-  return finishResults(results, std::nullopt);
 }
 
 } // namespace kova::survey

@@ -19,14 +19,6 @@ namespace kova::survey {
 
 namespace {
 
-/// Which file it is, whatever its name.
-struct Identity {
-  dev_t device = 0;
-  ino_t number = 0;
-
-  bool operator==(const Identity &) const = default;
-};
-
 struct IdentityHash {
   std::size_t operator()(const Identity &identity) const { return identity.number * 31 + identity.device; }
 };
@@ -34,12 +26,12 @@ struct IdentityHash {
 /// What was found, and then what it is.
 struct Found {
   Input input;
-  bool named = false;     ///< by the user; else in a folder
-  bool wanted = true;     ///< a file, or something that the user has to know of
-  Identity identity = {}; ///< of a file, whatever its name
+  bool named = false; ///< by the user; else in a folder
+  bool wanted = true; ///< a file, or something that the user has to know of
 };
 
-struct Walk {
+/// A search, with what it has found by now.
+struct FolderWalk {
   const Search &search;
   std::vector<Found> found = {};
   std::vector<std::string> folders = {}; ///< to look into
@@ -54,7 +46,7 @@ bool fits(const Search &search, const char *name) {
 }
 
 /// What the user has named is taken, whatever it is.
-void addNamed(Walk &walk, const std::string &path) {
+void addNamed(FolderWalk &walk, const std::string &path) {
   struct stat status;
   if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
     walk.folders.push_back(path);
@@ -70,7 +62,7 @@ bool isFolder(const dirent &entry, const std::string &path) {
   return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-void addEntry(Walk &walk, const std::string &folder, const dirent &entry) {
+void addEntry(FolderWalk &walk, const std::string &folder, const dirent &entry) {
   if (std::strcmp(entry.d_name, ".") == 0 || std::strcmp(entry.d_name, "..") == 0)
     return;
   std::string path = folder + entry.d_name;
@@ -80,7 +72,7 @@ void addEntry(Walk &walk, const std::string &folder, const dirent &entry) {
     walk.found.push_back({.input = {.path = std::move(path)}});
 }
 
-void lookInto(Walk &walk, const std::string &folder) {
+void lookInto(FolderWalk &walk, const std::string &folder) {
   const std::unique_ptr<DIR, int (*)(DIR *)> stream(::opendir(folder.c_str()), ::closedir);
   const std::string prefix = folder.ends_with('/') ? folder : folder + '/';
   errno = stream ? 0 : errno;
@@ -105,7 +97,7 @@ void identify(Found &found) {
   } else {
     found.input.bytes = static_cast<std::uint64_t>(status.st_size);
     found.input.modified = fileTime(status.st_mtim);
-    found.identity = {status.st_dev, status.st_ino};
+    found.input.identity = identityOf(status);
   }
 }
 
@@ -128,7 +120,7 @@ std::vector<Input> withoutDoubles(std::vector<Found> found) {
   std::vector<Input> inputs;
   inputs.reserve(found.size());
   for (Found &file : found) {
-    const bool first = file.input.error.empty() ? seen.insert(file.identity).second
+    const bool first = file.input.error.empty() ? seen.insert(file.input.identity).second
                                                 : inputs.empty() || inputs.back().path != file.input.path;
     if (first)
       inputs.push_back(std::move(file.input));
@@ -139,7 +131,7 @@ std::vector<Input> withoutDoubles(std::vector<Found> found) {
 } // namespace
 
 std::vector<Input> findFiles(const Search &search) {
-  Walk walk{search};
+  FolderWalk walk{search};
   for (const std::string &path : search.paths)
     addNamed(walk, path);
   // A list of its own instead of recursion: folders may be nested as deep as their owner likes.

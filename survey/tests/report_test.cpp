@@ -1,8 +1,9 @@
-#include "survey/json.h"
+#include "survey/json_line.h"
 
 #include "harness/scratch.h"
 #include "survey/junit.h"
 #include "survey/page.h"
+#include "survey/report_reader.h"
 #include "survey/walk.h"
 
 #include <algorithm>
@@ -12,12 +13,12 @@ namespace kova::survey {
 
 namespace {
 
-FileResult hostileRecord(int number) {
+FileResult hostileResult(int number) {
   std::string path = "d";
   path += std::to_string(number % 10);
   path += "/</script><!--\n\xff\\\"&'.kb";
   path += std::to_string(number);
-  FileResult record{.path = path,
+  FileResult result{.path = path,
                     .bytes = 123'456,
                     .modified = FileTime{1'700'000'000, 1},
                     .version = Version::two,
@@ -26,7 +27,7 @@ FileResult hostileRecord(int number) {
                     .repair = Repair::mended,
                     .repair_words = 12};
   for (Word i = 0; i < 20; ++i)
-    record.findings.push_back({.id = "element-size",
+    result.findings.push_back({.id = "element-size",
                                .stage = Stage::check,
                                .severity = Severity::warning,
                                .list = "ObjList",
@@ -35,11 +36,47 @@ FileResult hostileRecord(int number) {
                                .found = 0xffffffff,
                                .expected = 0,
                                .text = path});
-  record.counts = {{"element-size", 20}, {"b", 1}, {"c", 1}};
-  return record;
+  result.counts = {{"element-size", 20}, {"b", 1}, {"c", 1}};
+  return result;
 }
 
-TEST(SurveyReport, ARecordComesBackFromItsLine) {
+std::string jsonLine(const FileResult &result) {
+  std::string line;
+  appendLine(line, result);
+  return line;
+}
+
+EachResult eachOf(const std::vector<FileResult> &results) {
+  return [&](const TakeEach &take) {
+    std::for_each(results.begin(), results.end(), take);
+    return 1;
+  };
+}
+
+/// @return what a writer of a report writes.
+template <class Write> std::string written(const Write &write) {
+  char *text = nullptr;
+  std::size_t size = 0;
+  std::FILE *const stream = ::open_memstream(&text, &size);
+  EXPECT_EQ(write(stream), 1);
+  std::fclose(stream);
+  const std::string report(text, size);
+  std::free(text);
+  return report;
+}
+
+std::string pageOf(const std::vector<FileResult> &results) {
+  ShownFindings shown;
+  for (const FileResult &result : results)
+    count(shown, result);
+  return written([&](std::FILE *to) { return writePage(to, tallyOf(results), shown, eachOf(results)); });
+}
+
+std::string junitReport(const std::vector<FileResult> &results) {
+  return written([&](std::FILE *to) { return writeJunit(to, tallyOf(results), eachOf(results)); });
+}
+
+TEST(SurveyReport, AResultComesBackFromItsLine) {
   const FileResult unreadable{.path = "x", .reason = Reason::unreadable, .detail = "it\xff"};
   const FileResult forged{.path = "x\x1b\xff",
                           .modified = FileTime{-1, 750'000'000},
@@ -50,16 +87,16 @@ TEST(SurveyReport, ARecordComesBackFromItsLine) {
   const FileResult hopeless{.path = "x", .reason = Reason::other_version, .repair = Repair::no};
   const FileResult good{.path = "y", .version = Version::one, .verdict = Verdict::ok};
   const FileResult asked{.path = "y", .version = Version::one, .verdict = Verdict::ok, .repair = Repair::needless};
-  for (const FileResult &record : {hostileRecord(1), unreadable, forged, hopeless, good, asked}) {
-    const std::string line = jsonLine(record);
+  for (const FileResult &result : {hostileResult(1), unreadable, forged, hopeless, good, asked}) {
+    const std::string line = jsonLine(result);
     EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
-    const std::optional<FileResult> back = recordOf(line);
+    const std::optional<FileResult> back = resultOf(line);
     ASSERT_TRUE(back) << line;
-    EXPECT_EQ(back->path, record.path);
-    EXPECT_EQ(back->detail, record.detail);
-    EXPECT_EQ(back->repair, record.repair);
-    EXPECT_EQ(back->repair_words, record.repair_words);
-    EXPECT_EQ(back->findings.size(), record.findings.size());
+    EXPECT_EQ(back->path, result.path);
+    EXPECT_EQ(back->detail, result.detail);
+    EXPECT_EQ(back->repair, result.repair);
+    EXPECT_EQ(back->repair_words, result.repair_words);
+    EXPECT_EQ(back->findings.size(), result.findings.size());
     EXPECT_EQ(jsonLine(*back), line);
     EXPECT_EQ(pageOf({*back}).find('\xff'), std::string::npos);
     EXPECT_EQ(junitReport({*back}).find_first_of("\x1b\xff"), std::string::npos);
@@ -67,8 +104,8 @@ TEST(SurveyReport, ARecordComesBackFromItsLine) {
 }
 
 /// Each is one change to a line that is right.
-TEST(SurveyReport, WhatIsNoRecordIsRefused) {
-  const std::string line = jsonLine(hostileRecord(1));
+TEST(SurveyReport, WhatIsNoResultIsRefused) {
+  const std::string line = jsonLine(hostileResult(1));
   struct Change {
     const char *from, *to;
   };
@@ -108,60 +145,42 @@ TEST(SurveyReport, WhatIsNoRecordIsRefused) {
       {"\"findings\":[", "\"findings\":[1,"},
       {"{\"path\"", "[{\"path\""},
   };
-  ASSERT_TRUE(recordOf(line));
+  ASSERT_TRUE(resultOf(line));
   for (const auto &[from, to] : CHANGES) {
     std::string changed = line;
     ASSERT_NE(changed.find(from), changed.npos) << from;
     changed.replace(changed.find(from), std::string_view(from).size(), to);
-    EXPECT_FALSE(recordOf(changed)) << to;
+    EXPECT_FALSE(resultOf(changed)) << to;
   }
   for (const char *const other : {"", "null", "[]", "\"\"", "{}", "\xff"})
-    EXPECT_FALSE(recordOf(other)) << other;
+    EXPECT_FALSE(resultOf(other)) << other;
 }
 
 TEST(SurveyReport, AnInterruptedLineIsIgnoredAnyOtherIsAnError) {
-  const std::string line = jsonLine(hostileRecord(1));
+  const std::string line = jsonLine(hostileResult(1));
   const auto read = [](const std::string &text) {
     const harness::ScratchFile file({reinterpret_cast<const unsigned char *>(text.data()), text.size()});
-    return readReport(file.path);
+    std::pair<std::string, std::size_t> wrong_and_number;
+    wrong_and_number.first = readReport(file.path, [&](FileResult &&) { ++wrong_and_number.second; });
+    return wrong_and_number;
   };
-  const Report interrupted = read(line + line.substr(0, line.size() / 2));
-  EXPECT_EQ(interrupted.records.size(), 1U);
-  EXPECT_EQ(interrupted.error, "");
-  EXPECT_TRUE(read("").error.empty());
-  EXPECT_TRUE(read(line + "x\n" + line).error.ends_with(":2: not a line of a report"));
-  EXPECT_FALSE(readReport("/nowhere/at all").error.empty());
+  EXPECT_EQ(read(line + line.substr(0, line.size() / 2)), std::pair(std::string(), std::size_t{1}));
+  EXPECT_EQ(read("").first, "");
+  EXPECT_TRUE(read(line + "x\n" + line).first.ends_with(":2: not a line of a report"));
+  EXPECT_TRUE(read(std::string(20'000'000, ' ')).first.ends_with(":1: not a line of a report"));
+  EXPECT_FALSE(readReport("/nowhere/at all", {}).empty());
 }
 
-TEST(SurveyReport, SortingLeavesTheLastOfEachPathWhateverTheOrder) {
-  std::vector<FileResult> records;
-  for (const FileTime &modified : {FileTime{-10, 0}, FileTime{-9, 0}, FileTime{-9, 1}})
-    records.push_back({.path = "b", .modified = modified, .verdict = Verdict::ok});
-  records.push_back({.path = "b", .verdict = Verdict::ok});
-  records.push_back({.path = "b", .modified = FileTime{-9, 1}, .verdict = Verdict::err});
-  records.push_back({.path = "a", .verdict = Verdict::ok});
-  std::vector<std::size_t> order = {0, 1, 2, 3, 4, 5};
-  do {
-    std::vector<FileResult> some;
-    for (const std::size_t i : order)
-      some.push_back(records[i]);
-    sortRecords(some);
-    ASSERT_EQ(some.size(), 2U);
-    ASSERT_EQ(some[0].path, "a");
-    ASSERT_EQ(jsonLine(some[1]), jsonLine(records[4])); // "ERR" comes before "OK"
-  } while (std::next_permutation(order.begin(), order.end()));
-}
-
-std::vector<FileResult> manyRecords(int number) {
-  std::vector<FileResult> records;
+std::vector<FileResult> manyResults(int number) {
+  std::vector<FileResult> results;
   for (int i = 0; i < number; ++i)
-    records.push_back(hostileRecord(i));
-  std::sort(records.begin(), records.end(), pathLess);
-  return records;
+    results.push_back(hostileResult(i));
+  std::sort(results.begin(), results.end(), [](const FileResult &a, const FileResult &b) { return a.path < b.path; });
+  return results;
 }
 
 TEST(SurveyReport, ThePageHasNoMarkupOfThePaths) {
-  const std::string page = pageOf(manyRecords(50));
+  const std::string page = pageOf(manyResults(50));
   const std::string empty = pageOf({});
   for (const char markup : {'<', '>', '&', '\xff', '\x80'})
     EXPECT_EQ(std::count(page.begin(), page.end(), markup), std::count(empty.begin(), empty.end(), markup));
@@ -169,10 +188,10 @@ TEST(SurveyReport, ThePageHasNoMarkupOfThePaths) {
   EXPECT_EQ(page.find("@"), page.find("@media"));
 }
 
-TEST(SurveyReport, ThePageOfTenThousandBadFilesIsSmall) { EXPECT_LE(pageOf(manyRecords(10'000)).size(), 5'000'000U); }
+TEST(SurveyReport, ThePageOfTenThousandBadFilesIsSmall) { EXPECT_LE(pageOf(manyResults(10'000)).size(), 5'000'000U); }
 
 TEST(SurveyReport, JUnitIsEscaped) {
-  const std::string report = junitReport(manyRecords(1));
+  const std::string report = junitReport(manyResults(1));
   EXPECT_NE(report.find(R"(name="d0/&lt;/script>&lt;!--\x0a\xff\x5c&quot;&amp;'.kb0")"), report.npos) << report;
   EXPECT_NE(report.find(R"(tests="1" failures="1" errors="0")"), report.npos);
   EXPECT_NE(report.find(R"(message="can be mended (12 words), 22 findings: )"), report.npos);

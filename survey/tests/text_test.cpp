@@ -95,28 +95,28 @@ TEST(SurveyText, Progress) {
 }
 
 TEST(SurveyText, WhatIsWrongTellsTheFirstErrorAndItsList) {
-  FileResult record{.path = "a\nOK.kb", .verdict = Verdict::err};
-  record.findings = {{.id = "w", .severity = Severity::warning, .list = "ObjList", .text = "a warning\n"},
+  FileResult result{.path = "a\nOK.kb", .verdict = Verdict::err};
+  result.findings = {{.id = "w", .severity = Severity::warning, .list = "ObjList", .text = "a warning\n"},
                      {.id = "e", .severity = Severity::error, .list = "EnvList", .text = "size is wrong\n"}};
-  record.counts = {{"w", 2000}, {"e", 1}};
-  EXPECT_EQ(badLine(record), "ERR   a\\x0aOK.kb  2001 findings: EnvList: size is wrong\n");
+  result.counts = {{"w", 2000}, {"e", 1}};
+  EXPECT_EQ(badLine(result), "ERR   a\\x0aOK.kb  2001 findings: EnvList: size is wrong\n");
   EXPECT_EQ(badLine({.path = "b", .reason = Reason::unreadable, .detail = "gone\r"}),
             "NONE  b  cannot be read: gone\\x0d\n");
-  record.repair = Repair::mended;
-  record.repair_words = 1;
-  EXPECT_EQ(badLine(record), "ERR   a\\x0aOK.kb  can be mended (1 word), 2001 findings: EnvList: size is wrong\n");
-  record.repair = Repair::salvaged;
-  EXPECT_EQ(whatIsWrong(record), "can be salvaged, 2001 findings: EnvList: size is wrong");
+  result.repair = Repair::mended;
+  result.repair_words = 1;
+  EXPECT_EQ(badLine(result), "ERR   a\\x0aOK.kb  can be mended (1 word), 2001 findings: EnvList: size is wrong\n");
+  result.repair = Repair::salvaged;
+  EXPECT_EQ(whatIsWrong(result), "can be salvaged, 2001 findings: EnvList: size is wrong");
   EXPECT_EQ(whatIsWrong({.path = "b", .reason = Reason::other_version, .repair = Repair::no}),
             "cannot be mended, other version");
 }
 
 TEST(SurveyText, TheSummaryHasALineAboutRepairsIfThereAreAnswers) {
   const auto second_line = [](std::initializer_list<Repair> repairs) {
-    std::vector<FileResult> records;
+    std::vector<FileResult> results;
     for (const Repair repair : repairs)
-      records.push_back({.path = "a", .verdict = Verdict::ok, .repair = repair});
-    const std::string text = summary(tallyOf(records), std::nullopt);
+      results.push_back({.path = "a", .verdict = Verdict::ok, .repair = repair});
+    const std::string text = summary(tallyOf(results), std::nullopt);
     return text.substr(text.find('\n') + 1);
   };
   EXPECT_EQ(second_line({Repair::not_asked, Repair::needless}), "");
