@@ -157,6 +157,14 @@ configure_and_build() {
   cmake --build "$tree" --target "$target"
 }
 
+# install_axe: puts axe-core, which looks at kbsurvey's page, into the tree, in the version that its tests name.
+install_axe() {
+  local from=$root/survey/tests/axe to=$tree/axe
+  here npm && ! cmp -s "$from/package-lock.json" "$to/node_modules/package-lock.json" || return 0
+  mkdir -p "$to" && cp "$from"/package*.json "$to" && timed "installing axe-core" npm ci --prefix "$to" --no-audit --no-fund &&
+    cp "$from/package-lock.json" "$to/node_modules"
+}
+
 # skipped_in LOG: what the tests of a log of ctest say that they have skipped, and why.
 skipped_in() {
   awk '/^[0-9]+\/[0-9]+ Testing: / { test = $3 }

@@ -1,76 +1,291 @@
-
 "use strict";
 // Everything of the data is shown as text, never as markup. Rows are made when they are scrolled to: a page of many
 // thousand files opens at once.
 (() => {
 const data = JSON.parse(document.getElementById("data").textContent);
 const ROWS_AT_ONCE = 200;
+const KINDS_AT_FIRST = 8; // of findings in the histogram, of folders in a folder
+const TEXTS_AT_FIRST = 10; // of one kind of finding in one file
 const byId = id => document.getElementById(id);
 
 // Characters that cannot be seen, or that change the order of others, are shown by their numbers.
 const hidden = /[\u0000-\u001f\u007f-\u00a0\u00ad\u034f\u061c\u115f\u1160\u17b4\u17b5\u180b-\u180f\u200b-\u200f\u2028-\u202f\u205f-\u206f\u3000\u3164\ufe00-\ufe0f\ufeff\uffa0\ufff0-\ufffb]|[\u{1d173}-\u{1d17a}\u{e0000}-\u{e0fff}]/gu;
 const visible = text => text.replace(hidden, c => "\\u{" + c.codePointAt(0).toString(16) + "}");
 
-const element = (tag, className, text) => {
+const element = (tag, className, ...content) => {
   const made = document.createElement(tag);
   if (className) made.className = className;
-  if (text !== undefined) made.textContent = text;
+  made.append(...content.map(part => part instanceof Node ? part : String(part)));
   return made;
 };
 
-const button = (text, action) => {
-  const made = element("button", "", text);
+// A path can be broken behind each folder.
+const pathParts = path => visible(path).split(/(?<=\/)/).flatMap(part => [part, element("wbr")]).slice(0, -1);
+
+// What stands in backticks is a name of the format.
+const prose = text => text.split("`").map((part, i) => i % 2 ? element("code", "", part) : part);
+
+const button = (className, content, action) => {
+  const made = element("button", className, ...[content].flat());
   made.type = "button";
   made.addEventListener("click", action);
   return made;
 };
 
-const total = counts => counts.reduce((sum, count, i) => i % 2 ? sum + count : sum, 0);
+const counted = (number, one, many) => number.toLocaleString("en") + " " + (number === 1 ? one : many);
 
-const files = data.files.map(([folder, name, bytes, version, verdict, reason = 0, detail = "", counts = [], findings = [], repair = 0, words = 0]) => ({
-  path: data.folders[folder] + name, bytes, version, verdict, reason, detail, findings, repair, words,
-  ids: counts.filter((_, i) => i % 2 === 0), count: total(counts),
+const bytesText = bytes => {
+  let unit = 0;
+  for (; bytes >= 1000 && unit < 4; ++unit) bytes /= 1000;
+  return (unit ? bytes.toFixed(1) : bytes) + " " + ["bytes", "kB", "MB", "GB", "TB"][unit];
+};
+
+// Shows the first elements of a list and a button for the rest, which is made when it is asked for, or printed.
+const waiting = [];
+const addFirst = (parent, list, most, name, make) => {
+  parent.append(...list.slice(0, most).map(make));
+  if (list.length <= most) return;
+  const rest = () => {
+    if (more.isConnected) parent.append(...list.slice(most).map(make));
+    more.remove();
+  };
+  const more = button("rest", "Show " + counted(list.length - most, "more " + name, "more " + name + "s"), rest);
+  waiting.push(rest);
+  return more;
+};
+
+const files = data.files.map(([folder, name, bytes, version, verdict, reason = 0, detail = "", counts = [], findings = [], repair = 0, words = 0, changes = []]) => ({
+  folder, name, path: data.folders[folder] + name, bytes, version, verdict, reason, detail, findings, repair, words, changes,
+  ids: counts.filter((_, i) => i % 2 === 0), count: counts.reduce((sum, count, i) => i % 2 ? sum + count : sum, 0),
 }));
+// Bad files come first, then those with remarks.
+for (const file of files) file.rank = file.verdict === 1 ? 0 : file.verdict === 2 ? 1 : file.count ? 2 : 3;
 
 // Whether files can be mended is shown only if that was asked, and of those that are not in order.
 const repairAsked = data.totals.repairs.some((count, i) => i && count);
-const repairText = file => data.repairs[file.repair] + (file.words ? " (" + file.words + (file.words === 1 ? " word)" : " words)") : "");
+const repairText = file => data.repairs[file.repair] + (file.words ? " (" + counted(file.words, "word", "words") + ")" : "");
 
-// --- Totals and histogram ---
+const isError = id => data.ids[id][1] === "error";
+
+// --- Copying --------------------------------------------------------------------------------------------------------
+
+// Bytes that are no text stand in a path as \xHH, and so does the backslash.
+const escape = /\\x[0-9a-f]{2}/;
+
+// A word as a shell takes it.
+const quoted = word => {
+  if (/^[\w./,:+=@%-]+$/.test(word)) return word;
+  const plain = word.replaceAll("\\x5c", "\\");
+  if (plain === visible(plain) && !escape.test(word.replaceAll("\\x5c", ""))) return "'" + plain.replaceAll("'", "'\\''") + "'";
+  const utf8 = c => [...new TextEncoder().encode(c)].map(byte => "\\x" + byte.toString(16).padStart(2, "0")).join("");
+  return "$'" + word.replaceAll("'", "\\'").replace(hidden, utf8) + "'";
+};
+const quotedPath = path => quoted((path.startsWith("-") ? "./" : "") + path);
+
+const copyable = (text, what) => {
+  const code = element("code", "", text);
+  const copy = async () => {
+    try {
+      await navigator.clipboard.writeText(text);
+      byId("told").textContent = "Copied: " + text;
+      copied.textContent = "Copied";
+    } catch {
+      getSelection().selectAllChildren(code); // the browser does not allow more
+      copied.textContent = "Selected";
+    }
+    setTimeout(() => copied.textContent = "Copy", 2000);
+  };
+  const copied = button("", "Copy", copy);
+  copied.setAttribute("aria-label", "Copy " + what);
+  return element("p", "copied", code, copied);
+};
+
+// --- What was surveyed ----------------------------------------------------------------------------------------------
+
+const showHead = () => {
+  const { date, seconds, version, command = [], paths = [] } = data.survey ?? {};
+  const title = "KOVA survey" + (paths.length ? ": " + paths.map(visible).join(", ") : "");
+  document.title = title;
+  document.querySelector("h1").textContent = title;
+  const about = [counted(data.totals.files, "file", "files"), bytesText(data.totals.bytes)];
+  if (date) about.push(new Date(date * 1000).toISOString().replace("T", " ").slice(0, 16) + " UTC");
+  if (seconds !== undefined && seconds !== null) about.push(seconds.toFixed(2) + " s");
+  if (version) about.push("kbsurvey " + version);
+  byId("about").textContent = about.join(" \u00b7 ");
+  if (command.length) byId("about").after(copyable(["kbsurvey", ...command].map(quoted).join(" "), "the command"));
+};
+
+// --- Filters --------------------------------------------------------------------------------------------------------
+
+// The name of a filter is that of its control, and of its part of the address.
+const FILTERS = ["path", "verdict", "repair", "finding", "folder"];
+const control = name => byId(name + "-filter");
+const matchers = {
+  path: text => file => (file.shown ??= visible(file.path).toLowerCase()).includes(text),
+  verdict: verdict => file => verdict === "bad" ? file.verdict !== 0 : data.verdicts[file.verdict] === verdict,
+  repair: text => file => data.repairs[file.repair] === text,
+  finding: name => file => file.ids.some(id => data.ids[id][0] === name),
+  folder: folder => file => data.folders[file.folder].startsWith(folder),
+};
+
+const setFilter = (name, value) => {
+  const list = control(name);
+  if (list.tagName === "SELECT" && ![...list.options].some(option => option.value === value)) addOption(list, value, value);
+  list.value = value;
+};
+
+const addOption = (list, text, value) => {
+  const option = element("option", "", text);
+  option.value = value;
+  list.append(option);
+};
+
+// Filters of buttons: a second press takes the filter away.
+const filterButtons = [];
+const filterButton = (className, text, name, value) => {
+  const made = button(className, text, () => {
+    const on = control(name).value === value;
+    setFilter(name, on ? "" : value);
+    update();
+    if (!on && name !== "verdict" && name !== "repair") byId("files").scrollIntoView();
+  });
+  filterButtons.push([made, name, value]);
+  return made;
+};
+
+const readAddress = () => {
+  const given = new URLSearchParams(location.hash.slice(1));
+  for (const name of FILTERS) setFilter(name, given.get(name) ?? "");
+  const [key, down] = (given.get("order") ?? "").split("-");
+  sorting = ORDERS[key] ? { key, down: down === "down" } : { key: "rank", down: false };
+  update();
+};
+
+const writeAddress = () => {
+  const given = new URLSearchParams();
+  for (const name of FILTERS) if (control(name).value) given.set(name, control(name).value);
+  if (sorting.key !== "rank") given.set("order", sorting.key + (sorting.down ? "-down" : ""));
+  history.replaceState(null, "", "#" + given);
+};
+
+const showAll = () => {
+  for (const name of FILTERS) setFilter(name, "");
+  update();
+};
+
+// --- Totals ---------------------------------------------------------------------------------------------------------
 
 const showTotals = () => {
-  const add = (number, text, className) => {
-    const item = element("li");
-    item.append(element("b", className, number), text);
-    byId("totals").append(item);
+  const { files: number, verdicts, reasons, repairs } = data.totals;
+  const add = (count, text, className, name, value, detail) => {
+    const card = name ? filterButton("", "", name, value) : button("", "", showAll);
+    card.append(element("b", className, count.toLocaleString("en")), text);
+    if (detail) card.append(element("small", "quiet", detail));
+    byId("totals").append(element("li", "", card));
   };
-  const { files: number, bytes, verdicts, reasons, repairs } = data.totals;
-  add(number, number === 1 ? "file" : "files");
-  add(verdicts[0], "OK", "v0");
-  add(verdicts[1], "ERR", "v1");
   const why = reasons.map((count, i) => i && count ? count + " " + data.reasons[i] : "").filter(text => text);
-  add(verdicts[2], "without verdict" + (why.length ? " (" + why.join(", ") + ")" : ""), "v2");
-  repairs.forEach((count, i) => count && data.repairs[i] && add(count, data.repairs[i]));
-  add((bytes / 1e6).toFixed(1), "MB");
+  add(number, number === 1 ? "file" : "files");
+  add(verdicts[1], "ERR", "v1", "verdict", data.verdicts[1]);
+  add(verdicts[2], "without verdict", "v2", "verdict", data.verdicts[2], why.join(", "));
+  add(verdicts[0], "OK", "v0", "verdict", data.verdicts[0]);
+  repairs.forEach((count, i) => count && data.repairs[i] && add(count, data.repairs[i], "", "repair", data.repairs[i]));
+};
+
+// --- Histogram ------------------------------------------------------------------------------------------------------
+
+const histogramRow = (most, className) => ([id, count, inFiles]) => {
+  const [name, , meaning] = data.ids[id];
+  const bar = element("div", "bar " + className);
+  bar.style.width = 100 * inFiles / most + "%";
+  const row = element("tr", "", element("td", "", filterButton("plain", visible(name), "finding", name), element("div", "quiet", ...prose(meaning))),
+                      element("td", "number", inFiles.toLocaleString("en"), bar), element("td", "number", count.toLocaleString("en")));
+  return row;
 };
 
 const showHistogram = () => {
-  const most = Math.max(1, ...data.histogram.map(row => row[1]));
-  const body = byId("histogram").tBodies[0];
-  for (const [id, count, inFiles] of data.histogram) {
-    const row = body.insertRow();
-    const name = button(visible(data.ids[id][0]), () => choose("finding-filter", id));
-    name.title = data.ids[id][2];
-    row.insertCell().append(name);
-    row.append(element("td", "number", count), element("td", "number", inFiles));
-    const bar = element("div", "bar");
-    bar.style.width = 100 * count / most + "%";
-    row.insertCell().append(bar);
-  }
-  byId("findings").hidden = data.histogram.length === 0;
+  const rows = [...data.histogram].sort((a, b) => b[2] - a[2] || b[1] - a[1]);
+  const most = Math.max(1, ...rows.map(row => row[2]));
+  const add = (caption, className, some) => {
+    if (!some.length) return;
+    const table = element("table", "histogram", element("caption", className, caption));
+    const head = table.createTHead().insertRow();
+    for (const [text, name] of [["Finding", ""], ["Files", "number"], ["Findings", "number"]]) {
+      const cell = element("th", name, text);
+      cell.scope = "col";
+      head.append(cell);
+    }
+    const more = addFirst(table.createTBody(), some, KINDS_AT_FIRST, "kind", histogramRow(most, className));
+    byId("findings").append(table);
+    if (more) byId("findings").append(more);
+  };
+  add("Errors", "error", rows.filter(([id]) => isError(id)));
+  add("Remarks, which do not change the verdict", "remark", rows.filter(([id]) => !isError(id)));
+  byId("findings").hidden = rows.length === 0;
 };
 
-// --- One file ---
+// --- Folders --------------------------------------------------------------------------------------------------------
+
+const newFolder = path => ({ path, folders: new Map(), files: 0, bad: [0, 0, 0] });
+
+// Each folder counts the files below it, too.
+const folderTree = () => {
+  const top = newFolder("");
+  const chains = data.folders.map(path => {
+    const chain = [top];
+    for (const part of path.match(/\/+|[^/]*\/+/g) ?? []) {
+      const above = chain.at(-1);
+      if (!above.folders.has(part)) above.folders.set(part, newFolder(above.path + part));
+      chain.push(above.folders.get(part));
+    }
+    return chain;
+  });
+  for (const file of files)
+    for (const folder of chains[file.folder]) {
+      ++folder.files;
+      ++folder.bad[file.verdict];
+    }
+  return top;
+};
+
+const folderItem = ([name, folder]) => {
+  // What has only one folder and no file is shown in one line with it.
+  while (folder.folders.size === 1 && [...folder.folders.values()][0].files === folder.files) {
+    const [[more, below]] = folder.folders;
+    [name, folder] = [name + more, below];
+  }
+  const line = element("div");
+  const item = element("li", "", line);
+  const toggle = button("toggle", "", () => {
+    const open = toggle.getAttribute("aria-expanded") === "false";
+    toggle.setAttribute("aria-expanded", open);
+    if (open) item.append(folderList(folder));
+    else item.lastChild.remove();
+  });
+  toggle.setAttribute("aria-label", "Folders of " + visible(name));
+  toggle.setAttribute("aria-expanded", false);
+  if (folder.folders.size === 0) toggle.style.visibility = "hidden";
+  const sums = element("span", "sums number", ...[1, 2].filter(verdict => folder.bad[verdict]).flatMap(verdict =>
+    [element("span", "v" + verdict, folder.bad[verdict] + " " + (verdict === 1 ? "ERR" : "none")), " \u00b7 "]), counted(folder.files, "file", "files"));
+  line.append(toggle, element("span", "name", filterButton("plain path", pathParts(name), "folder", folder.path)), sums);
+  return item;
+};
+
+const folderList = folder => {
+  const badFirst = ([, a], [, b]) => b.bad[1] + b.bad[2] - a.bad[1] - a.bad[2] || compare(a.path, b.path);
+  const list = element("ul", "tree");
+  const more = addFirst(list, [...folder.folders].sort(badFirst), KINDS_AT_FIRST, "folder", folderItem);
+  return more ? element("div", "", list, more) : list;
+};
+
+const showFolders = () => {
+  const top = folderTree();
+  byId("folders").hidden = top.folders.size === 0;
+  byId("folders").append(folderList(top));
+  for (const toggle of byId("folders").querySelectorAll(".toggle")) if (toggle.style.visibility === "" && top.folders.size === 1) toggle.click();
+  for (const path of data.folders.slice(0, 500)) if (path) addOption(control("folder"), visible(path), path);
+};
+
+// --- One file -------------------------------------------------------------------------------------------------------
 
 const place = ([, list, number, offset]) => {
   const parts = [data.lists[list] ? data.lists[list] + (number === null ? "" : "[" + number + "]") : ""];
@@ -78,132 +293,150 @@ const place = ([, list, number, offset]) => {
   return parts.filter(part => part).join(", ");
 };
 
-const findingRow = finding => {
-  const [id, severity, meaning, nextStep] = data.ids[finding[0]];
-  const row = element("tr");
-  const help = element("td", "help");
-  help.append(meaning, element("br"), nextStep);
-  row.append(element("td", severity === "error" ? "v1" : "v2", visible(id)), element("td", "text", visible(finding[4])),
-             element("td", "", visible(place(finding))), help);
-  return row;
+const kindOfFinding = ([id, findings]) => {
+  const [name, , meaning, nextStep] = data.ids[id];
+  const kind = isError(id) ? "error" : "remark";
+  const texts = element("ul", "texts");
+  const more = addFirst(texts, findings, TEXTS_AT_FIRST, "finding", finding =>
+    element("li", "", element("code", "", visible(finding[4])), " ", element("span", "quiet", visible(place(finding)))));
+  return element("div", "finding", element("h3", "", element("span", kind, kind), " " + visible(name)),
+                 element("p", "", ...prose(meaning)), element("p", "", ...prose(nextStep)), texts, ...(more ? [more] : []));
+};
+
+// What kbrepair would change, and how to call it.
+const mending = file => {
+  const parts = [element("h3", "", "kbrepair: " + repairText(file))];
+  if (file.changes.length) {
+    const more = file.words - file.changes.length;
+    parts.push(element("p", "", element("code", "", file.changes.map(visible).join("\n") + (more > 0 ? "\n... " + more + " more" : ""))));
+  }
+  const name = data.repairs[file.repair];
+  if (/^can be/.test(name)) {
+    const to = file.path.replace(/(\.kb)?$/i, "-mended$1");
+    parts.push(copyable(["kbrepair", ...(/salvaged/.test(name) ? ["--salvage"] : []), quotedPath(file.path), quotedPath(to)].join(" "), "the command"));
+  }
+  return parts;
 };
 
 const details = file => {
-  const cell = element("td");
+  const cell = element("td", "", copyable(quotedPath(file.path), "the path"));
   cell.colSpan = 5 + repairAsked;
-  if (file.reason) cell.append(element("p", "", data.reasons[file.reason] + (file.detail ? ": " + visible(file.detail) : "")));
-  if (repairText(file)) cell.append(element("p", "", "kbrepair: " + repairText(file)));
-  if (file.findings.length) {
-    const table = element("table");
-    const head = table.createTHead().insertRow();
-    for (const text of ["Finding", "Text", "Place", "Meaning and next step"]) head.append(element("th", "", text));
-    const body = table.createTBody();
-    for (const finding of file.findings) body.append(findingRow(finding));
-    cell.append(table);
-  }
+  if (file.reason) cell.append(element("p", "", "No verdict: " + data.reasons[file.reason] + (file.detail ? ": " + visible(file.detail) : "")));
+  if (repairText(file)) cell.append(...mending(file));
+  const kinds = new Map();
+  for (const finding of file.findings) kinds.set(finding[0], [...kinds.get(finding[0]) ?? [], finding]);
+  cell.append(...[...kinds].map(kindOfFinding));
   const more = file.count - file.findings.length;
-  if (more) cell.append(element("p", "", more + " more findings: see the JSON report."));
-  const row = element("tr", "details");
-  row.append(cell);
-  return row;
+  if (more) cell.append(element("p", "", counted(more, "more finding", "more findings") + ": see the JSON report."));
+  return element("tr", "details", cell);
 };
 
 const fileRow = file => {
-  const row = element("tr");
+  const labelled = (label, className, text) => {
+    const cell = element("td", className, text);
+    if (text !== "") cell.dataset.label = label;
+    return cell;
+  };
   const path = element("td", "path");
-  if (file.count || file.reason) {
-    const open = button(visible(file.path), () => {
-      const isOpen = row.nextElementSibling?.className === "details";
-      if (isOpen) row.nextElementSibling.remove();
-      else row.after(details(file));
-      open.setAttribute("aria-expanded", !isOpen);
-    });
-    open.setAttribute("aria-expanded", false);
-    path.append(open);
-  } else path.textContent = visible(file.path);
-  row.append(path, element("td", "v" + file.verdict, data.verdicts[file.verdict]), element("td", "", file.version),
-             element("td", "number", file.bytes), element("td", "number", file.count));
-  if (repairAsked) row.append(element("td", "", repairText(file)));
+  const row = element("tr", "", path, element("td", "v" + file.verdict, data.verdicts[file.verdict]), labelled("version", "", file.version),
+                      labelled("bytes", "number", file.bytes.toLocaleString("en")), labelled("findings", "number", file.count.toLocaleString("en")));
+  if (repairAsked) row.append(labelled("repair", "", repairText(file)));
+  if (!file.count && !file.reason) {
+    path.append(...pathParts(file.path));
+    return row;
+  }
+  const open = button("plain path", pathParts(file.path), () => {
+    const isOpen = row.nextElementSibling?.className === "details";
+    if (isOpen) row.nextElementSibling.remove();
+    else row.after(details(file));
+    open.setAttribute("aria-expanded", !isOpen);
+  });
+  open.setAttribute("aria-expanded", false);
+  path.append(open);
   return row;
 };
 
-// --- The table ---
+// --- The table ------------------------------------------------------------------------------------------------------
 
+const compare = (a, b) => a < b ? -1 : a > b ? 1 : 0;
+// What the files can be ordered by, and whether the greatest come first when this is chosen.
+const ORDERS = { rank: "bad files first", path: "path", verdict: "verdict", version: "version", bytes: "bytes", count: "findings", repair: "repair" };
+const GREATEST_FIRST = ["bytes", "count", "repair"];
 let matching = files;
 let rowsShown = 0;
-let sorting = { key: "path", down: false };
+let sorting = { key: "rank", down: false };
 
-const showMore = () => {
+const showMore = (most = ROWS_AT_ONCE) => {
   const rows = document.createDocumentFragment();
-  for (const file of matching.slice(rowsShown, rowsShown + ROWS_AT_ONCE)) rows.append(fileRow(file));
-  byId("files").tBodies[0].append(rows);
-  rowsShown = Math.min(matching.length, rowsShown + ROWS_AT_ONCE);
+  for (const file of matching.slice(rowsShown, rowsShown + most)) rows.append(fileRow(file));
+  byId("table").tBodies[0].append(rows);
+  rowsShown = Math.min(matching.length, rowsShown + most);
   byId("more").hidden = rowsShown === matching.length;
 };
 
-const compare = (a, b) => a < b ? -1 : a > b ? 1 : 0;
-
 const update = () => {
-  const text = byId("path-filter").value.toLowerCase();
-  const verdict = byId("verdict-filter").value;
-  const repair = byId("repair-filter").value;
-  const finding = byId("finding-filter").value;
-  matching = files.filter(file =>
-    (!text || visible(file.path).toLowerCase().includes(text)) &&
-    (!verdict || (verdict === "bad" ? file.verdict !== 0 : file.verdict === Number(verdict))) &&
-    (!repair || file.repair === Number(repair)) &&
-    (!finding || file.ids.includes(Number(finding))));
+  const tests = FILTERS.filter(name => control(name).value).map(name =>
+    matchers[name](name === "path" ? control(name).value.toLowerCase() : control(name).value));
+  matching = files.filter(file => tests.every(test => test(file)));
   const { key, down } = sorting;
-  matching.sort((a, b) => (down ? -1 : 1) * compare(a[key], b[key]) || compare(a.path, b.path));
-  byId("shown").textContent = matching.length + " of " + files.length;
-  byId("files").tBodies[0].replaceChildren();
+  const by = key === "verdict" ? "rank" : key;
+  matching.sort((a, b) => (down ? -1 : 1) * compare(a[by], b[by]) || compare(a.path, b.path));
+  byId("shown").textContent = matching.length.toLocaleString("en") + " of " + counted(files.length, "file", "files");
+  byId("none").hidden = matching.length !== 0;
+  byId("table").hidden = matching.length === 0;
+  for (const [made, name, value] of filterButtons) made.setAttribute("aria-pressed", control(name).value === value);
+  for (const head of document.querySelectorAll("#table > thead th"))
+    if (head.dataset.key === key) head.setAttribute("aria-sort", down ? "descending" : "ascending");
+    else head.removeAttribute("aria-sort");
+  byId("sort").value = key;
+  byId("table").tBodies[0].replaceChildren();
   rowsShown = 0;
   showMore();
+  writeAddress();
 };
 
-const choose = (id, value) => {
-  byId(id).value = value;
+const sortBy = key => {
+  sorting = { key, down: sorting.key === key ? !sorting.down : GREATEST_FIRST.includes(key) };
   update();
-  byId("filters").scrollIntoView();
 };
 
-const setUpSorting = () => {
-  const heads = [...document.querySelectorAll("#files th")];
-  for (const head of heads) {
-    const key = head.dataset.key;
-    head.replaceChildren(button(head.textContent, () => {
-      // Of numbers the greatest are looked for, so they come first.
-      const down = sorting.key === key ? !sorting.down : key === "bytes" || key === "count" || key === "verdict" || key === "repair";
-      sorting = { key, down };
-      for (const other of heads) other.removeAttribute("aria-sort");
-      head.setAttribute("aria-sort", down ? "descending" : "ascending");
-      update();
-    }));
+const setUpTable = () => {
+  for (const head of document.querySelectorAll("#table > thead th")) {
+    head.replaceChildren(button("plain", head.textContent, () => sortBy(head.dataset.key)));
+    if (head.dataset.key === "repair") head.hidden = !repairAsked;
   }
-  heads[0].setAttribute("aria-sort", "ascending");
-  heads.find(head => head.dataset.key === "repair").hidden = !repairAsked;
+  for (const [key, text] of Object.entries(ORDERS)) if (key !== "repair" || repairAsked) addOption(byId("sort"), text, key);
+  byId("sort").addEventListener("input", () => sortBy(byId("sort").value));
+  byId("more").addEventListener("click", () => showMore());
+  new IntersectionObserver(seen => seen[0].isIntersecting && showMore()).observe(byId("more"));
+  addEventListener("beforeprint", () => {
+    showMore(matching.length);
+    for (const rest of waiting.splice(0)) rest();
+  });
 };
 
 const setUpFilters = () => {
-  const option = (list, text, value) => {
-    const made = element("option", "", text);
-    made.value = value;
-    byId(list).append(made);
-  };
-  data.verdicts.forEach((name, i) => option("verdict-filter", name, i));
-  data.repairs.forEach((name, i) => name && option("repair-filter", name, i));
+  for (const name of data.verdicts) addOption(control("verdict"), name, name);
+  for (const name of data.repairs) if (name) addOption(control("repair"), name, name);
+  for (const [id] of data.histogram) addOption(control("finding"), visible(data.ids[id][0]), data.ids[id][0]);
   byId("repair-label").hidden = !repairAsked;
-  for (const [id] of data.histogram) option("finding-filter", visible(data.ids[id][0]), id);
-  byId("filters").addEventListener("input", update);
-  byId("filters").addEventListener("reset", () => setTimeout(update));
+  byId("filters").addEventListener("input", event => event.target.id !== "sort" && update());
+  byId("filters").addEventListener("reset", event => { event.preventDefault(); showAll(); });
   byId("filters").addEventListener("submit", event => event.preventDefault());
-  byId("more").addEventListener("click", showMore);
-  new IntersectionObserver(seen => seen[0].isIntersecting && showMore()).observe(byId("more"));
+  byId("none").querySelector("button").addEventListener("click", showAll);
+  // The skip link must not take the place of the filters in the address.
+  byId("skip").addEventListener("click", event => {
+    event.preventDefault();
+    byId("files").focus();
+  });
+  addEventListener("hashchange", readAddress);
 };
 
+showHead();
+setUpFilters();
 showTotals();
 showHistogram();
-setUpSorting();
-setUpFilters();
-update();
+showFolders();
+setUpTable();
+readAddress();
 })();

@@ -101,8 +101,14 @@ class Browser:
             time.sleep(0.02)
 
     def open(self, path):
+        self.call("Page.navigate", url="about:blank")  # or nothing is loaded if only the part behind "#" is another one
         self.call("Page.navigate", url="file://" + path)
         self.wait_for("location.protocol === 'file:' && document.readyState === 'complete'")
+
+    def show(self, width, colours):
+        """A screen of another width, "light" or "dark"; a narrow one is that of a phone."""
+        self.call("Emulation.setDeviceMetricsOverride", width=width, height=900, deviceScaleFactor=1, mobile=width < 500)
+        self.call("Emulation.setEmulatedMedia", features=[{"name": "prefers-color-scheme", "value": colours}])
 
     def click(self, element):
         """Clicks with the mouse on what an expression gives."""

@@ -1,5 +1,6 @@
-"""page_check.py KBSURVEY SAMPLES FOLDER: makes a page of the samples and of 1,000 files with hostile names in FOLDER, and
-uses it as a person would. Prints what is wrong; the exit status is 1 then."""
+"""page_check.py KBSURVEY SAMPLES FOLDER [AXE]: makes a page of the samples and of 1,000 files with hostile names in
+FOLDER, and uses it as a person would, with a mouse, on a phone and on paper; AXE is axe-core, which looks at it for those
+who do not see or point. Prints what is wrong; the exit status is 1 then."""
 
 import json
 import os
@@ -9,7 +10,7 @@ import sys
 
 import browser
 
-KBSURVEY, SAMPLES, FOLDER = sys.argv[1:4]
+KBSURVEY, SAMPLES, FOLDER, *AXE = sys.argv[1:]
 
 # Each is the name of a file, or a path: folders are made as they are needed. What they try would set `hacked`, ask for
 # something, or look like another file or verdict.
@@ -20,8 +21,9 @@ HOSTILE = [
     b"<link rel=stylesheet href=https://example.invalid>", b"<iframe srcdoc=x>", b"javascript:hacked=1",
     b"line\nbreak OK", b"\x1b[2J\x1b]0;title\x07", b"\r\tOK", b"\xff\xfe\xc3(", b"\xed\xa0\x80", b"\\xff", b"-h", b"--help",
     "\u202egnp.bk\u2066".encode(), "\u2028\u2029\ufeff".encode(), "\U000e0041\u200b".encode(), "Ð\u0410日本".encode(),
-    b"__proto__", b"constructor", b" ", b"%3Cscript%3E", b"{{hacked=1}}", b"@DATA@", b"x" * 200,
+    b"__proto__", b"constructor", b" ", b"%3Cscript%3E", b"{{hacked=1}}", b"@DATA@", b"x" * 200, b"#verdict=OK", b"$(touch hacked)",
 ]
+REPAIRS = {"mended": "can be mended", "salvaged": "can be salvaged", "no": "cannot be mended"}
 
 complaints = []
 
@@ -46,13 +48,7 @@ def survey():
     run = subprocess.run([KBSURVEY, "--repairable", "--html", FOLDER + "/page.html", "--json", "-", SAMPLES,
                           FOLDER + "/made"], stdout=subprocess.PIPE, stderr=subprocess.PIPE)
     same("status of kbsurvey", 2, run.returncode)
-    lines = run.stdout.split(b"\n")[:-1]
-    same("lines printed", len([line for line in lines if b'"verdict":"OK"' not in line]),
-         len(re.findall(rb"^(?:ERR |NONE)  [ -~]*$", run.stderr, re.M)))
-    return [json.loads(line) for line in lines]
-
-
-REPAIRS = {"mended": "can be mended", "salvaged": "can be salvaged", "no": "cannot be mended"}
+    return [json.loads(line) for line in run.stdout.split(b"\n")[:-1]]
 
 
 def repair_text(record):
@@ -62,115 +58,128 @@ def repair_text(record):
     return REPAIRS.get(record["repair"], "")
 
 
-ROWS = "[...document.querySelectorAll('#files > tbody > tr:not(.details)')]"
-
-
 def rows(tab):
     """What the table shows: the text of all cells."""
-    return tab.evaluate(ROWS + ".map(row => [...row.cells].map(cell => cell.textContent))")
+    return tab.evaluate("[...document.querySelectorAll('#table > tbody > tr:not(.details)')].map(row =>"
+                        "[...row.cells].map(cell => cell.textContent))")
 
 
-def select(tab, name, text):
-    tab.evaluate(f"(() => {{ const list = document.getElementById({name!r});"
-                 f"list.value = [...list.options].find(option => option.text === {text!r}).value;"
-                 "list.dispatchEvent(new Event('input', {bubbles: true})); })()")
+def all_rows(tab):
+    for _ in range(100):
+        if tab.evaluate("document.getElementById('more').hidden"):
+            break
+        tab.click("document.getElementById('more')")
+    return rows(tab)
 
 
 def shown(tab):
-    return tab.evaluate("document.getElementById('shown').textContent")
+    return int(re.sub(r"\D.*", "", tab.evaluate("document.getElementById('shown').textContent").replace(",", "")))
 
 
-def check_totals(tab, records):
-    verdicts = [record["verdict"] for record in records]
-    text = tab.evaluate("document.getElementById('totals').innerText.replaceAll(/\\s+/g, ' ')")
-    for number, name in ((len(records), "files"), (verdicts.count("OK"), "OK"), (verdicts.count("ERR"), "ERR"),
-                         (verdicts.count("none"), "without verdict")):
-        if f"{number} {name}" not in text:
-            complaints.append(f"totals: no {number} {name} in {text!r}")
+def labelled(text):
+    return f"[...document.querySelectorAll('button')].find(b => b.innerText.replaceAll(/\\s+/g, ' ').trim() === {text!r})"
+
+
+def check_cards(tab, records):
+    """Each card, bar and folder has its number and shows its files; a second press shows all again."""
+    chosen = {f"{len(records)} files": records}
+    for number, name in (("ERR", "ERR"), ("OK", "OK")):
+        some = [record for record in records if record["verdict"] == number]
+        chosen[f"{len(some)} {name}"] = some
     for repair, name in REPAIRS.items():
-        wanted = sum(record["repair"] == repair for record in records)
-        if f" {wanted} {name}" not in text:
-            complaints.append(f"totals: no {wanted} {name} in {text!r}")
-    counts = {}
+        some = [record for record in records if record["repair"] == repair]
+        chosen[f"{len(some)} {name}"] = some
+    for finding in ("element-index", "version-2-list-missing"):
+        chosen[finding] = [record for record in records if finding in record["counts"]]
+    chosen[os.path.basename(SAMPLES) + "/"] = [record for record in records if record["path"].startswith(SAMPLES)]
+    for text, some in chosen.items():
+        text = re.sub(r"(\d)(\d\d\d)\b", r"\1,\2", text)
+        if not tab.evaluate(f"Boolean({labelled(text)})"):
+            complaints.append(f"no button {text!r}")
+            continue
+        tab.click(labelled(text))
+        same("files of " + text, len(some), shown(tab))
+        if len(some) < len(records):
+            address = tab.evaluate("location.hash")
+            tab.evaluate(f"(location.hash = '', new Promise(done => setTimeout(done, 50)))")
+            same("files without a filter in the address", len(records), shown(tab))
+            tab.evaluate(f"(location.hash = {address!r}, new Promise(done => setTimeout(done, 50)))")
+            same("files of the address " + address, len(some), shown(tab))
+            tab.click(labelled(text))
+            same("files when pressed again: " + text, len(records), shown(tab))
+
+
+def check_histogram(tab, records):
+    files, counts = {}, {}
     for record in records:
         for name, count in record["counts"].items():
+            files[name] = files.get(name, 0) + 1
             counts[name] = counts.get(name, 0) + count
-    histogram = tab.evaluate("[...document.querySelectorAll('#histogram tbody tr')].map(row =>"
-                             "[row.cells[0].textContent, Number(row.cells[1].textContent)])")
-    same("histogram", counts, dict(histogram))
+    tab.evaluate("document.querySelectorAll('#findings .rest').forEach(more => more.click())")
+    histogram = tab.evaluate("[...document.querySelectorAll('.histogram tbody tr')].map(row => [row.querySelector('button')"
+                             ".textContent, ...[1, 2].map(i => Number(row.cells[i].textContent.replace(',', '')))])")
+    same("histogram", {name: [files[name], counts[name]] for name in files}, {row[0]: row[1:] for row in histogram})
 
 
-def check_filters(tab, records):
-    for verdict in ("OK", "ERR", "none"):
-        select(tab, "verdict-filter", verdict)
-        wanted = sum(record["verdict"] == verdict for record in records)
-        same("number of files with verdict " + verdict, f"{wanted} of {len(records)}", shown(tab))
-        same("verdicts shown", {verdict}, {row[1] for row in rows(tab)})
-    select(tab, "verdict-filter", "all")
-    for repair, name in REPAIRS.items():
-        select(tab, "repair-filter", name)
-        chosen = [record for record in records if record["repair"] == repair]
-        same("number of files that " + name, f"{len(chosen)} of {len(records)}", shown(tab))
-        same("other repairs shown", set(), {row[5] for row in rows(tab)} - {repair_text(record) for record in chosen})
-    select(tab, "repair-filter", "all")
-    select(tab, "finding-filter", "element-index")
-    wanted = sum("element-index" in record["counts"] for record in records)
-    same("number of files with a finding", f"{wanted} of {len(records)}", shown(tab))
-    tab.click("document.querySelector('#filters button[type=reset]')")
-    tab.wait_for(f"document.getElementById('shown').textContent === '{len(records)} of {len(records)}'")
+def check_order(tab, records):
+    verdicts = [row[1] for row in all_rows(tab)]
+    same("order of the verdicts", sorted(verdicts, key=["ERR", "none", "OK"].index), verdicts)
+    sizes = sorted(record["bytes"] for record in records)
+    for wanted in (sizes[::-1], sizes):
+        tab.click("document.querySelector('#table th[data-key=bytes] button')")
+        found = [int(row[3].replace(",", "")) for row in rows(tab)]
+        same("sizes", wanted[:len(found)], found)
+    tab.evaluate("(location.hash = '', new Promise(done => setTimeout(done, 50)))")
+
+
+def check_filter_by_path(tab, records):
     tab.type("document.getElementById('path-filter')", "<IMG SRC=x onerror")
     found = rows(tab)
     same("paths with an image", sum("<img" in record["path"] for record in records), len(found))
     same("paths without an image among them", [], [row for row in found if "<img src=x onerror=hacked=1>" not in row[0]])
-    tab.type("document.getElementById('path-filter')", "")
-    same("number of files without filter", f"{len(records)} of {len(records)}", shown(tab))
-
-
-def check_sorting(tab, records):
-    sizes = sorted(record["bytes"] for record in records)
-    head = "document.querySelector('#files th[data-key=bytes] button')"
-    for wanted in (sizes[::-1], sizes):
-        tab.click(head)
-        found = [int(row[3]) for row in rows(tab)]
-        same("sizes", wanted[:len(found)], found)
-    tab.click("document.querySelector('#files th[data-key=repair] button')")
-    found = ["can" in row[5] for row in rows(tab)]
-    same("files to repair come first", sorted(found, reverse=True), found)
-    tab.click("document.querySelector('#files th[data-key=path] button')")
+    tab.type("document.getElementById('path-filter')", "no such file")
+    same("nothing fits", [0, True], [shown(tab), tab.evaluate("document.getElementById('none').checkVisibility()")])
+    tab.click("document.querySelector('#none button')")
+    same("files after the way back", len(records), shown(tab))
 
 
 def check_details(tab, records):
     damaged = next(record for record in records if record["path"].endswith("damaged.kb"))
     tab.type("document.getElementById('path-filter')", "samples/damaged.kb")
-    tab.click("document.querySelector('#files tbody button')")
+    tab.click("document.querySelector('#table tbody button')")
     text = tab.evaluate("document.querySelector('tr.details').innerText")
-    if f"kbrepair: {repair_text(damaged)}" not in text:
-        complaints.append(f"details of damaged.kb: no {repair_text(damaged)!r}")
+    for part in (f"kbrepair: {repair_text(damaged)}", *damaged.get("repair_changes", [])):
+        if part not in text:
+            complaints.append(f"details of damaged.kb: no {part!r}")
     for finding in damaged["findings"]:
         help_text = subprocess.run([KBSURVEY, "--explain", finding["id"]], stdout=subprocess.PIPE, text=True).stdout
-        meaning, next_step = re.findall(r"^(?:Meaning|Next step): +(.*)$", help_text, re.M)
+        meaning, next_step = re.findall(r"^(?:Meaning|Next step): +(.*)$", help_text.replace("`", ""), re.M)
         for part in (finding["id"], finding["text"].strip(), meaning, next_step, f"byte {finding['offset']}"):
             if part not in text:
                 complaints.append(f"details of damaged.kb: no {part!r}")
-    tab.click("document.querySelector('#files tbody button')")
+    tab.click("document.querySelector('#table tbody button')")
     same("details after a second click", 0, tab.evaluate("document.querySelectorAll('tr.details').length"))
     tab.type("document.getElementById('path-filter')", "")
 
 
 def check_all_rows(tab, records):
-    """All rows can be scrolled to; no path forges a row, a line or an element."""
-    for _ in range(100):
-        if tab.evaluate("document.getElementById('more').hidden"):
-            break
-        tab.click("document.getElementById('more')")
-    found = rows(tab)
+    """All rows can be scrolled to; no path forges a row, a line or an element; each can be copied into a shell."""
+    found = all_rows(tab)
     same("rows", len(records), len(found))
     same("paths", len(records), len({row[0] for row in found}))
     same("paths with characters that cannot be seen", [],
          [row[0] for row in found if re.search("[\0-\x1f\x7f-\x9f\u200b-\u200f\u2028-\u202e\u2066-\u2069\ufeff]", row[0])])
-    same("elements of a path's making", 0,
-         tab.evaluate("document.querySelectorAll('img, svg, iframe, b:not(#totals b), link, base, td script').length"))
+    same("elements of a path's making", 0, tab.evaluate("document.querySelectorAll('img, svg, iframe, base, td script, body link, body style').length"))
     same("scripts", 2, tab.evaluate("document.scripts.length"))
+    words = tab.evaluate("""[...document.querySelectorAll('#table > tbody > tr:not(.details) button')].slice(0, 2 * 40).map(open => {
+      open.click();
+      const word = open.closest('tr').nextElementSibling.querySelector('code').textContent;
+      open.click();
+      return word;
+    })""")
+    listed = subprocess.run(["bash", "-c", "printf '%s\\0' " + " ".join(words)], stdout=subprocess.PIPE).stdout.split(b"\0")[:-1]
+    same("paths that were copied", [], [path for path in listed if not os.path.exists(path)])
+    same("number of paths that were copied", 80, len(listed))
 
 
 def check_policy(tab):
@@ -193,9 +202,47 @@ def check_policy(tab):
     same("requests that the policy refuses", ["page.html"], [os.path.basename(url) for url in tab.requests.values()])
 
 
-def check_many(tab, records):
+def check_access(tab):
+    """At each width and in both colours: no violation that axe-core finds, nothing beside the screen, columns that stay."""
+    for width, colours, address in ((1400, "light", ""), (1400, "dark", "#verdict=ERR"), (800, "light", ""), (390, "light", ""),
+                                    (390, "dark", "#path=nothing+fits")):
+        tab.show(width, colours)
+        tab.open(FOLDER + "/page.html" + address)
+        what = f"at {width} pixels, {colours}"
+        tab.evaluate("[...document.querySelectorAll('#table tbody button')].slice(0, 3).forEach(open => open.click())")
+        same("wider than the screen " + what, False, tab.evaluate("document.documentElement.scrollWidth > innerWidth"))
+        widths = "[...document.querySelectorAll('#table th')].map(head => head.offsetWidth)"
+        before = tab.evaluate(widths)
+        all_rows(tab)
+        same("widths of the columns " + what, before, tab.evaluate(widths))
+        broken = "[...document.querySelectorAll('th, h1, h2, caption')].filter(head => head.scrollWidth > head.clientWidth + 1).map(head => head.textContent)"
+        same("headings that do not fit " + what, [], tab.evaluate(broken))
+        small = "[...document.querySelectorAll('button')].filter(b => b.offsetHeight && b.offsetHeight < 24).map(b => b.textContent)"
+        same("small buttons " + what, [], tab.evaluate(small))
+        if AXE:
+            tab.open(FOLDER + "/page.html" + address)
+            tab.evaluate("document.querySelector('#table tbody button')?.click()")
+            tab.evaluate(open(AXE[0]).read() + "; 0")
+            same("violations " + what, [], tab.evaluate("axe.run().then(found => found.violations.map(v => [v.id, v.nodes[0].html, v.nodes[0].failureSummary]))"))
+    tab.show(1280, "light")
+
+
+def check_paper(tab, records):
+    """What is printed: all files that are shown, and no controls."""
+    tab.open(FOLDER + "/page.html")
+    tab.evaluate("dispatchEvent(new Event('beforeprint'))")
+    same("files printed", len(records), len(rows(tab)))
+    tab.call("Emulation.setEmulatedMedia", media="print")
+    same("controls on paper", 0, tab.evaluate("[...document.querySelectorAll('form, #more, .rest, .copied button, #skip')].filter(e => e.checkVisibility()).length"))
+    same("heads on paper", "table-header-group", tab.evaluate("getComputedStyle(document.querySelector('#table > thead')).display"))
+    tab.call("Emulation.setEmulatedMedia", media="")
+
+
+def check_many(tab):
     """A page of 10,000 bad files is small and quick to open and to filter."""
-    bad = next(record for record in records if record["path"].endswith("list-tag.kb"))
+    run = subprocess.run([KBSURVEY, "--json", "-", "--html", FOLDER + "/unasked.html", SAMPLES], stdout=subprocess.PIPE,
+                         stderr=subprocess.DEVNULL)
+    bad = next(line for line in map(json.loads, run.stdout.split(b"\n")[:-1]) if line["path"].endswith("list-tag.kb"))
     with open(FOLDER + "/many.json", "w") as report:
         for i in range(10_000):
             path = f"scenes/{i % 100}/scene with a name of usual length {i}.kb"
@@ -207,21 +254,13 @@ def check_many(tab, records):
     opened = tab.evaluate("performance.getEntriesByType('navigation')[0].loadEventEnd")
     before = tab.evaluate("performance.now()")
     tab.type("document.getElementById('path-filter')", "9999")
-    same("files found among many", "1 of 10000", shown(tab))
+    same("files found among many", 1, shown(tab))
     filtered = tab.evaluate("performance.now()") - before
     print(f"page of 10,000 files: {size} bytes, opened in {opened:.0f} ms, filtered in {filtered:.0f} ms")
     if size > 5_000_000 or opened > 2000 or filtered > 1000:
         complaints.append("the page of 10,000 files is too large or too slow")
-
-
-def check_unasked(tab):
-    """Without --repairable the page says nothing about repairs."""
-    subprocess.run([KBSURVEY, "--html", FOLDER + "/unasked.html", SAMPLES], stdout=subprocess.DEVNULL)
     tab.open(FOLDER + "/unasked.html")
-    same("cells of a row", {5}, {len(row) for row in rows(tab)})
-    same("hidden", [True, True], tab.evaluate("['#repair-label', '#files th[data-key=repair]'].map(name =>"
-                                              "getComputedStyle(document.querySelector(name)).display === 'none')"))
-    same("text about repairs", False, tab.evaluate("/mended|salvaged/.test(document.body.innerText)"))
+    same("text about repairs, if they were not asked for", False, tab.evaluate("/mended|salvaged/.test(document.body.innerText)"))
 
 
 def main():
@@ -230,11 +269,12 @@ def main():
     tab = browser.Browser()
     try:
         tab.open(FOLDER + "/page.html")
-        for check in (check_totals, check_filters, check_sorting, check_details, check_all_rows):
+        for check in (check_cards, check_histogram, check_order, check_filter_by_path, check_details, check_all_rows):
             check(tab, records)
         check_policy(tab)
-        check_many(tab, records)
-        check_unasked(tab)
+        check_access(tab)
+        check_paper(tab, records)
+        check_many(tab)
     finally:
         tab.close()
     print("\n".join(complaints))
