@@ -63,7 +63,7 @@ void print(const std::string &line) { std::fwrite(line.data(), 1, line.size(), s
 /// Prints what was found, all but the last line.
 void printWords(const Result &result, Form form) {
   const bool two = result.outcome == Outcome::ambiguous;
-  for (const mend::Undoing &undone : result.undone)
+  for (const Undoing &undone : result.undone)
     print(undoneLine(undone, form));
   for (const Change &change : result.changes)
     print(changeLine(change, form, two ? 1 : 0));
@@ -125,7 +125,7 @@ int repair(const Options &options) {
   if (const std::optional<int> refused = load(options, scene))
     return *refused;
   const Form form = options.json ? Form::json : Form::text;
-  const Result result = mend(scene.bytes, options.asked);
+  const Result result = mend::mendBytes(scene.bytes, options.asked);
   const int status =
       result.outcome == Outcome::ambiguous || result.outcome == Outcome::hopeless ? NOT_MENDED : AUDITS_OK;
   errno = 0;

@@ -1,7 +1,7 @@
 /// The command line.
 #pragma once
 
-#include "repair/mend.h"
+#include "mend/mend.h"
 
 #include <optional>
 #include <string>
@@ -11,7 +11,7 @@ namespace kova::repair {
 struct Options {
   std::string input = {};
   std::string output = {}; ///< may be empty if `dry_run` is set
-  Asked asked = {};
+  mend::Asked asked = {};
   bool force = false;
   bool partial = false;
   bool dry_run = false;

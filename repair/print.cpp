@@ -113,7 +113,7 @@ std::string changeLine(const Change &change, Form form, int reading) {
          " (" + change.why + ")\n";
 }
 
-std::string undoneLine(const mend::Undoing &undone, Form form) {
+std::string undoneLine(const Undoing &undone, Form form) {
   if (form == Form::json)
     return jsonLine({{"undone", undone.transformation->id},
                      {"what", undone.transformation->tell(undone)},

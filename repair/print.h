@@ -2,9 +2,15 @@
 /// line with the outcome; as text, or as a JSON object each.
 #pragma once
 
-#include "repair/mend.h"
+#include "mend/mend.h"
 
 namespace kova::repair {
+
+using mend::Change;
+using mend::Loss;
+using mend::Outcome;
+using mend::Result;
+using mend::Undoing;
 
 enum class Form { text, json };
 
@@ -13,7 +19,7 @@ enum class Form { text, json };
 std::string changeLine(const Change &change, Form form, int reading = 0);
 
 /// @return what was undone of what was done to the whole file.
-std::string undoneLine(const mend::Undoing &undone, Form form);
+std::string undoneLine(const Undoing &undone, Form form);
 
 std::string lossLine(const Loss &loss, Form form);
 

@@ -2,7 +2,7 @@
 
 #include "common/file.h"
 #include "kova/check.h"
-#include "repair/mend.h"
+#include "mend/mend.h"
 #include "survey/deep.h"
 
 #include <cerrno>
@@ -119,17 +119,17 @@ Repair repairOf(const Descriptor &file, FileResult &result, const Workspace &wor
   else if (bytes.resize(size); readWhole(file, size, bytes.data()) != nullptr)
     return Repair::unknown;
   // Also with the salvage, a file is mended without a loss if it can be.
-  const repair::Result mending = repair::mend(bytes, {.salvage = true});
+  const mend::Result mending = mend::mendBytes(bytes, {.salvage = true});
   switch (mending.outcome) {
-  case repair::Outcome::good: // it has changed
+  case mend::Outcome::good: // it has changed
     return Repair::unknown;
-  case repair::Outcome::mended:
+  case mend::Outcome::mended:
     result.repair_words = mending.changes.size() + mending.undone.size();
     return Repair::mended;
-  case repair::Outcome::salvaged:
+  case mend::Outcome::salvaged:
     return Repair::salvaged;
-  case repair::Outcome::ambiguous:
-  case repair::Outcome::hopeless:
+  case mend::Outcome::ambiguous:
+  case mend::Outcome::hopeless:
     return Repair::no;
   }
   return Repair::no;

@@ -1,4 +1,4 @@
-#include "repair/tests/mending.h"
+#include "mend/tests/mending.h"
 
 #include "kova/check.h"
 #include "kova/findings.h"
@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-namespace kova::repair {
+namespace kova::mend {
 
 namespace {
 
@@ -80,11 +80,11 @@ bool auditsOk(const Bytes &file) {
 
 Mending mendAndCheck(const Bytes &input, bool salvage) {
   Mending mending = {{}, input, ""};
-  mending.result = mend(mending.bytes, {.salvage = salvage});
+  mending.result = mendBytes(mending.bytes, {.salvage = salvage});
   const Result &result = mending.result;
   Bytes file = input; // as it is when all is undone that is told
-  for (const mend::Undoing &step : result.undone)
-    file = mend::undo(file, step);
+  for (const Undoing &step : result.undone)
+    file = undo(file, step);
   const auto say = [&](const std::string &what) {
     if (!what.empty())
       mending.broken += what + " (" + listed(result.changes) + result.reason + ")\n";
@@ -101,7 +101,7 @@ Mending mendAndCheck(const Bytes &input, bool salvage) {
     say("it does not audit OK");
   for (const bool again_salvage : {false, true}) {
     Bytes again = mending.bytes;
-    const Result second = mend(again, {.salvage = again_salvage});
+    const Result second = mendBytes(again, {.salvage = again_salvage});
     if (second.outcome != Outcome::good || again != mending.bytes)
       say("mended again, it changes: " + listed(second.changes));
   }
@@ -117,4 +117,4 @@ std::string auditMending(std::span<const unsigned char> input) {
   return mended.broken + salvaged.broken + (same ? "" : "salvage mends it in another way\n");
 }
 
-} // namespace kova::repair
+} // namespace kova::mend

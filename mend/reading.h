@@ -1,13 +1,13 @@
 /// Readings of a damaged file: where its lists, elements and counts could be, each with what speaks against it.
 #pragma once
 
-#include "repair/conventions.h"
+#include "mend/conventions.h"
 
 #include <deque>
 #include <string>
 #include <vector>
 
-namespace kova::repair {
+namespace kova::mend {
 
 /// What a reading says beyond the bytes. Readings that have a beginning in common share it.
 struct Claim {
@@ -144,4 +144,4 @@ std::uint64_t sizeWordOffset(std::size_t list);
 /// @return whether a file with such a header has version-2 lists.
 bool hasVersion2Lists(const FileBytes &image);
 
-} // namespace kova::repair
+} // namespace kova::mend

@@ -1,8 +1,8 @@
-#include "repair/left.h"
+#include "mend/left.h"
 
 #include <algorithm>
 
-namespace kova::repair {
+namespace kova::mend {
 
 std::string leftOf(const Left &left, const char *what) {
   if (left.before == UNKNOWN)
@@ -203,4 +203,4 @@ CutRecord cutRecord(const FileBytes &image, const Kind &kind, std::uint64_t begi
   return Cutter(image, kind, begin, number, version_2).cut;
 }
 
-} // namespace kova::repair
+} // namespace kova::mend

@@ -1,10 +1,10 @@
 /// The words that follow from where everything stands.
 #pragma once
 
-#include "repair/mend.h"
-#include "repair/reading.h"
+#include "mend/mend.h"
+#include "mend/reading.h"
 
-namespace kova::repair {
+namespace kova::mend {
 
 /// What a reading has changed.
 struct Applied {
@@ -21,4 +21,4 @@ Applied applyReading(FileBytes &image, const Reading &reading);
 /// @return the words that a reading changes by itself.
 std::vector<Change> changesOf(const FileBytes &image, const Claim *claims);
 
-} // namespace kova::repair
+} // namespace kova::mend

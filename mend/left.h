@@ -1,12 +1,12 @@
 /// What is left of something, and pieces of files that are made of it.
 #pragma once
 
-#include "repair/layout.h"
+#include "mend/layout.h"
 
 #include <string>
 #include <vector>
 
-namespace kova::repair {
+namespace kova::mend {
 
 using Bytes = std::vector<unsigned char>;
 
@@ -40,4 +40,4 @@ struct CutRecord {
 /// Cuts a record where the file ends.
 CutRecord cutRecord(const FileBytes &image, const Kind &kind, std::uint64_t begin, Word number, bool version_2);
 
-} // namespace kova::repair
+} // namespace kova::mend

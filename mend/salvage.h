@@ -1,10 +1,10 @@
 /// What is left of a file that was cut, and what has to be added where a file lacks something.
 #pragma once
 
-#include "repair/mend.h"
-#include "repair/reading.h"
+#include "mend/mend.h"
+#include "mend/reading.h"
 
-namespace kova::repair {
+namespace kova::mend {
 
 /// The file that is made of what was whole.
 struct Salvaged {
@@ -20,4 +20,4 @@ std::optional<Salvaged> salvageFile(const FileBytes &cut);
 /// @return the file; none where there is no such block, or something else is wrong.
 std::optional<Salvaged> fillMakerBlocks(const FileBytes &image);
 
-} // namespace kova::repair
+} // namespace kova::mend

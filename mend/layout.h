@@ -6,11 +6,11 @@
 #pragma once
 
 #include "format/lists.h"
-#include "repair/bytes.h"
+#include "mend/bytes.h"
 
 #include <initializer_list>
 
-namespace kova::repair {
+namespace kova::mend {
 
 /// Where words of the file's header stand.
 namespace header_at {
@@ -240,4 +240,4 @@ extern const std::array<ListLayout, LIST_NUM> LAYOUT;
 bool isListTag(std::size_t list, Word tag);
 bool isElementTag(const Kind &kind, Word tag);
 
-} // namespace kova::repair
+} // namespace kova::mend

@@ -1,11 +1,11 @@
-#include "repair/salvage.h"
+#include "mend/salvage.h"
 
-#include "repair/derive.h"
-#include "repair/links.h"
+#include "mend/derive.h"
+#include "mend/links.h"
 
 #include <algorithm>
 
-namespace kova::repair {
+namespace kova::mend {
 
 namespace {
 
@@ -303,4 +303,4 @@ std::optional<Salvaged> salvageFile(const FileBytes &cut) {
   return Salvage(cut).salvage();
 }
 
-} // namespace kova::repair
+} // namespace kova::mend

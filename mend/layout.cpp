@@ -1,8 +1,8 @@
-#include "repair/layout.h"
+#include "mend/layout.h"
 
 #include <algorithm>
 
-namespace kova::repair {
+namespace kova::mend {
 
 namespace {
 
@@ -660,4 +660,4 @@ bool isElementTag(const Kind &kind, Word tag) {
   return tag == kind.tag || (&kind == &NAME && tag == EXTERNAL_NAME.tag);
 }
 
-} // namespace kova::repair
+} // namespace kova::mend

@@ -4,11 +4,11 @@
 /// words tell nothing about what is damaged, and nothing is to be changed in them.
 #pragma once
 
-#include "repair/layout.h"
+#include "mend/layout.h"
 
 #include <vector>
 
-namespace kova::repair {
+namespace kova::mend {
 
 /// What a word of a record is to its record.
 enum class Own : std::uint8_t { tag, index, size, table_entry };
@@ -40,4 +40,4 @@ private:
   std::vector<Row> rows = {};
 };
 
-} // namespace kova::repair
+} // namespace kova::mend

@@ -1,9 +1,9 @@
-#include "repair/derive.h"
+#include "mend/derive.h"
 
 #include <algorithm>
 #include <unordered_map>
 
-namespace kova::repair {
+namespace kova::mend {
 
 namespace {
 
@@ -256,4 +256,4 @@ std::vector<Change> changesOf(const FileBytes &image, const Claim *claims) {
   return changes;
 }
 
-} // namespace kova::repair
+} // namespace kova::mend

@@ -2,7 +2,7 @@
 
 #include "format/lists.h"
 #include "kova/kb.h"
-#include "repair/tests/mending.h"
+#include "mend/tests/mending.h"
 #include "samples/builder.h"
 #include "survey/deep.h"
 
@@ -14,7 +14,7 @@
 #include <map>
 #include <random>
 
-namespace kova::repair {
+namespace kova::mend {
 
 namespace {
 
@@ -225,4 +225,4 @@ TEST(Salvage, ShortMakerBlocksAreFilledUp) {
 
 } // namespace
 
-} // namespace kova::repair
+} // namespace kova::mend

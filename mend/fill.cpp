@@ -1,8 +1,8 @@
 /// Records of version 2.0 whose maker blocks are shorter than what they hold.
-#include "repair/derive.h"
-#include "repair/salvage.h"
+#include "mend/derive.h"
+#include "mend/salvage.h"
 
-namespace kova::repair {
+namespace kova::mend {
 
 namespace {
 
@@ -117,4 +117,4 @@ std::optional<Salvaged> fillMakerBlocks(const FileBytes &image) {
   return reading && !reading->has_rival ? Filler(image).fill(*reading) : std::nullopt;
 }
 
-} // namespace kova::repair
+} // namespace kova::mend

@@ -1,10 +1,10 @@
 /// One record: the one word in it that would have to be another for the record to end where it has to end.
-#include "repair/reading.h"
+#include "mend/reading.h"
 
 #include <algorithm>
 #include <limits>
 
-namespace kova::repair {
+namespace kova::mend {
 
 namespace {
 
@@ -193,4 +193,4 @@ void Reader::keepBest(Proposals &proposals) {
   proposals = std::move(kept);
 }
 
-} // namespace kova::repair
+} // namespace kova::mend

@@ -1,8 +1,8 @@
 /// Files with which nothing can be done, or that were made to do harm: no crash, no hang, nothing untold.
 
 #include "harness/bytes.h"
-#include "repair/tests/damage.h"
-#include "repair/tests/mending.h"
+#include "mend/tests/damage.h"
+#include "mend/tests/mending.h"
 #include "tests/allocations.h"
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 #include <random>
 
-namespace kova::repair {
+namespace kova::mend {
 
 namespace {
 
@@ -108,7 +108,7 @@ TEST(Hostile, MemoryAndTimeDependOnTheSizeAlone) {
         file.resize(SIZE - cut);
         const std::size_t held = test::allocations.held;
         test::allocations.peak = held;
-        mend(file, {.salvage = true});
+        mendBytes(file, {.salvage = true});
         const std::size_t taken = test::allocations.peak - held;
         most = std::max(most, static_cast<double>(taken) / SIZE);
         EXPECT_LE(taken, memoryBound(SIZE)) << LISTS[list].name << ' ' << words[0];
@@ -138,4 +138,4 @@ TEST(Hostile, HeaderSizesThatPointBackAreStood) {
 
 } // namespace
 
-} // namespace kova::repair
+} // namespace kova::mend

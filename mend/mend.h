@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-namespace kova::repair {
+namespace kova::mend {
 
 /// A word that is to be changed, or was.
 struct Change {
@@ -45,10 +45,10 @@ enum class Outcome {
 
 struct Result {
   Outcome outcome = Outcome::good;
-  std::vector<mend::Undoing> undone = {}; ///< in this order, before the changes
-  std::vector<Change> changes = {};       ///< by offset, in the input, or in what it is when all is undone; of a file
-                                          ///< without hope those that were sure
-  std::vector<Change> alternative = {};   ///< the other reading
+  std::vector<Undoing> undone = {};     ///< in this order, before the changes
+  std::vector<Change> changes = {};     ///< by offset, in the input, or in what it is when all is undone; of a file
+                                        ///< without hope those that were sure
+  std::vector<Change> alternative = {}; ///< the other reading
   std::vector<Loss> losses = {};
   std::string reason = {};
 };
@@ -63,6 +63,6 @@ struct Asked {
 /// the file then audits OK, at once or mended, and if there is no other way. An ambiguous file stays as it is. Of one
 /// without hope, the words are changed of which there is no doubt. Where `salvage` is set and the file is cut, or has
 /// maker blocks that are too short, `bytes` is the salvaged file afterwards.
-Result mend(std::vector<unsigned char> &bytes, const Asked &asked);
+Result mendBytes(std::vector<unsigned char> &bytes, const Asked &asked);
 
-} // namespace kova::repair
+} // namespace kova::mend

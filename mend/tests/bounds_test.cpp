@@ -1,12 +1,12 @@
 /// What mending costs at worst: files made so that as much as possible has to be tried.
 
-#include "repair/mend.h"
-#include "repair/tests/damage.h"
+#include "mend/mend.h"
+#include "mend/tests/damage.h"
 
 #include <ctime>
 #include <gtest/gtest.h>
 
-namespace kova::repair {
+namespace kova::mend {
 
 namespace {
 
@@ -16,7 +16,7 @@ using harness::wordAt;
 
 double secondsOf(Bytes bytes) {
   const std::clock_t begin = std::clock();
-  mend(bytes, {.salvage = true});
+  mendBytes(bytes, {.salvage = true});
   return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
 }
 
@@ -91,4 +91,4 @@ TEST(Bounds, TimeOfMending) {
 
 } // namespace
 
-} // namespace kova::repair
+} // namespace kova::mend

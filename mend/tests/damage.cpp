@@ -1,8 +1,8 @@
-#include "repair/tests/damage.h"
+#include "mend/tests/damage.h"
 
 #include <algorithm>
 
-namespace kova::repair {
+namespace kova::mend {
 
 namespace {
 
@@ -110,4 +110,4 @@ harness::Bytes damagedFile(std::uint32_t seed) {
   return file.bytes;
 }
 
-} // namespace kova::repair
+} // namespace kova::mend

@@ -1,12 +1,12 @@
-#include "repair/mend.h"
+#include "mend/mend.h"
 
 #include "kova/check.h"
-#include "repair/derive.h"
-#include "repair/salvage.h"
+#include "mend/derive.h"
+#include "mend/salvage.h"
 
 #include <algorithm>
 
-namespace kova::repair {
+namespace kova::mend {
 
 namespace {
 
@@ -178,12 +178,12 @@ Result mendAsIs(std::vector<unsigned char> &bytes, bool salvage) {
 bool isMended(const Result &result) { return result.outcome == Outcome::good || result.outcome == Outcome::mended; }
 
 /// Undoes the steps, and mends the file that results.
-Result undoAndMend(std::vector<unsigned char> &bytes, const std::vector<mend::Undoing> &steps, bool salvage) {
-  std::vector<mend::Undoing> undone;
+Result undoAndMend(std::vector<unsigned char> &bytes, const std::vector<Undoing> &steps, bool salvage) {
+  std::vector<Undoing> undone;
   std::vector<Change> version;
-  for (const mend::Undoing &step : steps) {
-    bytes = mend::undo(bytes, step);
-    if (mend::setsVersion(step))
+  for (const Undoing &step : steps) {
+    bytes = undo(bytes, step);
+    if (setsVersion(step))
       version.push_back({0,
                          "FileHeader",
                          {},
@@ -203,41 +203,41 @@ Result undoAndMend(std::vector<unsigned char> &bytes, const std::vector<mend::Un
 }
 
 /// @return the steps to the file that audits OK, at once.
-std::vector<mend::Undoing> findOriginal(const std::vector<unsigned char> &bytes) {
-  return mend::findOriginal(
-      bytes, [](mend::Bytes &file, const mend::HeaderFacts &facts) { return facts.isWhole() && auditBytes(file).ok; });
+std::vector<Undoing> findGood(const std::vector<unsigned char> &bytes) {
+  return findOriginal(bytes,
+                      [](Bytes &file, const HeaderFacts &facts) { return facts.isWhole() && auditBytes(file).ok; });
 }
 
 /// @return the steps to a file that audits OK when it is mended. More of its lists are in their place than now.
-std::vector<mend::Undoing> findMendable(const std::vector<unsigned char> &bytes) {
-  int most = mend::headerFacts({bytes}).agreement + 1;
-  mend::findOriginal(bytes, [&](mend::Bytes &, const mend::HeaderFacts &facts) {
+std::vector<Undoing> findMendable(const std::vector<unsigned char> &bytes) {
+  int most = headerFacts({bytes}).agreement + 1;
+  findOriginal(bytes, [&](Bytes &, const HeaderFacts &facts) {
     most = std::max(most, facts.agreement);
     return false;
   });
-  return mend::findOriginal(bytes, [&](mend::Bytes &file, const mend::HeaderFacts &facts) {
+  return findOriginal(bytes, [&](Bytes &file, const HeaderFacts &facts) {
     return facts.agreement == most && isMended(mendAsIs(file, false));
   });
 }
 
 } // namespace
 
-Result mend(std::vector<unsigned char> &bytes, const Asked &asked) {
-  if (mend::headerFacts({bytes}).isWhole() && asked.part < 2)
+Result mendBytes(std::vector<unsigned char> &bytes, const Asked &asked) {
+  if (headerFacts({bytes}).isWhole() && asked.part < 2)
     return mendAsIs(bytes, asked.salvage);
-  const std::vector<mend::Part> parts = mend::findParts(bytes);
+  const std::vector<Part> parts = findParts(bytes);
   if (parts.size() > 1 && asked.part == 0)
     return hopeless("it holds " + std::to_string(parts.size()) + " scenes, one behind the other");
   if (asked.part > std::max<std::size_t>(parts.size(), 1))
     return hopeless("it holds no such part: there are " + std::to_string(parts.size()));
   if (parts.size() > 1)
-    return undoAndMend(bytes, {mend::takePart(parts, asked.part)}, asked.salvage);
-  if (const std::vector<mend::Undoing> steps = findOriginal(bytes); !steps.empty())
+    return undoAndMend(bytes, {takePart(parts, asked.part)}, asked.salvage);
+  if (const std::vector<Undoing> steps = findGood(bytes); !steps.empty())
     return undoAndMend(bytes, steps, false);
   std::vector<unsigned char> as_is = bytes;
   Result result = mendAsIs(as_is, false);
   if (!isMended(result)) {
-    if (const std::vector<mend::Undoing> steps = findMendable(bytes); !steps.empty())
+    if (const std::vector<Undoing> steps = findMendable(bytes); !steps.empty())
       return undoAndMend(bytes, steps, false);
     if (asked.salvage)
       return mendAsIs(bytes, true);
@@ -246,4 +246,4 @@ Result mend(std::vector<unsigned char> &bytes, const Asked &asked) {
   return result;
 }
 
-} // namespace kova::repair
+} // namespace kova::mend

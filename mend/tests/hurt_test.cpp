@@ -1,14 +1,14 @@
 /// Damage as it happens to whole files: how often the original comes back, or everything outside the hole.
 
 #include "samples/hurt.h"
-#include "repair/tests/mending.h"
+#include "mend/tests/mending.h"
 
 #include <cstdio>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
 
-namespace kova::repair {
+namespace kova::mend {
 
 namespace {
 
@@ -95,4 +95,4 @@ TEST(Hurt, ComesBack) {
 
 } // namespace
 
-} // namespace kova::repair
+} // namespace kova::mend

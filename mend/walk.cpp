@@ -1,6 +1,6 @@
-#include "repair/conventions.h"
+#include "mend/conventions.h"
 
-namespace kova::repair {
+namespace kova::mend {
 
 bool Walk::isInMakerBlock(std::uint64_t offset) const { return maker_end == 0 || offset + sizeof(Word) <= maker_end; }
 
@@ -153,4 +153,4 @@ std::uint64_t Walk::over(const Spot &spot, int depth) {
   return position;
 }
 
-} // namespace kova::repair
+} // namespace kova::mend

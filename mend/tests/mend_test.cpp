@@ -1,6 +1,6 @@
 /// How well damaged files are mended: words that follow from others, counts and sizes of blocks, one or several.
 
-#include "repair/tests/mending.h"
+#include "mend/tests/mending.h"
 #include "samples/builder.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@
 #include <random>
 #include <set>
 
-namespace kova::repair {
+namespace kova::mend {
 
 namespace {
 
@@ -345,4 +345,4 @@ TEST(Mend, FuzzingCorpus) {
 
 } // namespace
 
-} // namespace kova::repair
+} // namespace kova::mend

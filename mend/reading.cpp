@@ -1,10 +1,10 @@
 /// Lists and the whole file: every place that something gives for an end is followed, and the readings that come to the
 /// same place are compared.
-#include "repair/reading.h"
+#include "mend/reading.h"
 
 #include <algorithm>
 
-namespace kova::repair {
+namespace kova::mend {
 
 namespace {
 
@@ -483,4 +483,4 @@ std::optional<Reading> Reader::readFile() {
   return whole.empty() ? std::nullopt : std::optional(whole.front());
 }
 
-} // namespace kova::repair
+} // namespace kova::mend

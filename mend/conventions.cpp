@@ -1,10 +1,10 @@
-#include "repair/conventions.h"
+#include "mend/conventions.h"
 
-#include "repair/reading.h"
+#include "mend/reading.h"
 
 #include <algorithm>
 
-namespace kova::repair {
+namespace kova::mend {
 
 namespace {
 
@@ -97,4 +97,4 @@ bool Conventions::follows(const Kind &kind, Own own) const {
   return row == rows.end() || row->others < FEWEST_OTHERS || row->as_expected >= row->others;
 }
 
-} // namespace kova::repair
+} // namespace kova::mend

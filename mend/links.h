@@ -1,11 +1,11 @@
 /// Links into what a salvage has taken out of a file.
 #pragma once
 
-#include "repair/left.h"
-#include "repair/mend.h"
-#include "repair/reading.h"
+#include "mend/left.h"
+#include "mend/mend.h"
+#include "mend/reading.h"
 
-namespace kova::repair {
+namespace kova::mend {
 
 /// Where the lists of a file are; those that are not there end at 0.
 using Spans = std::array<Claim, LIST_NUM>;
@@ -31,4 +31,4 @@ To toKind(std::size_t list, bool second);
 /// Sets the links into what is gone to none, and tells of them.
 void cutLinks(FileBytes &image, const Spans &spans, Gone gone, std::vector<Loss> &losses);
 
-} // namespace kova::repair
+} // namespace kova::mend

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "harness/bytes.h"
-#include "repair/mend.h"
+#include "mend/mend.h"
 
-namespace kova::repair {
+namespace kova::mend {
 
 using harness::Bytes;
 
@@ -25,4 +25,4 @@ Mending mendAndCheck(const Bytes &file, bool salvage);
 /// The same with and without salvage. @return what does not hold; empty where all is well.
 std::string auditMending(std::span<const unsigned char> input);
 
-} // namespace kova::repair
+} // namespace kova::mend

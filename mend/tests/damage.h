@@ -5,7 +5,7 @@
 
 #include <random>
 
-namespace kova::repair {
+namespace kova::mend {
 
 /// @return whether the lengths or the order of things depend on the word.
 bool isStructure(const samples::NamedWord &word);
@@ -20,4 +20,4 @@ void endAt(samples::File &file, std::size_t place);
 /// often so that its sizes agree with that. The same file for the same number.
 harness::Bytes damagedFile(std::uint32_t seed);
 
-} // namespace kova::repair
+} // namespace kova::mend

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <span>
 
-namespace kova::repair {
+namespace kova::mend {
 
 /// Nothing outside of the file is read or written: a word that does not lie within it whole is 0, and cannot be set.
 class FileBytes {
@@ -68,4 +68,4 @@ private:
   Word tried = 0;
 };
 
-} // namespace kova::repair
+} // namespace kova::mend

@@ -1,9 +1,9 @@
-#include "repair/links.h"
+#include "mend/links.h"
 
 #include <algorithm>
 #include <map>
 
-namespace kova::repair {
+namespace kova::mend {
 
 namespace {
 
@@ -117,4 +117,4 @@ void cutLinks(FileBytes &image, const Spans &spans, Gone gone, std::vector<Loss>
   cutter.finish();
 }
 
-} // namespace kova::repair
+} // namespace kova::mend
