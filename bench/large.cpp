@@ -18,7 +18,6 @@ using Random = std::mt19937;
 using Elements = std::vector<Words>;
 
 constexpr std::size_t GROUPS = 32;
-constexpr Word NO_LINK = 0xffffffff;
 
 /// Coordinates of a scene some hundred units wide, as finely as single precision has them.
 float coordinate(Random &random) { return std::uniform_real_distribution<float>(-250.0F, 250.0F)(random); }

@@ -10,8 +10,6 @@ namespace kova::mend {
 
 using Bytes = std::vector<unsigned char>;
 
-inline constexpr Word NO_LINK = 0xffffffff;
-
 /// Stands for a number that is not known any more.
 inline constexpr std::uint64_t UNKNOWN = ~std::uint64_t{0};
 

@@ -426,7 +426,6 @@ void put(Out &out, const Record &record, const std::string &field, Word value) {
 /// @param i the position in an array
 void putOwn(Out &out, const Record &record, const std::string &field, char mark, Word i = 0) {
   const auto position = static_cast<Word>((out.file.bytes.size() - record.begin) / sizeof(Word));
-  constexpr Word NO_LINK = 0xffffffff;
   const bool is_link = mark == '>' || mark == '&';
   Word value = mark == '~' ? std::bit_cast<Word>(static_cast<float>(position)) : position;
   if (is_link && out.links == LinkWords::none)

@@ -99,9 +99,6 @@ inline constexpr TargetRow TARGETS[] = {
 inline constexpr std::size_t TARGET_NUM = std::size(TARGETS);
 static_assert(TARGET_NUM == static_cast<std::size_t>(Target::own_cluster) + 1, "a row for each target");
 
-/// Stands for none, in every index and link of the format.
-inline constexpr Word NO_LINK = 0xffffffff;
-
 // --- Fields ---------------------------------------------------------------------------------------------------------
 
 using FieldBytes = std::span<const std::byte>;

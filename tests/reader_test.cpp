@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <set>
 #include <sstream>
 #include <sys/stat.h>
 #include <thread>
@@ -411,6 +412,38 @@ TEST(Primitives, SetSmallThings) {
   char text[] = " a b\tc ";
   kvSp2_(text);
   EXPECT_STREQ(text, "_a_b\tc_");
+}
+
+TEST(Model, LinksAndNamesLeadToElements) {
+  File file =
+      build(VERSION_1,
+            "ObjList { Obj*3 } ColorList { TriColorGroup*2 VtxColorGroup*2 } NameList { Name text=a Name text=b~c }",
+            LinkWords::none);
+  const Loaded loaded = load(edited(file, "Obj 0 obj_name_index 1 obj_parent_link 2; Obj 1 obj_parent_link 3"));
+  const Kis &kis = loaded.kis;
+  const std::vector<Obj> &obj = kis.obj.element;
+  ASSERT_EQ(obj.size(), 3U);
+  EXPECT_EQ(kvElement(kis.obj, obj[0].obj_parent_link), &obj[2]);
+  EXPECT_EQ(kvElement(kis.obj, obj[1].obj_parent_link), nullptr);
+  EXPECT_EQ(kvElement(kis.obj, NO_LINK), nullptr);
+  EXPECT_EQ(kvElement(kis.obj, Index{-1}), nullptr);
+  EXPECT_EQ(kvElement(kis.color.vtx_group, Index{1}), &kis.color.vtx_group[1]);
+  EXPECT_EQ(kvNameOf(kis, obj[0].obj_name_index), "b_c");
+  EXPECT_EQ(kvNameOf(kis, obj[1].obj_name_index), "");
+  EXPECT_EQ(kvNameOf(kis.external_name, 0), "");
+}
+
+TEST(Model, ListsAreVisitedInFileOrder) {
+  std::vector<std::string> names;
+  std::set<const void *> lists;
+  Kis kis;
+  kvVisitLists(kis, [&](const char *name, auto &list) {
+    names.push_back(name);
+    lists.insert(&list);
+    list.offset = 1;
+  });
+  EXPECT_EQ(names, std::vector<std::string>(kvListNames().begin(), kvListNames().end()));
+  EXPECT_EQ(lists.size(), names.size());
 }
 
 } // namespace kova::test

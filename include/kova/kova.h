@@ -136,6 +136,50 @@ struct Kis {
 };
 using KisHandle = std::unique_ptr<Kis>;
 
+/// Calls `visit(name, list)` for each of the 28 lists in file order, with its name as `kvListNames` tells it. `kis` may
+/// be constant. The lists are of different types: the scene is one record, a `TwoKindList` has two kinds of group,
+/// every other one is a `List`.
+template <class Model, class Visitor>
+requires std::same_as<std::remove_const_t<Model>, Kis>
+void kvVisitLists(Model &kis, Visitor &&visit) {
+  visit("SceneList", kis.scene);
+  visit("EnvList", kis.env);
+  visit("CamList", kis.cam);
+  visit("LightList", kis.light);
+  visit("ObjList", kis.obj);
+  visit("ShapeList", kis.shape);
+  visit("VtxList", kis.vtx);
+  visit("TriList", kis.tri);
+  visit("ColorList", kis.color);
+  visit("VectorList", kis.vector);
+  visit("StList", kis.st);
+  visit("PartList", kis.part);
+  visit("MatList", kis.mat);
+  visit("TexList", kis.tex);
+  visit("TeximgList", kis.teximg);
+  visit("AnimList", kis.anim);
+  visit("CollList", kis.coll);
+  visit("SwitchList", kis.switch_);
+  visit("NameList", kis.name);
+  visit("CiImgList", kis.ci_img);
+  visit("ColorPaletteList", kis.color_palette);
+  visit("EnvelopeList", kis.envelope);
+  visit("ClusterList", kis.cluster);
+  visit("WeightList", kis.weight);
+  visit("ChainRootList", kis.chain_root);
+  visit("JointList", kis.joint);
+  visit("EffectorList", kis.effector);
+  visit("ExternalNameList", kis.external_name);
+}
+
+/// @return the text of the name that an index of a record leads to, as `kvGetName` gives it; empty if it leads nowhere.
+/// Names of other files are in `kis.external_name`: `kvNameOf(kis.external_name, ext->external_mat.name)`.
+inline std::string kvNameOf(const NameList &names, Index index) {
+  const Name *const name = kvElement(names, index);
+  return name != nullptr ? kvGetName(*name) : std::string();
+}
+inline std::string kvNameOf(const Kis &kis, Index index) { return kvNameOf(kis.name, index); }
+
 /// @return a new model: an empty file name, a header of zeros, no elements; null where memory cannot be had.
 KOVA_API KisHandle kvNewKis();
 

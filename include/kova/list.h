@@ -3,6 +3,8 @@
 
 #include "kova/words.h"
 
+#include <concepts>
+
 namespace kova {
 
 /// Leads the element tags of a list: element tag = list tag + ELEMENT_KIND; the second element kind of the colour and
@@ -64,6 +66,20 @@ struct ElementHead {
   Index name_index;
 };
 static_assert(sizeof(ElementHead) == 16);
+
+/// The types that links and indices have as fields.
+template <class Field>
+concept LinkField = std::same_as<Field, Word> || std::same_as<Field, Index>;
+
+/// @return a pointer to the element that a link leads to; null if it leads nowhere, as `NO_LINK` does. `list` is a
+/// `List`, or the vector of one kind of group of a `TwoKindList`; if it is not constant, nor is the element.
+template <class Elements, LinkField Link> auto *kvElement(Elements &list, Link link) {
+  const auto at = static_cast<Word>(link);
+  if constexpr (requires { list.element; })
+    return at < list.element.size() ? &list.element[at] : nullptr;
+  else
+    return at < list.size() ? &list[at] : nullptr;
+}
 
 /// The first `count` records of those that are held; all of them where there are fewer. For loops over what a
 /// count takes in: `for (const Env &env : counted(list.num, list.element))`.

@@ -27,7 +27,8 @@ using Words = std::vector<Word>;
 using Indices = std::vector<Index>;
 using Floats = std::vector<float>;
 
-/// Stands for none in every index and link of the format.
+/// Stands for none in every link and index of the format. Some of them are fields of type `Word`, others of type
+/// `Index`, where it is -1.
 inline constexpr Word NO_LINK = 0xffffffff;
 
 /// A reference into another file: both -1 where there is none.
