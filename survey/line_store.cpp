@@ -70,7 +70,9 @@ void openJournal(LineStore &store, const std::string &target) {
     static_cast<void>(lock(store.file)); // a file system without locks has no other run that would look for it
     if (liesAt(store.file, store.path))
       return;
+    ::unlink(store.path.c_str());
   }
+  store.path.clear();
   store.error = EAGAIN;
 }
 
