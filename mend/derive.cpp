@@ -59,6 +59,7 @@ private:
   std::vector<const Claim *> applied = {};
   std::vector<Change> changes = {};
   std::vector<Habit> habits = {};
+  std::size_t looked_at = 0;
   std::size_t used_up_blocks = 0; ///< maker blocks that hold just what their counts call for
   std::size_t longer_blocks = 0;
   std::size_t list_now = LIST_NUM;
@@ -71,6 +72,7 @@ constexpr const char *BY_PLACE = "the list's place in the file";
 
 void Deriver::set(std::uint64_t offset, std::string field, Word value, const char *why) {
   const Word old = image[offset];
+  ++looked_at;
   if (old == value)
     return;
   image.set(offset, value);
@@ -239,7 +241,7 @@ Applied Deriver::derive() {
   mergeChanges();
   const bool changes_maker =
       std::any_of(applied.begin(), applied.end(), [](const Claim *claim) { return claim->maker; });
-  return {std::move(changes), checked_words, changes_maker && (longer_blocks != 0 || used_up_blocks < 2)};
+  return {std::move(changes), looked_at, checked_words, changes_maker && (longer_blocks != 0 || used_up_blocks < 2)};
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "kova/check.h"
 #include "mend/derive.h"
+#include "mend/losses.h"
 #include "mend/salvage.h"
 
 #include <algorithm>
@@ -84,7 +85,7 @@ bool isCut(const FileBytes &image) {
 }
 
 /// Mends a file whose lists are all there.
-Result mendWhole(const std::vector<unsigned char> &bytes, FileBytes &image) {
+Result mendWhole(const std::vector<unsigned char> &bytes, FileBytes &image, bool salvage) {
   if (isCut(image))
     return hopeless("it is cut: " + std::to_string(image.size()) + " of " + std::to_string(image[header_at::SIZE]) +
                     " bytes are left");
@@ -101,6 +102,8 @@ Result mendWhole(const std::vector<unsigned char> &bytes, FileBytes &image) {
     if (changes != alternative)
       return {.outcome = Outcome::ambiguous, .changes = std::move(changes), .alternative = std::move(alternative)};
   }
+  const bool moves = changesStructure(*reading);
+  Bytes original = moves ? bytes : Bytes();
   Applied applied = applyReading(image, *reading);
   Result result = {.changes = std::move(applied.changes)};
   if (applied.checked_words || reading->cost != 0) { // then what the audit accepts stays as it is
@@ -114,14 +117,24 @@ Result mendWhole(const std::vector<unsigned char> &bytes, FileBytes &image) {
     result.reason = "a count in a maker block is too large, and nothing tells by how much";
     return result;
   }
+  const auto withdraw = [&](std::string reason) { // changes of which none is sure
+    setWords(image, result.changes, &Change::old_value);
+    return hopeless(std::move(reason));
+  };
+  if (std::string strange = strangeness(image, result.changes, applied.looked_at); !strange.empty())
+    return withdraw(std::move(strange));
+  if (moves)
+    result.losses = lossesOf(FileBytes(original), image, *reading);
   const Audit audit = auditBytes(bytes);
+  if (!result.losses.empty() && (!salvage || !audit.ok))
+    return withdraw(result.losses.front().list + std::string(": ") + result.losses.front().what);
   if (!audit.ok) {
     result.outcome = Outcome::hopeless;
     result.reason = unsolvedPart(*reading);
     if (result.reason.empty())
       result.reason = withoutLineEnd(audit.first);
   } else if (!result.changes.empty()) {
-    result.outcome = Outcome::mended;
+    result.outcome = result.losses.empty() ? Outcome::mended : Outcome::salvaged;
   }
   return result;
 }
@@ -163,8 +176,8 @@ Result mendAsIs(std::vector<unsigned char> &bytes, bool salvage) {
     return hopeless("it is of no version that is known");
   const bool has_header = image.size() >= FILE_HEADER_BYTES;
   const std::uint64_t stated = has_header ? image[header_at::SIZE] : image.size() + 1;
-  Result result = has_header ? mendWhole(bytes, image) : hopeless("it is shorter than a header");
-  if (!salvage || result.outcome == Outcome::good || result.outcome == Outcome::mended)
+  Result result = has_header ? mendWhole(bytes, image, salvage) : hopeless("it is shorter than a header");
+  if (!salvage || (result.outcome != Outcome::ambiguous && result.outcome != Outcome::hopeless))
     return result;
   if (result.outcome == Outcome::hopeless && salvageShort(bytes, result))
     return result;

@@ -318,6 +318,16 @@ bool Reader::beginsAsCounted(std::size_t list, std::uint64_t begin) const {
   return at + 8 <= image.size() && isElementTag(kind, image[at]) && image[at + 4] == 0;
 }
 
+/// @return how many of so many elements are of the first kind by their tags, which are found by the size table.
+Word Reader::firstByTags(std::size_t list, std::uint64_t table, std::uint64_t at, Word number) {
+  Word first = 0;
+  while (first < number && isElementTag(*LAYOUT[list].first, image[at]) && list_left.read_steps != 0) {
+    at += image[table + std::uint64_t{first++} * sizeof(Word)];
+    --list_left.read_steps;
+  }
+  return first;
+}
+
 /// Reads a list whose count is wrong: its first element tells how long the size table is.
 void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings &readings) {
   const ListLayout &layout = LAYOUT[list];
@@ -328,15 +338,17 @@ void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings 
   const auto follow = [&](Word new_first, Word new_second) {
     if (new_first == first && new_second == second)
       return;
-    const bool is_first = new_first != first;
     Reading reading = before;
-    ++reading.cost;
-    reading.claims = claim({.begin = begin + (is_first ? 12 : 16),
-                            .list = list,
-                            .field = is_first ? layout.count_name : layout.second_count_name,
-                            .value = is_first ? new_first : new_second,
-                            .why = "where the elements begin"},
-                           before.claims);
+    const auto change = [&](std::uint64_t at, const char *field, Word value) {
+      ++reading.cost;
+      reading.claims =
+          claim({.begin = begin + at, .list = list, .field = field, .value = value, .why = "where the elements begin"},
+                reading.claims);
+    };
+    if (new_first != first)
+      change(12, layout.count_name, new_first);
+    if (new_second != second)
+      change(16, layout.second_count_name, new_second);
     readNumbered(list, reading, new_first, new_second, readings);
   };
   for (const Kind *const kind : {layout.first, layout.second}) {
@@ -346,8 +358,12 @@ void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings 
       const auto together = static_cast<Word>((at - table) / sizeof(Word));
       if (together >= second)
         follow(together - second, second);
-      if (layout.second != nullptr && together >= first)
+      if (layout.second == nullptr)
+        continue;
+      if (together >= first)
         follow(first, together - first);
+      const Word by_tags = firstByTags(list, table, at, together);
+      follow(by_tags, together - by_tags);
     }
   }
   follow(0, second);

@@ -117,6 +117,7 @@ private:
                         Word most_cost);
   void readNumbered(std::size_t list, const Reading &before, Word first, Word second, Readings &readings);
   bool beginsAsCounted(std::size_t list, std::uint64_t begin) const;
+  Word firstByTags(std::size_t list, std::uint64_t table, std::uint64_t at, Word number);
   void readOtherNumbers(std::size_t list, const Reading &before, Readings &readings);
   void closeList(std::size_t list, std::uint64_t begin, const Reading &inner, Readings &readings);
   Readings closeBlocks(std::size_t list, std::uint64_t sizes_at, std::uint64_t begin, const Reading &reading);

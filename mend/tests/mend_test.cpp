@@ -272,6 +272,14 @@ TEST(Mend, Examples) {
            Case{"the second count of a list with two kinds",
                 "ColorList { TriColorGroup TriColorGroup VtxColorGroup VtxColorGroup }", "ColorList 0 tri_group_num 1",
                 Outcome::mended, "tri_color_group_num 1->2", ""},
+           Case{"both counts of a list with two kinds: the tags tell them apart",
+                "ColorList { TriColorGroup TriColorGroup VtxColorGroup VtxColorGroup }",
+                "ColorList 0 tri_group_num 0 vtx_group_num -3", Outcome::mended,
+                "tri_color_group_num 0->2, vtx_color_group_num -1->2", ""},
+           Case{
+               "an element that is counted is not taken for a block", "AnimList { AnimGroup type=4 { AnimNode*2 } }",
+               "AnimList 0 usr_ext_blk_size -1 num_byte[0] -93; AnimGroup 0 anim_group_tag -1 this_anim_group_index -1",
+               Outcome::hopeless, "", ""},
            Case{"a list's size in the header and its own", "EnvList { Env }  CamList { Cam }",
                 "EnvList 0 list_size 4; FileHeader 0 env_list_num 8", Outcome::mended,
                 "env_list_num 8->84, env_list_size 4->84", ""},
@@ -330,6 +338,19 @@ TEST(Mend, BundledSamples) {
     ++number;
   }
   EXPECT_GE(number, 32U);
+}
+
+/// Not only a few words are wrong in such files.
+TEST(Mend, StrangeFilesAreHopeless) {
+  for (const File &file : {samples::goodFile1(), samples::goodFile2()}) {
+    Bytes stripped = file.bytes;
+    for (unsigned char &byte : stripped)
+      byte &= 0x7f;
+    const Mending mending = mendAndCheck(stripped, false);
+    EXPECT_EQ(mending.broken, "");
+    EXPECT_NE(mending.result.outcome, Outcome::mended);
+    EXPECT_TRUE(mending.bytes == stripped);
+  }
 }
 
 /// What fuzzing has found stays clean.

@@ -1,0 +1,150 @@
+#include "mend/losses.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace kova::mend {
+
+namespace {
+
+/// A list as the reading has it.
+struct ListRead {
+  const Claim *span = nullptr;
+  const Claim *counts[2] = {}; ///< of its first and second kind, where they are changed
+  bool changes_blocks = false; ///< its own
+  bool changes_lengths = false;
+
+  Word number(const FileBytes &file, int kind) const {
+    return counts[kind] != nullptr ? counts[kind]->value : file[span->begin + (kind == 0 ? 12 : 16)];
+  }
+};
+
+using ListsRead = std::array<ListRead, LIST_NUM>;
+
+ListsRead listsOf(const Reading &reading) {
+  ListsRead lists = {};
+  for (const Claim *claim = reading.claims; claim != nullptr; claim = claim->before)
+    if (claim->list < LIST_NUM && claim->sort == Claim::Sort::list)
+      lists[claim->list].span = claim;
+  for (const Claim *claim = reading.claims; claim != nullptr; claim = claim->before) {
+    if (claim->list >= LIST_NUM || claim->sort != Claim::Sort::word)
+      continue;
+    ListRead &list = lists[claim->list];
+    const ListLayout &layout = LAYOUT[claim->list];
+    list.changes_lengths = true;
+    if (claim->element || layout.first == nullptr || list.span == nullptr)
+      continue;
+    if (claim->begin == list.span->begin + 12)
+      list.counts[0] = claim;
+    else if (layout.second != nullptr && claim->begin == list.span->begin + 16)
+      list.counts[1] = claim;
+    else
+      list.changes_blocks = true;
+  }
+  return lists;
+}
+
+/// @return how many elements the counts of a list leave out to its blocks, of those that could be there.
+Word leftToBlocks(const FileBytes &file, std::size_t number, const ListRead &list) {
+  Word elements = 0;
+  for (const int kind : {0, 1}) {
+    if (list.counts[kind] == nullptr || !list.changes_blocks)
+      continue;
+    const Kind &counted = kind == 0 ? *LAYOUT[number].first : *LAYOUT[number].second;
+    const Word before = file[list.counts[kind]->begin];
+    const std::uint64_t room = list.span->end - list.span->begin - LAYOUT[number].headBytes();
+    if (before > list.counts[kind]->value && std::uint64_t{before} * (sizeof(Word) + counted.fixed) <= room)
+      elements += before - list.counts[kind]->value;
+  }
+  return elements;
+}
+
+/// @return the kind of element that begins at a place, if one does that is sound.
+const Kind *soundElement(const FileBytes &file, std::uint64_t at, std::uint64_t to, std::uint64_t &steps) {
+  const Word tag = file[at];
+  if ((tag & 0xff) != 0 || (tag & 0xf00) == 0)
+    return nullptr;
+  for (const ListLayout &layout : LAYOUT)
+    for (const Kind *const kind : {layout.first, layout.second}) {
+      if (kind == nullptr || kind->tag != tag || at + kind->fixed > to)
+        continue;
+      Walk walk(file, file.version() == VERSION_2, nullptr, steps);
+      const std::uint64_t end = walk.over({kind, at});
+      const bool is_sound = !walk.broken && walk.faults == 0 && walk.doubts == 0 && end <= to;
+      return is_sound && end - at == (file[at + kind->size_at] & ~Word{3}) ? kind : nullptr;
+    }
+  return nullptr;
+}
+
+/// Where the elements of a list begin in a reading, and of which kind they are. The file is as the reading has it.
+std::vector<std::pair<std::uint64_t, const Kind *>> elementsOf(const FileBytes &read, std::size_t number,
+                                                               const ListRead &list) {
+  std::vector<std::pair<std::uint64_t, const Kind *>> elements;
+  const ListLayout &layout = LAYOUT[number];
+  const std::uint64_t begin = list.span->begin;
+  const std::uint64_t numbers[] = {read[begin + 12], layout.second != nullptr ? read[begin + 16] : 0};
+  std::uint64_t at = begin + layout.headBytes() + (numbers[0] + numbers[1]) * sizeof(Word);
+  for (std::uint64_t i = 0; i < numbers[0] + numbers[1] && at < list.span->end; ++i) {
+    const Kind &kind = i < numbers[0] ? *layout.first : *layout.second;
+    elements.emplace_back(at, &kind);
+    at = Walk(read, read.size(), read.version() == VERSION_2).over({&kind, at});
+  }
+  return elements;
+}
+
+} // namespace
+
+std::vector<Loss> lossesOf(const FileBytes &file, const FileBytes &read, const Reading &reading) {
+  std::vector<Loss> losses;
+  std::uint64_t steps = 2 * file.size();
+  const ListsRead lists = listsOf(reading);
+  for (std::size_t number = 0; number < LIST_NUM; ++number) {
+    const ListRead &list = lists[number];
+    if (list.span == nullptr || !list.changes_lengths)
+      continue;
+    std::uint64_t gone = 0;
+    std::vector<std::pair<std::uint64_t, const Kind *>> elements;
+    if (LAYOUT[number].first != nullptr) {
+      gone = leftToBlocks(file, number, list);
+      elements = elementsOf(read, number, list);
+    }
+    const bool counts_changed = list.counts[0] != nullptr || list.counts[1] != nullptr;
+    const auto is_of_other_kind = [&](const Kind &kind, Word tag) {
+      const ListLayout &layout = LAYOUT[number];
+      return counts_changed && layout.second != nullptr && tag != kind.tag &&
+             (tag == layout.first->tag || tag == layout.second->tag);
+    };
+    auto next = elements.begin();
+    std::uint64_t tagged = 0;
+    for (std::uint64_t at = list.span->begin + sizeof(Word); at < list.span->end; at += sizeof(Word)) {
+      while (next != elements.end() && next->first < at)
+        ++next;
+      const bool begins = next != elements.end() && next->first == at;
+      const Kind *const kind = soundElement(file, at, list.span->end, steps);
+      tagged += begins ? is_of_other_kind(*next->second, file[at]) : kind != nullptr;
+    }
+    gone = std::max(gone, tagged);
+    if (gone != 0)
+      losses.push_back(
+          {LISTS[number].name,
+           {},
+           std::to_string(gone) + (gone == 1 ? " element is" : " elements are") + " taken for something else"});
+  }
+  return losses;
+}
+
+std::string strangeness(const FileBytes &file, const std::vector<Change> &changes, std::size_t looked_at) {
+  constexpr std::size_t FEW = 8;
+  if (changes.size() > FEW && 3 * changes.size() > looked_at)
+    return "most of its sizes, counts, indices and tags are wrong";
+  const auto is_stripped = [](const Change &change) { return (change.new_value & 0x7f7f7f7f) == change.old_value; };
+  if (changes.size() < 3 || !std::all_of(changes.begin(), changes.end(), is_stripped))
+    return "";
+  const auto bytes = file.between(0, file.size());
+  auto high_bits = std::count_if(bytes.begin(), bytes.end(), [](unsigned char byte) { return byte >= 0x80; });
+  for (const Change &change : changes)
+    high_bits -= std::popcount(change.new_value & 0x80808080);
+  return high_bits != 0 ? "" : "its bytes have lost their highest bits, also in the contents";
+}
+
+} // namespace kova::mend
