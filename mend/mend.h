@@ -65,4 +65,11 @@ struct Asked {
 /// maker blocks that are too short, `bytes` is the salvaged file afterwards.
 Result mendBytes(std::vector<unsigned char> &bytes, const Asked &asked);
 
+/// @return a change, or what is undone, as people read it: one line, without its line break.
+std::string textOf(const Change &change);
+std::string textOf(const Undoing &undone);
+
+/// @return "ObjList[2]", or without an element the list alone.
+std::string placeText(const char *list, const std::optional<Word> &element);
+
 } // namespace kova::mend

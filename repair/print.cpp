@@ -14,28 +14,6 @@ using Json = nlohmann::ordered_json;
 /// In the order of `Outcome`.
 constexpr std::array<const char *, 5> OUTCOME_NAMES = {"good", "mended", "salvaged", "ambiguous", "hopeless"};
 
-/// Whether a word is read best in hexadecimal. All others are sizes, counts and indices.
-bool isTag(std::string_view field) {
-  field = field.substr(0, field.find('['));
-  return field.ends_with("tag") || field == "version";
-}
-
-std::string wordText(Word word, bool tag) {
-  char text[16];
-  std::snprintf(text, sizeof text, tag ? "0x%08x" : "%d", word);
-  return text;
-}
-
-std::string offsetText(std::uint64_t offset) {
-  char text[24];
-  std::snprintf(text, sizeof text, "0x%08llx", static_cast<unsigned long long>(offset));
-  return text;
-}
-
-std::string placeText(const char *list, const std::optional<Word> &element) {
-  return element ? list + ('[' + std::to_string(*element) + ']') : list;
-}
-
 /// @return "1 word", "2 words".
 std::string counted(std::size_t count, const char *one, const char *more) {
   return std::to_string(count) + ' ' + (count == 1 ? one : more);
@@ -106,11 +84,8 @@ std::string changeLine(const Change &change, Form form, int reading) {
       json["reading"] = reading;
     return jsonLine(json);
   }
-  const bool tag = isTag(change.field);
   const std::string before = reading != 0 ? "reading " + std::to_string(reading) + ": " : "";
-  return before + offsetText(change.offset) + ' ' + placeText(change.list, change.element) + ' ' +
-         printable(change.field) + ": " + wordText(change.old_value, tag) + " -> " + wordText(change.new_value, tag) +
-         " (" + change.why + ")\n";
+  return before + printable(textOf(change)) + '\n';
 }
 
 std::string undoneLine(const Undoing &undone, Form form) {
@@ -120,13 +95,13 @@ std::string undoneLine(const Undoing &undone, Form form) {
                      {"at", undone.at},
                      {"count", undone.count},
                      {"value", undone.value}});
-  return undone.transformation->tell(undone) + '\n';
+  return textOf(undone) + '\n';
 }
 
 std::string lossLine(const Loss &loss, Form form) {
   if (form == Form::json)
     return jsonLine({{"loss", escaped(loss.what)}, {"list", loss.list}, {"element", elementJson(loss.element)}});
-  return "lost: " + placeText(loss.list, loss.element) + ": " + printable(loss.what) + '\n';
+  return "lost: " + mend::placeText(loss.list, loss.element) + ": " + printable(loss.what) + '\n';
 }
 
 std::string endingLine(const Ending &ending, Form form) {

@@ -5,6 +5,7 @@
 #include "mend/mend.h"
 #include "survey/deep.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -107,6 +108,16 @@ void judge(const Descriptor &file, FileResult &result, Workspace &workspace) {
   result.verdict = ok != 0 ? Verdict::ok : Verdict::err;
 }
 
+/// Keeps the first changes.
+void keepChanges(FileResult &result, const mend::Result &mending) {
+  const auto keep = [&](const auto &change) {
+    if (result.repair_changes.size() < MOST_CHANGES)
+      result.repair_changes.push_back(textOf(change).substr(0, MOST_TEXT));
+  };
+  std::for_each(mending.undone.begin(), mending.undone.end(), keep);
+  std::for_each(mending.changes.begin(), mending.changes.end(), keep);
+}
+
 /// Finds out whether kbrepair could mend a file that was judged. The model of the audit is gone: beside the bytes of
 /// the file there is one model at a time.
 Repair repairOf(const Descriptor &file, FileResult &result, const Workspace &workspace) {
@@ -125,6 +136,7 @@ Repair repairOf(const Descriptor &file, FileResult &result, const Workspace &wor
     return Repair::unknown;
   case mend::Outcome::mended:
     result.repair_words = mending.changes.size() + mending.undone.size();
+    keepChanges(result, mending);
     return Repair::mended;
   case mend::Outcome::salvaged:
     return Repair::salvaged;

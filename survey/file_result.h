@@ -59,6 +59,7 @@ struct KeptFinding {
 inline constexpr std::size_t MOST_FINDINGS = 1000;
 inline constexpr std::size_t MOST_TEXT = 1024;
 inline constexpr std::size_t MOST_NAME = 64; ///< of an id or a list
+inline constexpr std::size_t MOST_CHANGES = 20;
 
 struct FileResult {
   std::string path = {};
@@ -71,6 +72,7 @@ struct FileResult {
   bool deep = false;       ///< whether the deep checks have run, too
   Repair repair = Repair::not_asked;
   std::uint64_t repair_words = 0; ///< of a file that can be mended: the number of words that would be changed
+  std::vector<std::string> repair_changes = {}; ///< and the first of them, each as kbrepair prints it
   std::vector<KeptFinding> findings = {};
   std::map<std::string, std::uint64_t> counts = {}; ///< of all findings by id, also of those not kept
 };

@@ -116,8 +116,9 @@ constexpr Member<Line> LINE[] = {
               (takeEnum(from, REPAIR_NAMES, line.result.repair) && line.result.repair > Repair::needless);
      }},
     {"repair_words", [](const Scalar &from, Line &line) { return takeNumberOrNull(from, line.repair_words); }},
+    {"repair_changes", nullptr},
 };
-constexpr unsigned LINE_NEEDS = (1U << (std::size(LINE) - 2)) - 1;
+constexpr unsigned LINE_NEEDS = (1U << (std::size(LINE) - 3)) - 1;
 
 constexpr Member<KeptFinding> FINDING[] = {
     {"id", [](const Scalar &from, KeptFinding &finding) { return takeName(from, true, finding.id); }},
@@ -141,7 +142,8 @@ bool agrees(const Line &line, bool repair, bool repair_words) {
   return judged == (result.reason == Reason::has_verdict) && (!judged || result.version != Version::unknown) &&
          repair == repair_words && (result.repair <= Repair::needless || needsRepair(result)) &&
          (result.repair == Repair::mended) == (line.repair_words.value_or(0) != 0) &&
-         line.repair_words.value_or(1) != 0 && findingCount(result) >= result.findings.size();
+         line.repair_words.value_or(1) != 0 && result.repair_changes.size() <= line.repair_words.value_or(0) &&
+         findingCount(result) >= result.findings.size();
 }
 
 // --- The parser's events --------------------------------------------------------------------------------------------
@@ -149,7 +151,7 @@ bool agrees(const Line &line, bool repair, bool repair_words) {
 /// Takes a line from the events of the parser. A function that returns false ends it. Members that are not known are
 /// left out; one that stands there twice is wrong.
 struct LineReader {
-  enum class In { nothing, line, counts, findings, finding };
+  enum class In { nothing, line, counts, findings, finding, changes };
 
   Line line = {};
   In in = In::nothing;
@@ -172,9 +174,15 @@ struct LineReader {
       return takeMember<KeptFinding>(FINDING, from, line.result.findings.back());
     case In::counts:
       return isName(id, true) && takeNumber(from, line.result.counts[id]) && from.value != 0;
+    case In::changes:
+      return takeChange(from);
     default:
       return false;
     }
+  }
+  bool takeChange(const Scalar &from) {
+    std::vector<std::string> &changes = line.result.repair_changes;
+    return changes.size() < MOST_CHANGES && takeShortText(from, changes.emplace_back());
   }
 
   bool null() { return takeScalar({.kind = Scalar::null}); }
@@ -240,9 +248,9 @@ struct LineReader {
   bool start_array(std::size_t) {
     if (ignored != 0 || isUnknown())
       return ++ignored != 0;
-    if (in != In::line || !isAt("findings"))
+    if (in != In::line || !(isAt("findings") || isAt("repair_changes")))
       return false;
-    in = In::findings;
+    in = isAt("findings") ? In::findings : In::changes;
     return true;
   }
   bool end_array() {

@@ -70,6 +70,14 @@ void appendRepair(std::string &json, const FileResult &result) {
     appendNumber(json, result.repair_words);
   else
     json += "null";
+  if (result.repair_changes.empty())
+    return;
+  json += ",\"repair_changes\":[";
+  for (const std::string &change : result.repair_changes) {
+    json += json.ends_with('[') ? "" : ",";
+    appendString(json, change);
+  }
+  json += ']';
 }
 
 constexpr std::string_view END_OF_LINE = "]}\n";

@@ -104,6 +104,7 @@ int refuse(const std::string &message) {
 
 std::optional<Options> readOptions(int argc, const char *const *argv, int &status) {
   Options options;
+  options.command.assign(argv + std::min(argc, 1), argv + argc);
   options.workers = std::max(1U, std::thread::hardware_concurrency());
   Given given;
   CLI::App app(DESCRIPTION, "kbsurvey");

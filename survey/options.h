@@ -9,7 +9,8 @@ enum class Task { survey, merge, list_findings, explain };
 
 struct Options {
   Task task = Task::survey;
-  std::vector<std::string> paths = {}; ///< files and folders, or the reports to merge
+  std::vector<std::string> command = {}; ///< what was given, behind the name of the program
+  std::vector<std::string> paths = {};   ///< files and folders, or the reports to merge
   std::vector<std::string> names = {};
   std::string files_from = {};
   unsigned workers = 1;

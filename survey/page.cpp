@@ -1,11 +1,14 @@
 #include "survey/page.h"
 
 #include "common/text.h"
+#include "kova/version.h"
 #include "survey/json_line.h"
 #include "survey/json_text.h"
 #include "survey/page_parts.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <ctime>
 
 namespace kova::survey {
 
@@ -71,6 +74,10 @@ template <class List, class Append> void appendList(std::string &json, const Lis
   json += ']';
 }
 
+void appendStrings(std::string &json, std::span<const std::string> texts) {
+  appendList(json, texts, [&](const std::string &text) { appendString(json, text); });
+}
+
 /// Appends a number and a comma.
 void appendCell(std::string &json, std::uint64_t number) {
   appendNumber(json, number);
@@ -112,12 +119,14 @@ void appendDetails(Page &page, const FileResult &file) {
     json += ',';
     appendCell(json, static_cast<std::uint64_t>(file.repair));
     appendNumber(json, file.repair_words);
+    json += ',';
+    appendStrings(json, std::span(file.repair_changes).first(std::min(page.shown, file.repair_changes.size())));
   }
 }
 
 /// Appends [folder, name, bytes, version, verdict], and for a file with findings or without a verdict behind it
 /// [reason, detail, [id, count, id, count...], findings], and if it was asked whether it can be mended, behind that
-/// [repair, words].
+/// [repair, words, [change...]].
 void appendFile(Page &page, const FileResult &file) {
   const std::size_t slash = file.path.rfind('/');
   const std::size_t name = slash == file.path.npos ? 0 : slash + 1;
@@ -166,6 +175,25 @@ template <class Names> void appendNames(std::string &json, std::string_view key,
 template <class Numbers> void appendNumbers(std::string &json, std::string_view key, const Numbers &numbers) {
   appendKey(json, key);
   appendList(json, numbers, [&](std::uint64_t number) { appendNumber(json, number); });
+}
+
+/// The date is that of the page.
+void appendHead(std::string &json, const PageHead &head) {
+  json += "\"survey\":{";
+  appendKey(json, "version");
+  appendString(json, KOVA_VERSION);
+  appendKey(json, "date");
+  appendNumber(json, static_cast<std::uint64_t>(std::time(nullptr)));
+  appendKey(json, "seconds");
+  char seconds[32] = "null";
+  if (head.seconds)
+    std::snprintf(seconds, sizeof seconds, "%.2f", *head.seconds);
+  json += seconds;
+  appendKey(json, "command");
+  appendStrings(json, head.command);
+  appendKey(json, "paths");
+  appendStrings(json, head.paths);
+  json += "}";
 }
 
 void appendTotals(Page &page, const Tally &tally) {
@@ -224,18 +252,23 @@ void appendNumbered(Page &page) {
 
 void count(ShownFindings &shown, const FileResult &result) {
   constexpr std::size_t BYTES_BESIDES_TEXT = 32;
-  std::size_t bytes = 0, number = 0;
-  for (std::size_t most = MOST_SHOWN.size(); most-- > 0; shown.bytes[most] += bytes)
+  std::size_t bytes = 0, number = 0, changes = 0;
+  for (std::size_t most = MOST_SHOWN.size(); most-- > 0; shown.bytes[most] += bytes) {
     for (; number < std::min(MOST_SHOWN[most], result.findings.size()); ++number)
       bytes += std::min(result.findings[number].text.size(), SHOWN_TEXT) + BYTES_BESIDES_TEXT;
+    for (; changes < std::min(MOST_SHOWN[most], result.repair_changes.size()); ++changes)
+      bytes += result.repair_changes[changes].size();
+  }
 }
 
-int writePage(std::FILE *to, const Tally &tally, const ShownFindings &shown, const EachResult &each) {
+int writePage(std::FILE *to, const PageHead &head, const Tally &tally, const ShownFindings &shown,
+              const EachResult &each) {
   const auto fitting = std::find_if(shown.bytes.begin(), shown.bytes.end() - 1,
                                     [](std::uint64_t bytes) { return bytes <= FINDINGS_BYTES; });
   Page page{to, MOST_SHOWN[static_cast<std::size_t>(fitting - shown.bytes.begin())]};
   put(page, PAGE_BEGIN);
   page.json += '{';
+  appendHead(page.json, head);
   appendTotals(page, tally);
   if (appendFiles(page, each) == 0)
     return 0;

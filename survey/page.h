@@ -18,9 +18,17 @@ struct ShownFindings {
 /// Adds the findings of a file.
 void count(ShownFindings &shown, const FileResult &result);
 
+/// What the page says of the survey itself.
+struct PageHead {
+  std::vector<std::string> command = {}; ///< behind the name of the program
+  std::vector<std::string> paths = {};   ///< that were surveyed; none for merged reports
+  std::optional<double> seconds = {};    ///< how long it took; none for what was not audited now
+};
+
 /// Writes the page. It needs nothing but itself. No byte of a path or finding can become markup or script.
 /// @param each hands on the results in order, each with its first findings at least
 /// @return 1; 0 with a reason in `errno`
-int writePage(std::FILE *to, const Tally &tally, const ShownFindings &shown, const EachResult &each);
+int writePage(std::FILE *to, const PageHead &head, const Tally &tally, const ShownFindings &shown,
+              const EachResult &each);
 
 } // namespace kova::survey

@@ -77,6 +77,7 @@ void giveUp(FileResult &result) {
   result.detail = {};
   result.version = Version::unknown;
   result.repair_words = 0;
+  result.repair_changes = {};
   if (result.repair != Repair::not_asked)
     result.repair = Repair::needless;
   result.verdict = Verdict::none;
@@ -185,7 +186,7 @@ bool saveReports(Results &results) {
   ok = saveReport(results.html,
                   [&](std::FILE *to) {
                     const auto each = [&](const TakeEach &take_each) { return forEach(results, true, take_each); };
-                    return complete() ? writePage(to, results.tally, results.shown, each) : 0;
+                    return complete() ? writePage(to, results.head, results.tally, results.shown, each) : 0;
                   }) &&
        ok;
   return ok;
@@ -220,6 +221,8 @@ Status statusOf(const Tally &tally) {
 
 bool openResults(Results &results, const Options &options, Keeping keeping) {
   results.print0 = options.print0;
+  results.head = {.command = options.command,
+                  .paths = options.task == Task::survey ? options.paths : std::vector<std::string>()};
   results.spare.reserve(SPARE_BYTES);
   bool ok = openReport(results.json, options.json);
   ok = openReport(results.junit, options.junit) && ok;
@@ -264,6 +267,7 @@ void takeStored(Results &results, FileResult &&result, Place place) {
 Status finishResults(Results &results, std::optional<double> seconds) {
   std::sort(results.listed.begin(), results.listed.end(),
             [](const Listed &a, const Listed &b) { return a.path < b.path; });
+  results.head.seconds = seconds;
   bool ok = results.lost == 0;
   if (!ok)
     std::fprintf(stderr, "kbsurvey: not enough memory for the results of %llu files.\n",

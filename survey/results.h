@@ -32,6 +32,7 @@ struct Results {
   std::vector<LineStore> left = {}; ///< journals of runs that were killed: the JSON report replaces them, too
   std::string spare = {};           ///< room for a line when there is no memory
   Tally tally = {};
+  PageHead head = {};
   ShownFindings shown = {};
   std::vector<Listed> listed = {}; ///< all files if a report is made in the end, else those that are not OK
   std::uint64_t lost = 0;          ///< files for which there was no memory at all

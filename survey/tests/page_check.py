@@ -80,6 +80,15 @@ def labelled(text):
     return f"[...document.querySelectorAll('button')].find(b => b.innerText.replaceAll(/\\s+/g, ' ').trim() === {text!r})"
 
 
+def check_head(tab, records):
+    """What was surveyed, when, how long, by what: the command can be typed again."""
+    title, about, command = tab.evaluate("[document.title, ...['#about', '#about + p code'].map(name => document.querySelector(name).textContent)]")
+    same("title", f"KOVA survey: {SAMPLES}, {FOLDER}/made", title)
+    if not re.fullmatch(r"1,\d\d\d files · [\d.]+ MB · \d{4}-\d\d-\d\d \d\d:\d\d UTC · [\d.]+ s · kbsurvey [\d.]+", about):
+        complaints.append(f"head: {about!r}")
+    same("command", f"kbsurvey --repairable --html {FOLDER}/page.html --json - {SAMPLES} {FOLDER}/made", command)
+
+
 def check_cards(tab, records):
     """Each card, bar and folder has its number and shows its files; a second press shows all again."""
     chosen = {f"{len(records)} files": records}
@@ -148,7 +157,7 @@ def check_details(tab, records):
     tab.type("document.getElementById('path-filter')", "samples/damaged.kb")
     tab.click("document.querySelector('#table tbody button')")
     text = tab.evaluate("document.querySelector('tr.details').innerText")
-    for part in (f"kbrepair: {repair_text(damaged)}", *damaged.get("repair_changes", [])):
+    for part in (f"kbrepair: {repair_text(damaged)}", *damaged["repair_changes"]):
         if part not in text:
             complaints.append(f"details of damaged.kb: no {part!r}")
     for finding in damaged["findings"]:
@@ -269,7 +278,7 @@ def main():
     tab = browser.Browser()
     try:
         tab.open(FOLDER + "/page.html")
-        for check in (check_cards, check_histogram, check_order, check_filter_by_path, check_details, check_all_rows):
+        for check in (check_head, check_cards, check_histogram, check_order, check_filter_by_path, check_details, check_all_rows):
             check(tab, records)
         check_policy(tab)
         check_access(tab)

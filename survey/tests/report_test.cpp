@@ -25,7 +25,8 @@ FileResult hostileResult(int number) {
                     .verdict = Verdict::err,
                     .deep = true,
                     .repair = Repair::mended,
-                    .repair_words = 12};
+                    .repair_words = 12,
+                    .repair_changes = std::vector<std::string>(12, path)};
   for (Word i = 0; i < 20; ++i)
     result.findings.push_back({.id = "element-size",
                                .stage = Stage::check,
@@ -69,7 +70,7 @@ std::string pageOf(const std::vector<FileResult> &results) {
   ShownFindings shown;
   for (const FileResult &result : results)
     count(shown, result);
-  return written([&](std::FILE *to) { return writePage(to, tallyOf(results), shown, eachOf(results)); });
+  return written([&](std::FILE *to) { return writePage(to, {}, tallyOf(results), shown, eachOf(results)); });
 }
 
 std::string junitReport(const std::vector<FileResult> &results) {
@@ -96,6 +97,7 @@ TEST(SurveyReport, AResultComesBackFromItsLine) {
     EXPECT_EQ(back->detail, result.detail);
     EXPECT_EQ(back->repair, result.repair);
     EXPECT_EQ(back->repair_words, result.repair_words);
+    EXPECT_EQ(back->repair_changes, result.repair_changes);
     EXPECT_EQ(back->findings.size(), result.findings.size());
     EXPECT_EQ(jsonLine(*back), line);
     EXPECT_EQ(pageOf({*back}).find('\xff'), std::string::npos);
@@ -125,6 +127,8 @@ TEST(SurveyReport, WhatIsNoResultIsRefused) {
       {"\"repair\":\"mended\",", ""},
       {"\"repair_words\":12", "\"repair_words\":null"},
       {"\"repair_words\":12", "\"repair_words\":-1"},
+      {"\"repair_words\":12", "\"repair_words\":11"}, // fewer than changes
+      {"\"repair_changes\":[", "\"repair_changes\":[1,"},
       {"\"verdict\":\"ERR\"", "\"verdict\":\"OK\""}, // but it can be mended
       {"\"element\":0", "\"element\":4294967296"},
       {"\"stage\":\"check\"", "\"stage\":\"chess\""},

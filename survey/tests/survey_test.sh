@@ -168,9 +168,12 @@ survey 2 --merge one.json --json merged.json --html merged.html --junit merged.x
 same "number of merged lines" "$(wc -l <one.json)" "$(wc -l <merged.json)"
 for shard in 1 2 3; do "$KBSURVEY" -j3 --shard "$shard/3" --json "part$shard.json" samples hostile >/dev/null || [ $? -le 2 ]; done
 survey 2 --merge part3.json part1.json part2.json --json merged2.json --html merged2.html --junit merged2.xml
-for kind in json html xml; do cmp merged.$kind merged2.$kind || fail "merging shards: another $kind"; done
+for kind in json xml; do cmp merged.$kind merged2.$kind || fail "merging shards: another $kind"; done
+# Two pages, but for what they say of the survey itself.
+same_page() { cmp <(sed 's/{"survey":{[^}]*}/{/' "$1") <(sed 's/{"survey":{[^}]*}/{/' "$2"); }
+same_page merged.html merged2.html || fail "merging shards: another page"
 survey 2 -j2 --html run.html --junit run.xml samples hostile
-cmp run.html merged.html || fail "the page of a run is not that of its report"
+same_page run.html merged.html || fail "the page of a run is not that of its report"
 cmp run.xml merged.xml || fail "the JUnit report of a run is not that of its report"
 survey 0 --shard 1/1000 good/town.kb # nothing in this part, or all
 
@@ -238,7 +241,7 @@ same "answers that are taken over" "mended 1 mended 5 salvaged None" "$(repairs 
 survey 2 --merge mendable.json --json merged.json --html merged.html --junit merged.xml
 same "merged answers" "$(sort mendable.json)" "$(sort merged.json)"
 survey 2 --repairable --html run.html --junit run.xml mendable
-cmp run.html merged.html || fail "the page with answers is not that of its report"
+same_page run.html merged.html || fail "the page with answers is not that of its report"
 cmp run.xml merged.xml || fail "the JUnit report with answers is not that of its report"
 
 if [ -n "${KBREPAIR-}" ]; then
