@@ -1,37 +1,13 @@
 #include "kova/chain.h"
 
+#include "format/chain.h"
 #include "reader/elements.h"
 
 namespace kova {
 
-namespace {
-
-/// Reads a chain root, a joint or an effector: a fixed head, its objects, its blocks.
-template <class Head, class Node> int readNode(Cursor &cursor, Node &node, Word tag) {
-  return readHead<Head>(cursor, node, tag) && kvReadArray(cursor, node.obj_index, node.obj_num) &&
-         kvReadExternal(cursor, node.external_obj, node.external_obj_num) && readExtBlk(cursor, node);
-}
-
-} // namespace
-
-int kvSetupChainRootList(Cursor &cursor, ChainRootList &list) {
-  return readList<ChainRootHead>(cursor, list, CHAIN_ROOT_LIST_TAG, [](Cursor &at, ChainRoot &root) {
-    return readNode<ChainRootHead>(at, root, CHAIN_ROOT_LIST_TAG + ELEMENT_KIND);
-  });
-}
-
-int kvSetupJointList(Cursor &cursor, JointList &list) {
-  return readList<JointHead>(cursor, list, JOINT_LIST_TAG, [](Cursor &at, Joint &joint) {
-    return readNode<JointHead>(at, joint, JOINT_LIST_TAG + ELEMENT_KIND);
-  });
-}
-
-int kvSetupEffectorList(Cursor &cursor, EffectorList &list) {
-  return readList<EffectorHead>(cursor, list, EFFECTOR_LIST_TAG, [](Cursor &at, Effector &effector) {
-    return readNode<EffectorHead>(at, effector, EFFECTOR_LIST_TAG + ELEMENT_KIND);
-  });
-}
-
+int kvSetupChainRootList(Cursor &cursor, ChainRootList &list) { return readList(cursor, list, CHAIN_ROOT_LIST_TAG); }
+int kvSetupJointList(Cursor &cursor, JointList &list) { return readList(cursor, list, JOINT_LIST_TAG); }
+int kvSetupEffectorList(Cursor &cursor, EffectorList &list) { return readList(cursor, list, EFFECTOR_LIST_TAG); }
 int kvSetupExternalNameList(Cursor &cursor, ExternalNameList &list) { return kvSetupNameList(cursor, list); }
 
 int kvSetChainRoot0(ChainRootList &list) {

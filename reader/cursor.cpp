@@ -5,6 +5,7 @@
 #include "reader/window.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace kova {
 
@@ -62,18 +63,6 @@ int take(Cursor &cursor, unsigned char *to, std::size_t bytes, Order order) {
   return 1;
 }
 
-template <class Pair, class First, class Second>
-int readPairs(Cursor &cursor, std::vector<Pair> &destination, Word count, First Pair::*first, Second Pair::*second) {
-  destination.clear();
-  if (!require(cursor, count, sizeof(Pair)))
-    return 0;
-  return withinMemory(cursor, [&] {
-    destination.resize(count);
-    return (readMember(cursor, destination, first) && readMember(cursor, destination, second)) ||
-           clearAndFail(destination);
-  });
-}
-
 /// Reads both blocks of a record; `readArray(words, count)` reads one.
 template <class ReadArray>
 int readBlocks(Cursor &cursor, ExtBlk &blk, Word van_size, Word usr_size, ReadArray readArray) {
@@ -125,11 +114,11 @@ int kvSetupExtBlk1(Cursor &cursor, ExtBlk &blk, Word van_size, Word usr_size) {
 }
 
 int kvReadExternal(Cursor &cursor, std::vector<External> &destination, Word count) {
-  return readPairs(cursor, destination, count, &External::file_name, &External::name);
+  return readPairs(cursor, destination, count);
 }
 
 int kvReadNodeIndex(Cursor &cursor, std::vector<NodeIndex> &destination, Word count) {
-  return readPairs(cursor, destination, count, &NodeIndex::kind, &NodeIndex::index);
+  return readPairs(cursor, destination, count);
 }
 
 int kvSetupExternal(Cursor &cursor, std::vector<External> &destination, Word count) {
@@ -143,7 +132,8 @@ int kvSetupExternal(Cursor &cursor, std::vector<External> &destination, Word cou
   second.offset += std::uint64_t{count} * sizeof(Word);
   const int ok = withinMemory(cursor, [&] {
     destination.resize(static_cast<std::size_t>(held));
-    return readMember(cursor, destination, &External::file_name) && readMember(second, destination, &External::name);
+    return readWordOf(cursor, destination, offsetof(External, file_name)) &&
+           readWordOf(second, destination, offsetof(External, name));
   });
   cursor.offset = cursor.size;
   return ok;

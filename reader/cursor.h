@@ -86,14 +86,27 @@ template <WordRecord Item> int readRun(Cursor &cursor, std::vector<Item> &destin
   });
 }
 
-/// Sets one member of each record from a run of words: the file stores pairs and the like one member after the other.
-template <class Record, class Member>
-int readMember(Cursor &cursor, std::vector<Record> &records, Member Record::*member) {
-  static_assert(sizeof(Member) == sizeof(Word));
+/// Sets the word at byte `at` of each record from a run of words.
+template <WordRecord Record> int readWordOf(Cursor &cursor, std::vector<Record> &records, std::size_t at) {
   for (Record &record : records)
-    if (!copyBytes(cursor, &(record.*member), sizeof(Member)))
+    if (!copyBytes(cursor, reinterpret_cast<unsigned char *>(&record) + at, sizeof(Word)))
       return 0;
   return 1;
+}
+
+/// As `readRun` for items that are stored as a run of their first words, a run of their second words and so on; where
+/// they are not all there, none is held.
+template <WordRecord Item> int readPairs(Cursor &cursor, std::vector<Item> &destination, std::uint64_t count) {
+  destination.clear();
+  if (!require(cursor, count, sizeof(Item)))
+    return 0;
+  return withinMemory(cursor, [&] {
+    destination.resize(static_cast<std::size_t>(count));
+    for (std::size_t at = 0; at < sizeof(Item); at += sizeof(Word))
+      if (!readWordOf(cursor, destination, at))
+        return clearAndFail(destination);
+    return 1;
+  });
 }
 
 /// As `readRun`, but holds what is there: the items that lie whole inside the buffer. What follows a run that was cut

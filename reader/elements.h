@@ -1,7 +1,10 @@
-/// Reading lists: the common header, the size table, the elements, the blocks.
+/// Reading lists and records: the steps of `content` that fill a model from the file.
 #pragma once
 
-#include "kova/list.h"
+#include "format/list.h"
+#include "kova/behavior.h"
+#include "kova/geometry.h"
+#include "kova/scene.h"
 #include "reader/cursor.h"
 #include "reader/findings.h"
 
@@ -50,40 +53,37 @@ int readElements(Cursor &cursor, std::vector<Element> &destination, Word count, 
 /// As `kvCheckTag` for the tag of what is at `place`.
 int checkTagAt(const Place &place, Word found, Word expected);
 
-/// Reads the fixed head of an element and tests its tag, which is its first word.
-template <class Head, class Element> int readHead(Cursor &cursor, Element &element, Word tag) {
-  Head &head = element;
-  if (!readFixed(cursor, head))
-    return 0;
+/// The same for a list of names, or a name, which may carry the tag of either list of names. The message shows
+/// `list_tag`, also where the wrong one is a name's.
+int nameTagAt(const Place &place, Word found, Word expected, Word list_tag);
+
+/// Tests the tag of the record whose fixed words were read last.
+/// @param around the record that it is inside of
+template <class Head, class Around>
+int testTag(const Cursor &cursor, const Head &head, Word expected, const Around &around) {
   Word found;
   std::memcpy(&found, &head, sizeof found);
-  return checkTagAt(placeBefore(cursor, sizeof(Head)), found, tag);
+  const Place place = placeBefore(cursor, sizeof head);
+  if constexpr (std::is_same_v<Around, NameList>)
+    return nameTagAt(place, found, expected, around.list_tag);
+  else
+    return checkTagAt(place, found, expected);
 }
 
-/// Reads a list that begins with the common header: header, list tag, size table, elements, blocks.
-/// @param tagIsRight tests the list tag and reports a wrong one; its arguments are the list's place and the tag.
-template <class Head, class Element, class TagIsRight, class ReadElement>
-int readListTagged(Cursor &cursor, List<Element> &list, std::size_t min_bytes, TagIsRight tagIsRight,
-                   ReadElement readElement) {
-  return withinMemory(cursor, [&] {
-    list = List<Element>();
-    ListHead &head = list;
-    if (!readFixed(cursor, head))
-      return 0;
-    const Place place = placeBefore(cursor, sizeof head);
-    list.offset = place.offset;
-    return int{tagIsRight(place, list.list_tag) && kvReadArray(cursor, list.num_byte, list.num) &&
-               readElements<Head>(cursor, list.element, list.num, min_bytes, readElement) &&
-               kvReadExtBlk1(cursor, list.ext_blk, list.van_ext_blk_size, list.usr_ext_blk_size)};
-  });
+/// Whether the fixed words of an element let its reading go on, before its tag is looked at.
+template <class Head> int goesOn(Cursor &, const Head &) { return 1; }
+/// What follows a light would lie before it.
+inline int goesOn(Cursor &cursor, const LightHead &light) {
+  if (static_cast<Index>(light.light_header_size) >= 0)
+    return 1;
+  cursor.offset -= sizeof light;
+  return refuse(cursor, Fault::past_end);
 }
 
-template <class Head, class Element, class ReadElement>
-int readList(Cursor &cursor, List<Element> &list, Word list_tag, ReadElement readElement) {
-  return readListTagged<Head>(
-      cursor, list, sizeof(Head),
-      [list_tag](const Place &place, Word found) { return checkTagAt(place, found, list_tag); }, readElement);
-}
+/// The fewest bytes by which an element moves the cursor: a light may not move it at all (header size 0), so only the
+/// size table bounds their number.
+template <class Head> inline constexpr std::size_t MIN_BYTES = sizeof(Head);
+template <> inline constexpr std::size_t MIN_BYTES<LightHead> = 0;
 
 /// Hands out `count` records that a count promises and the form does not store. They are records of zeros, so only
 /// their number is kept; together they may not outnumber the words of the list, which keeps every loop over them
@@ -96,9 +96,123 @@ inline int takeZeroed(Cursor &cursor, Word &zeroed, Word count) {
   return 1;
 }
 
-/// Reads the two blocks of an element, whose sizes stand in its head.
-template <class Element> int readExtBlk(Cursor &cursor, Element &element) {
-  return kvReadExtBlk1(cursor, element.ext_blk, element.van_ext_blk_size, element.usr_ext_blk_size);
+/// Reads the references of a triangle group.
+int readRefs(Cursor &cursor, TriGroup &group);
+
+/// Reads ten words whatever the kind of a collision is; those past the end of the list are 0. They do not move the
+/// cursor.
+void readCollData(Cursor at, CollData &data);
+
+/// Reads what follows the fixed words of a record.
+/// @tparam Around the record that this one is inside of; itself where there is none
+template <class Record, class Around = Record> struct RecordReader {
+  Cursor &cursor;
+  Record &record;
+  Around &around;
+  std::uint64_t begin; ///< of the record, in its list
+
+  template <class Text, class Item, class Holder, class Count>
+  int array(Text, std::vector<Item> Holder::*member, Count count, To = To::nothing) {
+    return readRun(cursor, record.*member, numberOf(record, count));
+  }
+
+  template <class Text, class Item, class Holder, class Count>
+  int pairs(Text, std::vector<Item> Holder::*member, Count count, To = To::nothing) {
+    return readPairs(cursor, record.*member, numberOf(record, count));
+  }
+
+  template <class Form, class Item, class Holder, class Count>
+  int run(Form, std::vector<Item> Holder::*member, Count count) {
+    const std::uint64_t number = numberOf(record, count);
+    std::vector<Item> &held = record.*member;
+    if constexpr (Form::bytes == sizeof(Item))
+      return readRun(cursor, held, number);
+    if (!require(cursor, number, Form::bytes))
+      return 0;
+    held.resize(static_cast<std::size_t>(number)); // the words that this form lacks are 0
+    for (Item &item : held)
+      if (!copyBytes(cursor, &item, Form::bytes))
+        return clearAndFail(held);
+    return 1;
+  }
+
+  template <class Form, class Item, class Holder, class Count>
+  int records(Form, std::vector<Item> Holder::*member, Count count) {
+    using Head = typename Form::Head;
+    const auto number = static_cast<Word>(numberOf(record, count));
+    return readElements<Head>(cursor, record.*member, number, MIN_BYTES<Head>, [this](Cursor &at, Item &item) {
+      Head &head = item;
+      RecordReader<Item, Record> reader{at, item, record, at.offset};
+      if (!readFixed(at, head) || !goesOn(at, head))
+        return 0;
+      if constexpr (Form::tag != 0) {
+        if (!testTag(at, head, Form::tag, record))
+          return 0;
+      }
+      return int{content(reader, head)};
+    });
+  }
+
+  template <class Form, class Item, class Holder> int inner(Form, Item Holder::*member) {
+    Item &item = record.*member;
+    typename Form::Head &head = item;
+    RecordReader<Item, Record> reader{cursor, item, record, cursor.offset};
+    return readFixed(cursor, head) && content(reader, head);
+  }
+
+  int blocks() { return kvReadExtBlk1(cursor, record.ext_blk, record.van_ext_blk_size, record.usr_ext_blk_size); }
+  /// Maker blocks are decoded when the whole file is read.
+  template <class Form, class Ext> int blocks(Form, Ext) { return blocks(); }
+
+  /// The blocks of the last record are those of the record around.
+  template <class Holder> int blocksAround(ExtBlk Holder::*member) {
+    const int ok = kvReadExtBlk1(cursor, around.ext_blk, around.van_ext_blk_size, around.usr_ext_blk_size);
+    if (around.ext_blk.words)
+      (record.*member).words = std::make_unique<ExtBlkWords>(*around.ext_blk.words);
+    return ok;
+  }
+
+  template <class Holder> int header(Word Holder::*bytes) {
+    cursor.offset = begin + record.*bytes;
+    return 1;
+  }
+
+  template <class Text, class Holder, class Count> int absent(Text, Word Holder::*member, Count count) {
+    return takeZeroed(cursor, record.*member, static_cast<Word>(numberOf(record, count)));
+  }
+
+  template <class Holder> int refs(std::unique_ptr<Index[]> Holder::*) { return readRefs(cursor, record); }
+
+  int data(CollData Coll::*member) {
+    readCollData(cursor, record.*member);
+    return moveBy(cursor,
+                  std::int64_t{static_cast<Index>(record.coll_size)} - static_cast<Index>(record.coll_header_size));
+  }
+
+  template <class Holder> int texels(std::vector<unsigned char> Holder::*member, std::uint64_t count) {
+    if (!require(cursor, count, 1))
+      return 0;
+    (record.*member).resize(static_cast<std::size_t>(count));
+    return copyFileOrder(cursor, (record.*member).data(), (record.*member).size()) || clearAndFail(record.*member);
+  }
+
+  template <class Holder> int text(Words Holder::*member, std::uint64_t count) { return array(0, member, count); }
+};
+
+/// Reads a list, or the scene.
+/// @param list_tag which its tag is compared with; of a list of names, the other one is right, too
+template <class List> int readList(Cursor &cursor, List &list, Word list_tag) {
+  return withinMemory(cursor, [&] {
+    list = List();
+    typename ListFormat<List>::Head &head = list;
+    RecordReader<List> reader{cursor, list, list, cursor.offset};
+    if (!readFixed(cursor, head))
+      return 0;
+    list.offset = placeBefore(cursor, sizeof head).offset;
+    if (!testTag(cursor, head, list_tag, list))
+      return 0;
+    return int{ListFormat<List>::content(reader, head)};
+  });
 }
 
 } // namespace kova

@@ -1,5 +1,6 @@
 #include "kova/geometry.h"
 
+#include "format/geometry.h"
 #include "reader/elements.h"
 
 #include <algorithm>
@@ -7,18 +8,6 @@
 namespace kova {
 
 namespace {
-
-/// Reads a group that is a fixed head and a packed run of tuples.
-template <class Head, class Group, class Tuple>
-int readGroup(Cursor &cursor, Group &group, Word tag, Word Head::*count, std::vector<Tuple> Group::*tuples) {
-  return readHead<Head>(cursor, group, tag) && readRun(cursor, group.*tuples, group.*count);
-}
-
-/// How many frames a reference in the frame form has: 0 to `tri_anim_frame_num`.
-std::uint64_t framesOf(const TriGroupHead &group) {
-  const std::int64_t frames = std::int64_t{group.tri_anim_frame_num} + 1;
-  return frames > 0 ? static_cast<std::uint64_t>(frames) : 0;
-}
 
 int skipWords(Cursor &cursor, std::uint64_t count) {
   if (!require(cursor, count, sizeof(Word)))
@@ -45,26 +34,6 @@ int skipRef(Cursor &cursor, const TriGroupHead &group, std::size_t kind) {
 /// What stands before the words of the six references in memory: their number, and the form in which they were read,
 /// which a program may have changed in the head since.
 enum RefRun : std::size_t { refWordNum, refAnimType, refFrameNum, refWords };
-
-/// Reads the six references as one run: first it is measured, then taken, with memory for exactly what is there.
-int readRefs(Cursor &cursor, TriGroup &group) {
-  Cursor end = cursor;
-  int ok = 1;
-  for (std::size_t kind = 0; ok && kind < REF_KIND_NUM; ++kind)
-    ok = skipRef(end, group, kind);
-  const auto words = static_cast<std::size_t>((end.offset - cursor.offset) / sizeof(Word));
-  if (words > 0) {
-    group.ref = std::make_unique_for_overwrite<Index[]>(refWords + words);
-    group.ref[refWordNum] = static_cast<Index>(words);
-    group.ref[refAnimType] = static_cast<Index>(group.tri_anim_type);
-    group.ref[refFrameNum] = group.tri_anim_frame_num;
-    if (!copyBytes(cursor, &group.ref[refWords], words * sizeof(Word))) {
-      group.ref.reset();
-      return 0;
-    }
-  }
-  return ok ? 1 : refuse(cursor, end.fault);
-}
 
 /// Takes an array off the front of a group's words; nothing where it is not all there.
 std::span<const Index> takeWords(std::span<const Index> &words, std::uint64_t count) {
@@ -99,87 +68,34 @@ void limitRef(AnimRef &ref, const TriGroupHead &group, std::size_t kind) {
       ref.group_index.first(static_cast<std::size_t>(std::min<std::uint64_t>(limit, ref.group_index.size())));
 }
 
-int readTri(Cursor &cursor, Tri &tri) {
-  TriHead &head = tri;
-  return readFixed(cursor, head) && readExtBlk(cursor, tri);
-}
-
-int readTriGroup(Cursor &cursor, TriGroup &group) {
-  return readHead<TriGroupHead>(cursor, group, TRI_LIST_TAG + ELEMENT_KIND) && readRefs(cursor, group) &&
-         readElements<TriHead>(cursor, group.tri, group.tri_num, sizeof(TriHead), readTri);
-}
-
-/// Reads a list of two kinds of group. `vtx_count` is how many groups of the second kind follow.
-template <class TriHeadWords, class VtxHeadWords, class TwoKinds, class ReadTriGroup, class ReadVtxGroup>
-int readTwoKinds(Cursor &cursor, TwoKinds &list, Word list_tag, Word TwoKindListHead::*vtx_count,
-                 ReadTriGroup readTriKind, ReadVtxGroup readVtxKind) {
-  return withinMemory(cursor, [&] {
-    list = TwoKinds();
-    TwoKindListHead &head = list;
-    if (!readFixed(cursor, head))
-      return 0;
-    const Place place = placeBefore(cursor, sizeof head);
-    list.offset = place.offset;
-    return int{
-        checkTagAt(place, list.list_tag, list_tag) && kvReadArray(cursor, list.tri_group_size, list.tri_group_num) &&
-        kvReadArray(cursor, list.vtx_group_size, list.vtx_group_num) &&
-        readElements<TriHeadWords>(cursor, list.tri_group, list.tri_group_num, sizeof(TriHeadWords), readTriKind) &&
-        readElements<VtxHeadWords>(cursor, list.vtx_group, list.*vtx_count, sizeof(VtxHeadWords), readVtxKind) &&
-        readExtBlk(cursor, list)};
-  });
-}
-
 } // namespace
 
-int kvSetupVtxList(Cursor &cursor, VtxList &list) {
-  return readList<VtxGroupHead>(cursor, list, VTX_LIST_TAG, [](Cursor &at, VtxGroup &group) {
-    return readGroup<VtxGroupHead>(at, group, VTX_LIST_TAG + ELEMENT_KIND, &VtxGroupHead::vtx_num, &VtxGroup::vtx);
-  });
+/// Reads the six references as one run: first it is measured, then taken, with memory for exactly what is there.
+int readRefs(Cursor &cursor, TriGroup &group) {
+  Cursor end = cursor;
+  int ok = 1;
+  for (std::size_t kind = 0; ok && kind < REF_KIND_NUM; ++kind)
+    ok = skipRef(end, group, kind);
+  const auto words = static_cast<std::size_t>((end.offset - cursor.offset) / sizeof(Word));
+  if (words > 0) {
+    group.ref = std::make_unique_for_overwrite<Index[]>(refWords + words);
+    group.ref[refWordNum] = static_cast<Index>(words);
+    group.ref[refAnimType] = static_cast<Index>(group.tri_anim_type);
+    group.ref[refFrameNum] = group.tri_anim_frame_num;
+    if (!copyBytes(cursor, &group.ref[refWords], words * sizeof(Word))) {
+      group.ref.reset();
+      return 0;
+    }
+  }
+  return ok ? 1 : refuse(cursor, end.fault);
 }
 
-int kvSetupTriList(Cursor &cursor, TriList &list) {
-  return readList<TriGroupHead>(cursor, list, TRI_LIST_TAG, readTriGroup);
-}
-
-int kvSetupColorList(Cursor &cursor, ColorList &list) {
-  // The format's library goes by the first count for both kinds of group, and files are read the way it reads them.
-  return readTwoKinds<TriColorGroupHead, VtxColorGroupHead>(
-      cursor, list, COLOR_LIST_TAG, &TwoKindListHead::tri_group_num,
-      [](Cursor &at, TriColorGroup &group) {
-        return readGroup<TriColorGroupHead>(at, group, COLOR_LIST_TAG + ELEMENT_KIND, &TriColorGroupHead::tri_color_num,
-                                            &TriColorGroup::color);
-      },
-      [](Cursor &at, VtxColorGroup &group) {
-        return readGroup<VtxColorGroupHead>(at, group, COLOR_LIST_TAG + SECOND_ELEMENT_KIND,
-                                            &VtxColorGroupHead::vtx_color_num, &VtxColorGroup::color);
-      });
-}
-
-int kvSetupVectorList(Cursor &cursor, VectorList &list) {
-  return readTwoKinds<TriNvGroupHead, VtxNvGroupHead>(
-      cursor, list, VECTOR_LIST_TAG, &TwoKindListHead::vtx_group_num,
-      [](Cursor &at, TriNvGroup &group) {
-        return readGroup<TriNvGroupHead>(at, group, VECTOR_LIST_TAG + ELEMENT_KIND, &TriNvGroupHead::tri_nv_num,
-                                         &TriNvGroup::normal);
-      },
-      [](Cursor &at, VtxNvGroup &group) {
-        return readGroup<VtxNvGroupHead>(at, group, VECTOR_LIST_TAG + SECOND_ELEMENT_KIND, &VtxNvGroupHead::vtx_nv_num,
-                                         &VtxNvGroup::normal);
-      });
-}
-
-int kvSetupStList(Cursor &cursor, StList &list) {
-  return readList<StGroupHead>(cursor, list, ST_LIST_TAG, [](Cursor &at, StGroup &group) {
-    return readGroup<StGroupHead>(at, group, ST_LIST_TAG + ELEMENT_KIND, &StGroupHead::st_num, &StGroup::st);
-  });
-}
-
-int kvSetupPartList(Cursor &cursor, PartList &list) {
-  return readList<PartHead>(cursor, list, PART_LIST_TAG, [](Cursor &at, Part &part) {
-    return readHead<PartHead>(at, part, PART_LIST_TAG + ELEMENT_KIND) &&
-           kvReadArray(at, part.tri_index, part.part_tri_num) && readExtBlk(at, part);
-  });
-}
+int kvSetupVtxList(Cursor &cursor, VtxList &list) { return readList(cursor, list, VTX_LIST_TAG); }
+int kvSetupTriList(Cursor &cursor, TriList &list) { return readList(cursor, list, TRI_LIST_TAG); }
+int kvSetupColorList(Cursor &cursor, ColorList &list) { return readList(cursor, list, COLOR_LIST_TAG); }
+int kvSetupVectorList(Cursor &cursor, VectorList &list) { return readList(cursor, list, VECTOR_LIST_TAG); }
+int kvSetupStList(Cursor &cursor, StList &list) { return readList(cursor, list, ST_LIST_TAG); }
+int kvSetupPartList(Cursor &cursor, PartList &list) { return readList(cursor, list, PART_LIST_TAG); }
 
 std::array<AnimRef, REF_KIND_NUM> kvRefs(const TriGroup &group) {
   std::array<AnimRef, REF_KIND_NUM> refs{};

@@ -1,22 +1,13 @@
 #include "kova/palette.h"
 
+#include "format/palette.h"
 #include "reader/elements.h"
 
 namespace kova {
 
-int kvSetupCiimgList(Cursor &cursor, CiImgList &list) {
-  return readList<CiImgHead>(cursor, list, CI_IMG_LIST_TAG, [](Cursor &at, CiImg &image) {
-    return readHead<CiImgHead>(at, image, CI_IMG_LIST_TAG + ELEMENT_KIND) &&
-           kvReadArray(at, image.pixel_index_array, kvSizeofPixelIndexArray(image)) && readExtBlk(at, image);
-  });
-}
-
+int kvSetupCiimgList(Cursor &cursor, CiImgList &list) { return readList(cursor, list, CI_IMG_LIST_TAG); }
 int kvSetupColorPaletteList(Cursor &cursor, ColorPaletteList &list) {
-  return readList<ColorPaletteHead>(cursor, list, COLOR_PALETTE_LIST_TAG, [](Cursor &at, ColorPalette &palette) {
-    // Rounded down on purpose: the last colour of an odd number is left where it stands.
-    return readHead<ColorPaletteHead>(at, palette, COLOR_PALETTE_LIST_TAG + ELEMENT_KIND) &&
-           kvReadArray(at, palette.color_array, palette.color_num / 2) && readExtBlk(at, palette);
-  });
+  return readList(cursor, list, COLOR_PALETTE_LIST_TAG);
 }
 
 int kvSetCiimg0(CiImgList &list) {
