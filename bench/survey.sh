@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Usage: bench/survey.sh BUILD [FILES [ROUNDS]]
-# Files per second over many small files: kbsurvey with one and two jobs, the verdict example, and the xargs script of
-# docs/recipes.md. BUILD is a build folder with kbsurvey, kbaudit and the examples.
+# Files per second over many small files: kbsurvey with one and two jobs, and the xargs script of docs/recipes.md. BUILD
+# is a build folder with kbsurvey and kbaudit.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build=$(cd "$1" && pwd)
@@ -21,7 +21,6 @@ seconds() { # COMMAND...: of one run
   "$@" >/dev/null 2>&1
   awk -v b="$begin" -v e="$EPOCHREALTIME" 'BEGIN { print e - b }'
 }
-verdicts() { find . -name '*.kb' -print0 | xargs -0 "$build/examples/verdict"; }
 rate() { # NAME ROUNDS COMMAND...: the median
   local name=$1 times
   times=$(for _ in $(seq "$2"); do seconds "${@:3}"; done | sort -g)
@@ -32,5 +31,4 @@ kbsurvey=$build/survey/kbsurvey
 rate "kbsurvey -j1" "$rounds" "$kbsurvey" -j1 .
 rate "kbsurvey -j2" "$rounds" "$kbsurvey" -j2 .
 rate "kbsurvey --json" "$rounds" "$kbsurvey" -j2 --json "$folder/report.json" --html "$folder/report.html" .
-rate "verdict example" "$rounds" verdicts
 rate "xargs script" 1 sh "$folder/xargs.sh"

@@ -115,8 +115,9 @@ endif()
 configure_file("${CMAKE_CURRENT_LIST_DIR}/kova.pc.in" "${PROJECT_BINARY_DIR}/kova.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/kova.pc" DESTINATION "${pkgconfig_dir}" COMPONENT development)
 
-install(FILES examples/CMakeLists.txt examples/findings.cpp examples/names.cpp examples/verdict.cpp
+install(FILES examples/CMakeLists.txt examples/objects.cpp examples/triangles.cpp examples/color.cpp
         DESTINATION "${doc_dir}/libkova-dev/examples" COMPONENT development)
+kova_install_documents(libkova-dev development docs/format.md)
 if(KOVA_API_REFERENCE)
   install(DIRECTORY "${PROJECT_BINARY_DIR}/api/" DESTINATION "${doc_dir}/libkova-dev/html" COMPONENT development)
 endif()

@@ -59,12 +59,17 @@ package has what programs need that are linked with it.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkova-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${library_package} (= ${PROJECT_VERSION})")
+set(reference "")
+if(KOVA_API_REFERENCE)
+  set(reference "the reference of its functions, ")
+endif()
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "library for KOVA scene files - development files
 ${about}
 .
 The library reads such a file into memory, checks it and dumps it as text. This
-package has its headers, the static library, examples, the reference of its
-functions, and the files for CMake and pkg-config.")
+package has its headers, the static library, examples, the description of the
+format, ${reference}and the files for CMake
+and pkg-config.")
 
 # What cpack does to the files before it packs them, and where that finds what it needs.
 set(CPACK_KOVA_LIBRARY_PACKAGE ${library_package})

@@ -44,7 +44,7 @@ $(printf 'lib/%s\n' libkova.{a,so,"so.${version%%.*}","so.$version"} pkgconfig/k
   cmake/kova/kova{Config,ConfigVersion,Targets,Targets-release}.cmake)
 $(printf 'share/doc/%s\n' {kbaudit,"libkova${version%%.*}",libkova-dev}/copyright kbaudit/{README,CHANGELOG,SECURITY}.md \
   kbaudit/docs/{findings,format,performance,recipes,robustness,tour}.md kbaudit/docs/kbsurvey.png \
-  libkova-dev/examples/{CMakeLists.txt,findings.cpp,names.cpp,verdict.cpp})
+  libkova-dev/docs/format.md libkova-dev/examples/{CMakeLists.txt,objects.cpp,triangles.cpp,color.cpp})
 share/man/man1/kbaudit.1$packed
 share/bash-completion/completions/kbaudit
 $(cd "$SOURCE_DIR" && printf 'share/kova/%s\n' samples/*.kb)
@@ -158,6 +158,14 @@ if has pkg-config; then
   run 0 "the README's program" "$scratch/readme"
   cmp town.txt "$scratch/town.txt" || fail "the README's program saves another dump"
   unset LD_LIBRARY_PATH
+
+  # As the README says it: without LD_LIBRARY_PATH, from where it is installed.
+  rpath=-Wl,-rpath,$(pkg-config --variable=libdir kova)
+  run 0 "building with an rpath" "$CXX" -std=c++20 "$theirs/main.cpp" "${flags[@]}" "$rpath" -o "$scratch/by_rpath"
+  consumer "pkg-config, rpath" "$scratch/by_rpath"
+  read -ra flags < <(pkg-config --static --cflags --libs kova)
+  run 0 "building statically" "$CXX" -std=c++20 -static "$theirs/main.cpp" "${flags[@]}" -o "$scratch/by_static"
+  consumer "pkg-config --static" "$scratch/by_static"
 else
   notice "pkg-config is not here"
 fi
@@ -165,54 +173,32 @@ fi
 # --- The examples ---
 
 built "$SOURCE_DIR/examples" examples -DCMAKE_PREFIX_PATH="$installed"
-verdict=$scratch/examples/verdict
-findings=$scratch/examples/findings
-names=$scratch/examples/names
+examples=$scratch/examples
 cd "$samples"
 head -c 46000 town.kb >"$scratch/cut.kb"
-run 0 "verdict on good files" "$verdict" town.kb figure.kb
-same "verdict on good files" $'OK\ttown.kb\nOK\tfigure.kb' "$(cat "$scratch/out")"
-run 1 "verdict on bad files" "$verdict" town.kb damaged.kb "$scratch/cut.kb" figure.kb
-same "verdict on bad files" $'OK\ttown.kb\nERR\tdamaged.kb\nERR\t'"$scratch/cut.kb"$'\nOK\tfigure.kb' "$(cat "$scratch/out")"
-forged=$scratch/$'a\nOK\tb\\.kb'
-cp damaged.kb "$forged"
-run 2 "verdict" "$verdict" missing.kb version.kb . "$forged" town.kb
-same "verdict" $'NONE\tmissing.kb\nNONE\tversion.kb\nNONE\t.\nERR\t'"$scratch"'/a\x0aOK\x09b\x5c.kb'$'\nOK\ttown.kb' \
-  "$(cat "$scratch/out")"
-run 2 "verdict on nothing" "$verdict"
-to_full_disk() { "$@" >/dev/full; }
-run 3 "verdict on a full disk" to_full_disk "$verdict" town.kb
+for example in objects triangles color; do
+  run 1 "$example of nothing" "$examples/$example"
+  run 1 "$example of a cut file" "$examples/$example" "$scratch/cut.kb" "$scratch/edited.kb" 0 0 0 0
+done
 
-run 0 "findings of a good file" "$findings" town.kb
-same "findings of a good file" "" "$(cat "$scratch/out")"
-run 1 "findings" "$findings" index.kb
-same "findings" $'element-index\t760\tObj[2] index is wrong. 2 != 7\\n' "$(cat "$scratch/out")"
-run 1 "findings of a missing file" "$findings" missing.kb
-same "findings of a missing file" $'input-open\t-\tInput File Open Error\\n' "$(cat "$scratch/out")"
-run 2 "findings of nothing" "$findings"
+run 0 "objects" "$examples/objects" figure.kb
+same "first objects of figure.kb" $'hips, child of walker\nspine, child of hips' "$(head -n 2 "$scratch/out")"
 
-run 0 "names of figure.kb" "$names" figure.kb
-same "names of figure.kb" "walker
-  hips
-    spine
-      chest
-        neck
-          head
-        upper_arm_l
-          forearm_l
-            hand_l
-        upper_arm_r
-          forearm_r
-            hand_r
-    thigh_l
-      shin_l
-        foot_l
-    thigh_r
-      shin_r
-        foot_r
-  torso_skin
-  sleeve_l
-  sleeve_r" "$(cat "$scratch/out")"
-run 0 "names of damaged.kb" "$names" damaged.kb
-run 1 "names of a cut file" "$names" "$scratch/cut.kb"
-run 2 "names of nothing" "$names"
+run 0 "triangles" "$examples/triangles" small-1.kb
+same "triangles of small-1.kb" 'shape 0: 2 triangles
+  (6 7 8)  (9 10 11)  (12 13 14)
+  (12 13 14)  (9 10 11)  (6 7 8)' "$(cat "$scratch/out")"
+
+# Of the saved file only the colour is another one: three words of the material, and those of its maker block in 2.0.
+for sample in small-1 small-2; do
+  run 0 "color" "$examples/color" "$sample.kb" "$scratch/edited.kb" 0 0.25 0.5 1
+  run 0 "the edited file" "$program" "$scratch/edited.kb"
+  sed -n '/^<FileHeader> ;/,$p' "$scratch/out" >"$scratch/edited.txt"
+  run 0 "the file" "$program" "$sample.kb"
+  sed -n '/^<FileHeader> ;/,$p' "$scratch/out" | diff - "$scratch/edited.txt" | grep '^>' >"$scratch/changed" || :
+  colors=$'> prim_red           0.250000\n> prim_green         0.500000\n> prim_blue          1.00000'
+  [ $sample = small-1 ] || colors+=$'\n> diffuse red  0.250000 green 0.500000 blue 1.00000 alpha 11.0000'
+  same "what color changes in $sample.kb" "$colors" "$(cat "$scratch/changed")"
+done
+run 1 "color of a material that is not there" "$examples/color" town.kb "$scratch/none.kb" 99 0 0 0
+[ ! -e "$scratch/none.kb" ] || fail "color saves what it has not changed"
