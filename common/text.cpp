@@ -33,6 +33,32 @@ constexpr std::array<Sequence, 8> SEQUENCES = {{{0xc2, 0xdf, 0x80, 0xbf, 2},
                                                 {0xf1, 0xf3, 0x80, 0xbf, 4},
                                                 {0xf4, 0xf4, 0x80, 0x8f, 4}}};
 
+/// Characters that are not shown as themselves: first and last of each run.
+struct Run {
+  char32_t first, last;
+};
+constexpr Run HIDDEN[] = {
+    {0x80, 0xa0},     {0xad, 0xad},     {0x34f, 0x34f},     {0x61c, 0x61c},     {0x115f, 0x1160},   {0x1680, 0x1680},
+    {0x17b4, 0x17b5}, {0x180b, 0x180f}, {0x2000, 0x200f},   {0x2028, 0x202f},   {0x205f, 0x206f},   {0x2800, 0x2800},
+    {0x3000, 0x3000}, {0x3164, 0x3164}, {0xd800, 0xf8ff},   {0xfdd0, 0xfdef},   {0xfe00, 0xfe0f},   {0xfeff, 0xfeff},
+    {0xffa0, 0xffa0}, {0xfff0, 0xffff}, {0x1d173, 0x1d17a}, {0x1fffe, 0x1ffff}, {0x2fffe, 0x2ffff}, {0x3fffe, 0x10ffff},
+};
+
+/// @param character a valid sequence of more than one byte
+char32_t codeOf(std::string_view character) {
+  const auto at = [&](std::size_t i) { return static_cast<unsigned char>(character[i]); };
+  char32_t code = at(0) & (0xffU >> (character.size() + 1));
+  for (std::size_t i = 1; i < character.size(); ++i)
+    code = code << 6 | (at(i) & 0x3fU);
+  return code;
+}
+
+bool isHidden(std::string_view character) {
+  const char32_t code = codeOf(character);
+  return std::any_of(std::begin(HIDDEN), std::end(HIDDEN),
+                     [&](const Run &run) { return code >= run.first && code <= run.last; });
+}
+
 } // namespace
 
 std::size_t characterBytes(std::string_view text) {
@@ -59,6 +85,17 @@ std::string printable(std::string_view bytes) {
       text += byte;
     else
       appendEscape(text, byte);
+  return text;
+}
+
+std::string visible(std::string_view bytes) {
+  std::string text;
+  while (!bytes.empty()) {
+    const std::size_t taken = std::max<std::size_t>(characterBytes(bytes), 1);
+    const std::string_view character = bytes.substr(0, taken);
+    text += taken > 1 && !isHidden(character) ? std::string(character) : printable(character);
+    bytes.remove_prefix(taken);
+  }
   return text;
 }
 
@@ -105,7 +142,7 @@ std::size_t controlByte(std::string_view bytes) {
   return bytes.npos;
 }
 
-std::string oneLine(std::string_view text) {
+std::string oneLine(std::string_view text, std::string (*show)(std::string_view)) {
   std::string line;
   while (!text.empty()) {
     const std::string_view part = text.substr(0, text.find('\n'));
@@ -114,7 +151,7 @@ std::string oneLine(std::string_view text) {
     if (begin == part.npos)
       continue;
     line += line.empty() ? "" : "; ";
-    line += printable(part.substr(begin));
+    line += show(part.substr(begin));
   }
   return line;
 }

@@ -11,6 +11,11 @@ namespace kova {
 /// For terminals and line-oriented output: each byte outside printable ASCII, and each backslash, becomes `\xHH`.
 std::string printable(std::string_view bytes);
 
+/// For terminals that show UTF-8: as `printable`, but characters beyond ASCII stay if they can be seen and do nothing
+/// to others. Each byte of the others becomes `\xHH`: control characters, those that change the direction of writing or
+/// have no width, blanks of other kinds, and bytes that are no UTF-8.
+std::string visible(std::string_view bytes);
+
 /// For JSON: each byte that is not part of valid UTF-8, and each backslash, becomes `\xHH`. The result is valid UTF-8.
 std::string escaped(std::string_view bytes);
 
@@ -26,6 +31,7 @@ std::optional<std::string> unescaped(std::string_view text);
 std::size_t controlByte(std::string_view bytes);
 
 /// @return the lines of a finding's text as one printable line.
-std::string oneLine(std::string_view text);
+/// @param show makes a line printable
+std::string oneLine(std::string_view text, std::string (*show)(std::string_view) = printable);
 
 } // namespace kova

@@ -9,6 +9,9 @@ _kbsurvey() {
     -j | --jobs)
       mapfile -t COMPREPLY < <(compgen -W "$(seq "$(nproc)")" -- "$word")
       return ;;
+    --color)
+      mapfile -t COMPREPLY < <(compgen -W "auto always never" -- "$word")
+      return ;;
     --shard | --name) return ;;
   esac
   if [[ $word == -* && $before != --json && $before != --junit && $before != --html ]]; then

@@ -21,9 +21,9 @@ int run(int argc, char **argv) {
   case Task::merge:
     return mergeReports(*options);
   case Task::list_findings:
-    return listFindings();
+    return listFindings(options->colour);
   case Task::explain:
-    return explainFinding(options->explained);
+    return explainFinding(options->explained, options->colour);
   }
   return FAILED;
 }

@@ -1,78 +1,85 @@
 #include "survey/options.h"
 
-#include "common/text.h"
+#include "common/arguments.h"
 #include "kova/version.h"
+#include "survey/output.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <iostream>
+#include <charconv>
 #include <thread>
+#include <unistd.h>
 
 namespace kova::survey {
 
 namespace {
 
-constexpr const char *DESCRIPTION =
-    "Audits KOVA scene files: every file named and, in folders, every *.kb. Prints a line for each\n"
-    "file that is not OK, and a summary.";
-
-constexpr const char *FOOTER =
-    "Exit status: 0: all files are OK; 1: some are ERR; 2: some have no verdict, or no file was found;\n"
-    "3: wrong usage, or an output that could not be written. If several apply, it is the highest.";
+constexpr HelpText HELP = {
+    .usage = "Usage: kbsurvey [OPTION]... PATH...\n"
+             "       kbsurvey --merge [OPTION]... REPORT...\n"
+             "       kbsurvey --list-findings\n"
+             "       kbsurvey --explain ID\n",
+    .description =
+        "Audits KOVA scene files: every file named and, in folders, every *.kb. Prints a line for each file that "
+        "is not OK, and a summary.",
+    .footer =
+        "Exit status: 0: all files are OK; 1: some are ERR; 2: some have no verdict, or no file was found; 3: wrong "
+        "usage, or an output that could not be written. If several apply, it is the highest."};
 
 /// What the command line says beyond the options themselves.
 struct Given {
   std::string shard;
   bool merge = false;
   bool list_findings = false;
+  bool help = false;
+  bool version = false;
 };
 
-/// For all options that are empty where they are not given.
-const CLI::Validator NOT_EMPTY([](const std::string &value) { return std::string(value.empty() ? "is empty" : ""); },
-                               "");
+std::string takeJobs(const std::string &value, unsigned &workers) {
+  constexpr unsigned MOST = 4096;
+  const char *const end = value.data() + value.size();
+  const auto [behind, error] = std::from_chars(value.data(), end, workers);
+  return behind == end && error == std::errc() && workers >= 1 && workers <= MOST ? ""
+                                                                                  : "needs a number from 1 to 4096";
+}
 
-/// @param arguments the number of arguments, at least 1
-void declare(CLI::App &app, int arguments, Options &options, Given &given) {
-  app.set_version_flag("--version", std::string("kbsurvey ") + KOVA_VERSION, "Print the version");
-  app.set_help_flag("-h,--help", "Print this help");
-  // Where extra arguments are allowed, CLI11 takes a path like "[a,b]" for a list. So none are: all can be paths.
-  app.add_option("PATH", options.paths, "Files and folders; with --merge, reports")
-      ->type_name("")
-      ->check(NOT_EMPTY)
-      ->expected(arguments, CLI::detail::expected_max_vector_size)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-      ->allow_extra_args(false);
-  app.add_option("-j,--jobs", options.workers, "Number of files audited at a time (default: the processors)")
-      ->type_name("N")
-      ->check(CLI::Range(1U, 4096U).description(""));
-  app.add_option("--name", options.names, "In folders, take files of this name instead of *.kb; may be repeated")
-      ->type_name("GLOB")
-      ->check(NOT_EMPTY)
-      ->allow_extra_args(false);
-  app.add_option("--files-from", options.files_from,
-                 "Read more paths from FILE (- for standard input), separated by NUL or line breaks")
-      ->type_name("FILE")
-      ->check(NOT_EMPTY);
-  app.add_flag("--deep", options.asked.deep, "Also check what the verdict does not look at; gives warnings");
-  app.add_flag("--repairable", options.asked.repairable, "Tell of each bad file whether kbrepair could mend it");
-  app.add_flag("-q,--quiet", options.quiet, "No progress line");
-  app.add_flag("-0,--print0", options.print0, "Print only the paths of files that are not OK, a NUL behind each");
-  app.add_option("--json", options.json, "Write a JSON report, a line for each file (- for standard output)")
-      ->type_name("FILE")
-      ->check(NOT_EMPTY);
-  app.add_option("--junit", options.junit, "Write a JUnit report")->type_name("FILE")->check(NOT_EMPTY);
-  app.add_option("--html", options.html, "Write a page to look at")->type_name("FILE")->check(NOT_EMPTY);
-  app.add_option("--resume", options.resume, "Take over what this JSON report says of files that have not changed")
-      ->type_name("FILE")
-      ->check(NOT_EMPTY);
-  app.add_option("--shard", given.shard, "Audit only the I-th of N parts of the files")
-      ->type_name("I/N")
-      ->check(NOT_EMPTY);
-  app.add_flag("--merge", given.merge, "Make one report of several JSON reports; audit nothing");
-  app.add_flag("--list-findings", given.list_findings, "List all kinds of findings");
-  app.add_option("--explain", options.explained, "Explain a kind of finding")->type_name("ID")->check(NOT_EMPTY);
+std::string takeColour(const std::string &value, Colour &colour) {
+  constexpr const char *NAMES[] = {"auto", "always", "never"};
+  const auto at = std::find(std::begin(NAMES), std::end(NAMES), value);
+  colour = static_cast<Colour>(at - std::begin(NAMES));
+  return at != std::end(NAMES) ? "" : "needs auto, always or never";
+}
+
+std::vector<Option> optionsOf(Options &options, Given &given) {
+  return {
+      {'j', "jobs", "N", "Number of files audited at a time (default: the processors)",
+       [&](const std::string &value) { return takeJobs(value, options.workers); }},
+      {0, "name", "GLOB", "In folders, take files of this name instead of *.kb; may be repeated",
+       [&](const std::string &value) {
+         options.names.push_back(value);
+         return std::string(value.empty() ? "needs GLOB" : "");
+       },
+       true},
+      textOption(0, "files-from", "FILE",
+                 "Read more paths from FILE (- for standard input), separated by NUL or line breaks",
+                 options.files_from),
+      flagOption(0, "deep", "Also check what the verdict does not look at; gives warnings", options.asked.deep),
+      flagOption(0, "repairable", "Tell of each bad file whether kbrepair could mend it", options.asked.repairable),
+      flagOption('q', "quiet", "No progress line", options.quiet),
+      flagOption('0', "print0", "Print only the paths of files that are not OK, a NUL behind each", options.print0),
+      {0, "color", "WHEN", "Colour: auto (on a terminal), always or never",
+       [&](const std::string &value) { return takeColour(value, options.colour); }},
+      textOption(0, "json", "FILE", "Write a JSON report, a line for each file (- for standard output)", options.json),
+      textOption(0, "junit", "FILE", "Write a JUnit report", options.junit),
+      textOption(0, "html", "FILE", "Write a page to look at", options.html),
+      textOption(0, "resume", "FILE", "Take over what this JSON report says of files that have not changed",
+                 options.resume),
+      textOption(0, "shard", "I/N", "Audit only the I-th of N parts of the files", given.shard),
+      flagOption(0, "merge", "Make one report of several JSON reports; audit nothing", given.merge),
+      flagOption(0, "list-findings", "List all kinds of findings", given.list_findings),
+      textOption(0, "explain", "ID", "Explain a kind of finding", options.explained),
+      flagOption('V', "version", "Print the version", given.version),
+      flagOption('h', "help", "Print this help", given.help),
+  };
 }
 
 /// @return what is wrong with the options, for people; empty if nothing is.
@@ -82,8 +89,6 @@ std::string contradiction(const Options &options, const Given &given) {
     return "--merge, --list-findings and --explain exclude one another";
   if (given.list_findings || explain)
     return "";
-  if (options.paths.empty() && options.files_from.empty())
-    return given.merge ? "no report to merge" : "no file or folder to audit";
   if (given.merge && !(options.files_from.empty() && options.resume.empty() && given.shard.empty() &&
                        options.names.empty() && !options.asked.deep && !options.asked.repairable))
     return "--merge audits nothing: --files-from, --name, --shard, --deep, --repairable and --resume do not go with it";
@@ -92,12 +97,31 @@ std::string contradiction(const Options &options, const Given &given) {
     return "standard output takes one report, or the paths of --print0";
   if (!given.shard.empty() && !parseShard(given.shard))
     return "--shard needs I/N with I from 1 to N";
+  if (std::find(options.paths.begin(), options.paths.end(), "") != options.paths.end())
+    return "a path is empty";
+  // What is missing comes last: it may be missing because of something else.
+  if (options.paths.empty() && options.files_from.empty())
+    return given.merge ? "no report to merge" : "no file or folder to audit";
   return "";
 }
 
 int refuse(const std::string &message) {
   std::fprintf(stderr, "kbsurvey: %s.\nTry 'kbsurvey --help'.\n", message.c_str());
   return FAILED;
+}
+
+Status print(const std::string &text) {
+  Output output;
+  openOutput(output, "-");
+  write(output, text);
+  return finish(output) ? ALL_OK : FAILED;
+}
+
+Task taskOf(const Options &options, const Given &given) {
+  return given.merge                  ? Task::merge
+         : given.list_findings        ? Task::list_findings
+         : !options.explained.empty() ? Task::explain
+                                      : Task::survey;
 }
 
 } // namespace
@@ -107,31 +131,23 @@ std::optional<Options> readOptions(int argc, const char *const *argv, int &statu
   options.command.assign(argv + std::min(argc, 1), argv + argc);
   options.workers = std::max(1U, std::thread::hardware_concurrency());
   Given given;
-  CLI::App app(DESCRIPTION, "kbsurvey");
-  app.footer(FOOTER);
-  try {
-    declare(app, std::max(1, argc - 1), options, given);
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError &error) {
-    const bool asked = error.get_exit_code() == 0; // help or version
-    status = asked ? app.exit(error) : refuse(printable(error.what()));
-    if (!std::cout.flush()) {
-      std::fprintf(stderr, "kbsurvey: standard output cannot be written: %s.\n", std::strerror(errno));
-      status = FAILED;
-    }
+  const std::vector<Option> known = optionsOf(options, given);
+  const std::span<const char *const> arguments(argv, static_cast<std::size_t>(std::max(argc, 1)));
+  std::string wrong = readArguments(arguments.subspan(1), known, options.paths);
+  if (wrong.empty() && (given.help || given.version)) {
+    status = print(given.help ? helpText(HELP, known, widthOf(STDOUT_FILENO))
+                              : "kbsurvey " + std::string(KOVA_VERSION) + '\n');
     return std::nullopt;
   }
-  const std::string wrong = contradiction(options, given);
+  if (wrong.empty())
+    wrong = contradiction(options, given);
   if (!wrong.empty()) {
     status = refuse(wrong);
     return std::nullopt;
   }
   if (!given.shard.empty())
     options.shard = *parseShard(given.shard);
-  options.task = given.merge                  ? Task::merge
-                 : given.list_findings        ? Task::list_findings
-                 : !options.explained.empty() ? Task::explain
-                                              : Task::survey;
+  options.task = taskOf(options, given);
   return options;
 }
 

@@ -1,6 +1,7 @@
 /// The command line.
 #pragma once
 
+#include "common/terminal.h"
 #include "survey/walk.h"
 
 namespace kova::survey {
@@ -17,6 +18,7 @@ struct Options {
   Questions asked = {};
   bool quiet = false;
   bool print0 = false;
+  Colour colour = Colour::automatic;
   std::string json = {};
   std::string junit = {};
   std::string html = {};

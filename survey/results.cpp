@@ -33,7 +33,7 @@ std::string printedLine(const Results &results, const FileResult &result) {
   if (result.verdict == Verdict::ok)
     return "";
   if (!results.print0)
-    return badLine(result);
+    return badLine(result, results.style);
   return result.reason == Reason::unreadable_folder ? printable(result.path) + ": " + whatIsWrong(result) : "";
 }
 
@@ -192,9 +192,9 @@ bool saveReports(Results &results) {
   return ok;
 }
 
-std::string lineOf(const Listed &file) {
+std::string lineOf(const Listed &file, const Style &style) {
   // What was found in it is given up, and there was no memory for a line.
-  return !file.line.empty() ? file.line : badLine({.path = file.path, .reason = Reason::no_memory});
+  return !file.line.empty() ? file.line : badLine({.path = file.path, .reason = Reason::no_memory}, style);
 }
 
 void printResults(Results &results, std::optional<double> seconds) {
@@ -202,7 +202,7 @@ void printResults(Results &results, std::optional<double> seconds) {
     if (file.verdict == Verdict::ok)
       continue;
     else if (!results.print0)
-      write(results.print, lineOf(file));
+      write(results.print, lineOf(file, results.style));
     else if (file.folder) // what is done with the files of the list would be done with all that it holds
       std::fprintf(stderr, "kbsurvey: %s.\n", file.line.c_str());
     else
@@ -234,6 +234,7 @@ bool openResults(Results &results, const Options &options, Keeping keeping) {
     results.print.path = "standard error";
     results.print.stream = ::fdopen(::dup(STDERR_FILENO), "w");
   }
+  results.style = styleOf(results.print.stream == stdout ? STDOUT_FILENO : STDERR_FILENO, options.colour);
   return ok && openStore(results, keeping);
 }
 

@@ -28,6 +28,7 @@ struct Results {
   Report json, junit, html;
   Output print;
   bool print0 = false;
+  Style style = {};                 ///< of what is printed
   LineStore store = {};             ///< if a report is made in the end
   std::vector<LineStore> left = {}; ///< journals of runs that were killed: the JSON report replaces them, too
   std::string spare = {};           ///< room for a line when there is no memory

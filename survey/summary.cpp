@@ -51,6 +51,27 @@ const KeptFinding *toldFinding(const FileResult &result) {
   return result.findings.empty() ? nullptr : &result.findings.front();
 }
 
+/// What is wrong with a file, in printable lines.
+struct Wrong {
+  std::string text;         ///< the answer about the repair, and the number of findings or the reason
+  std::string finding = {}; ///< the first one; empty if there is none
+  Severity severity = Severity::error;
+};
+
+Wrong wrongOf(const FileResult &result, Show show) {
+  if (result.verdict == Verdict::none)
+    return {repairText(result) + REASON_TEXTS[static_cast<std::size_t>(result.reason)] +
+            (result.detail.empty() ? "" : ": " + show(result.detail))};
+  Wrong wrong{repairText(result) + counted(findingCount(result), " finding", " findings")};
+  if (const KeptFinding *const told = toldFinding(result)) {
+    // Most texts do not say which list they are about.
+    const std::string text = oneLine(told->text, show), list = show(told->list);
+    wrong.finding = (list.empty() || text.starts_with(list) ? "" : list + ": ") + text;
+    wrong.severity = told->severity;
+  }
+  return wrong;
+}
+
 } // namespace
 
 void count(Tally &tally, const FileResult &result) {
@@ -83,21 +104,24 @@ std::vector<std::pair<std::string, Frequency>> mostFrequent(const Tally &tally) 
 }
 
 std::string whatIsWrong(const FileResult &result) {
-  if (result.verdict == Verdict::none)
-    return repairText(result) + REASON_TEXTS[static_cast<std::size_t>(result.reason)] +
-           (result.detail.empty() ? "" : ": " + printable(result.detail));
-  const KeptFinding *const told = toldFinding(result);
-  const std::string number = repairText(result) + counted(findingCount(result), " finding", " findings");
-  if (told == nullptr)
-    return number;
-  // Most texts do not say which list they are about.
-  const std::string text = oneLine(told->text), list = printable(told->list);
-  return number + ": " + (list.empty() || text.starts_with(list) ? "" : list + ": ") + text;
+  const Wrong wrong = wrongOf(result, printable);
+  return wrong.finding.empty() ? wrong.text : wrong.text + ": " + wrong.finding;
 }
 
-std::string badLine(const FileResult &result) {
-  return std::string(result.verdict == Verdict::err ? "ERR   " : "NONE  ") + printable(result.path) + "  " +
-         whatIsWrong(result) + '\n';
+std::string badLine(const FileResult &result, const Style &style) {
+  const bool err = result.verdict == Verdict::err;
+  const Show show = showOf(style);
+  const Wrong wrong = wrongOf(result, show);
+  std::string line = coloured(style, err ? RED : YELLOW, err ? "ERR" : "NONE") + (err ? "   " : "  ") +
+                     show(result.path) + "  " + wrong.text;
+  if (!wrong.finding.empty() && !style.terminal)
+    line += ": " + wrong.finding;
+  else if (!wrong.finding.empty())
+    line += "\n      " +
+            coloured(style, wrong.severity == Severity::error ? RED : YELLOW,
+                     SEVERITY_NAMES[static_cast<std::size_t>(wrong.severity)]) +
+            ": " + wrong.finding;
+  return line + '\n';
 }
 
 std::string summary(const Tally &tally, std::optional<double> seconds) {

@@ -1,6 +1,7 @@
 /// The totals of a survey, and what is printed of them.
 #pragma once
 
+#include "common/terminal.h"
 #include "survey/file_result.h"
 
 #include <array>
@@ -43,8 +44,8 @@ std::vector<std::pair<std::string, Frequency>> mostFrequent(const Tally &tally);
 /// findings and the first one, or why there is no verdict.
 std::string whatIsWrong(const FileResult &result);
 
-/// @return the line of a file that is not OK, with its line break.
-std::string badLine(const FileResult &result);
+/// @return the line of a file that is not OK, with its line break. On a terminal, its first finding stands below it.
+std::string badLine(const FileResult &result, const Style &style = {});
 
 /// @return the lines of the summary.
 /// @param seconds how long it took; none for what was not audited now

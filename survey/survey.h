@@ -10,7 +10,7 @@ Status surveyFiles(const Options &options);
 Status mergeReports(const Options &options);
 
 /// Prints the catalogue of findings, or one row of it. @return the exit status.
-Status listFindings();
-Status explainFinding(const std::string &id);
+Status listFindings(Colour colour);
+Status explainFinding(const std::string &id, Colour colour);
 
 } // namespace kova::survey

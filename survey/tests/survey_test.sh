@@ -74,6 +74,23 @@ for option in --name --files-from --json --junit --html --resume --shard --expla
   no_out "nothing for $option"
 done
 run 3 "a path that is empty" "$KBSURVEY" good ""
+# wrong_option SAID OPTION...: the first wrong option is named, before anything that is missing.
+wrong_option() {
+  survey 3 "${@:2}"
+  same "kbsurvey ${*:2}" "kbsurvey: $1." "$(head -n 1 err)"
+}
+wrong_option "there is no option --jsn; --json is the nearest" --jsn
+wrong_option "there is no option --quite; --quiet is the nearest" good --quite --merge
+wrong_option "there is no option --\\x1b[2J" $'--\e[2J' good
+wrong_option "there is no option -n" -qn good
+wrong_option "-j needs a number from 1 to 4096" -j0 good
+wrong_option "--html needs FILE" good --html
+wrong_option "--deep takes no value" --deep=1
+wrong_option "--json is given twice" --json a --json=b --nonsense
+survey 0 -qj1 --json=- -- good
+same "options in one argument" 2 "$(wc -l <out)"
+same "arguments beside --help" "$("$KBSURVEY" --help)" "$("$KBSURVEY" a b c --help)"
+same "the longest line of the help" "" "$("$KBSURVEY" --help | grep '.\{81\}' || :)"
 mkdir closed_out
 for i in $(seq 200); do cp bad/version.kb "closed_out/$i.kb"; done
 # shellcheck disable=SC2016 # for the other shell
@@ -292,5 +309,20 @@ if has script; then
   done
   same "terminals with a progress line" xterm "$(grep -l $'\e\\[K' xterm dumb)"
 fi
+# Colours and characters beyond ASCII are for terminals; none that forges or hides something is shown.
+mkdir colours
+cp samples/damaged.kb "$(printf 'colours/\303\244\342\200\256\302\233\377\\.kb')"
+finding='LightList: Light[0].dirlight size is wrong. 44 != 36'
+if has script; then
+  on_terminal() { script -qec "'$KBSURVEY' -q $* colours" terminal >/dev/null </dev/null || :; sed -n '2,3s/\r$//p' terminal; }
+  rest='\xe2\x80\xae\xc2\x9b\xff\x5c.kb  6 findings'
+  same "on a terminal" $'\e[1;31mERR\e[m   colours/\303\244'"$rest"$'\n      \e[1;31merror\e[m: '"$finding" \
+    "$(LC_ALL=C.UTF-8 TERM=xterm on_terminal)"
+  same "on a plain terminal" 'ERR   colours/\xc3\xa4'"$rest"$'\n      error: '"$finding" "$(NO_COLOR=1 TERM=xterm on_terminal)"
+fi
+LC_ALL=C.UTF-8 survey 1 colours
+same "into a file" 'ERR   colours/\xc3\xa4\xe2\x80\xae\xc2\x9b\xff\x5c.kb  6 findings: '"$finding" "$(head -n 1 out)"
+survey 1 --color=always colours
+same "into a file, in colour" $'\e[1;31mERR\e[m' "$(cut -d ' ' -f 1 out | head -n 1)"
 survey 0 good
 [ ! -s err ] || fail "standard error is no terminal, and yet: $(cat err)"
