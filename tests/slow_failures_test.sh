@@ -48,7 +48,8 @@ killed() { # NAME NUMBER COMMAND...
 
 fresh() { rm -rf work && cp -a before work; }
 
-# Each file is as it was or as it is to be. What a killed program cannot remove may be left.
+# whole_files [NAMES]: each file is as it was or as it is to be. There are no others but those of these names: what cannot be
+# removed is left.
 whole_files() {
   local file
   for file in $(cd work && find . -type f ! -name "${1-}"); do
@@ -81,7 +82,8 @@ every_call() {
     fresh
     failing "$name" "$number" "$@"
     echo x >>tried/failed
-    as_wanted || { "$told" && whole_files; } || fail "$what: status $status, not told: $(head -qc 1000 out err)"
+    as_wanted || { "$told" && whole_files "$([ "$name" != unlink ] || echo '.*')"; } ||
+      fail "$what: status $status, not told: $(head -qc 1000 out err)"
   done <calls
 }
 
@@ -140,38 +142,39 @@ fi
 # --- kbsurvey ---
 
 if [ -n "${KBSURVEY-}" ]; then
-  mkdir -p before/in
+  mkdir -p before/in before/more
   cp "$samples"/{small-1,damaged}.kb before/in
+  cp "$samples/small-2.kb" before/more
   echo in/small-1.kb >before/list
+  # Other reports that are there before.
+  (cd before && for i in in more; do "$KBSURVEY" -q --json $i.json --junit $i.xml --html $i.html $i >/dev/null || :; done)
   # A file that cannot be read has no verdict, and each report says so. A list of paths has its path.
   survey_told() {
     case $status in
     3) [ -s err ] ;;
-    2) grep -a 'cannot be read\|"unreadable"\|^in/small-1.kb' out >/dev/null ;;
+    2) grep -a 'cannot be read\|"unreadable\|^in/small-1.kb' out >/dev/null && unreadable_told ;;
     *) return 1 ;;
     esac
   }
-  for options in "--json - --deep --repairable in" "--junit - in" "--html - in" "--print0 --files-from list" \
-    "--list-findings" "--explain tag" "--version"; do
+  unreadable_told() {
+    local file
+    for file in work/*.{json,xml,html}; do
+      cmp -s "$file" "before/${file#*/}" && continue
+      grep 'cannot be read\|"unreadable' "$file" >/dev/null || fail "$what: $file does not say what cannot be read"
+      tail -n 1 "$file" | grep '}$\|</html>$\|</testsuites>$' >/dev/null || fail "$what: $file has no end"
+      rm "$file" # neither the old one nor the new one
+      [ ! -e "before/${file#*/}" ] || cp "before/${file#*/}" work
+    done
+  }
+  all_reports() { echo "--json $1.json --junit $1.xml --html $1.html"; }
+  for options in "$(all_reports new) in" "$(all_reports more) in" "--json more.json --resume more.json in more" \
+    "--json new.json --resume more.json in more" "--merge --json in.json in.json more.json" \
+    "--merge --html new.html in.json" "--json - --deep --repairable in" "--junit - in" "--html - in" \
+    "--print0 --files-from list" "--list-findings" "--explain tag" "--version"; do
     read -ra options <<<"$options"
     every_call survey_told "$KBSURVEY" -j1 "${options[@]}"
+    [[ ${options[*]} != *new.* && ${options[*]} != *more.* ]] || every_kill "$KBSURVEY" -j1 "${options[@]}"
   done
-  # Reports that are files. One that says what has failed is a whole one, too. (What cannot be removed is left.)
-  reports_told() {
-    survey_told || return
-    if [ "$status" -eq 2 ]; then
-      [ -z "$(tail -qn 1 work/r.* | grep -v '^old\|^{.*}$\|^</testsuites>$\|^</html>$')" ] && cp -a after/r.* work
-    fi
-  }
-  for report in r.xml r.html; do echo "old $report" >before/$report; done
-  : >before/r.json
-  for options in "--json r.json --resume r.json --repairable in" "--junit r.xml --html r.html in"; do
-    read -ra options <<<"$options"
-    only='(read|write|open|close|fsync|fchmod|fchown|rename|flock|newfstat|fstat|pread|lseek|facc)' \
-      every_call reports_told "$KBSURVEY" -j1 "${options[@]}"
-    every_kill "$KBSURVEY" -j1 "${options[@]}"
-  done
-  rm before/r.*
   # Without some of its threads, or all of them, it does the same.
   cp "$samples/small-2.kb" before/in
   only=clone every_call false "$KBSURVEY" -j3 in
