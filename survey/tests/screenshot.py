@@ -17,11 +17,11 @@ try:
         for name in os.listdir(samples):
             if name.endswith(".kb") and (len(name) + len(place)) % 3:
                 shutil.copy(samples + "/" + name, "scenes/" + place)
-    subprocess.run([kbsurvey, "--html", "page.html", "scenes"], stdout=subprocess.DEVNULL)
+    subprocess.run([kbsurvey, "--repairable", "--html", "page.html", "scenes"], stdout=subprocess.DEVNULL)
     tab = browser.Browser()
-    tab.call("Emulation.setDeviceMetricsOverride", width=1200, height=1150, deviceScaleFactor=1, mobile=False)
+    tab.call("Emulation.setDeviceMetricsOverride", width=1200, height=1900, deviceScaleFactor=1, mobile=False)
     tab.open(folder + "/page.html")
-    tab.click("[...document.querySelectorAll('#files tbody button')].find(b => b.textContent.includes('damaged'))")
+    tab.click("[...document.querySelectorAll('#table tbody button')].find(b => b.textContent.includes('damaged'))")
     tab.evaluate("scrollTo(0, 0)")
     tab.screenshot(picture)
     tab.close()
