@@ -33,7 +33,8 @@ const Option *nearest(std::string_view name, std::span<const Option> options) {
     return nullptr;
   const auto at = std::min_element(options.begin(), options.end(),
                                    [&](const Option &a, const Option &b) { return far(a) < far(b); });
-  return far(*at) <= std::max<std::size_t>(1, name.size() / 3) ? &*at : nullptr;
+  const std::size_t most = name.size() <= 3 ? 1 : std::max<std::size_t>(2, name.size() / 3); // two: letters exchanged
+  return far(*at) <= most ? &*at : nullptr;
 }
 
 std::string unknownName(std::string_view name, std::span<const Option> options) {
