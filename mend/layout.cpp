@@ -174,7 +174,7 @@ void triGroup(Walk &walk) {
 }
 
 void part(Walk &walk) {
-  walk.column(24, "part_tri_num", {4});
+  walk.column(24, "part_tri_num", {4, To::own_tri});
   walk.blocks();
 }
 
@@ -296,7 +296,8 @@ void animMaker(Walk &walk) {
   walk.pass(4);
   for (std::size_t i = 0; i < numbers.size(); ++i)
     numbers[i] = walk.nextCount(KEYS[i].count, KEYS[i].bytes);
-  walk.pass(56);
+  for (int i = 0; i < 7; ++i)
+    walk.table(1, {{4}, {4, To::any}});
   for (int i = 0; i < 7; ++i)
     external(walk);
   for (std::size_t i = 0; i < numbers.size(); ++i)
@@ -329,7 +330,7 @@ void collGroup(Walk &walk) {
 }
 
 void switch_(Walk &walk) {
-  walk.table(walk.count(20, "case_node_num", 8), {{4}, {4}});
+  walk.table(walk.count(20, "case_node_num", 8), {{4}, {4, To::any}});
   walk.blocks();
 }
 
@@ -348,9 +349,9 @@ void colorPalette(Walk &walk) {
   walk.blocks();
 }
 
-constexpr Link FULL_WEIGHTED_LINKS[] = {{12, To::name},      {24, To::external_name}, {28, To::external_name},
-                                        {32, To::vtx},       {36, To::vtx_nv},        {40, To::tri_nv},
-                                        {44, To::vtx_color}, {48, To::tri_color},     {52, To::st}};
+constexpr Link FULL_WEIGHTED_LINKS[] = {
+    {12, To::name},   {20, To::any},    {24, To::external_name}, {28, To::external_name}, {32, To::vtx},
+    {36, To::vtx_nv}, {40, To::tri_nv}, {44, To::vtx_color},     {48, To::tri_color},     {52, To::st}};
 const Kind FULL_WEIGHTED_PART = {.name = "FullWeightedPart",
                                  .fixed = 64,
                                  .index_at = 4,
@@ -365,7 +366,7 @@ const Kind FULL_WEIGHTED_PART = {.name = "FullWeightedPart",
 void weightedPart(Walk &walk) {
   const Word nodes = walk.count(16, "affected_node_num", 32);
   const Word objs = walk.count(24, "external_affected_obj_num", 32);
-  walk.table(nodes, {{4}, {4}});
+  walk.table(nodes, {{4}, {4, To::any}});
   externals(walk, objs);
   walk.table(std::uint64_t{nodes} + objs, {{4, To::weight}});
   vtxTriNvColors(walk, std::uint64_t{nodes} + objs);
@@ -387,8 +388,9 @@ void morphPart(Walk &walk) {
   vtxTriNvColors(walk, walk.count(52, "table_num", 20));
   walk.blocks();
 }
-constexpr Link MORPH_LINKS[] = {{12, To::name},          {24, To::external_name}, {28, To::external_name},
-                                {40, To::external_name}, {44, To::external_name}, {48, To::st}};
+constexpr Link MORPH_LINKS[] = {
+    {12, To::name},          {20, To::any},           {36, To::any},           {24, To::external_name},
+    {28, To::external_name}, {40, To::external_name}, {44, To::external_name}, {48, To::st}};
 const Kind MORPH_PART = {.name = "MorphPart",
                          .fixed = 64,
                          .index_at = 4,
@@ -400,13 +402,24 @@ const Kind MORPH_PART = {.name = "MorphPart",
                          .content = morphPart,
                          .links = MORPH_LINKS};
 
+/// A triangle of a skin and its corners: each names a part, and then what it uses of it.
+constexpr Link ENVELOPE_TRI_LINKS[] = {{16, To::own_part},      {20, To::own_tri_nv},     {24, To::own_tri_color},
+                                       {28, To::own_weight}, //
+                                       {36, To::own_part},      {40, To::own_vtx},        {44, To::own_st},
+                                       {48, To::own_vtx_nv},    {52, To::own_vtx_color}, //
+                                       {56, To::own_weight},    {64, To::own_part},       {68, To::own_vtx},
+                                       {72, To::own_st},        {76, To::own_vtx_nv}, //
+                                       {80, To::own_vtx_color}, {84, To::own_weight},     {92, To::own_part},
+                                       {96, To::own_vtx},       {100, To::own_st}, //
+                                       {104, To::own_vtx_nv},   {108, To::own_vtx_color}, {112, To::own_weight}};
 const Kind ENVELOPE_TRI = {.name = "EnvelopeTri",
                            .fixed = 116,
                            .index_at = 4,
                            .size_at = 8,
                            .index_name = "this_envelope_tri_index",
                            .size_name = "envelope_tri_size",
-                           .size_checked = true};
+                           .size_checked = true,
+                           .links = ENVELOPE_TRI_LINKS};
 
 void envelope(Walk &walk) {
   const Word full = walk.count(20, "full_weighted_part_num", FULL_WEIGHTED_PART.fixed, &FULL_WEIGHTED_PART);
@@ -420,9 +433,9 @@ void envelope(Walk &walk) {
   walk.blocks();
 }
 
-constexpr Link CLUSTER_LINKS[] = {{12, To::name},      {24, To::external_name}, {28, To::external_name},
-                                  {32, To::vtx},       {36, To::vtx_nv},        {40, To::tri_nv},
-                                  {44, To::vtx_color}, {48, To::tri_color},     {52, To::st}};
+constexpr Link CLUSTER_LINKS[] = {
+    {12, To::name},   {20, To::any},    {24, To::external_name}, {28, To::external_name}, {32, To::vtx},
+    {36, To::vtx_nv}, {40, To::tri_nv}, {44, To::vtx_color},     {48, To::tri_color},     {52, To::st}};
 const Kind CLUSTER = {.name = "Cluster",
                       .fixed = 56,
                       .index_at = 4,
@@ -431,13 +444,21 @@ const Kind CLUSTER = {.name = "Cluster",
                       .size_name = "size",
                       .size_checked = true,
                       .links = CLUSTER_LINKS};
+constexpr Link CLUSTER_TRI_LINKS[] = {{16, To::own_cluster}, {20, To::own_tri_nv},    {24, To::own_tri_color}, //
+                                      {32, To::own_cluster}, {36, To::own_vtx},       {40, To::own_st},
+                                      {44, To::own_vtx_nv},  {48, To::own_vtx_color}, //
+                                      {56, To::own_cluster}, {60, To::own_vtx},       {64, To::own_st},
+                                      {68, To::own_vtx_nv},  {72, To::own_vtx_color}, //
+                                      {80, To::own_cluster}, {84, To::own_vtx},       {88, To::own_st},
+                                      {92, To::own_vtx_nv},  {96, To::own_vtx_color}};
 const Kind CLUSTER_TRI = {.name = "ClusterTri",
                           .fixed = 100,
                           .index_at = 4,
                           .size_at = 8,
                           .index_name = "this_cluster_tri_index",
                           .size_name = "cluster_tri_size",
-                          .size_checked = true};
+                          .size_checked = true,
+                          .links = CLUSTER_TRI_LINKS};
 
 void clusterShape(Walk &walk) {
   const Word clusters = walk.count(20, "cluster_num", CLUSTER.fixed, &CLUSTER);
@@ -514,6 +535,7 @@ constexpr Link MAT_LINKS[] = {{12, To::name}, {88, To::light}};
 constexpr Link CHAIN_ROOT_LINKS[] = {{12, To::name}, {28, To::anim}, {32, To::joint}};
 constexpr Link JOINT_LINKS[] = {{12, To::name}, {44, To::joint}, {48, To::effector}, {52, To::anim}};
 constexpr Link EFFECTOR_LINKS[] = {{12, To::name}, {28, To::anim}};
+constexpr Link SWITCH_LINKS[] = {{16, To::any}};
 constexpr Link SCENE_LINKS[] = {{16, To::name}};
 
 const Kind ENV = element("Env", 0x100100, {56, 8, 48, "env_tag", "this_env_index", "env_size"}, onlyBlocks, ENV_LINKS);
@@ -559,7 +581,7 @@ const Kind COLL_GROUP =
     element("CollGroup", 0xd0100, {32, 12, NO_WORD, "coll_group_tag", "this_coll_group_index", "coll_group_size"},
             collGroup, NAME_AT_16);
 const Kind SWITCH =
-    element("Switch", 0x130100, {36, 8, 28, "switch_tag", "this_switch_index", "switch_size"}, switch_, {});
+    element("Switch", 0x130100, {36, 8, 28, "switch_tag", "this_switch_index", "switch_size"}, switch_, SWITCH_LINKS);
 constexpr Kind nameKind() {
   Kind kind =
       unchecked(element("Name", 0x110100, {16, 12, NO_WORD, "name_tag", "this_name_index", "name_size"}, name, {}));

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "format/lists.h"
+#include "format/roles.h"
 #include "mend/bytes.h"
 
 #include <initializer_list>
@@ -20,48 +21,6 @@ inline constexpr std::uint64_t HEADER_SIZE = 12;
 inline constexpr std::uint64_t BLOCKS = 92; ///< the size of the maker block; that of the user block follows
 } // namespace header_at
 
-/// What a link leads to: a list by its place in the file, one of the second groups of the two lists that have such, or
-/// what belongs to the group of triangles around it.
-enum class To : std::uint8_t {
-  env = 1,
-  cam,
-  light,
-  obj,
-  shape,
-  vtx,
-  tri,
-  tri_color,
-  tri_nv,
-  st,
-  part,
-  mat,
-  tex,
-  teximg,
-  anim,
-  coll,
-  switch_,
-  name,
-  ci_img,
-  color_palette,
-  envelope,
-  cluster,
-  weight,
-  chain_root,
-  joint,
-  effector,
-  external_name,
-  vtx_color,
-  vtx_nv,
-  image, ///< of either list of images
-  nothing,
-  own_vtx, ///< the corners of a triangle; from here on in the order of the references
-  own_tri_color,
-  own_vtx_color,
-  own_tri_nv,
-  own_vtx_nv,
-  own_st
-};
-inline constexpr std::size_t TO_NUM = static_cast<std::size_t>(To::nothing);
 static_assert(static_cast<std::size_t>(To::external_name) + 1 == LIST_NUM);
 
 /// A link among the fixed words of a record.

@@ -147,7 +147,7 @@ bool Cutter::keepPiece(Piece &piece) {
   if (piece.count_at < begin || others != 1)
     return false;
   FileBytes(bytes).set(piece.count_at - begin, static_cast<Word>(keep));
-  if (piece.bytes != 0 && cut.entries.before == 0)
+  if (piece.bytes == 0 || cut.entries.before == 0) // links lead into records rather than tables
     cut.entries = {piece.number, keep};
   if (!told.empty())
     told += ", ";

@@ -9,6 +9,26 @@ namespace {
 
 std::size_t slot(To to) { return static_cast<std::size_t>(to); }
 
+/// What triangles or corners can use of the groups that they belong to.
+struct Reach {
+  bool some_gone = false; ///< a reference to a group was cut
+  bool some_left = false;
+  bool some_whole = false;
+  Left cut = {}; ///< of a group that is there in part
+
+  /// @return whether an index led to something that is gone. `largest`: which of several groups it is about is not
+  /// said, so that the largest counts; else the smallest.
+  bool gone(Word index, bool largest) const {
+    if (index == NO_LINK || (largest && some_whole))
+      return false;
+    return some_left ? cut.gone(index) : some_gone;
+  }
+};
+
+/// What the indices of triangles are about, in the order of `To::own_vtx` and those behind it.
+constexpr To GROUPS[] = {To::vtx, To::tri_color, To::vtx_color, To::tri_nv, To::vtx_nv, To::st, To::weight, To::tri};
+using Reaches = std::array<Reach, std::size(GROUPS)>;
+
 /// Sets the links into what is gone to none.
 class LinkCutter : public Events {
 public:
@@ -21,6 +41,8 @@ public:
     finish();
     where = {list, element, {}};
     own = {};
+    parts.clear();
+    current = &own;
   }
   /// Tells what was cut of the links of one element.
   void finish() {
@@ -31,9 +53,24 @@ public:
     count = 0;
   }
 
-  void enter(const Spot &spot, int) override {
-    for (const Link &link : spot.kind->links)
+  void enter(const Spot &spot, int depth) override {
+    const std::span<const Link> links = spot.kind->links;
+    in_part = depth != 0 && std::any_of(links.begin(), links.end(), [](const Link &link) { return link.to == To::st; });
+    if (in_part) {
+      parts.resize(std::max<std::size_t>(parts.size(), spot.number + std::size_t{1}));
+      current = &parts[spot.number];
+      has_weights = false;
+    }
+    for (const Link &link : links)
       follow(spot.begin + link.at, link.to);
+  }
+  void leave(const Spot &, std::uint64_t, int) override {
+    if (in_part && !has_weights) { // what its corners say of weights is nowhere laid down
+      Reach &weights = (*current)[WEIGHTS];
+      weights.some_left = weights.some_whole = true;
+    }
+    in_part = false;
+    current = &own;
   }
   void table(std::uint64_t begin, std::uint64_t entries, std::span<const Column> columns, std::uint64_t) override {
     for (const Column &column : columns) {
@@ -45,40 +82,72 @@ public:
   }
 
 private:
-  static constexpr std::size_t OWN_NUM = 6;
+  static constexpr std::size_t WEIGHTS = 6;
+  static_assert(GROUPS[WEIGHTS] == To::weight);
 
   void follow(std::uint64_t at, To to) {
     const Word index = image[at];
-    if (slot(to) > slot(To::nothing)) {
-      if (own[slot(to) - slot(To::own_vtx)].gone(index))
+    if (to == To::own_part || to == To::own_cluster) {
+      current = index < parts.size() ? &parts[index] : &own;
+    } else if (slot(to) >= slot(To::own_vtx)) {
+      if ((*current)[slot(to) - slot(To::own_vtx)].gone(index, current != &own))
         none(at);
-      return;
+    } else {
+      const bool is_gone = gone[to].gone(index);
+      if (index != NO_LINK)
+        noteGroup(to, index, is_gone);
+      if (is_gone)
+        none(at);
     }
-    noteGroup(to, index);
-    if (gone[to].gone(index))
-      none(at);
   }
   void none(std::uint64_t at) {
     image.set(at, NO_LINK);
     ++count;
   }
-  /// Where triangles refer to a group that is there in part, their corners are links into it.
-  void noteGroup(To to, Word index) {
-    static constexpr To GROUPS[OWN_NUM] = {To::vtx, To::tri_color, To::vtx_color, To::tri_nv, To::vtx_nv, To::st};
+  /// Takes down what the triangles that refer to a group can use of it.
+  void noteGroup(To to, Word index, bool is_gone) {
     const auto *const group = std::find(std::begin(GROUPS), std::end(GROUPS), to);
-    const auto found = group != std::end(GROUPS) ? cut.find({to, index}) : cut.end();
-    if (found != cut.end())
-      own[static_cast<std::size_t>(group - GROUPS)] = found->second;
+    if (group == std::end(GROUPS))
+      return;
+    has_weights |= to == To::weight;
+    Reach &reach = (*current)[static_cast<std::size_t>(group - GROUPS)];
+    const auto found = cut.find({to, index});
+    if (is_gone) {
+      reach.some_gone |= to != To::tri; // a part keeps its triangles where their group is gone
+    } else if (found == cut.end()) {
+      reach.some_left = reach.some_whole = true;
+    } else {
+      const bool first = reach.cut.before == 0;
+      const std::uint64_t now = found->second.now;
+      reach.cut.now = first ? now : in_part ? std::max(reach.cut.now, now) : std::min(reach.cut.now, now);
+      reach.cut.before = std::max(reach.cut.before, found->second.before);
+      reach.some_left = true;
+    }
   }
 
   FileBytes &image;
   Gone &gone;
   std::map<std::pair<To, Word>, Left> cut = {};
   std::vector<Loss> &losses;
-  std::array<Left, OWN_NUM> own = {};
+  Reaches own = {};
+  std::vector<Reaches> parts = {}; ///< of a skin
+  Reaches *current = &own;
+  bool in_part = false;
+  bool has_weights = false;
   Loss where = {};
   std::size_t count = 0;
 };
+
+/// What can be of several lists is gone if it is gone of the longest.
+void joinLists(Gone &gone) {
+  const auto longest = [&](To to, std::initializer_list<To> lists) {
+    for (const To list : lists)
+      gone[to] = {std::max(gone[to].before, gone[list].before), std::max(gone[to].now, gone[list].now)};
+  };
+  longest(To::image, {To::teximg, To::ci_img});
+  for (std::size_t to = slot(To::env); to <= slot(To::vtx_nv); ++to)
+    longest(To::any, {static_cast<To>(to)});
+}
 
 } // namespace
 
@@ -89,9 +158,7 @@ To toKind(std::size_t list, bool second) {
 }
 
 void cutLinks(FileBytes &image, const Spans &spans, Gone gone, std::vector<Loss> &losses) {
-  const Left &images = gone[To::teximg];
-  const Left &index_images = gone[To::ci_img];
-  gone[To::image] = {std::max(images.before, index_images.before), std::max(images.now, index_images.now)};
+  joinLists(gone);
   const bool version_2 = image.version() == VERSION_2;
   LinkCutter cutter(image, gone, losses);
   for (std::size_t list = 0; list < LIST_NUM; ++list) {

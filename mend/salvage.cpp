@@ -172,9 +172,12 @@ void Salvage::cutList(std::size_t list, std::uint64_t begin) {
   // The format's library reads as many groups of vertex colours as there are of triangle colours.
   if (LISTS[list].tag == COLOR_LIST_TAG && second_left < first_left) {
     lose(list, {}, std::to_string(first_left - second_left) + " empty groups of vertex colours were added");
-    for (; second_left < first_left; ++second_left)
-      appendWords(elements,
-                  {layout.second->tag, static_cast<Word>(second_left), layout.second->fixed, layout.second->fixed, 0});
+    for (; second_left < first_left; ++second_left) {
+      const auto index = static_cast<Word>(second_left);
+      appendWords(elements, {layout.second->tag, index, layout.second->fixed, layout.second->fixed, 0});
+      gone.cut.push_back({To::vtx_color, index, {UNKNOWN, 0}});
+    }
+    gone[To::vtx_color].now = second_left;
   }
 
   Bytes &bytes = made.bytes;
@@ -206,6 +209,8 @@ bool Salvage::salvageList(std::size_t list, std::uint64_t begin, std::uint64_t s
     copy(made_begin, made.bytes.size(), begin);
     if (layout.first != nullptr && size >= layout.headBytes())
       gone[toKind(list, false)] = {image[begin + 12], image[begin + 12]};
+    if (layout.second != nullptr && size >= layout.headBytes())
+      gone[toKind(list, true)] = {image[begin + 16], image[begin + 16]};
   } else if (begin < image.size()) {
     layout.first == nullptr ? cutScene(begin) : cutList(list, begin);
   } else {
