@@ -293,6 +293,26 @@ template <class Io> int content(Io &io, const AnimGroupHead &group) {
   return records(io, group) && io.blocks(maker<AnimGroupExtHead>, &AnimGroup::ext);
 }
 
+/// Calls `visit` with the data of a collision as its kind has it, if it is a kind that has data and is known.
+template <class Visit> void withCollData(const Coll &coll, Visit visit) {
+  switch (coll.coll_type) {
+  case 0x10:
+    return visit(collData<CollTerrain>(coll));
+  case 0x20:
+    return visit(collData<CollPoint>(coll));
+  case 0x21:
+    return visit(collData<CollCircle>(coll));
+  case 0x22:
+    return visit(collData<CollSphere>(coll));
+  case 0x23:
+    return visit(collData<CollCylinder>(coll));
+  case 0x24:
+    return visit(collData<CollBox>(coll));
+  default:
+    return;
+  }
+}
+
 /// A collision takes up what its own sizes say; the blocks behind it are as long as its group says.
 template <class Io> int content(Io &io, const CollHead &) {
   return io.data(&Coll::data) && io.blocksAround(&Coll::group_ext_blk);
