@@ -54,7 +54,7 @@ bool Filler::fillRecord(std::size_t list, const Spot &spot, std::uint64_t &end) 
   for (const std::uint64_t at : {std::uint64_t{blocks_at}, std::uint64_t{spot.kind->size_at}})
     written.set(record + at, written[record + at] + static_cast<Word>(lacking));
   made.losses.push_back({LISTS[list].name, list == 0 ? std::optional<Word>() : spot.number,
-                         "the maker block is filled up with " + std::to_string(lacking) + " bytes of zeros"});
+                         "the maker block is filled up with " + std::to_string(lacking) + " bytes of zeros", true});
   return true;
 }
 

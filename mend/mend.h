@@ -28,11 +28,12 @@ struct Change {
   bool operator==(const Change &) const = default;
 };
 
-/// Something that a salvaged file does not have any more.
+/// Something that a salvaged file does not have any more, or has in addition.
 struct Loss {
   const char *list = "";
   std::optional<Word> element = {};
-  std::string what; ///< for people: "12 of 20 elements", "cut to 8 of 90 vertices"
+  std::string what;      ///< for people: "12 of 20 elements are left"
+  bool is_added = false; ///< what was put in
 };
 
 enum class Outcome {

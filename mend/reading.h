@@ -3,6 +3,7 @@
 
 #include "mend/conventions.h"
 
+#include <algorithm>
 #include <deque>
 #include <string>
 #include <vector>
@@ -45,7 +46,18 @@ inline constexpr Word UNSOLVED = 8; ///< an element that nothing explains
 inline constexpr Word UNSOLVED_LIST = 32;
 inline constexpr Word ABSENT = 4;     ///< a list that the header has and the file has not
 inline constexpr Word SWALLOWED = 32; ///< a block that takes in what looks like an element
+/// A reading that is so much worse than the best one is followed no further.
+inline constexpr Word MOST_BEHIND = UNSOLVED_LIST + 8;
 } // namespace cost
+
+/// @return the bytes that a record of that size takes up.
+inline Word wholeWords(const Kind &kind, Word size) { return kind.size_in_bytes ? size & ~Word{3} : size; }
+
+/// Adds a place, once.
+inline void addEnd(std::vector<std::uint64_t> &ends, std::uint64_t end) {
+  if (std::find(ends.begin(), ends.end(), end) == ends.end())
+    ends.push_back(end);
+}
 
 /// Reads a file in all ways that are worth it.
 class Reader {

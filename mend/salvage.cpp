@@ -171,7 +171,8 @@ void Salvage::cutList(std::size_t list, std::uint64_t begin) {
 
   // The format's library reads as many groups of vertex colours as there are of triangle colours.
   if (LISTS[list].tag == COLOR_LIST_TAG && second_left < first_left) {
-    lose(list, {}, std::to_string(first_left - second_left) + " empty groups of vertex colours were added");
+    made.losses.push_back(
+        {LISTS[list].name, {}, std::to_string(first_left - second_left) + " empty groups of vertex colours", true});
     for (; second_left < first_left; ++second_left) {
       const auto index = static_cast<Word>(second_left);
       appendWords(elements, {layout.second->tag, index, layout.second->fixed, layout.second->fixed, 0});

@@ -100,8 +100,11 @@ std::string undoneLine(const Undoing &undone, Form form) {
 
 std::string lossLine(const Loss &loss, Form form) {
   if (form == Form::json)
-    return jsonLine({{"loss", escaped(loss.what)}, {"list", loss.list}, {"element", elementJson(loss.element)}});
-  return "lost: " + mend::placeText(loss.list, loss.element) + ": " + printable(loss.what) + '\n';
+    return jsonLine({{loss.is_added ? "added" : "loss", escaped(loss.what)},
+                     {"list", loss.list},
+                     {"element", elementJson(loss.element)}});
+  return (loss.is_added ? "added: " : "lost: ") + mend::placeText(loss.list, loss.element) + ": " +
+         printable(loss.what) + '\n';
 }
 
 std::string endingLine(const Ending &ending, Form form) {

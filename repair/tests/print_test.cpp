@@ -98,6 +98,9 @@ TEST(RepairPrint, LossesAreTold) {
   const Loss loss = {"VtxList", 3, "cut to 8 of 90 vertices"};
   EXPECT_EQ(lossLine(loss, Form::text), "lost: VtxList[3]: cut to 8 of 90 vertices\n");
   EXPECT_EQ(lossLine(loss, Form::json), "{\"loss\":\"cut to 8 of 90 vertices\",\"list\":\"VtxList\",\"element\":3}\n");
+  EXPECT_EQ(lossLine({"MatList", 0, "zeros", true}, Form::text), "added: MatList[0]: zeros\n");
+  EXPECT_EQ(lossLine({"MatList", 0, "zeros", true}, Form::json),
+            "{\"added\":\"zeros\",\"list\":\"MatList\",\"element\":0}\n");
   EXPECT_EQ(lossLine({"TexList", {}, "12 of 20 elements"}, Form::text), "lost: TexList: 12 of 20 elements\n");
 }
 

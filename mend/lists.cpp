@@ -1,0 +1,225 @@
+/// Lists: every end that something gives for one is followed, and every number of elements.
+#include "mend/reading.h"
+
+#include <algorithm>
+
+namespace kova::mend {
+
+/// How many places are tried at which the elements of a list could begin.
+constexpr int MOST_BEGINNINGS = 3;
+
+/// Follows every end that something gives for a list of which the elements were read.
+void Reader::closeList(std::size_t list, std::uint64_t begin, const Reading &inner, Readings &readings) {
+  const std::uint64_t sizes_at = begin + LAYOUT[list].blocksAt();
+  const std::uint64_t maker = image[sizes_at] & ~Word{3};
+  const std::uint64_t user = image[sizes_at + 4] & ~Word{3};
+  const std::uint64_t by_words = inner.at + maker + user;
+  const std::uint64_t by_size = begin + image[begin + 8];
+  const std::uint64_t by_header = begin + declared(list);
+  std::vector<std::uint64_t> ends = {by_words};
+  addEnd(ends, by_size);
+  addEnd(ends, by_header);
+  // Where no size says so, the list ends by its words only if none of them is doubted.
+  const bool sound = isListTag(list, image[begin]) && (inner.claims == nullptr || inner.claims->begin < begin);
+  for (const std::uint64_t end : ends) {
+    if (end < inner.at || end > image.size() || !(sound || end == by_size || end == by_header))
+      continue;
+    Reading reading = inner;
+    reading.at = end;
+    reading.cost += Word{end != by_size} + Word{end != by_header};
+    for (Reading &closed : closeBlocks(list, sizes_at, inner.at, reading)) {
+      if (closed.claims != inner.claims && find(inner.at, end, LAYOUT[list].first->tag, std::nullopt) != 0)
+        closed.cost += cost::SWALLOWED;
+      add(readings, closed);
+    }
+  }
+}
+
+/// @return the readings of two blocks of which the sizes stand at `sizes_at`, and which reach from `begin` to where
+/// `reading` is: as they are, or with one of the sizes changed.
+Reader::Readings Reader::closeBlocks(std::size_t list, std::uint64_t sizes_at, std::uint64_t begin,
+                                     const Reading &reading) {
+  const std::uint64_t room = reading.at - begin;
+  const std::uint64_t sizes[] = {image[sizes_at], image[sizes_at + 4]};
+  if (sizes[0] + sizes[1] == room)
+    return {reading};
+  Readings readings;
+  for (const std::size_t i : {std::size_t{0}, std::size_t{1}}) {
+    if (room < sizes[1 - i] || room % 4 != 0 || sizes[1 - i] % 4 != 0)
+      continue;
+    Reading changed = reading;
+    ++changed.cost;
+    changed.claims = claim({.begin = sizes_at + 4 * i,
+                            .list = list,
+                            .field = i == 0 ? "van_ext_blk_size" : "usr_ext_blk_size",
+                            .value = static_cast<Word>(room - sizes[1 - i]),
+                            .why = list < LIST_NUM ? "where the list ends" : "where the header ends"},
+                           reading.claims);
+    readings.push_back(changed);
+  }
+  return readings;
+}
+
+/// Reads a list with so many elements of its kinds.
+void Reader::readNumbered(std::size_t list, const Reading &before, Word first, Word second, Readings &readings) {
+  const ListLayout &layout = LAYOUT[list];
+  const std::uint64_t begin = before.at;
+  const std::uint64_t table = begin + layout.headBytes();
+  const std::uint64_t second_table = table + std::uint64_t{first} * sizeof(Word);
+  Reading reading = before;
+  reading.at = second_table + std::uint64_t{second} * sizeof(Word);
+  if (reading.at > image.size())
+    return;
+  // What costs more than a list that nothing explains is not worth the memory.
+  const Word most_cost = before.cost + cost::UNSOLVED_LIST + cost::MOST_BEHIND;
+  Readings inner = readElements(list, *layout.first, {reading}, table, first, most_cost);
+  if (layout.second != nullptr)
+    inner = readElements(list, *layout.second, std::move(inner), second_table, second, most_cost);
+  for (const Reading &read : inner)
+    closeList(list, begin, read, readings);
+  prune(readings);
+}
+
+/// @return whether the first element of the list at `begin` is where the counts say.
+bool Reader::beginsAsCounted(std::size_t list, std::uint64_t begin) const {
+  const ListLayout &layout = LAYOUT[list];
+  const Word first = image[begin + 12];
+  const Word second = layout.second != nullptr ? image[begin + 16] : 0;
+  const std::uint64_t at = begin + layout.headBytes() + (std::uint64_t{first} + second) * sizeof(Word);
+  const Kind &kind = first != 0 || second == 0 ? *layout.first : *layout.second;
+  return at + 8 <= image.size() && isElementTag(kind, image[at]) && image[at + 4] == 0;
+}
+
+/// @return how many of so many elements are of the first kind by their tags, which are found by the size table.
+Word Reader::firstByTags(std::size_t list, std::uint64_t table, std::uint64_t at, Word number) {
+  Word first = 0;
+  while (first < number && isElementTag(*LAYOUT[list].first, image[at]) && list_left.read_steps != 0) {
+    at += image[table + std::uint64_t{first++} * sizeof(Word)];
+    --list_left.read_steps;
+  }
+  return first;
+}
+
+/// Reads a list whose count is wrong: its first element tells how long the size table is.
+void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings &readings) {
+  const ListLayout &layout = LAYOUT[list];
+  const std::uint64_t begin = before.at;
+  const std::uint64_t table = begin + layout.headBytes();
+  const Word first = image[begin + 12];
+  const Word second = layout.second != nullptr ? image[begin + 16] : 0;
+  const auto follow = [&](Word new_first, Word new_second) {
+    if (new_first == first && new_second == second)
+      return;
+    Reading reading = before;
+    const auto change = [&](std::uint64_t at, const char *field, Word value) {
+      ++reading.cost;
+      reading.claims =
+          claim({.begin = begin + at, .list = list, .field = field, .value = value, .why = "where the elements begin"},
+                reading.claims);
+    };
+    if (new_first != first)
+      change(12, layout.count_name, new_first);
+    if (new_second != second)
+      change(16, layout.second_count_name, new_second);
+    readNumbered(list, reading, new_first, new_second, readings);
+  };
+  for (const Kind *const kind : {layout.first, layout.second}) {
+    std::uint64_t at = table;
+    for (int i = 0; kind != nullptr && i < MOST_BEGINNINGS && (at = find(at, list_end, kind->tag, 0)) != 0;
+         ++i, at += 4) {
+      const auto together = static_cast<Word>((at - table) / sizeof(Word));
+      if (together >= second)
+        follow(together - second, second);
+      if (layout.second == nullptr)
+        continue;
+      if (together >= first)
+        follow(first, together - first);
+      const Word by_tags = firstByTags(list, table, at, together);
+      follow(by_tags, together - by_tags);
+    }
+  }
+  follow(0, second);
+  if (layout.second != nullptr)
+    follow(first, 0);
+}
+
+/// The scene is a record of its own.
+void Reader::readScene(const Reading &before, Readings &readings) {
+  constexpr std::size_t SCENE_LIST = 0;
+  const std::uint64_t begin = before.at;
+  const Spot spot = {&SCENE, begin};
+  std::uint64_t by_words = 0;
+  const Walk walk = read(spot, by_words);
+  const std::uint64_t by_size = begin + image[begin + SCENE.size_at];
+  const std::uint64_t by_header = begin + declared(SCENE_LIST);
+  std::vector<std::uint64_t> ends;
+  if (!walk.broken)
+    addEnd(ends, by_words);
+  addEnd(ends, by_size);
+  addEnd(ends, by_header);
+  for (const std::uint64_t end : ends) {
+    Reading ended = before;
+    ended.cost += end != by_header;
+    if (end >= begin + SCENE.fixed && end <= image.size())
+      readElementTo(SCENE_LIST, spot, ended, end, 0, end == by_size, false, readings);
+  }
+}
+
+/// Passes a list without looking into it.
+void Reader::passList(std::size_t list, const Reading &before, Readings &readings) {
+  const std::uint64_t begin = before.at;
+  for (const Word size : {image[begin + 8], declared(list)}) {
+    if (size < LAYOUT[list].headBytes() || begin + size > image.size())
+      continue;
+    Reading reading = before;
+    reading.at = begin + size;
+    reading.cost += cost::UNSOLVED_LIST + Word{size != image[begin + 8]} + Word{size != declared(list)};
+    reading.claims =
+        claim({.sort = Claim::Sort::unsolved, .begin = begin, .end = reading.at, .list = list}, before.claims);
+    add(readings, reading);
+  }
+}
+
+/// Reads a list that is there.
+void Reader::readListAt(const Reading &before, std::size_t list, Readings &readings) {
+  const std::uint64_t begin = before.at;
+  list_end = std::min(image.size(), begin + std::max(image[begin + 8], declared(list)));
+  beginList(list_end - begin);
+  Reading inside = before;
+  inside.cost += Word{!isListTag(list, image[begin])};
+  Readings ends;
+  if (LAYOUT[list].first == nullptr) {
+    readScene(inside, ends);
+  } else {
+    const Word second = LAYOUT[list].second != nullptr ? image[begin + 16] : 0;
+    readNumbered(list, inside, image[begin + 12], second, ends);
+    if ((ends.empty() || ends.front().cost > inside.cost) && !beginsAsCounted(list, begin))
+      readOtherNumbers(list, inside, ends);
+  }
+  if (ends.empty() || ends.front().cost > before.cost) // what its sizes say may hold, whatever is inside
+    passList(list, inside, ends);
+  prune(ends);
+  for (Reading &end : ends) {
+    end.claims = claim({.sort = Claim::Sort::list, .begin = begin, .end = end.at, .list = list}, end.claims);
+    add(readings, end);
+  }
+}
+
+/// Reads a list, or passes it if it is not there.
+void Reader::readList(std::size_t list, const Reading &before, Readings &readings) {
+  const bool is_declared = declared(list) != 0;
+  const std::uint64_t head = LAYOUT[list].first != nullptr ? LAYOUT[list].headBytes() : SCENE.fixed;
+  const bool has_head = before.at + head <= image.size();
+  const bool has_tag = has_head && isListTag(list, image[before.at]);
+  if (has_head && (is_declared || has_tag))
+    readListAt(before, list, readings);
+  // What the header promises behind the end of a file that is cut was there once.
+  const bool is_cut_off = is_declared && before.at == image.size() && image[header_at::SIZE] > image.size();
+  if (!has_tag && !is_cut_off) {
+    Reading absent = before;
+    absent.cost += is_declared ? cost::ABSENT : 0;
+    add(readings, absent);
+  }
+}
+
+} // namespace kova::mend
