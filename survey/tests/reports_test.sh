@@ -58,9 +58,9 @@ fi
 
 # --- Runs that are killed ---
 
-# start_run OPTION...: leaves a run that has kept some lines in $pid.
+# Leaves a run that has kept some lines in $pid.
 start_run() {
-  "$KBSURVEY" -j1 "${reports[@]}" "$@" many >/dev/null 2>&1 &
+  "$KBSURVEY" -j1 "${reports[@]}" many >/dev/null 2>&1 &
   pid=$!
   until journal=$(compgen -G 'work/.r.json.kova-*') && [ -s "$journal" ]; do
     kill -0 "$pid" 2>/dev/null || { journal=none && fail "a run keeps no lines" && return; }
@@ -119,6 +119,7 @@ refused "which is read" --html kept.json --resume hard.json good
 refused "which is read" --junit here/kept.json --merge kept.json
 echo good >list
 refused "which is read" --json list --files-from list
+# shellcheck disable=SC2016 # for the other shell
 run 3 "a report into standard output" sh -c '"$1" --json both good >both' sh "$KBSURVEY"
 survey 1 --merge kept.json hard.json --json kept.json # a merged report may be one that it was merged from
 same "merged into itself" 3000 "$(wc -l <kept.json)"

@@ -314,7 +314,7 @@ mkdir colours
 cp samples/damaged.kb "$(printf 'colours/\303\244\342\200\256\302\233\377\\.kb')"
 finding='LightList: Light[0].dirlight size is wrong. 44 != 36'
 if has script; then
-  on_terminal() { script -qec "'$KBSURVEY' -q $* colours" terminal >/dev/null </dev/null || :; sed -n '2,3s/\r$//p' terminal; }
+  on_terminal() { script -qec "'$KBSURVEY' -q colours" terminal >/dev/null </dev/null || :; sed -n '2,3s/\r$//p' terminal; }
   rest='\xe2\x80\xae\xc2\x9b\xff\x5c.kb  6 findings'
   same "on a terminal" $'\e[1;31mERR\e[m   colours/\303\244'"$rest"$'\n      \e[1;31merror\e[m: '"$finding" \
     "$(LC_ALL=C.UTF-8 TERM=xterm on_terminal)"
