@@ -2,6 +2,8 @@
 
 #include "kova/check.h"
 #include "mend/derive.h"
+#include "mend/holes.h"
+#include "mend/locate.h"
 #include "mend/losses.h"
 #include "mend/salvage.h"
 
@@ -166,6 +168,46 @@ bool salvageShort(std::vector<unsigned char> &bytes, Result &result) {
   return true;
 }
 
+/// @return whether the header of a file is whole, and tells that others of its bytes are not what or where they were.
+bool hasHoles(std::vector<unsigned char> &bytes) {
+  const HeaderFacts facts = headerFacts({bytes});
+  if (facts.holding < HEADER_FACTS - 2 || facts.sum != facts.stated)
+    return false;
+  const Found found = locate(FileBytes(bytes));
+  return found.behind || (found.strange && facts.stated == bytes.size());
+}
+
+/// @return whether the words that would be changed are neighbours, as in a hole and hardly else: four in a row, or two
+/// of three zeros in a row.
+bool areHole(std::vector<unsigned char> &bytes, const std::vector<Change> &changes) {
+  const FileBytes file(bytes);
+  std::size_t row = 1;
+  for (std::size_t i = 1; i < changes.size(); ++i) {
+    const std::uint64_t at = changes[i - 1].offset;
+    row = changes[i].offset == at + sizeof(Word) ? row + 1 : 1;
+    const bool zeros = row > 1 && changes[i - 1].old_value == 0 && changes[i].old_value == 0;
+    if (row == 4 || (zeros && (file[at - 4] == 0 || file[at + 8] == 0)))
+      return true;
+  }
+  return false;
+}
+
+constexpr const char *HOLED = "bytes in the middle of it are missing, strange or too many";
+
+/// Makes a file of what is left of one with holes. @param sure whether there is one, also if all is in its place
+/// @return none if there is none, or if it would not audit OK.
+std::optional<Result> salvageHoled(std::vector<unsigned char> &bytes, bool sure) {
+  const HeaderFacts facts = headerFacts({bytes});
+  if (facts.holding < HEADER_FACTS - 2 || facts.sum != facts.stated)
+    return std::nullopt;
+  std::optional<Salvaged> salvaged = salvageHoles(FileBytes(bytes), sure);
+  if (!salvaged || salvaged->losses.empty() || !auditBytes(salvaged->bytes).ok)
+    return std::nullopt;
+  bytes = std::move(salvaged->bytes);
+  return Result{
+      .outcome = Outcome::salvaged, .changes = std::move(salvaged->changes), .losses = std::move(salvaged->losses)};
+}
+
 /// Mends a file as it is.
 Result mendAsIs(std::vector<unsigned char> &bytes, bool salvage) {
   FileBytes image(bytes);
@@ -181,11 +223,15 @@ Result mendAsIs(std::vector<unsigned char> &bytes, bool salvage) {
     return result;
   if (result.outcome == Outcome::hopeless && salvageShort(bytes, result))
     return result;
-  if (stated <= image.size())
-    return result;
   if (result.outcome == Outcome::hopeless)
     setWords(image, result.changes, &Change::old_value);
-  return salvageCut(bytes);
+  if (std::optional<Result> holed = salvageHoled(bytes, false))
+    return std::move(*holed);
+  if (stated > image.size())
+    return salvageCut(bytes);
+  if (result.outcome == Outcome::hopeless)
+    setWords(image, result.changes, &Change::new_value);
+  return result;
 }
 
 bool isMended(const Result &result) { return result.outcome == Outcome::good || result.outcome == Outcome::mended; }
@@ -236,19 +282,23 @@ std::vector<Undoing> findMendable(const std::vector<unsigned char> &bytes) {
 } // namespace
 
 Result mendBytes(std::vector<unsigned char> &bytes, const Asked &asked) {
-  if (headerFacts({bytes}).isWhole() && asked.part < 2)
-    return mendAsIs(bytes, asked.salvage);
-  const std::vector<Part> parts = findParts(bytes);
-  if (parts.size() > 1 && asked.part == 0)
-    return hopeless("it holds " + std::to_string(parts.size()) + " scenes, one behind the other");
-  if (asked.part > std::max<std::size_t>(parts.size(), 1))
-    return hopeless("it holds no such part: there are " + std::to_string(parts.size()));
-  if (parts.size() > 1)
-    return undoAndMend(bytes, {takePart(parts, asked.part)}, asked.salvage);
-  if (const std::vector<Undoing> steps = findGood(bytes); !steps.empty())
-    return undoAndMend(bytes, steps, false);
+  const bool whole = headerFacts({bytes}).isWhole() && asked.part < 2;
+  if (!whole) {
+    const std::vector<Part> parts = findParts(bytes);
+    if (asked.part > std::max<std::size_t>(parts.size(), 1))
+      return hopeless("it holds no such part: there are " + std::to_string(parts.size()));
+    if (parts.size() > 1)
+      return asked.part != 0 ? undoAndMend(bytes, {takePart(parts, asked.part)}, asked.salvage)
+                             : hopeless("it holds " + std::to_string(parts.size()) + " scenes, one behind the other");
+    if (const std::vector<Undoing> steps = findGood(bytes); !steps.empty())
+      return undoAndMend(bytes, steps, false);
+  }
   std::vector<unsigned char> as_is = bytes;
   Result result = mendAsIs(as_is, false);
+  const bool good = result.outcome == Outcome::good;
+  const bool holed = !good && (hasHoles(bytes) || (isMended(result) && areHole(bytes, result.changes)));
+  if (holed)
+    return asked.salvage ? salvageHoled(bytes, true).value_or(hopeless(HOLED)) : hopeless(HOLED);
   if (!isMended(result)) {
     if (const std::vector<Undoing> steps = findMendable(bytes); !steps.empty())
       return undoAndMend(bytes, steps, false);

@@ -16,13 +16,6 @@ public:
   std::optional<Salvaged> salvage();
 
 private:
-  /// What stands between `begin` and `end` now, and stood at `from` before.
-  struct Copied {
-    std::uint64_t begin;
-    std::uint64_t end;
-    std::uint64_t from;
-  };
-
   void salvageHeader();
   bool salvageList(std::size_t list, std::uint64_t begin, std::uint64_t size);
   void emptyList(std::size_t list);
@@ -34,7 +27,6 @@ private:
     made.losses.push_back({list < LIST_NUM ? LISTS[list].name : "FileHeader", element, std::move(what)});
   }
   void copy(std::uint64_t begin, std::uint64_t end, std::uint64_t from) { copied.push_back({begin, end, from}); }
-  void tellChanges(std::vector<Change> changes);
   Word headerWord(std::uint64_t at) const { return at + 4 <= image.size() ? image[at] : 0; }
 
   const FileBytes &image;
@@ -258,18 +250,6 @@ bool isSound(const FileBytes &image, const Claim &span, bool version_2) {
   return at + blocks == span.end;
 }
 
-/// Keeps the changes of words that were there before. The others follow from the cut.
-void Salvage::tellChanges(std::vector<Change> changes) {
-  for (Change &change : changes)
-    for (const Copied &part : copied)
-      if (change.offset >= part.begin && change.offset + sizeof(Word) <= part.end) {
-        change.offset += part.from - part.begin;
-        if (change.offset + sizeof(Word) <= image.size())
-          made.changes.push_back(std::move(change));
-        break;
-      }
-}
-
 std::optional<Salvaged> Salvage::salvage() {
   salvageHeader();
   const bool has_version_2_lists = version_2 && headerWord(header_at::BLOCKS) >= VERSION_2_SIZES_BYTES;
@@ -296,12 +276,28 @@ std::optional<Salvaged> Salvage::salvage() {
   for (const Claim &span : spans)
     if (span.end != 0 && !isSound(written, span, version_2))
       return std::nullopt;
-  tellChanges(applyReading(written, {.claims = before}).changes);
+  made.changes = changesBefore(applyReading(written, {.claims = before}).changes, copied, image.size());
   cutLinks(written, spans, gone, made.losses);
   return std::move(made);
 }
 
 } // namespace
+
+std::vector<Change> changesBefore(std::vector<Change> changes, const std::vector<Copied> &copied,
+                                  std::uint64_t size_before) {
+  std::vector<Change> told;
+  for (Change &change : changes) {
+    // Parts are copied in the order of the new file.
+    auto part = std::upper_bound(copied.begin(), copied.end(), change.offset,
+                                 [](std::uint64_t at, const Copied &other) { return at < other.begin; });
+    if (part == copied.begin() || change.offset + sizeof(Word) > (--part)->end)
+      continue;
+    change.offset += part->from - part->begin;
+    if (change.offset + sizeof(Word) <= size_before)
+      told.push_back(std::move(change));
+  }
+  return told;
+}
 
 std::optional<Salvaged> salvageFile(const FileBytes &cut) {
   if (cut.size() < sizeof(Word))

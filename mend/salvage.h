@@ -13,6 +13,17 @@ struct Salvaged {
   std::vector<Loss> losses;
 };
 
+/// What stands between `begin` and `end` of that file, and stood at `from` before.
+struct Copied {
+  std::uint64_t begin;
+  std::uint64_t end;
+  std::uint64_t from;
+};
+
+/// @return the changes of words that were there before, by where they stood then. The others follow from the salvage.
+std::vector<Change> changesBefore(std::vector<Change> changes, const std::vector<Copied> &copied,
+                                  std::uint64_t size_before);
+
 /// @return the file; none where the lists do not stand where the header says, or where not even the version is left.
 std::optional<Salvaged> salvageFile(const FileBytes &cut);
 

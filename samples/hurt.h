@@ -25,6 +25,7 @@ enum class Remedy {
 struct DamageKind {
   const char *name;
   Remedy remedy;
+  int percent; ///< of the files that are refused then, at least so many
   /// Damages a file, which is longer than its header. The same random numbers give the same bytes everywhere.
   Hurt (*inflict)(const Bytes &file, std::mt19937 &random);
 };

@@ -1,7 +1,7 @@
 /// Damage as it happens to whole files: how often the original comes back, or everything outside the hole.
 
 #include "samples/hurt.h"
-#include "mend/tests/mending.h"
+#include "mend/tests/elements.h"
 
 #include <cstdio>
 #include <fstream>
@@ -62,34 +62,64 @@ std::vector<Bytes> scenes() {
   return files;
 }
 
+bool liesInHole(const Extent &element, const Hurt &hurt) {
+  return hurt.hole_begin == hurt.hole_end ? element.begin < hurt.hole_begin && hurt.hole_begin < element.end
+                                          : element.begin < hurt.hole_end && hurt.hole_begin < element.end;
+}
+
+/// @return the first element outside the hole that is not there, or differs in more than links that lead nowhere now.
+std::string firstLost(const Bytes &original, const Hurt &hurt, const Bytes &salvaged) {
+  Elements kept = elementsOf(salvaged);
+  for (const auto &[list, elements] : elementsOf(original))
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+      const Extent &was = elements[i];
+      if (liesInHole(was, hurt))
+        continue;
+      const std::string what = list.first + '[' + std::to_string(i) + ']';
+      const Extent is = i < kept[list].size() ? kept[list][i] : Extent{0, 0};
+      if (is.end - is.begin != was.end - was.begin)
+        return what;
+      for (std::size_t at = 0; at < was.end - was.begin; ++at)
+        if (original[was.begin + at] != salvaged[is.begin + at] &&
+            harness::wordAt(salvaged, is.begin + at / 4 * 4) != ~0U)
+          return what;
+    }
+  return "";
+}
+
+/// What became of the files with one kind of damage.
+struct Rate {
+  int total = 0, exact = 0, salvaged = 0, other = 0;
+
+  void count(const Bytes &original, const Hurt &hurt) {
+    const Mending mending = mendAndCheck(hurt.bytes, true);
+    EXPECT_EQ(mending.broken, "");
+    ++total;
+    if (mending.bytes == original)
+      ++exact;
+    else if (mending.result.outcome == Outcome::salvaged && firstLost(original, hurt, mending.bytes).empty())
+      ++salvaged;
+    else
+      other += mending.result.outcome == Outcome::salvaged || mending.result.outcome == Outcome::mended;
+  }
+};
+
 TEST(Hurt, ComesBack) {
   const std::vector<Bytes> files = scenes();
-  std::printf("%-20s %6s %6s %6s %6s %6s\n", "kind", "total", "exact", "salvaged", "other", "refused");
+  std::printf("%-16s %8s %8s %8s %8s\n", "kind", "total", "exact", "salvaged", "other");
   for (const DamageKind &kind : samples::damageKinds()) {
+    SCOPED_TRACE(kind.name);
     std::mt19937 random(7);
-    int total = 0, exact = 0, salvaged = 0, other = 0, refused = 0;
+    Rate rate;
     for (int round = 0; round < 4; ++round)
       for (const Bytes &file : files) {
         const Hurt hurt = kind.inflict(file, random);
-        if (auditsOk(hurt.bytes))
-          continue;
-        ++total;
-        const Mending mending = mendAndCheck(hurt.bytes, true);
-        EXPECT_EQ(mending.broken, "") << kind.name;
-        if (mending.bytes == file)
-          ++exact;
-        else if (mending.result.outcome == Outcome::salvaged)
-          ++salvaged;
-        else if (mending.result.outcome == Outcome::mended)
-          ++other;
-        else
-          ++refused;
+        if (!auditsOk(hurt.bytes))
+          rate.count(file, hurt);
       }
-    std::printf("%-20s %6d %6d %6d %6d %6d\n", kind.name, total, exact, salvaged, other, refused);
-    EXPECT_GT(total, 0) << kind.name;
-    if (kind.remedy == Remedy::undone) {
-      EXPECT_EQ(exact, total) << kind.name;
-    }
+    std::printf("%-16s %8d %8d %8d %8d\n", kind.name, rate.total, rate.exact, rate.salvaged, rate.other);
+    EXPECT_GT(rate.total, 50);
+    EXPECT_GE(rate.exact + (kind.remedy == Remedy::salvaged ? rate.salvaged : 0), kind.percent * rate.total / 100);
   }
 }
 

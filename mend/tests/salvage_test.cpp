@@ -2,7 +2,7 @@
 
 #include "format/lists.h"
 #include "kova/kb.h"
-#include "mend/tests/mending.h"
+#include "mend/tests/elements.h"
 #include "samples/builder.h"
 #include "survey/deep.h"
 
@@ -25,33 +25,6 @@ using harness::wordAt;
 Bytes sampleFile(const std::string &name) {
   std::ifstream stream(std::string(KOVA_SOURCE_DIR "/samples/") + name, std::ios::binary);
   return Bytes(std::istreambuf_iterator<char>(stream), {});
-}
-
-struct Extent {
-  std::size_t begin, end;
-};
-
-/// The elements of a good file by list and group, after its own size tables.
-std::map<std::pair<std::string, int>, std::vector<Extent>> elementsOf(const Bytes &file) {
-  std::map<std::pair<std::string, int>, std::vector<Extent>> elements;
-  std::size_t begin = wordAt(file, 12);
-  const bool version_2 = wordAt(file, 0) == VERSION_2;
-  for (const ListRow &list : std::span(LISTS).first(version_2 ? LIST_NUM : VERSION_1_LIST_NUM)) {
-    const std::size_t size = wordAt(file, harness::sizeOffset(list));
-    if (size != 0 && list.tag != SCENE_LIST_TAG) {
-      const bool two = list.tag == COLOR_LIST_TAG || list.tag == VECTOR_LIST_TAG;
-      const std::size_t numbers[] = {wordAt(file, begin + 12), two ? wordAt(file, begin + 16) : 0};
-      std::size_t table = begin + (two ? 28 : 24);
-      std::size_t at = table + 4 * (numbers[0] + numbers[1]);
-      for (const int group : {0, 1})
-        for (std::size_t i = 0; i < numbers[group]; ++i, table += 4) {
-          elements[{list.name, group}].push_back({at, at + wordAt(file, table)});
-          at += wordAt(file, table);
-        }
-    }
-    begin += size;
-  }
-  return elements;
 }
 
 /// What a survey finds in the meaning of a file.

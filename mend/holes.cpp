@@ -1,0 +1,247 @@
+#include "mend/holes.h"
+
+#include "mend/derive.h"
+#include "mend/links.h"
+#include "mend/locate.h"
+
+#include <algorithm>
+
+namespace kova::mend {
+
+namespace {
+
+/// Sets the links of a record to none.
+struct NoLinks : Events {
+  explicit NoLinks(FileBytes &of) : file(of) {}
+
+  void enter(const Spot &spot, int) override {
+    for (const Link &link : spot.kind->links)
+      file.set(spot.begin + link.at, NO_LINK);
+  }
+  void table(std::uint64_t begin, std::uint64_t entries, std::span<const Column> columns, std::uint64_t) override {
+    for (const Column &column : columns) {
+      for (std::uint64_t i = 0; column.to != To::nothing && i < entries; ++i)
+        file.set(begin + i * sizeof(Word), NO_LINK);
+      begin += entries * column.bytes;
+    }
+  }
+
+  FileBytes &file;
+};
+
+/// @return a record of a kind that holds nothing.
+Bytes emptyRecord(const Kind &kind, Word number, bool version_2) {
+  Bytes bytes(kind.fixed);
+  FileBytes record(bytes);
+  record.set(0, kind.tag);
+  if (kind.index_at != NO_WORD)
+    record.set(kind.index_at, number);
+  const bool has_header_size = kind.size_at == 12 || kind.index_at == NO_WORD;
+  if (has_header_size)
+    record.set(kind.size_at - sizeof(Word), kind.fixed);
+  record.set(kind.size_at, kind.fixed);
+  // What has no count is there in any case.
+  for (int i = 0; i < 2; ++i) {
+    Walk walk(record, UNKNOWN, version_2);
+    const std::uint64_t end = walk.over({&kind, 0, number});
+    const auto lacking = static_cast<std::uint64_t>(walk.maker_spare < 0 ? -walk.maker_spare : 0);
+    if (lacking != 0)
+      record.set(kind.blocks_at, static_cast<Word>(lacking));
+    bytes.resize(static_cast<std::size_t>(end + lacking));
+    record = FileBytes(bytes);
+    record.set(kind.size_at, static_cast<Word>(bytes.size()));
+  }
+  NoLinks none(record);
+  Walk(record, bytes.size(), version_2, &none).over({&kind, 0, number});
+  return bytes;
+}
+
+class HoleSalvage {
+public:
+  explicit HoleSalvage(const FileBytes &bytes) : file(bytes), version_2(bytes.version() == VERSION_2) {}
+
+  std::optional<Salvaged> salvage(bool sure);
+
+private:
+  void lose(std::size_t list, std::optional<Word> element, std::string what) {
+    made.losses.push_back({list < LIST_NUM ? LISTS[list].name : "FileHeader", element, std::move(what)});
+  }
+  void copy(std::uint64_t begin, std::uint64_t end);
+  bool makeCut(const FoundList &list, const Kind &kind, To to, Word number, const FoundElement &element);
+  void makeElement(const FoundList &list, bool second, Word number);
+  void makeElements(const FoundList &list, bool second, std::uint64_t table);
+  void makeBlocks(const FoundList &list, std::uint64_t head);
+  void makeHead(const FoundList &list);
+  void makeList(const FoundList &list);
+  void tellParts();
+
+  const FileBytes &file;
+  bool version_2;
+  Spans spans = {};
+  Gone gone = {};
+  Salvaged made = {};
+  std::vector<Copied> copied = {};
+};
+
+void HoleSalvage::copy(std::uint64_t begin, std::uint64_t end) {
+  copied.push_back({made.bytes.size(), made.bytes.size() + end - begin, begin});
+  append(made.bytes, file, begin, end);
+}
+
+/// Makes a record of the begin of an element, up to the first record inside that is not as it should be. @return false
+/// if it makes none.
+bool HoleSalvage::makeCut(const FoundList &list, const Kind &kind, To to, Word number, const FoundElement &element) {
+  Walk walk(file, element.begin + element.size, version_2);
+  walk.over({&kind, element.begin, number});
+  const std::uint64_t fixed_end = element.begin + kind.fixed;
+  const std::uint64_t end = walk.suspect.kind != nullptr ? std::max(fixed_end, walk.suspect.begin) : fixed_end;
+  const std::span<const unsigned char> left = file.between(element.begin, end);
+  Bytes bytes(left.begin(), left.end());
+  const FileBytes cut(bytes);
+  CutRecord record = cutRecord(cut, kind, 0, number, version_2);
+  FileBytes left_of(record.bytes);
+  Walk again(left_of, record.bytes.size(), version_2);
+  if (!record.kept || again.over({&kind, 0, number}) != record.bytes.size() || again.broken || again.faults != 0)
+    return false;
+  made.bytes.insert(made.bytes.end(), record.bytes.begin(), record.bytes.end());
+  lose(list.list, list.list == 0 ? std::nullopt : std::optional(number),
+       "it reaches into the hole: " + (record.told.empty() ? "what is behind its fixed words is gone" : record.told));
+  gone.cut.push_back({to, number, record.entries});
+  return true;
+}
+
+/// Appends an element, or what is left of it.
+void HoleSalvage::makeElement(const FoundList &list, bool second, Word number) {
+  const ListLayout &layout = LAYOUT[list.list];
+  const Kind &kind = list.list == 0 ? SCENE : second ? *layout.second : *layout.first;
+  const To to = list.list == 0 ? To::nothing : toKind(list.list, second);
+  const FoundElement &element = list.elements[second][number];
+  const std::optional<Word> told = list.list == 0 ? std::nullopt : std::optional(number);
+  if (element.stray != 0)
+    lose(list.list, told,
+         std::to_string(element.stray) + (element.stray == 1 ? " byte" : " bytes") +
+             " too many stood in it or behind it: left out behind it");
+  if (element.doubtful)
+    lose(list.list, told, "its end may lie in the hole");
+  if (element.whole)
+    return copy(element.begin, element.begin + element.size);
+  if (element.isFound() && makeCut(list, kind, to, number, element))
+    return;
+  const Bytes empty = emptyRecord(kind, number, version_2);
+  made.bytes.insert(made.bytes.end(), empty.begin(), empty.end());
+  lose(list.list, told, "it lies in the hole: now empty");
+  if (to != To::nothing)
+    gone.cut.push_back({to, number, {UNKNOWN, 0}});
+}
+
+/// Appends the elements of one kind, and sets their entries in the size table.
+void HoleSalvage::makeElements(const FoundList &list, bool second, std::uint64_t table) {
+  const Kind &kind = second ? *LAYOUT[list.list].second : *LAYOUT[list.list].first;
+  for (std::size_t i = 0; i < list.elements[second].size(); ++i) {
+    const std::uint64_t begin = made.bytes.size();
+    makeElement(list, second, static_cast<Word>(i));
+    FileBytes written(made.bytes);
+    written.set(table + i * sizeof(Word), written[begin + kind.size_at]);
+  }
+}
+
+/// Appends the blocks of a list, if they are known to be whole.
+void HoleSalvage::makeBlocks(const FoundList &list, std::uint64_t head) {
+  const Word blocks_at = LAYOUT[list.list].blocksAt();
+  FileBytes written(made.bytes);
+  const std::uint64_t maker = written[head + blocks_at] & ~Word{3};
+  const std::uint64_t user = written[head + blocks_at + 4] & ~Word{3};
+  const std::vector<FoundElement> &elements = list.elements[list.elements[1].empty() ? 0 : 1];
+  const std::uint64_t begin = list.end - std::min(list.end, maker + user);
+  const bool whole =
+      list.isFound() && list.table_whole &&
+      (elements.empty() || (elements.back().whole && elements.back().begin + elements.back().size <= begin));
+  if (whole)
+    return copy(begin, list.end);
+  written.set(head + blocks_at, 0);
+  written.set(head + blocks_at + 4, 0);
+  if (maker + user != 0)
+    lose(list.list, {}, leftOf({maker + user, 0}, "bytes of the blocks"));
+}
+
+/// Appends the head of a list, and room for its size table.
+void HoleSalvage::makeHead(const FoundList &list) {
+  const ListLayout &layout = LAYOUT[list.list];
+  const std::uint64_t head = made.bytes.size();
+  const std::size_t numbers[] = {list.elements[0].size(), list.elements[1].size()};
+  if (list.isFound())
+    append(made.bytes, file, list.begin, list.begin + layout.headBytes());
+  else
+    appendWords(made.bytes, {LISTS[list.list].tag, layout.headBytes(), 0, 0, 0, 0});
+  made.bytes.resize(static_cast<std::size_t>(head) + layout.headBytes() + (numbers[0] + numbers[1]) * sizeof(Word));
+  FileBytes written(made.bytes);
+  written.set(head + 12, static_cast<Word>(numbers[0]));
+  if (layout.second != nullptr)
+    written.set(head + 16, static_cast<Word>(numbers[1]));
+  if (!list.isFound())
+    lose(list.list, {}, numbers[0] + numbers[1] != 0 ? "its head lies in the hole" : "the list is gone");
+  else if (!list.table_whole)
+    lose(list.list, {}, "its size table lies in the hole: made again");
+  if (list.isFound() && !list.numbers_known)
+    lose(list.list, {}, "there may have been more elements behind the last one");
+  for (const bool second : {false, layout.second != nullptr})
+    gone[toKind(list.list, second)] = {list.numbers_known ? numbers[second] : UNKNOWN, numbers[second]};
+}
+
+void HoleSalvage::makeList(const FoundList &list) {
+  const ListLayout &layout = LAYOUT[list.list];
+  const std::uint64_t head = made.bytes.size();
+  if (list.list == 0) {
+    makeElement(list, false, 0);
+  } else {
+    makeHead(list);
+    const std::uint64_t table = head + layout.headBytes();
+    makeElements(list, false, table);
+    if (layout.second != nullptr)
+      makeElements(list, true, table + list.elements[0].size() * sizeof(Word));
+    makeBlocks(list, head);
+  }
+  spans[list.list] = {.sort = Claim::Sort::list, .begin = head, .end = made.bytes.size(), .list = list.list};
+}
+
+/// Tells of the elements of which neighbouring words were made again. What is between them cannot be known.
+void HoleSalvage::tellParts() {
+  const Change *last = nullptr;
+  for (std::size_t i = 1; i < made.changes.size(); ++i) {
+    const Change &change = made.changes[i];
+    const bool neighbours = change.offset == made.changes[i - 1].offset + sizeof(Word);
+    if (!neighbours || (last != nullptr && last->list == change.list && last->element == change.element))
+      continue;
+    last = &change;
+    made.losses.push_back(
+        {change.list, change.element, "a part of it lies in the hole: only what follows from others is right"});
+  }
+  if (made.losses.empty())
+    lose(LIST_NUM, {}, "bytes that follow from others were missing or too many: made again");
+}
+
+std::optional<Salvaged> HoleSalvage::salvage(bool sure) {
+  const Found found = locate(file);
+  if ((found.whole && !sure) || (file.size() < file[header_at::SIZE] && !found.behind)) // else it was cut
+    return std::nullopt;
+  append(made.bytes, file, 0, file[header_at::HEADER_SIZE]);
+  for (const FoundList &list : found.lists)
+    makeList(list);
+  const Claim *before = nullptr;
+  for (Claim &span : spans)
+    if (span.end != 0) {
+      span.before = before;
+      before = &span;
+    }
+  FileBytes written(made.bytes);
+  made.changes = changesBefore(applyReading(written, {.claims = before}).changes, copied, file.size());
+  tellParts();
+  cutLinks(written, spans, gone, made.losses);
+  return std::move(made);
+}
+
+} // namespace
+
+std::optional<Salvaged> salvageHoles(const FileBytes &file, bool sure) { return HoleSalvage(file).salvage(sure); }
+
+} // namespace kova::mend
