@@ -221,16 +221,16 @@ Result mendAsIs(std::vector<unsigned char> &bytes, bool salvage) {
   Result result = has_header ? mendWhole(bytes, image, salvage) : hopeless("it is shorter than a header");
   if (!salvage || (result.outcome != Outcome::ambiguous && result.outcome != Outcome::hopeless))
     return result;
-  if (result.outcome == Outcome::hopeless && salvageShort(bytes, result))
+  if (result.outcome == Outcome::ambiguous)
+    return stated > image.size() ? salvageCut(bytes) : result;
+  if (salvageShort(bytes, result))
     return result;
-  if (result.outcome == Outcome::hopeless)
-    setWords(image, result.changes, &Change::old_value);
+  setWords(image, result.changes, &Change::old_value);
   if (std::optional<Result> holed = salvageHoled(bytes, false))
     return std::move(*holed);
   if (stated > image.size())
     return salvageCut(bytes);
-  if (result.outcome == Outcome::hopeless)
-    setWords(image, result.changes, &Change::new_value);
+  setWords(image, result.changes, &Change::new_value);
   return result;
 }
 
