@@ -3,6 +3,7 @@
 #include "common/text.h"
 
 #include <algorithm>
+#include <charconv>
 #include <utility>
 
 namespace kova {
@@ -143,6 +144,16 @@ Option textOption(char letter, const char *name, const char *value, const char *
   return {letter, name, value, help, [&text, value](const std::string &given) {
             text = given;
             return given.empty() ? std::string("needs ") + value : std::string();
+          }};
+}
+
+Option numberOption(char letter, const char *name, const char *value, const char *help, std::size_t &number,
+                    std::size_t most) {
+  return {letter, name, value, help, [&number, most](const std::string &given) {
+            const char *const end = given.data() + given.size();
+            const auto [behind, error] = std::from_chars(given.data(), end, number);
+            const bool ok = behind == end && error == std::errc() && number >= 1 && number <= most;
+            return ok ? std::string() : "needs a number from 1 to " + std::to_string(most);
           }};
 }
 

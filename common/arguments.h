@@ -27,6 +27,10 @@ Option flagOption(char letter, const char *name, const char *help, bool &flag);
 /// @return an option whose value is a text that is not empty.
 Option textOption(char letter, const char *name, const char *value, const char *help, std::string &text);
 
+/// @return an option whose value is a number from 1 to `most`.
+Option numberOption(char letter, const char *name, const char *value, const char *help, std::size_t &number,
+                    std::size_t most);
+
 /// Reads the arguments of a program, without its name: "--name VALUE", "--name=VALUE", "-n VALUE", "-nVALUE", and flags
 /// of one letter in one argument. Behind "--" there are no options.
 /// @param others all other arguments, in their order

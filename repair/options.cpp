@@ -1,59 +1,78 @@
 #include "repair/options.h"
 
+#include "common/arguments.h"
+#include "common/terminal.h"
 #include "common/text.h"
 #include "kova/version.h"
 
-#include <CLI/CLI.hpp>
 #include <cstdio>
+#include <unistd.h>
 
 namespace kova::repair {
 
 namespace {
 
-constexpr const char *DESCRIPTION =
-    "Mends a damaged KOVA scene file: recomputes the sizes, counts, indices and tags that follow from\n"
-    "the rest of the file. Prints every word that it changes. INPUT is never changed.";
+constexpr HelpText HELP = {
+    .usage = "Usage: kbrepair [OPTION]... INPUT OUTPUT\n"
+             "       kbrepair --dry-run [OPTION]... INPUT\n",
+    .description =
+        "Mends a damaged KOVA scene file: recomputes the sizes, counts, indices and tags that follow from the rest "
+        "of the file. Prints every word that it changes. INPUT is never changed.",
+    .footer =
+        "Exit status: 0: OUTPUT audits OK; 1: the file cannot be mended; 2: INPUT cannot be read; 3: wrong usage, or "
+        "an output that cannot be written."};
 
-constexpr const char *FOOTER =
-    "Exit status: 0: OUTPUT audits OK; 1: the file cannot be mended; 2: INPUT cannot be read; 3: wrong\n"
-    "usage, or an output that cannot be written.";
+/// What the command line says beyond the options themselves.
+struct Given {
+  bool help = false;
+  bool version = false;
+};
 
-void declare(CLI::App &app, Options &options) {
-  app.set_version_flag("--version", std::string("kbrepair ") + KOVA_VERSION, "Print the version");
-  app.set_help_flag("-h,--help", "Print this help");
-  app.add_option("INPUT", options.input, "The file to mend")->type_name("")->required();
-  app.add_option("OUTPUT", options.output, "The mended file; may be absent with --dry-run")->type_name("");
-  app.add_flag("--salvage", options.asked.salvage, "Of a file that was cut, keep what is whole");
-  app.add_option("--part", options.asked.part, "Of several scenes in one file, take this one, from 1")
-      ->type_name("N")
-      ->check(CLI::Range(1, 1'000'000));
-  app.add_flag("--force", options.force, "Replace OUTPUT if it exists");
-  app.add_flag("--partial", options.partial, "Write OUTPUT also if it does not audit OK");
-  app.add_flag("--dry-run", options.dry_run, "Write nothing; only print what would be changed");
-  app.add_flag("--json", options.json, "Print JSON, an object for each line");
+std::vector<Option> optionsOf(Options &options, Given &given) {
+  return {
+      flagOption(0, "salvage", "Of a file that was cut, keep what is whole", options.asked.salvage),
+      numberOption(0, "part", "N", "Of several scenes in one file, take this one, from 1", options.asked.part,
+                   1'000'000),
+      flagOption(0, "force", "Replace OUTPUT if it exists", options.force),
+      flagOption(0, "partial", "Write OUTPUT also if it does not audit OK", options.partial),
+      flagOption('n', "dry-run", "Write nothing; only print what would be changed", options.dry_run),
+      flagOption(0, "json", "Print JSON, an object for each line", options.json),
+      flagOption('V', "version", "Print the version", given.version),
+      flagOption('h', "help", "Print this help", given.help),
+  };
 }
 
-int refuse(const std::string &message) {
-  std::fprintf(stderr, "kbrepair: %s.\nTry 'kbrepair --help'.\n", message.c_str());
-  return FAILED;
+/// Takes INPUT and OUTPUT. @return what is wrong, for people; empty if nothing is
+std::string takePaths(const std::vector<std::string> &paths, Options &options) {
+  if (paths.size() > 2)
+    return printable(paths[2]) + " is one argument too many";
+  options.input = paths.empty() ? "" : paths[0];
+  options.output = paths.size() == 2 ? paths[1] : "";
+  if (paths.empty())
+    return "INPUT is missing";
+  return options.output.empty() && !options.dry_run ? "OUTPUT is missing" : "";
 }
 
 } // namespace
 
 std::optional<Options> readOptions(int argc, const char *const *argv, int &status) {
   Options options;
-  CLI::App app(DESCRIPTION, "kbrepair");
-  app.footer(FOOTER);
-  try {
-    declare(app, options);
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError &error) {
-    const bool asked = error.get_exit_code() == 0; // help or version
-    status = asked ? app.exit(error) : refuse(printable(error.what()));
+  Given given;
+  std::vector<std::string> paths;
+  const std::vector<Option> known = optionsOf(options, given);
+  const std::span<const char *const> arguments(argv, static_cast<std::size_t>(argc < 1 ? 1 : argc));
+  std::string wrong = readArguments(arguments.subspan(1), known, paths);
+  if (wrong.empty() && (given.help || given.version)) {
+    status = AUDITS_OK;
+    std::fputs(given.help ? helpText(HELP, known, widthOf(STDOUT_FILENO)).c_str() : "kbrepair " KOVA_VERSION "\n",
+               stdout);
     return std::nullopt;
   }
-  if (options.output.empty() && !options.dry_run) {
-    status = refuse("OUTPUT is missing");
+  if (wrong.empty())
+    wrong = takePaths(paths, options);
+  if (!wrong.empty()) {
+    std::fprintf(stderr, "kbrepair: %s.\nTry 'kbrepair --help'.\n", wrong.c_str());
+    status = FAILED;
     return std::nullopt;
   }
   return options;

@@ -11,7 +11,7 @@ tree=$root/build/check
 
 # What has to be installed. An item is a Debian package, or tool=package where any tool of that name will do.
 for_kbaudit=("g++=g++" cmake=cmake ninja=ninja-build)
-for_kbrepair=("${for_kbaudit[@]}" libcli11-dev nlohmann-json3-dev)
+for_kbrepair=("${for_kbaudit[@]}" nlohmann-json3-dev)
 for_kbsurvey=("${for_kbrepair[@]}" libpugixml-dev)
 for_tests=("${for_kbsurvey[@]}" libgtest-dev python3=python3)
 

@@ -5,7 +5,6 @@
 #include "survey/output.h"
 
 #include <algorithm>
-#include <charconv>
 #include <thread>
 #include <unistd.h>
 
@@ -34,14 +33,6 @@ struct Given {
   bool version = false;
 };
 
-std::string takeJobs(const std::string &value, unsigned &workers) {
-  constexpr unsigned MOST = 4096;
-  const char *const end = value.data() + value.size();
-  const auto [behind, error] = std::from_chars(value.data(), end, workers);
-  return behind == end && error == std::errc() && workers >= 1 && workers <= MOST ? ""
-                                                                                  : "needs a number from 1 to 4096";
-}
-
 std::string takeColour(const std::string &value, Colour &colour) {
   constexpr const char *NAMES[] = {"auto", "always", "never"};
   const auto at = std::find(std::begin(NAMES), std::end(NAMES), value);
@@ -51,8 +42,8 @@ std::string takeColour(const std::string &value, Colour &colour) {
 
 std::vector<Option> optionsOf(Options &options, Given &given) {
   return {
-      {'j', "jobs", "N", "Number of files audited at a time (default: the processors)",
-       [&](const std::string &value) { return takeJobs(value, options.workers); }},
+      numberOption('j', "jobs", "N", "Number of files audited at a time (default: the processors)", options.workers,
+                   4096),
       {0, "name", "GLOB", "In folders, take files of this name instead of *.kb; may be repeated",
        [&](const std::string &value) {
          options.names.push_back(value);
@@ -129,7 +120,7 @@ Task taskOf(const Options &options, const Given &given) {
 std::optional<Options> readOptions(int argc, const char *const *argv, int &status) {
   Options options;
   options.command.assign(argv + std::min(argc, 1), argv + argc);
-  options.workers = std::max(1U, std::thread::hardware_concurrency());
+  options.workers = std::max<std::size_t>(1, std::thread::hardware_concurrency());
   Given given;
   const std::vector<Option> known = optionsOf(options, given);
   const std::span<const char *const> arguments(argv, static_cast<std::size_t>(std::max(argc, 1)));

@@ -14,7 +14,7 @@ struct Options {
   std::vector<std::string> paths = {};   ///< files and folders, or the reports to merge
   std::vector<std::string> names = {};
   std::string files_from = {};
-  unsigned workers = 1;
+  std::size_t workers = 1;
   Questions asked = {};
   bool quiet = false;
   bool print0 = false;

@@ -10,7 +10,7 @@ namespace kova::survey {
 
 /// How a run of the workers is done.
 struct Run {
-  unsigned workers = 1;
+  std::size_t workers = 1;
   Questions asked = {};
   bool show_progress = false;                      ///< on standard error
   std::function<void(FileResult &&result)> take{}; ///< called in any order, by several threads at once; must not throw

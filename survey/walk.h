@@ -12,7 +12,7 @@ namespace kova::survey {
 struct Search {
   std::vector<std::string> paths; ///< files and folders
   std::vector<std::string> names; ///< patterns of the names in folders; empty for *.kb in any case
-  unsigned threads = 1;
+  std::size_t threads = 1;
 };
 
 /// Finds the files to audit: those that are named, and in folders those whose names fit. Links to folders are followed
