@@ -1,6 +1,7 @@
 #include "textdump/behavior.h"
 
 #include "reader/names.h"
+#include "textdump/content.h"
 
 namespace kova {
 
@@ -14,24 +15,6 @@ constexpr Section<Switch> SWITCH_SECTION = {"SwitchList", kvWriteKtSwitchListFix
 
 // --- AnimList --------------------------------------------------------------------------------------------------------
 
-namespace {
-
-template <const auto &TABLE, class Anim> void writeAnims(Text &text, std::span<const Anim> anims) {
-  Index number = 0;
-  for (const Anim &anim : anims) {
-    print<"Anim(%d)\n">(text, number++);
-    putRecord<TABLE>(text, anim);
-  }
-}
-
-/// The records of a type that stores none print their headings alone.
-void writeZeroedAnims(Text &text, std::size_t count) {
-  for (std::size_t number = 0; number < count; ++number)
-    print<"Anim(%d)\n">(text, number);
-}
-
-} // namespace
-
 void kvWriteKtAnimListFix1(Text &text, const AnimList &list) {
   writeListHead<LINES_OF<ANIM_LIST_WORDS>, "anim_group_num_byte[%d]  %d \n">(text, list, ANIM_SECTION.name);
 }
@@ -39,45 +22,16 @@ void kvWriteKtAnimListFix1(Text &text, const AnimList &list) {
 void kvWriteKtAnimGroupFix1(Text &text, const AnimGroup &group, Index number) {
   print<"AnimGroup(%d)\n">(text, number);
   putRecord<LINES<AnimGroupHead>>(text, group);
-  switch (group.type) {
-  case 0:
-  case 2:
-    return writeAnims<LINES<AnimStep>>(text, counted(group.anim_num, group.step));
-  case 3:
-    return writeAnims<LINES<AnimKeyframe>>(text, counted(group.anim_num, group.keyframe));
-  case 4:
-    return writeAnims<LINES<AnimNode>>(text, counted(group.anim_num, group.node));
-  default:
-    return writeZeroedAnims(text, std::min(group.anim_num, group.zeroed_anim_num));
-  }
+  printContent<AnimGroupHead>(text, group);
 }
 
 namespace {
 
-/// Writes keyframes, each with its position in a heading.
-template <const auto &TABLE, Format HEADING> void writeKeys(Text &text, std::span<const RecordOf<TABLE>> keys) {
-  Index position = 0;
-  for (const auto &key : keys) {
-    print<HEADING>(text, position++);
-    putRecord<TABLE>(text, key);
-  }
-}
-
 void writeAnimGroupExt(Text &text, const AnimGroup &group) {
   if (!group.ext)
     return writeExtBlkAfter(text, group, 0);
-  const AnimGroupExt &ext = *group.ext;
-  putRecord<LINES<AnimGroupExtHead>>(text, ext);
-  writeKeys<LINES<RotateAxis>, "RotateAxis(%d)\n">(text, counted(ext.rotate_axis_num, ext.rotate_axis));
-  kvWriteKtRotateX(text, counted(ext.rotate_x_num, ext.rotate_x), "RotateX");
-  kvWriteKtRotateX(text, counted(ext.rotate_y_num, ext.rotate_y), "RotateY");
-  kvWriteKtRotateX(text, counted(ext.rotate_z_num, ext.rotate_z), "RotateZ");
-  writeKeys<LINES<OrientationXY>, "OrientationXY(%d)\n">(text, counted(ext.orientation_xy_num, ext.orientation_xy));
-  writeKeys<LINES<Translation>, "Translation(%d)\n">(text, counted(ext.translation_num, ext.translation));
-  kvWriteKtUniqScale(text, counted(ext.unique_scale_num, ext.unique_scale), "Unique");
-  kvWriteKtUniqScale(text, counted(ext.classic_scale_num, ext.classic_scale), "Classic");
-  putLater<LINES<AnimGroupExtHead>>(text, ext);
-  writeExtBlkAfter(text, group, kvSizeofAnimGroupExt(ext));
+  printMaker<AnimGroupExtHead>(text, *group.ext, group);
+  writeExtBlkAfter(text, group, kvSizeofAnimGroupExt(*group.ext));
 }
 
 } // namespace
@@ -134,7 +88,7 @@ void kvWriteKtCollListFix1(Text &text, const CollList &list) {
 void kvWriteKtCollGroupFix1(Text &text, const CollGroup &group, Index number) {
   print<"CollGroup(%d)\n">(text, number);
   putRecord<LINES<CollGroupHead>>(text, group);
-  printEach<"coll_num_byte[%d]  %d \n">(text, counted(group.coll_num, group.coll_num_byte));
+  printContent<CollGroupHead>(text, group);
   Index position = 0;
   for (const Coll &coll : counted(group.coll_num, group.coll))
     writeColl(text, coll, position++);
@@ -152,8 +106,7 @@ void kvWriteKtSwitchListFix1(Text &text, const SwitchList &list) {
 void kvWriteKtSwitchFix1(Text &text, const Switch &node, Index number) {
   print<"Switch(%d)\n">(text, number);
   putRecord<LINES<SwitchHead>>(text, node);
-  printEach<"case_val[%d]  %d\n">(text, counted(node.case_node_num, node.case_val));
-  printEach<"case_dest_index[%d]  %d\n">(text, counted(node.case_node_num, node.case_dest_index));
+  printContent<SwitchHead>(text, node);
 }
 
 void kvWriteKtSwitchList1(Text &text, const SwitchList &list) { writeSection(text, SWITCH_SECTION, list); }

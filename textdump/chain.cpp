@@ -1,29 +1,23 @@
 #include "format/chain.h"
-#include "textdump/lines.h"
+#include "textdump/content.h"
 
 namespace kova {
 
 namespace {
 
-/// The objects that a chain root, a joint or an effector moves.
-template <class Node> void writeObjs(Text &text, const Node &node) {
-  kvWriteKtArray(text, counted(node.obj_num, node.obj_index), "obj_index");
-  kvWriteKtExternal(text, counted(node.external_obj_num, node.external_obj), "external_obj");
-}
-
 void writeChainRoot(Text &text, const ChainRoot &root, Index) {
   kvWriteKtElementTop<LINES<ChainRootHead>>(text, root, "ChainRoot");
-  writeObjs(text, root);
+  printContent<ChainRootHead>(text, root);
 }
 
 void writeJoint(Text &text, const Joint &joint, Index) {
   kvWriteKtElementTop<LINES<JointHead>>(text, joint, "Joint");
-  writeObjs(text, joint);
+  printContent<JointHead>(text, joint);
 }
 
 void writeEffector(Text &text, const Effector &effector, Index) {
   kvWriteKtElementTop<LINES<EffectorHead>>(text, effector, "Effector");
-  writeObjs(text, effector);
+  printContent<EffectorHead>(text, effector);
 }
 
 } // namespace

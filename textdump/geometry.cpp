@@ -1,5 +1,7 @@
 #include "textdump/geometry.h"
 
+#include "textdump/content.h"
+
 namespace kova {
 
 namespace {
@@ -19,24 +21,6 @@ void writeGroups(Text &text, Word count, const std::vector<Group> &held, void (*
   writeElements(text, count, held, group, writeEmptyLine<Group>);
 }
 
-template <Format FORMAT> void writeTuples(Text &text, std::span<const Xyz> tuples) {
-  Index position = 0;
-  for (const Xyz &tuple : tuples)
-    print<FORMAT>(text, position++, tuple.x, tuple.y, tuple.z);
-}
-
-template <Format FORMAT> void writeTuples(Text &text, std::span<const Rgba> tuples) {
-  Index position = 0;
-  for (const Rgba &tuple : tuples)
-    print<FORMAT>(text, position++, tuple.red, tuple.green, tuple.blue, tuple.alpha);
-}
-
-template <Format FORMAT> void writeTuples(Text &text, std::span<const St> tuples) {
-  Index position = 0;
-  for (const St &tuple : tuples)
-    print<FORMAT>(text, position++, tuple.s, tuple.t);
-}
-
 } // namespace
 
 // --- VtxList: its header section holds the groups --------------------------------------------------------------------
@@ -50,7 +34,7 @@ void kvWriteKtVtxListFix1(Text &text, const VtxList &list) {
 void kvWriteKtVtxFix1(Text &text, const VtxGroup &group, Index number) {
   print<"VtxGroup(%d)\n">(text, number);
   putRecord<LINES<VtxGroupHead>>(text, group);
-  writeTuples<" Vtx(%d) %#12g %#12g %#12g   ; x,y,z\n">(text, counted(group.vtx_num, group.vtx));
+  printContent<VtxGroupHead>(text, group);
 }
 
 void kvWriteKtVtxList1(Text &text, const VtxList &list) {
@@ -162,13 +146,13 @@ void kvWriteKtColorListFix1(Text &text, const ColorList &list) {
 void kvWriteKtTriColorFix1(Text &text, const TriColorGroup &group, Index number) {
   print<"TriColorGroup(%d)\n">(text, number);
   putRecord<LINES<TriColorGroupHead>>(text, group);
-  writeTuples<"TriColor(%d) %#12g %#12g %#12g %#12g    ; RGBA\n">(text, counted(group.tri_color_num, group.color));
+  printContent<TriColorGroupHead>(text, group);
 }
 
 void kvWriteKtVtxColorFix1(Text &text, const VtxColorGroup &group, Index number) {
   print<"VtxColorGroup(%d)\n">(text, number);
   putRecord<LINES<VtxColorGroupHead>>(text, group);
-  writeTuples<"VtxColor(%d) %#12g %#12g %#12g %#12g    ; RGBA\n">(text, counted(group.vtx_color_num, group.color));
+  printContent<VtxColorGroupHead>(text, group);
 }
 
 void kvWriteKtColorList1(Text &text, const ColorList &list) {
@@ -192,13 +176,13 @@ void kvWriteKtVectorListFix1(Text &text, const VectorList &list) {
 void kvWriteKtTriNvFix1(Text &text, const TriNvGroup &group, Index number) {
   print<"TriNvGroup(%d)\n">(text, number);
   putRecord<LINES<TriNvGroupHead>>(text, group);
-  writeTuples<" TriNv(%d) %#12g %#12g %#12g    ; Nx,Ny,Nz\n">(text, counted(group.tri_nv_num, group.normal));
+  printContent<TriNvGroupHead>(text, group);
 }
 
 void kvWriteKtVtxNvFix1(Text &text, const VtxNvGroup &group, Index number) {
   print<"VtxNvGroup(%d)\n">(text, number);
   putRecord<LINES<VtxNvGroupHead>>(text, group);
-  writeTuples<" VtxNv(%d) %#12g %#12g %#12g    ; Nx,Ny,Nz\n">(text, counted(group.vtx_nv_num, group.normal));
+  printContent<VtxNvGroupHead>(text, group);
 }
 
 void kvWriteKtVectorList1(Text &text, const VectorList &list) {
@@ -218,7 +202,7 @@ void kvWriteKtStListFix1(Text &text, const StList &list) {
 void kvWriteKtStFix1(Text &text, const StGroup &group, Index number) {
   print<"StGroup(%d)\n">(text, number);
   putRecord<LINES<StGroupHead>>(text, group);
-  writeTuples<"St(%d)  %#12g  %#12g    ; s,t\n">(text, counted(group.st_num, group.st));
+  printContent<StGroupHead>(text, group);
 }
 
 void kvWriteKtStList1(Text &text, const StList &list) {
@@ -236,7 +220,7 @@ void kvWriteKtPartListFix1(Text &text, const PartList &list) {
 void kvWriteKtPartFix1(Text &text, const Part &part, Index number) {
   print<"Part(%d)\n">(text, number);
   putRecord<LINES<PartHead>>(text, part);
-  printEach<"tri_index[%d]     %d\n">(text, counted(part.part_tri_num, part.tri_index));
+  printContent<PartHead>(text, part);
 }
 
 void kvWriteKtPartList1(Text &text, const PartList &list) { writeSection(text, PART_SECTION, list); }

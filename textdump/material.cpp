@@ -1,5 +1,7 @@
 #include "textdump/material.h"
 
+#include "textdump/content.h"
+
 namespace kova {
 
 namespace {
@@ -20,7 +22,7 @@ void kvWriteKtMatListFix1(Text &text, const MatList &list) {
 void kvWriteKtMatFix1(Text &text, const Mat &mat, Index number) {
   print<"Mat(%d)\n">(text, number);
   putRecord<LINES<MatHead>>(text, mat);
-  printEach<"tex_index[%d]   %0#10x\n">(text, counted(mat.tex_num, mat.tex_index));
+  printContent<MatHead>(text, mat);
 }
 
 namespace {
@@ -28,13 +30,8 @@ namespace {
 void writeMatExt(Text &text, const Mat &mat) {
   if (!mat.ext)
     return writeExtBlkAfter(text, mat, 0);
-  const MatExt &ext = *mat.ext;
-  putRecord<LINES<MatExtHead>>(text, ext);
-  kvWriteKtPrimColorAnim(text, counted(ext.prim_color_anim_num, ext.prim_color_anim), "");
-  kvWriteKtPrimColorAnim(text, counted(ext.prim_color_anim_num_for_fog, ext.prim_color_anim_for_fog), "ForFog");
-  putLater<LINES<MatExtHead>>(text, ext);
-  kvWriteKtExternal(text, counted(ext.external_tex_num, ext.external_tex), "external tex");
-  writeExtBlkAfter(text, mat, kvSizeofMatExt(ext));
+  printMaker<MatExtHead>(text, *mat.ext, mat);
+  writeExtBlkAfter(text, mat, kvSizeofMatExt(*mat.ext));
 }
 
 } // namespace
@@ -48,28 +45,15 @@ namespace {
 
 void writeTiles(Text &text, const TexTiles &tiles) {
   putRecord<LINES<TexTilesHead>>(text, tiles);
-  printEach<"tex_tile_scale_key[%d]   %d\n">(text, counted(tiles.tex_tile_scale_num, tiles.tex_tile_scale_key));
-  printEach<"tex_tile_width[%d]       %d\n">(text, counted(tiles.tex_tile_scale_num, tiles.tex_tile_width));
-  printEach<"tex_tile_height[%d]      %d\n">(text, counted(tiles.tex_tile_scale_num, tiles.tex_tile_height));
-  printEach<"tex_tile_offset_key[%d]  %d\n">(text, counted(tiles.tex_tile_offset_num, tiles.tex_tile_offset_key));
-  printEach<"tex_tile_offset_x[%d]    %d\n">(text, counted(tiles.tex_tile_offset_num, tiles.tex_tile_offset_x));
-  printEach<"tex_tile_offset_y[%d]    %d\n">(text, counted(tiles.tex_tile_offset_num, tiles.tex_tile_offset_y));
-  printEach<"tex_tile_img_key[%d]     %d\n">(text, counted(tiles.tex_tile_img_num, tiles.tex_tile_img_key));
-  printEach<"tex_tile_img_index[%d]   %d\n">(text, counted(tiles.tex_tile_img_num, tiles.tex_tile_img_index));
+  printContent<TexTilesHead>(text, tiles);
   print<"\n">(text); // an empty line that a still texture has not
 }
 
 void writeTexExt(Text &text, const Tex &tex) {
   if (!tex.ext)
     return writeExtBlkAfter(text, tex, 0);
-  const TexExt &ext = *tex.ext;
-  putRecord<LINES<TexExtHead>>(text, ext);
-  const Word tile_num = kvCiTileNum(tex);
-  kvWriteKtArray(text, counted(tile_num, ext.color_palette_index), "color_palette_index");
-  kvWriteKtArray(text, counted(tile_num, ext.tlut_palette_number), "tlut_palette_number");
-  kvWriteKtExternal(text, counted(ext.external_tex_img_num, ext.external_tex_img), "external_tex_img");
-  kvWriteKtExternal(text, counted(ext.external_tex_img_num, ext.external_palette), "external_palette");
-  writeExtBlkAfter(text, tex, kvSizeofTexExt(ext, tile_num));
+  printMaker<TexExtHead>(text, *tex.ext, tex);
+  writeExtBlkAfter(text, tex, kvSizeofTexExt(*tex.ext, kvCiTileNum(tex)));
 }
 
 } // namespace
@@ -113,10 +97,8 @@ void writeTeximgEnd2(Text &text, const Teximg &image) {
   print<"\n">(text);
   if (!image.ext)
     return writeExtBlkAfter(text, image, 0);
-  const TeximgExt &ext = *image.ext;
-  putRecord<LINES<TeximgExtHead>>(text, ext);
-  kvWriteKtArray(text, counted(ext.mipmap_max_level, ext.mipmap_img_offset), "mipmap img offset");
-  writeExtBlkAfter(text, image, kvSizeofTeximgExt(ext));
+  printMaker<TeximgExtHead>(text, *image.ext, image);
+  writeExtBlkAfter(text, image, kvSizeofTeximgExt(*image.ext));
 }
 
 } // namespace

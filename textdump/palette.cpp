@@ -1,5 +1,5 @@
 #include "format/palette.h"
-#include "textdump/lines.h"
+#include "textdump/content.h"
 
 namespace kova {
 
@@ -7,12 +7,12 @@ namespace {
 
 void writeCiImg(Text &text, const CiImg &image, Index) {
   kvWriteKtElementTop<LINES<CiImgHead>>(text, image, "CiImg");
-  kvWriteKtList(text, image.pixel_index_array, kvSizeofPixelIndexArray(image) * 4, "pixel_index_array");
+  printContent<CiImgHead>(text, image);
 }
 
 void writeColorPalette(Text &text, const ColorPalette &palette, Index) {
   kvWriteKtElementTop<LINES<ColorPaletteHead>>(text, palette, "ColorPalette");
-  kvWriteKtList(text, palette.color_array, palette.color_num / 2 * 4, "color_array");
+  printContent<ColorPaletteHead>(text, palette);
 }
 
 } // namespace

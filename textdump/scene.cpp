@@ -1,5 +1,7 @@
 #include "textdump/scene.h"
 
+#include "textdump/content.h"
+
 namespace kova {
 
 namespace {
@@ -11,14 +13,6 @@ constexpr Section<Light> LIGHT_SECTION = {"LightList", kvWriteKtLightListFix1, k
 constexpr Section<Obj> OBJ_SECTION = {"ObjList", kvWriteKtObjListFix1, kvWriteKtObjFix1};
 constexpr Section<Shape> SHAPE_SECTION = {"ShapeList", kvWriteKtShapeListFix1, kvWriteKtShapeFix1};
 
-template <const auto &TABLE> void writeDirLights(Text &text, const Light &light) {
-  Index number = 0;
-  for (const DirLight &dir_light : counted(light.dir_light_num, light.dir_light)) {
-    print<"DirLight(%d)\n">(text, number++);
-    putRecord<TABLE>(text, dir_light);
-  }
-}
-
 } // namespace
 
 // --- SceneList: one record, without list header, size table and elements ---------------------------------------------
@@ -26,10 +20,7 @@ template <const auto &TABLE> void writeDirLights(Text &text, const Light &light)
 void kvWriteKtSceneListFix1(Text &text, const Scene &scene) {
   kvWriteKtListName(text, SCENE_SECTION);
   putRecord<LINES<SceneHead>>(text, scene);
-  printEach<"obj link[%d]    %d\n">(text, counted(scene.scene_obj_link_num, scene.obj_link));
-  printEach<"env link[%d]    %d\n">(text, counted(scene.scene_env_link_num, scene.env_link));
-  printEach<"cam link[%d]    %d\n">(text, counted(scene.scene_cam_link_num, scene.cam_link));
-  printEach<"light link[%d]    %d\n">(text, counted(scene.scene_light_link_num, scene.light_link));
+  printContent<SceneHead>(text, scene);
 }
 
 void kvWriteKtSceneList1(Text &text, const Scene &scene) {
@@ -42,14 +33,8 @@ namespace {
 void writeSceneListExt(Text &text, const Scene &scene) {
   if (!scene.ext)
     return writeExtBlkAfter(text, scene, 0);
-  const SceneListExt &ext = *scene.ext;
-  putRecord<LINES<SceneListExtHead>>(text, ext);
-  kvWriteKtArray(text, counted(ext.scene_chain_root_link_num, ext.chain_root_link), "chain root link");
-  kvWriteKtExternal(text, counted(ext.external_obj_num, ext.external_obj), "external obj");
-  kvWriteKtExternal(text, counted(ext.external_env_num, ext.external_env), "external env");
-  kvWriteKtExternal(text, counted(ext.external_cam_num, ext.external_cam), "external cam");
-  kvWriteKtExternal(text, counted(ext.external_light_num, ext.external_light), "external light");
-  writeExtBlkAfter(text, scene, kvSizeofSceneListExt(ext));
+  printMaker<SceneListExtHead>(text, *scene.ext, scene);
+  writeExtBlkAfter(text, scene, kvSizeofSceneListExt(*scene.ext));
 }
 
 } // namespace
@@ -92,7 +77,7 @@ namespace {
 void writeCamExt(Text &text, const Cam &cam) {
   if (!cam.ext)
     return writeExtBlkAfter(text, cam, 0);
-  putRecord<LINES<CamExt>>(text, *cam.ext);
+  printMaker<CamExt>(text, *cam.ext, cam);
   writeExtBlkAfter(text, cam, sizeof(CamExt));
 }
 
@@ -112,10 +97,7 @@ void kvWriteKtLightListFix1(Text &text, const LightList &list) {
 void kvWriteKtLightFix1(Text &text, const Light &light, Index number) {
   print<"Light(%d)\n">(text, number);
   putRecord<LINES<LightHead>>(text, light);
-  if (light.light_type == 0)
-    writeDirLights<LINES_OF<DIRECTION_LIGHT_WORDS>>(text, light);
-  else if (light.light_type == 1)
-    writeDirLights<LINES<DirLight>>(text, light);
+  printContent<LightHead>(text, light);
 }
 
 void kvWriteKtLightList1(Text &text, const LightList &list) { writeSection(text, LIGHT_SECTION, list); }
@@ -130,10 +112,7 @@ void kvWriteKtObjListFix1(Text &text, const ObjList &list) {
 void kvWriteKtObjFix1(Text &text, const Obj &obj, Index number) {
   print<"Obj(%d)\n">(text, number);
   putRecord<LINES<ObjHead>>(text, obj);
-  printEach<"LOD_dist[%d]   %#g\n">(text, counted(obj.obj_lod_num, obj.LOD_dist));
-  printEach<"LOD_link[%d]   %d\n">(text, counted(obj.obj_lod_num, obj.LOD_link));
-  for (const Word link : counted(obj.obj_child_num, obj.child_link))
-    print<"child link    %0#10x\n">(text, link); // without its position, unlike all other arrays
+  printContent<ObjHead>(text, obj);
 }
 
 namespace {
@@ -141,13 +120,8 @@ namespace {
 void writeObjExt(Text &text, const Obj &obj) {
   if (!obj.ext)
     return writeExtBlkAfter(text, obj, 0);
-  const ObjExt &ext = *obj.ext;
-  putRecord<LINES<ObjExtHead>>(text, ext);
-  printEach<"obj_chain_root_link[%d] %d\n">(text, counted(ext.obj_chain_root_link_num, ext.obj_chain_root_link));
-  printEach<"external_lod_obj_dist[%d]  %#g\n">(text, counted(ext.external_lod_obj_num, ext.external_lod_obj_dist));
-  kvWriteKtExternal(text, counted(ext.external_lod_obj_num, ext.external_lod_obj), "external lod obj");
-  kvWriteKtExternal(text, counted(ext.external_obj_num, ext.external_obj), "external obj");
-  writeExtBlkAfter(text, obj, kvSizeofObjExt(ext));
+  printMaker<ObjExtHead>(text, *obj.ext, obj);
+  writeExtBlkAfter(text, obj, kvSizeofObjExt(*obj.ext));
 }
 
 } // namespace
@@ -164,7 +138,7 @@ void kvWriteKtShapeListFix1(Text &text, const ShapeList &list) {
 void kvWriteKtShapeFix1(Text &text, const Shape &shape, Index number) {
   print<"Shape(%d)\n">(text, number);
   putRecord<LINES<ShapeHead>>(text, shape);
-  printEach<"shape_part_link[%d]   %d\n">(text, counted(shape.shape_part_num, shape.shape_part_link));
+  printContent<ShapeHead>(text, shape);
 }
 
 namespace {
@@ -172,7 +146,7 @@ namespace {
 void writeShapeExt(Text &text, const Shape &shape) {
   if (!shape.ext)
     return writeExtBlkAfter(text, shape, 0);
-  putRecord<LINES<ShapeExt>>(text, *shape.ext);
+  printMaker<ShapeExt>(text, *shape.ext, shape);
   writeExtBlkAfter(text, shape, sizeof(ShapeExt));
 }
 

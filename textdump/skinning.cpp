@@ -1,17 +1,9 @@
 #include "format/skinning.h"
-#include "textdump/lines.h"
+#include "textdump/content.h"
 
 namespace kova {
 
 namespace {
-
-void writeVtxTriNvColor(Text &text, std::span<const VtxTriNvColor> records) {
-  Index position = 0;
-  for (const VtxTriNvColor &record : records) {
-    print<VTX_TRI_NV_COLOR_HEADING>(text, position++);
-    putRecord<LINES<VtxTriNvColor>>(text, record);
-  }
-}
 
 void writeFullWeightedPart(Text &text, const FullWeightedPart &part, Index) {
   kvWriteKtElementTop<LINES<FullWeightedPartHead>>(text, part, "FullWeightedPart");
@@ -19,16 +11,12 @@ void writeFullWeightedPart(Text &text, const FullWeightedPart &part, Index) {
 
 void writeWeightedPart(Text &text, const WeightedPart &part, Index) {
   kvWriteKtElementTop<LINES<WeightedPartHead>>(text, part, "WeightedPart");
-  const std::uint64_t affected = std::uint64_t{part.affected_node_num} + part.external_affected_obj_num;
-  kvWriteKtNodeIndex(text, counted(part.affected_node_num, part.affected_node), "affected_node");
-  kvWriteKtExternal(text, counted(part.external_affected_obj_num, part.external_affected_obj), "external_affected_obj");
-  kvWriteKtArray(text, counted(affected, part.weight_group_index), "weight_group_index");
-  writeVtxTriNvColor(text, counted(affected, part.group_index));
+  printContent<WeightedPartHead>(text, part);
 }
 
 void writeMorphPart(Text &text, const MorphPart &part, Index) {
   kvWriteKtElementTop<LINES<MorphPartHead>>(text, part, "MorphPart");
-  writeVtxTriNvColor(text, counted(part.table_num, part.group_index));
+  printContent<MorphPartHead>(text, part);
 }
 
 void writeEnvelope(Text &text, const Envelope &envelope, Index) {
@@ -37,27 +25,17 @@ void writeEnvelope(Text &text, const Envelope &envelope, Index) {
                 writeExtBlk<FullWeightedPart>);
   writeElements(text, envelope.weighted_part_num, envelope.weighted_part, writeWeightedPart, writeExtBlk<WeightedPart>);
   writeElements(text, envelope.morph_part_num, envelope.morph_part, writeMorphPart, writeExtBlk<MorphPart>);
-  Index position = 0;
-  for (const EnvelopeTri &tri : counted(envelope.envelope_tri_num, envelope.envelope_tri)) {
-    print<"EnvelopeTri(%d)\n">(text, position++);
-    putRecord<LINES<EnvelopeTri>>(text, tri);
-  }
+  printContent<EnvelopeHead>(text, envelope);
 }
 
 void writeClusterShape(Text &text, const ClusterShape &shape, Index) {
   kvWriteKtElementTop<LINES<ClusterShapeHead>>(text, shape, "ClusterShape");
-  for (const Cluster &cluster : counted(shape.cluster_num, shape.cluster))
-    kvWriteKtElementTop<LINES<Cluster>>(text, cluster, "Cluster");
-  Index position = 0;
-  for (const ClusterTri &tri : counted(shape.cluster_tri_num, shape.cluster_tri)) {
-    print<"ClusterTri(%d)\n">(text, position++);
-    putRecord<LINES<ClusterTri>>(text, tri);
-  }
+  printContent<ClusterShapeHead>(text, shape);
 }
 
 void writeWeightGroup(Text &text, const WeightGroup &group, Index) {
   kvWriteKtElementTop<LINES<WeightGroupHead>>(text, group, "WeightGroup");
-  kvWriteKtArrayf(text, counted(group.weight_num, group.weight), "weight");
+  printContent<WeightGroupHead>(text, group);
 }
 
 } // namespace

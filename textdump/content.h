@@ -1,0 +1,123 @@
+/// Printing what follows the words of a record: its arrays, pairs and runs of records, in the order of the file.
+///
+/// Blocks, and what has lines of its own (the references of triangles, texels, names, the data of collisions and of
+/// textures), print where their sections are.
+#pragma once
+
+#include "format/content.h"
+#include "format/skinning.h"
+#include "textdump/lines.h"
+
+namespace kova {
+
+/// The numbers in a line.
+template <Format LINE> inline constexpr std::size_t NUMBERS = parseFormat(LINE.text).count - 1;
+
+template <Format LINE> void printTuple(Text &text, Index position, const Xyz &tuple) {
+  print<LINE>(text, position, tuple.x, tuple.y, tuple.z);
+}
+template <Format LINE> void printTuple(Text &text, Index position, const Rgba &tuple) {
+  print<LINE>(text, position, tuple.red, tuple.green, tuple.blue, tuple.alpha);
+}
+template <Format LINE> void printTuple(Text &text, Index position, const St &tuple) {
+  print<LINE>(text, position, tuple.s, tuple.t);
+}
+/// Without its position, or with it.
+template <Format LINE, class Number>
+requires std::is_arithmetic_v<Number>
+void printTuple(Text &text, [[maybe_unused]] Index position, Number number) {
+  if constexpr (NUMBERS<LINE> == 1)
+    print<LINE>(text, number);
+  else
+    print<LINE>(text, position, number);
+}
+
+/// Records of group indices.
+template <Format LABEL> void printPairs(Text &text, std::span<const VtxTriNvColor> records) {
+  Index position = 0;
+  for (const VtxTriNvColor &each : records) {
+    print<VTX_TRI_NV_COLOR_HEADING>(text, position++);
+    putRecord<LINES<VtxTriNvColor>>(text, each);
+  }
+}
+template <Format LABEL> void printPairs(Text &text, std::span<const External> references) {
+  kvWriteKtExternal(text, references, LABEL.text);
+}
+template <Format LABEL> void printPairs(Text &text, std::span<const NodeIndex> nodes) {
+  kvWriteKtNodeIndex(text, nodes, LABEL.text);
+}
+
+/// Which parts print: in a maker block, external references stand behind all others.
+enum class Printed : std::uint8_t { all, others, externals };
+
+template <Printed PART, class Record, class Around = Record> struct Printer : PassingIo {
+  Text &out;
+  const Record &record;
+  const Around &around;
+
+  template <Format LINE, Format NAME, class Item, class Holder, class Count>
+  int array(ArrayLine<LINE, NAME>, std::vector<Item> Holder::*member, Count count, To = To::nothing) {
+    const auto items_held = counted(numberOf(record, count), record.*member);
+    if constexpr (PART == Printed::externals)
+      return 1;
+    else if constexpr (NUMBERS<LINE> == 0)
+      kvWriteKtList(out, items_held, static_cast<Word>(items_held.size_bytes()), LINE.text);
+    else
+      for (Index position = 0; const Item &item : items_held)
+        printTuple<LINE>(out, position++, item);
+    return 1;
+  }
+
+  template <Format LABEL, class Item, class Holder, class Count>
+  int pairs(PairsLabel<LABEL>, std::vector<Item> Holder::*member, Count count, To = To::nothing) {
+    if constexpr (PART == Printed::all || (PART == Printed::externals) == std::is_same_v<Item, External>)
+      printPairs<LABEL>(out, counted(numberOf(record, count), record.*member));
+    return 1;
+  }
+
+  /// An element that has the words of version 2 shows its stored index.
+  template <class Form, class Item, class Holder, class Count>
+  int run(Form, std::vector<Item> Holder::*member, Count count) {
+    if constexpr (PART != Printed::externals)
+      for (Index position = 0; const Item &item : counted(numberOf(record, count), record.*member)) {
+        if constexpr (std::is_base_of_v<ElementHead, Item>)
+          print<Form::TEXT>(out, item.this_index);
+        else
+          print<Form::TEXT>(out, position++);
+        putRecord<LINES_OF<Form::words>>(out, item);
+      }
+    return 1;
+  }
+
+  /// Records that are not stored print their headings, if they have such.
+  template <Format LINE, Format NAME, class Holder, class Count>
+  int absent(ArrayLine<LINE, NAME>, Word Holder::*number, Count count) {
+    if constexpr (NUMBERS<LINE> == 1)
+      for (Word i = 0; i < std::min<std::uint64_t>(numberOf(record, count), record.*number); ++i)
+        print<LINE>(out, i);
+    return 1;
+  }
+
+  Word tiles() const { return kvCiTileNum(around); }
+};
+
+/// Prints what follows the words of a record.
+template <class Head, class Record> void printContent(Text &text, const Record &record) {
+  Printer<Printed::all, Record> printer{{}, text, record, record};
+  content(printer, static_cast<const Head &>(record));
+}
+
+/// Prints what is decoded of a maker block: its words, what follows them, then the lines and the references that are
+/// kept for the end.
+template <class Head, class Ext, class Around> void printMaker(Text &text, const Ext &ext, const Around &around) {
+  const Head &head = ext;
+  putRecord<LINES<Head>>(text, head);
+  Printer<Printed::others, Ext, Around> others{{}, text, ext, around};
+  content(others, head);
+  if constexpr (LINES<Head>.later.first != LINES<Head>.later.end)
+    putLater<LINES<Head>>(text, head);
+  Printer<Printed::externals, Ext, Around> externals{{}, text, ext, around};
+  content(externals, head);
+}
+
+} // namespace kova
