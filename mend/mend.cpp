@@ -208,6 +208,20 @@ std::optional<Result> salvageHoled(std::vector<unsigned char> &bytes, bool sure)
       .outcome = Outcome::salvaged, .changes = std::move(salvaged->changes), .losses = std::move(salvaged->losses)};
 }
 
+/// @return whether a word that would be changed stands among so many zeros that they are not its record's own.
+bool standInZeros(const FileBytes &file, const std::vector<Change> &changes) {
+  constexpr std::uint64_t MANY = 32;
+  return std::any_of(changes.begin(), changes.end(), [&](const Change &change) {
+    std::uint64_t begin = change.offset;
+    std::uint64_t end = change.offset;
+    while (begin >= sizeof(Word) && end - begin < MANY && file[begin - sizeof(Word)] == 0)
+      begin -= sizeof(Word);
+    while (end < file.size() && end - begin < MANY && file[end] == 0)
+      end += sizeof(Word);
+    return change.old_value == 0 && end - begin >= MANY;
+  });
+}
+
 /// Mends a file as it is.
 Result mendAsIs(std::vector<unsigned char> &bytes, bool salvage) {
   FileBytes image(bytes);
@@ -221,8 +235,10 @@ Result mendAsIs(std::vector<unsigned char> &bytes, bool salvage) {
   Result result = has_header ? mendWhole(bytes, image, salvage) : hopeless("it is shorter than a header");
   if (!salvage || (result.outcome != Outcome::ambiguous && result.outcome != Outcome::hopeless))
     return result;
+  if (result.outcome == Outcome::ambiguous && stated > image.size())
+    return salvageCut(bytes);
   if (result.outcome == Outcome::ambiguous)
-    return stated > image.size() ? salvageCut(bytes) : result;
+    return standInZeros(image, result.changes) ? salvageHoled(bytes, false).value_or(result) : result;
   if (salvageShort(bytes, result))
     return result;
   setWords(image, result.changes, &Change::old_value);
