@@ -26,8 +26,12 @@ std::string existsText(const Options &options) { return printable(options.output
 
 /// @return why OUTPUT may not be written, for people; empty if it may, as far as is known.
 std::string outputRefusal(const Options &options, const struct stat &input) {
+  if (options.toStandardOutput())
+    return ::isatty(STDOUT_FILENO) != 0 ? "standard output is a terminal, to which no file is written" : "";
   const std::string name = printable(options.output);
   struct stat status;
+  if (::stat(options.output.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
+    return name + " is a folder";
   if (::stat(options.output.c_str(), &status) == 0 && status.st_dev == input.st_dev && status.st_ino == input.st_ino)
     return name + " is the same file as INPUT, which is never changed";
   if (!options.force && ::lstat(options.output.c_str(), &status) == 0)
@@ -58,19 +62,19 @@ std::string readInput(const Descriptor &file, const struct stat &status, Scene &
   return error != nullptr ? error : "";
 }
 
-void print(const std::string &line) { std::fwrite(line.data(), 1, line.size(), stdout); }
+void print(const std::string &line, std::FILE *to = stdout) { std::fwrite(line.data(), 1, line.size(), to); }
 
 /// Prints what was found, all but the last line.
-void printWords(const Result &result, Form form) {
+void printWords(const Result &result, Form form, std::FILE *to) {
   const bool two = result.outcome == Outcome::ambiguous;
   for (const Undoing &undone : result.undone)
-    print(undoneLine(undone, form));
+    print(undoneLine(undone, form), to);
   for (const Change &change : result.changes)
-    print(changeLine(change, form, two ? 1 : 0));
+    print(changeLine(change, form, two ? 1 : 0), to);
   for (const Change &change : result.alternative)
-    print(changeLine(change, form, 2));
+    print(changeLine(change, form, 2), to);
   for (const Loss &loss : result.losses)
-    print(lossLine(loss, form));
+    print(lossLine(loss, form), to);
 }
 
 /// Ends standard output. `std::fclose` would leave the C++ streams, which flush it once more at the end, a closed one.
@@ -107,6 +111,16 @@ int writeOutput(const Options &options, const Scene &scene, const std::string &l
                                 : printable(options.output) + " cannot be written: " + std::strerror(errno));
 }
 
+/// Writes the file to standard output. What was found is printed on standard error then.
+int writeStandardOutput(const Scene &scene, const std::string &last_line, int status) {
+  errno = 0;
+  std::fwrite(scene.bytes.data(), 1, scene.bytes.size(), stdout);
+  const int ended = endOutput(status, closeStream);
+  if (ended != FAILED)
+    print(last_line, stderr);
+  return ended;
+}
+
 /// Reads INPUT, unless OUTPUT may not be written. @return the exit status if there is nothing to go on with.
 std::optional<int> load(const Options &options, Scene &scene) {
   const Descriptor file = openToRead(options.input.c_str());
@@ -129,16 +143,17 @@ int repair(const Options &options) {
   const int status =
       result.outcome == Outcome::ambiguous || result.outcome == Outcome::hopeless ? NOT_MENDED : AUDITS_OK;
   errno = 0;
-  printWords(result, form);
+  printWords(result, form, options.toStandardOutput() ? stderr : stdout);
   // No change is written that could not be printed.
   if (endOutput(status, std::fflush) == FAILED)
     return FAILED;
   const bool write = !options.dry_run && (status == AUDITS_OK || options.partial);
   const std::string last_line = endingLine({result, options.input, write ? options.output : ""}, form);
   if (write)
-    return writeOutput(options, scene, last_line, status);
+    return options.toStandardOutput() ? writeStandardOutput(scene, last_line, status)
+                                      : writeOutput(options, scene, last_line, status);
   errno = 0;
-  print(last_line);
+  print(last_line, options.toStandardOutput() ? stderr : stdout);
   return endOutput(status, closeStream);
 }
 

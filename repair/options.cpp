@@ -17,7 +17,8 @@ constexpr HelpText HELP = {
              "       kbrepair --dry-run [OPTION]... INPUT\n",
     .description =
         "Mends a damaged KOVA scene file: recomputes the sizes, counts, indices and tags that follow from the rest "
-        "of the file. Prints every word that it changes. INPUT is never changed.",
+        "of the file. Prints every word that it changes. INPUT is never changed. OUTPUT - is standard output; then "
+        "the words are printed on standard error.",
     .footer =
         "Exit status: 0: OUTPUT audits OK; 1: the file cannot be mended; 2: INPUT cannot be read; 3: wrong usage, or "
         "an output that cannot be written."};
@@ -33,7 +34,7 @@ std::vector<Option> optionsOf(Options &options, Given &given) {
       flagOption(0, "salvage", "Of a file that was cut, keep what is whole", options.asked.salvage),
       numberOption(0, "part", "N", "Of several scenes in one file, take this one, from 1", options.asked.part,
                    1'000'000),
-      flagOption(0, "force", "Replace OUTPUT if it exists", options.force),
+      flagOption('f', "force", "Replace OUTPUT if it exists", options.force),
       flagOption(0, "partial", "Write OUTPUT also if it does not audit OK", options.partial),
       flagOption('n', "dry-run", "Write nothing; only print what would be changed", options.dry_run),
       flagOption(0, "json", "Print JSON, an object for each line", options.json),

@@ -16,6 +16,8 @@ struct Options {
   bool partial = false;
   bool dry_run = false;
   bool json = false;
+
+  bool toStandardOutput() const { return output == "-" && !dry_run; }
 };
 
 /// Equal to those of kbsurvey where they mean the same.

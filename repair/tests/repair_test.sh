@@ -55,6 +55,15 @@ repair 1 --partial not.kb out.kb
 same "size of a partial repair" "$(wc -c <not.kb)" "$(wc -c <out.kb)"
 written out.kb
 
+repair 0 bad.kb - # standard output
+cmp "$scratch/out" small-1.kb || fail "what is written to standard output"
+same "the last line on standard error" "mended: 1 word changed, - audits OK" "$(tail -n 1 "$scratch/err")"
+repair 1 not.kb -
+[ ! -s "$scratch/out" ] || fail "a hopeless file is written to standard output"
+if "$KBREPAIR" bad.kb - >/dev/full 2>"$scratch/err"; then fail "full standard output: status 0"; fi
+same "told of full standard output" "kbrepair: standard output cannot be written: No space left on device." "$(tail -n 1 "$scratch/err")"
+written
+
 repair 1 cut.kb out.kb
 written
 repair 0 --salvage cut.kb out.kb
@@ -141,7 +150,8 @@ refused 2 ": No such file or directory." "" out.kb
 refused 2 "folder: not a regular file." folder out.kb
 run 2 "a pipe" timeout 20 "$KBREPAIR" pipe out.kb
 same "a pipe" "kbrepair: pipe: not a regular file." "$(cat "$scratch/err")"
-refused 3 "folder exists; --force replaces it." town.kb folder
+refused 3 "folder is a folder." town.kb folder
+refused 3 "folder is a folder." -f town.kb folder
 written folder pipe
 for output in none/out.kb town.kb/out.kb; do
   repair 3 --force bad.kb $output
