@@ -339,7 +339,7 @@ void name(Walk &walk) { walk.pass(sized(walk, 12, "name_size", 8, "name_header_s
 // --- Palettes, skins, chains ----------------------------------------------------------------------------------------
 
 void ciImg(Walk &walk) {
-  walk.pass(std::int64_t{(walk.word(16) * walk.word(20) * walk.word(24) + 31) / 32} * sizeof(Word));
+  walk.pass(std::int64_t{(walk.word(16) * walk.word(20) * walk.word(24) + 31) / 32} * int{sizeof(Word)});
   walk.blocks();
 }
 
