@@ -35,7 +35,7 @@ int checkExternalNameList(const Kis &kis) {
   constexpr const ListRow &LIST = listRow("ExternalNameList");
   const ExternalNameList &list = kis.external_name;
   checkHeading(LIST.name);
-  int ok = checkNameTag(listPlace(kis, LIST, list.offset), list.list_tag, LIST.tag);
+  int ok = checkNameTag({LIST.name, {}, list.offset}, list.list_tag, LIST.tag);
   ok *= checkListSizes(kis, LIST, list);
   ok *= checkElements(LIST.name, list.num_byte, counted(list.num, list.element), [](const Listed<Name> &name) {
     int name_ok = checkNameTag(name.place, name.element.name_tag, LIST.tag + ELEMENT_KIND);

@@ -78,14 +78,14 @@ int checkKOVA2(const Kis &kis) {
 
 int checkFileHeaderExt(const FileHeader &header) {
   checkHeading("FileHeader Vantor Extension Block");
-  int ok = checkBlockSize(wordOf(HEADER, header, &FileHeader::van_ext_blk_size), header.van_ext_blk_size,
+  int ok = checkBlockSize(headerWord(header, &FileHeader::van_ext_blk_size), header.van_ext_blk_size,
                           fixedBytes<Version2Sizes>);
 
   Word sum = kvSizeofKOVA1file(header);
   for (const ListRow &list : VERSION_2_LISTS)
     sum += header.*list.size;
   if (header.size != sum)
-    ok = report<"all-lists-sum">(wordOf(HEADER, header, &FileHeader::size), {header.size, sum}, header.size, sum);
+    ok = report<"all-lists-sum">(headerWord(header, &FileHeader::size), {header.size, sum}, header.size, sum);
 
   // A 2.0 file need not have these lists: a missing one is reported and leaves the verdict as it is.
   for (const ListRow &list : VERSION_2_LISTS)

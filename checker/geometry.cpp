@@ -14,7 +14,7 @@ int checkTwoKindList(const Kis &kis, const ListRow &row, const TwoKindList<ForTr
                      const ElementRow<ForTri> &tri_row, const ElementRow<ForVtx> &vtx_row) {
   checkHeading(row.name);
   int ok = checkListSize(kis, row, list, &TwoKindList<ForTri, ForVtx>::list_size);
-  ok *= checkTwoKindListSum(listPlace(kis, row, list.offset), list.list_size, fixedBytes<TwoKindListHead>,
+  ok *= checkTwoKindListSum({row.name, {}, list.offset}, list.list_size, fixedBytes<TwoKindListHead>,
                             list.tri_group_size, list.tri_group_num, list.vtx_group_size, list.vtx_group_num,
                             list.van_ext_blk_size, list.usr_ext_blk_size);
   ok *= checkElements(row.name, list.tri_group_size, counted(list.tri_group_num, list.tri_group), tri_row);

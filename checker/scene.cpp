@@ -73,7 +73,7 @@ int checkSceneList(const Kis &kis) {
   const Word sum =
       scene.scene_header_size + fixedBytes<Index> * links + scene.van_ext_blk_size + scene.usr_ext_blk_size;
   if (scene.scene_size != sum)
-    ok = report<"scene-sum">(listPlace(kis, LIST, scene.offset), {scene.scene_size, sum}, scene.scene_size,
+    ok = report<"scene-sum">({LIST.name, {}, scene.offset}, {scene.scene_size, sum}, scene.scene_size,
                              scene.scene_header_size, fixedBytes<Index>, scene.scene_obj_link_num,
                              scene.scene_env_link_num, scene.scene_cam_link_num, scene.scene_light_link_num,
                              scene.van_ext_blk_size, scene.usr_ext_blk_size);

@@ -141,24 +141,22 @@ consteval const ListRow &listRow(std::string_view name) {
 /// @return the place of the list's size word in the header or in its maker block, which may lack it.
 Place sizeWordPlace(const FileHeader &header, const ListRow &row);
 
-/// @return the place of a list. A list that was not read has that of its size word.
-Place listPlace(const Kis &kis, const ListRow &row, std::uint64_t offset);
-
 /// `checksame` under "list size" of the header's word for the list and the list's own, which is `size`.
 template <class List, class Holder>
 int checkListSize(const Kis &kis, const ListRow &row, const List &list, Word Holder::*size) {
   const Word in_header = kis.file_header.*row.size;
   const Word in_list = list.*size;
-  const Place place = listPlace(kis, row, list.offset);
-  if (list.offset == NO_OFFSET)
-    return checkSame<"list-size">(place, "list size", in_header, in_list, {in_header, in_list});
-  return checkSame<"list-size">(wordOf(place, list, size), "list size", in_header, in_list, {in_list, in_header});
+  if (list.offset == NO_OFFSET) // it was not read
+    return checkSame<"list-size">(sizeWordPlace(kis.file_header, row), "list size", in_header, in_list,
+                                  {in_header, in_list});
+  return checkSame<"list-size">(wordOf(Place{row.name, {}, list.offset}, list, size), "list size", in_header, in_list,
+                                {in_list, in_header});
 }
 
 /// `checkListSize`, then the sum of the list.
 template <class Element> int checkListSizes(const Kis &kis, const ListRow &row, const List<Element> &list) {
   int ok = checkListSize(kis, row, list, &List<Element>::list_size);
-  ok *= checkListSum(listPlace(kis, row, list.offset), list.list_size, fixedBytes<ListHead>, list.num_byte, list.num,
+  ok *= checkListSum({row.name, {}, list.offset}, list.list_size, fixedBytes<ListHead>, list.num_byte, list.num,
                      list.van_ext_blk_size, list.usr_ext_blk_size);
   return ok;
 }

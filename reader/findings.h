@@ -46,6 +46,14 @@ Place wordOf(const Place &place, const Record &record, Member Holder::*member) {
 /// The place of the header, which the version-2 sizes follow in the file as they do in the record.
 inline constexpr Place HEADER = {"FileHeader", {}, 0};
 
+/// @return the place of one word of the header or of its version-2 sizes; without an offset if the file lacks the word.
+template <class Header, class Holder> Place headerWord(const Header &header, Word Holder::*member) {
+  Place place = wordOf(HEADER, header, member);
+  if (place.offset + sizeof(Word) > header.held + vanExtBlk(header.ext_blk).size_bytes())
+    place.offset = NO_OFFSET;
+  return place;
+}
+
 /// Two numbers that were compared, if there are two.
 struct Compared {
   std::optional<Word> found = {}; ///< in the file

@@ -151,9 +151,11 @@ constexpr auto READERS = inListOrder({
     listReader<&Kis::external_name, kvSetupExternalNameList, kvSetExternalName0, &Name::name_size>("ExternalNameList"),
 });
 
-/// The place at which the reader of a list stopped, which is not past its end.
-Place stoppedAt(const Cursor &cursor) {
-  return {cursor.list, cursor.element, offsetAfter(cursor.begin, std::min<std::uint64_t>(cursor.offset, cursor.size))};
+/// The place at which the reader of a list stopped, which is not past its end; without an offset if the file ends
+/// there.
+Place stoppedAt(const Cursor &cursor, std::uint64_t file_length) {
+  const std::uint64_t at = offsetAfter(cursor.begin, std::min<std::uint64_t>(cursor.offset, cursor.size));
+  return {cursor.list, cursor.element, at < file_length ? at : NO_OFFSET};
 }
 
 /// Reads a list of `size` bytes from the input's position, or clears its record where the size is 0.
@@ -175,7 +177,7 @@ int readList(Input &input, Word size, Kis &kis, std::size_t list) {
     if (failed(input))
       return sayReadError(input, kis, name);
     if (cursor.fault == Fault::past_end)
-      report<"list-runs-past-end">(stoppedAt(cursor), {}, name);
+      report<"list-runs-past-end">(stoppedAt(cursor, inputLength(input).value_or(0)), {}, name);
     return cursor.fault == Fault::no_memory ? sayNoMemory(name) : ok;
   } catch (const std::exception &) {
     return sayNoMemory(name);
@@ -197,14 +199,14 @@ int checkVersion(const FileHeader &header) {
   const Word version = kvKOVAver(header);
   if (version == VERSION_1 || version == VERSION_2)
     return 1;
-  return report<"version-unknown">(HEADER, {header.version}, header.version);
+  return report<"version-unknown">(headerWord(header, &FileHeader::version), {header.version}, header.version);
 }
 
 int checkFileSize(const FileHeader &header, std::uint64_t length) {
   if (length == header.size)
     return 1;
   const Word shown = static_cast<Word>(length);
-  return report<"file-size">(wordOf(HEADER, header, &FileHeader::size), {header.size, shown}, shown, header.size,
+  return report<"file-size">(headerWord(header, &FileHeader::size), {header.size, shown}, shown, header.size,
                              length < header.size ? "missing" : "extra");
 }
 
@@ -212,7 +214,7 @@ int checkHeaderSize(const FileHeader &header) {
   const Word sum = header.van_ext_blk_size + header.usr_ext_blk_size + Word{FILE_HEADER_BYTES};
   if (header.file_header_num == sum)
     return 1;
-  return report<"header-size">(wordOf(HEADER, header, &FileHeader::file_header_num), {header.file_header_num, sum});
+  return report<"header-size">(headerWord(header, &FileHeader::file_header_num), {header.file_header_num, sum});
 }
 
 int checkListSum(const FileHeader &header) {
@@ -220,13 +222,13 @@ int checkListSum(const FileHeader &header) {
   // The version-2 sizes are not known yet; the checker adds them up.
   if (kvKOVAver(header) != VERSION_1 || header.size == sum)
     return 1;
-  return report<"lists-sum">(wordOf(HEADER, header, &FileHeader::size), {header.size, sum}, header.size, sum);
+  return report<"lists-sum">(headerWord(header, &FileHeader::size), {header.size, sum}, header.size, sum);
 }
 
 int checkHeaderTag(const FileHeader &header) {
   if (header.header_tag == 0)
     return 1;
-  return report<"header-tag">(wordOf(HEADER, header, &FileHeader::header_tag), {header.header_tag, 0});
+  return report<"header-tag">(headerWord(header, &FileHeader::header_tag), {header.header_tag, 0});
 }
 
 /// Reads the header's two blocks with one read of their sum, which wraps. A shortage is none of the header's faults.
@@ -247,7 +249,7 @@ int readFileHeader(Input &input, Kis &kis) {
   FileHeader &header = kis.file_header;
   header = FileHeader();
   FileHeaderHead &words = header;
-  readBytes(input, &words, sizeof words); // what the file lacks stays 0, also the rest of a word
+  header.held = readBytes(input, &words, sizeof words); // what the file lacks stays 0, also the rest of a word
   endianSwap4(&words, sizeof words);
   if (failed(input))
     return sayReadError(input, kis, HEADER.list);

@@ -84,9 +84,9 @@ std::string brokenRule(const Bytes &bytes, const Audited &audited) {
     if (finding.row->severity == Severity::error && finding.row->stage == Stage::load && audited.loaded != 0)
       return id + " in a file that was loaded";
     check_errors += finding.row->severity == Severity::error && finding.row->stage == Stage::check;
-    if (finding.offset && *finding.offset > bytes.size() && bytes.size() >= FILE_HEADER_BYTES)
+    if (finding.offset && *finding.offset >= bytes.size())
       return id + " points behind the file";
-    if (!finding.offset || !finding.found || *finding.found == 0) // 0 is also what a file lacks
+    if (!finding.offset || !finding.found)
       continue;
     if (*finding.offset % sizeof(Word) != 0) // behind an odd number of texels, where words are not read as they stand
       continue;

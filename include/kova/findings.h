@@ -54,11 +54,12 @@ struct FindingText;
 /// list's name for ever.
 struct Finding {
   const FindingRow *row;
-  const char *list;                    ///< "SceneList" and so on, or "FileHeader"; null if it is about none of them
-  std::optional<Word> element;         ///< the element's position in its list, from 0
-  std::optional<std::uint64_t> offset; ///< in the file: of the wrong word, or of the record with the wrong sum
-  std::optional<Word> found;           ///< if two numbers were compared: the one in the file
-  std::optional<Word> expected;        ///< and the one that was expected
+  const char *list;            ///< "SceneList" and so on, or "FileHeader"; null if it is about none of them
+  std::optional<Word> element; ///< the element's position in its list, from 0
+  /// In the file: of the wrong word, or of the record with the wrong sum. None where the file lacks it.
+  std::optional<std::uint64_t> offset;
+  std::optional<Word> found;    ///< if two numbers were compared: the one in the file
+  std::optional<Word> expected; ///< and the one that was expected
   const FindingText *text;
 };
 

@@ -81,6 +81,7 @@ static_assert(sizeof(Version2Sizes) == VERSION_2_SIZES_BYTES);
 /// The nine sizes are zeros until they are read.
 struct FileHeader : FileHeaderHead, Version2Sizes {
   ExtBlk ext_blk;
+  std::size_t held = 0; ///< of the header's 100 bytes, as many as the file has; words behind them are 0
 };
 
 /// What is known of the file that a model was read from: which one it is, so that its second opening can be compared
