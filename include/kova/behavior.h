@@ -164,9 +164,9 @@ struct CollHead {
   Word coll_tag;
   Index this_coll_index;
   Word coll_header_size;
-  Word coll_size;
+  Word coll_size; ///< bytes; what it has beyond `coll_header_size` is the data
   Index coll_name_index;
-  Word coll_type;
+  Word coll_type; ///< 0x10 terrain, 0x20 point, 0x21 circle, 0x22 sphere, 0x23 cylinder, 0x24 box
 };
 static_assert(sizeof(CollHead) == 24);
 
@@ -270,7 +270,7 @@ struct NameHead {
   Word name_tag;
   Index this_name_index;
   Word name_header_size;
-  Word name_size;
+  Word name_size; ///< bytes, with the head; see `kvGetNamelen`
 };
 static_assert(sizeof(NameHead) == 16);
 

@@ -19,7 +19,7 @@ struct VtxGroupHead {
   Index this_vtx_group_index;
   Word vtx_group_header_size;
   Word vtx_group_size;
-  Index vtx_group_name;
+  Index vtx_group_name; ///< the index of the name, like the siblings that are called so
   Word vtx_num;
 };
 static_assert(sizeof(VtxGroupHead) == 24);
@@ -124,7 +124,7 @@ struct TriHead {
   Word tri_tag; ///< not tested
   Index this_tri_index;
   Word tri_size;
-  Index tri_nv_index;
+  Index tri_nv_index; ///< this and the others: in the groups that the references of the triangle group name
   Index tri_color_index;
   Index vtx_index0, st_index0, vtx_nv_index0, vtx_color_index0;
   Index vtx_index1, st_index1, vtx_nv_index1, vtx_color_index1;
@@ -165,7 +165,7 @@ struct PartHead {
   Index part_name_index;
   Index mat_index;
   Index tri_group_index;
-  Word part_tri_num;
+  Word part_tri_num; ///< of `tri_index`: triangles of the group `tri_group_index`
   Word van_ext_blk_size;
   Word usr_ext_blk_size;
 };

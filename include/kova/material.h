@@ -112,8 +112,8 @@ struct TexHead {
   Word tex_type;
   Word tex_wrap_s;
   Word tex_wrap_t;
-  Word tex_anim; ///< 0: still; else tile-animated
-  Word tex_data_area_size;
+  Word tex_anim;           ///< 0: still; else tile-animated
+  Word tex_data_area_size; ///< bytes; recorded, never used to find what follows
   Index tex_anim_frame_rate;
   Word van_ext_blk_size;
   Word usr_ext_blk_size;
@@ -135,9 +135,9 @@ static_assert(sizeof(TexStill) == 28);
 struct TexTilesHead {
   Index tex_img_width;
   Index tex_img_height;
-  Word tex_tile_scale_num;
-  Word tex_tile_offset_num;
-  Word tex_tile_img_num;
+  Word tex_tile_scale_num;  ///< of the keys, the widths and the heights
+  Word tex_tile_offset_num; ///< of the keys, and of x and y
+  Word tex_tile_img_num;    ///< of the keys and the images
 };
 static_assert(sizeof(TexTilesHead) == 20);
 
@@ -166,7 +166,7 @@ struct TeximgHead {
   Word tex_img_tag;
   Index this_tex_img_index;
   Word tex_img_header_size;
-  Word tex_img_size;
+  Word tex_img_size; ///< bytes of all of it; the texels are what its header and blocks leave
   Word van_ext_blk_size;
   Word usr_ext_blk_size;
 };

@@ -102,7 +102,7 @@ struct EnvHead {
   Index fog_far;
   Word fill_color;
   Word fill_depth;
-  Index bg_sprite_img;
+  Index bg_sprite_img; ///< an image; the format does not say of which list
   Index bg_sprite_depth;
   Word van_ext_blk_size;
   Word usr_ext_blk_size;
@@ -200,7 +200,7 @@ struct ObjHead {
   Word obj_render_type0;
   Word obj_render_type1;
   Word have_link_billboard;
-  Word obj_lod_num;
+  Word obj_lod_num; ///< of `LOD_dist` and of `LOD_link`
   Word obj_child_num;
   Word obj_parent_link;
   Word obj_shape_link;
@@ -227,9 +227,9 @@ struct ShapeHead {
   Word shape_size;
   Index shape_name_index;
   Word shape_type;
-  Index shape_tri_link;
+  Index shape_tri_link; ///< to the triangle group, whose `tri_num` counts the triangles of the shape
   Index shape_mat_link;
-  Word shape_part_num;
+  Word shape_part_num; ///< of `shape_part_link`: parts, not triangles
   Word van_ext_blk_size;
   Word usr_ext_blk_size;
 };
