@@ -5,6 +5,7 @@
 #include "kova/check.h"
 #include "kova/kb.h"
 #include "kova/kt.h"
+#include "kova/setup.h"
 
 #include <algorithm>
 #include <cstddef>

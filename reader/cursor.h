@@ -1,7 +1,7 @@
 /// Reading through the bounded cursor: the steps that the list readers are made of.
 #pragma once
 
-#include "kova/words.h"
+#include "kova/setup.h"
 
 #include <exception>
 #include <type_traits>

@@ -6,7 +6,7 @@
 /// goes from the stream straight to where it is kept. Of a file in memory the window holds the whole list.
 #pragma once
 
-#include "kova/words.h"
+#include "kova/setup.h"
 
 namespace kova {
 

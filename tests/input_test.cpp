@@ -2,6 +2,7 @@
 /// change while they are read.
 
 #include "harness/invariants.h"
+#include "kova/setup.h"
 #include "samples/builder.h"
 #include "tests/support.h"
 

@@ -1,6 +1,7 @@
 /// Lists much larger than the window through which they are read: what comes from a stream must be what comes from
 /// memory.
 
+#include "kova/setup.h"
 #include "tests/support.h"
 
 #include <gtest/gtest.h>

@@ -284,33 +284,12 @@ using CollList = List<CollGroup>;
 using SwitchList = List<Switch>;
 using NameList = List<Name>;
 
-/// The list readers; see `kvSetupSceneList`. The name reader takes the tags of either name list, and its message is
-/// "irregular tag ! %0#10x\n" with the list's tag, whichever tag was the wrong one.
-KOVA_API int kvSetupAnimList(Cursor &cursor, AnimList &list);
-KOVA_API int kvSetupCollList(Cursor &cursor, CollList &list);
-KOVA_API int kvSetupSwitchList(Cursor &cursor, SwitchList &list);
-KOVA_API int kvSetupNameList(Cursor &cursor, NameList &list);
-
-/// The clearers; see `kvSetScene0`.
-KOVA_API int kvSetAnim0(AnimList &list);
-KOVA_API int kvSetColl0(CollList &list);
-KOVA_API int kvSetSwitch0(SwitchList &list);
-KOVA_API int kvSetName0(NameList &list);
-
 /// @return the number of text bytes that a name states: `name_size` less `name_header_size`, negative in a corrupt one.
 KOVA_API Index kvGetNamelen(const NameHead &name);
 
 /// @return the text of a name, blanks turned into underscores; empty where the length is negative or memory cannot be
 /// had.
 KOVA_API std::string kvGetName(const Name &name);
-
-/// The maker-block decoders; see `kvSetupCamExt`.
-KOVA_API int kvSetupAnimGroupExt(AnimList &list);
-
-/// Read `count` keyframes from inside a maker block and move past them; those that lie inside the block are held, and
-/// an array that is cut leaves nothing for what follows. @return 0 only where memory cannot be had.
-KOVA_API int kvSetupRotateE(Cursor &cursor, std::vector<RotateE> &destination, Word count);
-KOVA_API int kvSetupScale(Cursor &cursor, std::vector<Scale> &destination, Word count);
 
 /// @return the bytes of maker block that the counts call for; see `kvSizeofSceneListExt`.
 KOVA_API Word kvSizeofAnimGroupExt(const AnimGroupExtHead &ext);

@@ -63,17 +63,4 @@ using JointList = List<Joint>;
 using EffectorList = List<Effector>;
 using ExternalNameList = NameList; ///< the layout of the NameList under tags of its own
 
-/// The list readers; see `kvSetupSceneList`. The external name list is read by the name list's reader, so it takes the
-/// tags of either list.
-KOVA_API int kvSetupChainRootList(Cursor &cursor, ChainRootList &list);
-KOVA_API int kvSetupJointList(Cursor &cursor, JointList &list);
-KOVA_API int kvSetupEffectorList(Cursor &cursor, EffectorList &list);
-KOVA_API int kvSetupExternalNameList(Cursor &cursor, ExternalNameList &list);
-
-/// The clearers; see `kvSetCiimg0`.
-KOVA_API int kvSetChainRoot0(ChainRootList &list);
-KOVA_API int kvSetJoint0(JointList &list);
-KOVA_API int kvSetEffector0(EffectorList &list);
-KOVA_API int kvSetExternalName0(ExternalNameList &list);
-
 } // namespace kova

@@ -184,26 +184,9 @@ using VectorList = TwoKindList<TriNvGroup, VtxNvGroup>;
 using StList = List<StGroup>;
 using PartList = List<Part>;
 
-/// The list readers; see `kvSetupSceneList`. The colour list reads as many vertex-colour groups as it counts
-/// triangle-colour groups: its second count governs only the second size table.
-KOVA_API int kvSetupVtxList(Cursor &cursor, VtxList &list);
-KOVA_API int kvSetupTriList(Cursor &cursor, TriList &list);
-KOVA_API int kvSetupColorList(Cursor &cursor, ColorList &list);
-KOVA_API int kvSetupVectorList(Cursor &cursor, VectorList &list);
-KOVA_API int kvSetupStList(Cursor &cursor, StList &list);
-KOVA_API int kvSetupPartList(Cursor &cursor, PartList &list);
-
 /// @return the six references of a group, by `RefKind`. An array is there whole or, where reading ended before it,
 /// empty; where a program has lowered `tri_anim_frame_num` since, it is as long as that says. The views stay good as
 /// long as the group does.
 KOVA_API std::array<AnimRef, REF_KIND_NUM> kvRefs(const TriGroup &group);
-
-/// The clearers; see `kvSetScene0`.
-KOVA_API int kvSetVtx0(VtxList &list);
-KOVA_API int kvSetTri0(TriList &list);
-KOVA_API int kvSetColor0(ColorList &list);
-KOVA_API int kvSetVector0(VectorList &list);
-KOVA_API int kvSetSt0(StList &list);
-KOVA_API int kvSetPart0(PartList &list);
 
 } // namespace kova

@@ -198,31 +198,6 @@ KOVA_API int kvOpenKbMemory(std::span<const unsigned char> bytes, const char *na
 /// moved back: of a pipe, the version-2 lists cannot be read. `name` is what `kis` holds as the file's name.
 KOVA_API int kvOpenKbStream(std::FILE *stream, const char *name, Kis &kis);
 
-/// The first step of `kvOpenKb`: the header and the version-1 lists. The first list that fails ends it.
-KOVA_API int kvOpenKb1(const char *path, Kis &kis);
-
-/// The last step: opens the file again by the name in `kis` and reads the version-2 lists. Nothing but a regular file
-/// or a block device is opened again, and the opening never waits. @return 1; 0 where the file cannot be opened
-/// ("Input File Open Error\n"), is not the one that `kvOpenKb1` read ("Input File Has Changed\n": another device,
-/// inode, size or time of change), or where a list fails.
-KOVA_API int kvOpenKb2Ext(Kis &kis);
-
-/// Reads the 100-byte header and its blocks from the stream's position, and makes all of its checks, each with its
-/// message on standard error. Bytes that the file lacks are 0. Where the read itself fails, this is reported and no
-/// check is made. The blocks of a file of unknown version are not read. @return 1 where every check passed.
-KOVA_API int kvReadFileHeader(std::FILE *stream, Kis &kis);
-
-/// Fills the version-2 size table of a 2.0 header from its maker block, words that the block lacks being 0.
-/// @return 0 for a 2.0 header whose maker block is empty, else 1 (a 1.0 header is left as it is).
-KOVA_API int kvSetupFileHeaderExt(FileHeader &header);
-
-/// Reads the list called `name` ("SceneList" to "ExternalNameList"), which is `size` bytes long, from the stream's
-/// position into its record in `kis`; a size of 0 reads nothing and clears the record. Memory is asked for by what the
-/// stream holds, not by `size`. Prints on standard error what the list's reader prints, "%s runs past its end.\n" or
-/// "%s: out of memory.\n" with the name, or "Input File Read Error\n" (once for a model). @return the reader's or
-/// clearer's result; 0 for a name that no list has.
-KOVA_API int kvReadList(std::FILE *stream, Word size, Kis &kis, const char *name);
-
 /// @return the 28 list names in file order.
 KOVA_API std::span<const char *const> kvListNames();
 

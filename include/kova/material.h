@@ -183,16 +183,6 @@ using MatList = List<Mat>;
 using TexList = List<Tex>;
 using TeximgList = List<Teximg>;
 
-/// The list readers; see `kvSetupSceneList`.
-KOVA_API int kvSetupMatList(Cursor &cursor, MatList &list);
-KOVA_API int kvSetupTexList(Cursor &cursor, TexList &list);
-KOVA_API int kvSetupTeximgList(Cursor &cursor, TeximgList &list);
-
-/// The clearers; see `kvSetScene0`.
-KOVA_API int kvSetMat0(MatList &list);
-KOVA_API int kvSetTex0(TexList &list);
-KOVA_API int kvSetTeximg0(TeximgList &list);
-
 /// @return the bytes of texels that image `index` states (wraps at 32 bits); it may hold fewer. 0 for an index that no
 /// image has.
 KOVA_API Word kvSizeofTeximg(const TeximgList &list, std::size_t index);
@@ -201,11 +191,6 @@ KOVA_API Word kvSizeofTeximg(const TeximgHead &image);
 /// @return the number of colour-index tiles of a texture: 0 where it uses no palette (or has no decoded maker block), 1
 /// for a still texture, else its `tex_tile_img_num`.
 KOVA_API Word kvCiTileNum(const Tex &tex);
-
-/// The maker-block decoders; see `kvSetupCamExt`.
-KOVA_API int kvSetupMatExt(MatList &list);
-KOVA_API int kvSetupTexExt(TexList &list);
-KOVA_API int kvSetupTeximgExt(TeximgList &list);
 
 /// @return the bytes of maker block that the counts call for; see `kvSizeofSceneListExt`. `tile_num` is what
 /// `kvCiTileNum` says of the texture.

@@ -44,14 +44,6 @@ struct ColorPalette : ColorPaletteHead {
 using CiImgList = List<CiImg>;
 using ColorPaletteList = List<ColorPalette>;
 
-/// The list readers; see `kvSetupSceneList`.
-KOVA_API int kvSetupCiimgList(Cursor &cursor, CiImgList &list);
-KOVA_API int kvSetupColorPaletteList(Cursor &cursor, ColorPaletteList &list);
-
-/// The clearers of the version-2 lists set the element count to 0. @return 1.
-KOVA_API int kvSetCiimg0(CiImgList &list);
-KOVA_API int kvSetColorPalette0(ColorPaletteList &list);
-
 /// @return the words of an image's pixel indices, which are packed bits padded to a whole word. Width x height x depth
 /// + 31 wraps at 32 bits.
 KOVA_API Word kvSizeofPixelIndexArray(const CiImgHead &image);

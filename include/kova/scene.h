@@ -248,33 +248,6 @@ using LightList = List<Light>;
 using ObjList = List<Obj>;
 using ShapeList = List<Shape>;
 
-/// The list readers. Each takes a cursor at the first word of the list and fills the record anew. @return 1, or 0 after
-/// a wrong tag ("irregular tag ! ..." on standard error), or 0 with the cursor's fault set where the list runs past its
-/// end or memory cannot be had. What was read before stays in the record.
-KOVA_API int kvSetupSceneList(Cursor &cursor, Scene &scene);
-KOVA_API int kvSetupEnvList(Cursor &cursor, EnvList &list);
-KOVA_API int kvSetupCamList(Cursor &cursor, CamList &list);
-KOVA_API int kvSetupLightList(Cursor &cursor, LightList &list);
-KOVA_API int kvSetupObjList(Cursor &cursor, ObjList &list);
-KOVA_API int kvSetupShapeList(Cursor &cursor, ShapeList &list);
-
-/// The clearers, for a list that the file leaves empty. Those of the version-1 lists leave the record as it is: a
-/// fresh handle holds no elements. @return 1.
-KOVA_API int kvSetScene0(Scene &scene);
-KOVA_API int kvSetEnv0(EnvList &list);
-KOVA_API int kvSetCam0(CamList &list);
-KOVA_API int kvSetLight0(LightList &list);
-KOVA_API int kvSetObj0(ObjList &list);
-KOVA_API int kvSetShape0(ShapeList &list);
-
-/// Decode the maker blocks of all records of one kind into their `ext`; `kvOpenKb` runs them on what the version-1 part
-/// of a 2.0 file has left. @return 1; 0 where a record has no maker block (the others are still decoded; a list without
-/// records is right), or where memory cannot be had ("%s: out of memory.\n" with the list's name on standard error).
-KOVA_API int kvSetupSceneListExt(Scene &scene);
-KOVA_API int kvSetupCamExt(CamList &list);
-KOVA_API int kvSetupObjExt(ObjList &list);
-KOVA_API int kvSetupShapeExt(ShapeList &list);
-
 /// @return the bytes of maker block that the counts call for: its fixed words and its arrays (wraps at 32 bits). A
 /// camera's and a shape's maker block have no arrays.
 KOVA_API Word kvSizeofSceneListExt(const SceneListExtHead &ext);

@@ -173,19 +173,4 @@ using EnvelopeList = List<Envelope>;
 using ClusterList = List<ClusterShape>;
 using WeightList = List<WeightGroup>;
 
-/// The list readers; see `kvSetupSceneList`. Parts, triangles, clusters and cluster triangles have tags that are not
-/// tested.
-KOVA_API int kvSetupEnvelopeList(Cursor &cursor, EnvelopeList &list);
-KOVA_API int kvSetupClusterList(Cursor &cursor, ClusterList &list);
-KOVA_API int kvSetupWeightList(Cursor &cursor, WeightList &list);
-
-/// The clearers; see `kvSetCiimg0`.
-KOVA_API int kvSetEnvelope0(EnvelopeList &list);
-KOVA_API int kvSetCluster0(ClusterList &list);
-KOVA_API int kvSetWeight0(WeightList &list);
-
-/// Reads `count` records that are stored as one run for each of their five members; all or nothing.
-/// @return 1, also for a count of 0; else 0 with the cursor's fault set.
-KOVA_API int kvSetupVtxTriNvColor(Cursor &cursor, std::vector<VtxTriNvColor> &destination, std::uint64_t count);
-
 } // namespace kova

@@ -89,59 +89,8 @@ KOVA_API Stream kvKbWriteOpen(const char *path);
 KOVA_API Stream kvKtReadOpen(const char *path);
 KOVA_API Stream kvKtWriteOpen(const char *path);
 
-// --- The bounded cursor ---------------------------------------------------------------------------------------------
-
-/// Why a read was refused.
-enum class Fault : std::uint8_t {
-  none,
-  past_end, ///< it needs what lies outside the buffer
-  no_memory ///< the memory for what is there cannot be had
-};
-
-/// A list that is read from its stream piece by piece; private to the library.
-struct ListWindow;
-
 /// The offset of what was not read from a file, or from a stream that has no positions.
 inline constexpr std::uint64_t NO_OFFSET = ~std::uint64_t{0};
-
-/// A byte offset into a list of host-order words, which lies in memory or comes from a stream. Moving it is free, also
-/// past the end; a read needs all of its words inside the list, and a read of nothing succeeds wherever the cursor
-/// stands.
-struct Cursor {
-  const unsigned char *data = nullptr; ///< not owned; the whole list, unless it comes from a stream
-  std::size_t size = 0;                ///< in bytes, as many as are really there
-  std::uint64_t offset = 0;            ///< in bytes
-  std::uint64_t zeroed = 0;            ///< records handed out so far that a count promised and the form does not store
-  Fault fault = Fault::none;           ///< the first refusal
-  ListWindow *window = nullptr;        ///< not owned; null for a list in memory
-  // For findings: what is being read.
-  const char *list = nullptr;       ///< the list's name
-  std::uint64_t begin = NO_OFFSET;  ///< of the list in its file
-  std::optional<Word> element = {}; ///< its position in the list
-};
-
-/// @return a cursor at the start of a block of words.
-inline Cursor cursorOf(std::span<const Word> block) {
-  return Cursor{reinterpret_cast<const unsigned char *>(block.data()), block.size_bytes()};
-}
-
-/// Reads `count` words into `destination`; all or nothing. @return 1, also for a count of 0; else 0.
-KOVA_API int kvReadArray(Cursor &cursor, Words &destination, Word count);
-KOVA_API int kvReadArray(Cursor &cursor, Indices &destination, Word count);
-KOVA_API int kvReadArray(Cursor &cursor, Floats &destination, Word count);
-
-/// The twin of `kvReadArray` for the inside of maker blocks: holds the words that lie inside the block, at most
-/// `count`.
-/// @return 0 only where memory cannot be had.
-KOVA_API int kvSetupArray(Cursor &cursor, Words &destination, Word count);
-KOVA_API int kvSetupArray(Cursor &cursor, Indices &destination, Word count);
-KOVA_API int kvSetupArray(Cursor &cursor, Floats &destination, Word count);
-
-/// Reads `rows` rows of `bytes_per_row` / 4 words each into `area`, which owns them. On return `destination` points
-/// just past the copied words; the start is `area.data()`.
-/// @return `destination`, which is not null, also where no word was asked for; null where the words are not all there
-/// or memory cannot be had.
-KOVA_API Word *kvReadArea(Cursor &cursor, Words &area, Word *&destination, Word bytes_per_row, Word rows);
 
 // --- Extension blocks -----------------------------------------------------------------------------------------------
 
@@ -163,27 +112,10 @@ inline std::span<const Word> usrExtBlk(const ExtBlk &blk) {
   return blk.words ? std::span<const Word>(blk.words->usr) : std::span<const Word>();
 }
 
-/// Reads `van_size` / 4 words of maker block, then `usr_size` / 4 words of user block (sizes in bytes, remainders
-/// dropped), replacing what `blk` held. Each block is held whole or not at all. @return 1, or 0 where one is not all
-/// there.
-KOVA_API int kvReadExtBlk1(Cursor &cursor, ExtBlk &blk, Word van_size, Word usr_size);
-
-/// The twin of `kvReadExtBlk1` that holds what is there, built on `kvSetupArray`.
-KOVA_API int kvSetupExtBlk1(Cursor &cursor, ExtBlk &blk, Word van_size, Word usr_size);
-
 // --- Tags, references, small setters --------------------------------------------------------------------------------
 
 /// @return 1 where equal; else 0 after "irregular tag ! %0#10x != %0#10x\n" (found, expected) on standard error.
 KOVA_API int kvCheckTag(Word found, Word expected);
-
-/// Reads a run of pairs that is stored as `count` first members, then `count` second members; all or nothing.
-/// @return 1, also for a count of 0; else 0.
-KOVA_API int kvReadExternal(Cursor &cursor, std::vector<External> &destination, Word count);
-KOVA_API int kvReadNodeIndex(Cursor &cursor, std::vector<NodeIndex> &destination, Word count);
-
-/// The twin of `kvReadExternal` for the inside of maker blocks: pair i is held when its second member lies inside the
-/// block. @return 0 only where memory cannot be had.
-KOVA_API int kvSetupExternal(Cursor &cursor, std::vector<External> &destination, Word count);
 
 /// Sets both members to -1: no external reference.
 KOVA_API void kvSetNoExternal(External &external);
