@@ -37,12 +37,16 @@ for document in README.md docs/tour.md; do
   mkdir "$folder"
   examples "$SOURCE_DIR/$document" "$folder"
   cd "$scratch/folder"
+  left_out=
   for example in "$folder"/*.sh; do
     command=$(cat "$example")
     if [[ ! -x ${command%% *} ]] && ! has "${command%% *}"; then
       notice "$document: examples of ${command%% *}, which is not built"
+      left_out=yes
       continue
     fi
+    # What other tools show may come of an example that was left out.
+    [ -z "$left_out" ] || [[ $command == kbaudit\ * || $command == scripts/run* ]] || continue
     printed=$(bash -c "$command" 2>&1 | fixed) || :
     # shellcheck disable=SC2053 # a pattern
     [[ $printed == $(pattern "${example%.sh}.text") ]] || fail "$document: $command prints:"$'\n'"$printed"
