@@ -82,20 +82,20 @@ void triangleOurs(benchmark::State &state) {
   TriHead tri = TRIANGLE;
   for (auto _ : state) {
     benchmark::DoNotOptimize(tri);
-    putRecord<TRI_LINES>(text, tri);
+    putRecord<LINES<TriHead>>(text, tri);
   }
   flush(text);
   std::fclose(nothing);
 }
 void trianglePrintf(benchmark::State &state) {
   std::FILE *const nothing = std::fopen("/dev/null", "w");
-  const auto words = std::bit_cast<std::array<Word, TRI_LINES.WORDS>>(TRIANGLE);
-  std::array<std::string, TRI_LINES.WORDS> formats; // all of them for "%d" and "%0#10x"
+  const auto words = std::bit_cast<std::array<Word, LINES<TriHead>.WORDS>>(TRIANGLE);
+  std::array<std::string, LINES<TriHead>.WORDS> formats; // all of them for "%d" and "%0#10x"
   for (std::size_t i = 0; i < formats.size(); ++i) {
-    const Step &step = TRI_LINES.step[i];
-    formats[i] = std::string(TRI_LINES.text + step.begin, step.length) + spellingOf(step.conversion).data();
+    const Step &step = LINES<TriHead>.step[i];
+    formats[i] = std::string(LINES<TriHead>.text + step.begin, step.length) + spellingOf(step.conversion).data();
   }
-  formats.back().append(TRI_LINES.text + TRI_LINES.now.last_begin, TRI_LINES.now.last_length);
+  formats.back().append(LINES<TriHead>.text + LINES<TriHead>.now.last_begin, LINES<TriHead>.now.last_length);
   for (auto _ : state)
     for (std::size_t i = 0; i < words.size(); ++i)
       std::fprintf(nothing, formats[i].c_str(), words[i]);
