@@ -53,9 +53,9 @@ void countVersion2(Check &check, const FileHeader &bytes, const Kis &kis) {
   check[Target::image] = std::max(check[Target::teximg], ci_images); // unknown is more than any number
 }
 
-Check checkOf(const Kis &kis, Record &record) {
+Check checkOf(const Kis &kis, FileResult &result) {
   const FileHeader &bytes = kis.file_header;
-  Check check{record};
+  Check check{result};
   check.number.fill(UNKNOWN);
   countVersion1(check, bytes, kis);
   countVersion2(check, bytes, kis);
@@ -70,9 +70,9 @@ Check checkOf(const Kis &kis, Record &record) {
 
 } // namespace deep
 
-void deepCheck(const Kis &kis, Record &record) {
+void deepCheck(const Kis &kis, FileResult &result) {
   using namespace deep;
-  Check check = checkOf(kis, record);
+  Check check = checkOf(kis, result);
   const GroupSizes sizes = groupSizes(kis);
   checkSceneLists(check, kis);
   checkGeometryLists(check, sizes, kis);

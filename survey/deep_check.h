@@ -2,7 +2,7 @@
 #pragma once
 
 #include "survey/deep_catalogue.h"
-#include "survey/record.h"
+#include "survey/file_result.h"
 
 #include <cstdio>
 #include <limits>
@@ -36,7 +36,7 @@ inline constexpr std::uint64_t UNKNOWN = std::numeric_limits<std::uint64_t>::max
 
 /// What all checks need.
 struct Check {
-  Record &record; ///< gets the warnings
+  FileResult &result; ///< gets the warnings
   /// The number of elements of each target; those of a triangle group or part as long as that is looked at.
   std::array<std::uint64_t, TARGET_NUM> number = {};
 
@@ -67,12 +67,12 @@ template <class... Arguments>
 void say(Check &check, std::size_t row_number, const Place &place, const Compared &compared,
          const Arguments &...arguments) {
   const FindingRow &row = ROWS[row_number];
-  if (!countFinding(check.record, row.id))
+  if (!countFinding(check.result, row.id))
     return;
   const std::string element = place.element ? '[' + std::to_string(*place.element) + ']' : "";
   char text[256]; // longer than any that the rows can make
   std::snprintf(text, sizeof text, row.format, (place.list + element).c_str(), printed(arguments)...);
-  keepFinding(check.record, {.id = row.id,
+  keepFinding(check.result, {.id = row.id,
                              .stage = row.stage,
                              .severity = row.severity,
                              .list = place.list,

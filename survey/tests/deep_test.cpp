@@ -92,22 +92,22 @@ const File &consistentScene() {
 }
 
 /// What the deep checks find in a file; nothing if the file cannot be loaded whole.
-std::optional<Record> deepRecord(const Bytes &bytes) {
+std::optional<FileResult> deepResult(const Bytes &bytes) {
   const FindingReceiver nobody([](const Finding &) {});
   const KisHandle kis = kvNewKis();
-  Record record;
+  FileResult result;
   const int loaded = kvOpenKbMemory(bytes, "scene.kb", *kis);
-  deepCheck(*kis, record);
-  return loaded != 0 ? std::optional(std::move(record)) : std::nullopt;
+  deepCheck(*kis, result);
+  return loaded != 0 ? std::optional(std::move(result)) : std::nullopt;
 }
 
 /// The findings of a file that loads, "id element" each.
 Lines deepFindings(const Bytes &bytes) {
-  const std::optional<Record> record = deepRecord(bytes);
-  if (!record)
+  const std::optional<FileResult> result = deepResult(bytes);
+  if (!result)
     return {"not loaded"};
   Lines lines;
-  for (const KeptFinding &finding : record->findings)
+  for (const KeptFinding &finding : result->findings)
     lines.push_back(finding.id + " " + (finding.element ? std::to_string(*finding.element) : "-"));
   return lines;
 }
@@ -118,13 +118,13 @@ Lines deepFindings(const Bytes &bytes) {
 constexpr Word PROBE = 0x7fc00000;
 
 /// What the deep checks find if one word of the scene has another value; nothing if it cannot be loaded then.
-std::optional<Record> withWord(const samples::NamedWord &word, Word value) {
+std::optional<FileResult> withWord(const samples::NamedWord &word, Word value) {
   static Bytes bytes = consistentScene().bytes;
   const Word old = wordAt(bytes, word.offset);
   setWordAt(bytes, word.offset, value);
-  std::optional<Record> record = deepRecord(bytes);
+  std::optional<FileResult> result = deepResult(bytes);
   setWordAt(bytes, word.offset, old);
-  return record;
+  return result;
 }
 
 bool isLink(const FindingRow &row) { return std::string_view(row.format).find("but %s has") != std::string_view::npos; }
@@ -133,8 +133,8 @@ bool isLink(const FindingRow &row) { return std::string_view(row.format).find("b
 void tryBounds(const samples::NamedWord &word, const KeptFinding &finding) {
   const Word end = finding.expected.value_or(0);
   for (const auto &[value, wrong] : {std::pair(end, true), {end - 1, false}, {~Word{0}, false}, {~Word{1}, true}}) {
-    const std::optional<Record> record = withWord(word, value);
-    EXPECT_TRUE(record && record->counts.contains(finding.id) == wrong)
+    const std::optional<FileResult> result = withWord(word, value);
+    EXPECT_TRUE(result && result->counts.contains(finding.id) == wrong)
         << word.kind << ' ' << word.number << ' ' << word.field << " = " << static_cast<Index>(value);
   }
 }
@@ -147,7 +147,7 @@ struct Outcome {
   std::string findings;            ///< of the last word: id, whether it points to the word (@), text
 };
 
-void take(Outcome &outcome, const samples::NamedWord &word, const Record &record) {
+void take(Outcome &outcome, const samples::NamedWord &word, const FileResult &result) {
   const std::size_t bracket = word.field.find('[');
   outcome.kind = word.kind;
   outcome.field = word.field.substr(0, bracket);
@@ -155,7 +155,7 @@ void take(Outcome &outcome, const samples::NamedWord &word, const Record &record
   if (bracket != word.field.npos)
     outcome.positions.insert(std::stoul(word.field.substr(bracket + 1)));
   outcome.findings.clear();
-  for (const KeptFinding &finding : record.findings)
+  for (const KeptFinding &finding : result.findings)
     outcome.findings += " | " + finding.id + (finding.offset == word.offset ? " @ " : " ") + finding.text;
 }
 
@@ -195,22 +195,22 @@ TEST(SurveyDeep, EveryWord) {
   for (const samples::NamedWord &word : words) {
     if (word.number > 7 && word.number != last[word.kind])
       continue;
-    const std::optional<Record> record = withWord(word, PROBE);
-    if (!record || record->findings.empty())
+    const std::optional<FileResult> result = withWord(word, PROBE);
+    if (!result || result->findings.empty())
       continue;
-    for (const KeptFinding &finding : record->findings) {
+    for (const KeptFinding &finding : result->findings) {
       untried.erase(finding.id);
       if (isLink(*rowOf(finding.id.c_str())) && finding.found == PROBE)
         tryBounds(word, finding);
     }
     Outcome outcome;
-    take(outcome, word, *record);
+    take(outcome, word, *result);
     const std::string same = std::regex_replace(outcome.findings, std::regex("\\[[0-9]+\\]"), "");
     const auto at = outcome_of.emplace(outcome.kind + ' ' + outcome.field + same, outcomes.size());
     if (at.second)
       outcomes.push_back(outcome);
     else
-      take(outcomes[at.first->second], word, *record);
+      take(outcomes[at.first->second], word, *result);
   }
   std::string text;
   for (const Outcome &outcome : outcomes)
@@ -299,11 +299,11 @@ TEST(SurveyDeep, ControlBytesInNames) {
     setWordAt(bytes, text, 0x61c39c20); // letters, also such as are not ASCII, and a blank
     EXPECT_EQ(deepFindings(bytes), Lines{});
     setWordAt(bytes, text, 0x619b0062);
-    const std::optional<Record> record = deepRecord(bytes);
-    ASSERT_TRUE(record && record->findings.size() == 1);
-    EXPECT_EQ(record->findings[0].text,
+    const std::optional<FileResult> result = deepResult(bytes);
+    ASSERT_TRUE(result && result->findings.size() == 1);
+    EXPECT_EQ(result->findings[0].text,
               "WARN : " + (list + std::string("[2] : control byte 0x0000009b in the name\n")));
-    EXPECT_EQ(record->findings[0].offset, text + 1);
+    EXPECT_EQ(result->findings[0].offset, text + 1);
     setWordAt(bytes, text, 0x61001b7f); // behind the end of the name
     EXPECT_EQ(deepFindings(bytes), Lines{});
   }
@@ -316,10 +316,10 @@ TEST(SurveyDeep, SilentAboutAllSamplesThatAreOK) {
   int ok = 0;
   for (const auto &entry : std::filesystem::directory_iterator(KOVA_SOURCE_DIR "/samples")) {
     Workspace workspace;
-    const Record shallow = audit({.path = entry.path()}, {}, workspace);
+    const FileResult shallow = audit({.path = entry.path()}, {}, workspace);
     if (shallow.verdict != Verdict::ok)
       continue;
-    const Record deep = audit({.path = entry.path()}, {.deep = true}, workspace);
+    const FileResult deep = audit({.path = entry.path()}, {.deep = true}, workspace);
     EXPECT_EQ(deep.counts, shallow.counts) << entry.path() << ": " << deep.findings.back().text;
     ++ok;
   }
@@ -332,9 +332,9 @@ void tryDamaged(const Bytes &bytes) {
   const FindingReceiver nobody([](const Finding &) {});
   const KisHandle kis = kvNewKis();
   kvOpenKbMemory(bytes, "scene.kb", *kis);
-  Record record;
-  deepCheck(*kis, record);
-  for (const KeptFinding &finding : record.findings) {
+  FileResult result;
+  deepCheck(*kis, result);
+  for (const KeptFinding &finding : result.findings) {
     if (!finding.offset)
       continue;
     const bool is_byte = finding.id == "name-control-byte";
@@ -369,17 +369,17 @@ TEST(SurveyDeep, SilentAboutWhatCouldNotBeRead) {
     const KisHandle kis = kvNewKis();
     const FindingReceiver nobody([](const Finding &) {});
     EXPECT_EQ(kvOpenKbMemory(file.bytes, "scene.kb", *kis), 0) << edit;
-    Record record;
-    deepCheck(*kis, record);
-    EXPECT_EQ(record.counts.size(), 0U) << edit;
+    FileResult result;
+    deepCheck(*kis, result);
+    EXPECT_EQ(result.counts.size(), 0U) << edit;
   }
 }
 
 TEST(SurveyDeep, LeavesTheVerdictAsItIs) {
   const harness::ScratchFile scratch(edited(consistentScene(), "Cam 1 cam_eye_obj 5").bytes);
   Workspace workspace;
-  const Record shallow = audit({.path = scratch.path}, {}, workspace);
-  const Record deep = audit({.path = scratch.path}, {.deep = true}, workspace);
+  const FileResult shallow = audit({.path = scratch.path}, {}, workspace);
+  const FileResult deep = audit({.path = scratch.path}, {.deep = true}, workspace);
   ASSERT_EQ(shallow.verdict, Verdict::ok) << shallow.findings[0].text;
   EXPECT_EQ(deep.verdict, Verdict::ok);
   EXPECT_TRUE(shallow.findings.empty());
@@ -387,9 +387,9 @@ TEST(SurveyDeep, LeavesTheVerdictAsItIs) {
   EXPECT_EQ(deep.findings[0].severity, Severity::warning);
 }
 
-std::uint64_t countOf(const Record &record, const char *id) {
-  const auto at = record.counts.find(id);
-  return at == record.counts.end() ? 0 : at->second;
+std::uint64_t countOf(const FileResult &result, const char *id) {
+  const auto at = result.counts.find(id);
+  return at == result.counts.end() ? 0 : at->second;
 }
 
 /// Of many findings only the first are kept, of a long text only the beginning; all are counted.
@@ -403,22 +403,22 @@ TEST(SurveyAudit, FindingsAreBounded) {
   // The text about the sum of the sizes lists them all.
   const harness::ScratchFile scratch(samples::edited(file, "ObjList 0 num_byte[0] +4").bytes);
   Workspace workspace;
-  const Record shallow = audit({.path = scratch.path}, {}, workspace);
-  const Record deep = audit({.path = scratch.path}, {.deep = true}, workspace);
-  for (const Record &record : {shallow, deep}) {
-    EXPECT_EQ(record.verdict, Verdict::err);
-    EXPECT_EQ(record.findings.size(), MOST_FINDINGS);
-    EXPECT_EQ(countOf(record, "element-index"), OBJECTS);
+  const FileResult shallow = audit({.path = scratch.path}, {}, workspace);
+  const FileResult deep = audit({.path = scratch.path}, {.deep = true}, workspace);
+  for (const FileResult &result : {shallow, deep}) {
+    EXPECT_EQ(result.verdict, Verdict::err);
+    EXPECT_EQ(result.findings.size(), MOST_FINDINGS);
+    EXPECT_EQ(countOf(result, "element-index"), OBJECTS);
     const auto cut = [](const KeptFinding &kept) {
       return kept.text.size() == MOST_TEXT && kept.text.ends_with("...");
     };
-    EXPECT_TRUE(std::ranges::any_of(record.findings, cut));
+    EXPECT_TRUE(std::ranges::any_of(result.findings, cut));
     std::string line, again;
-    appendLine(line, record);
+    appendLine(line, result);
     appendLine(again, *resultOf(line));
     EXPECT_LE(line.size(), MOST_FINDINGS * 1000);
     EXPECT_EQ(again, line);
-    EXPECT_TRUE(whatIsWrong(record).starts_with(std::to_string(findingCount(record)) + " findings: "));
+    EXPECT_TRUE(whatIsWrong(result).starts_with(std::to_string(findingCount(result)) + " findings: "));
   }
   for (const char *const id : {"obj-name-link", "obj-mat-link", "obj-child-link", "obj-coll-link"})
     EXPECT_EQ(countOf(deep, id), OBJECTS) << id;
@@ -429,10 +429,10 @@ TEST(SurveyAudit, FindingsAreBounded) {
 TEST(SurveyAudit, MoreWarningsThanAreKept) {
   const harness::ScratchFile scratch(samples::build(VERSION_1, "EnvList { Env*2000 }").bytes);
   Workspace workspace;
-  const Record record = audit({.path = scratch.path}, {.deep = true}, workspace);
-  EXPECT_EQ(record.verdict, Verdict::ok);
-  EXPECT_EQ(record.findings.size(), MOST_FINDINGS);
-  EXPECT_EQ(findingCount(record), 2 * 2000U + 1);
+  const FileResult result = audit({.path = scratch.path}, {.deep = true}, workspace);
+  EXPECT_EQ(result.verdict, Verdict::ok);
+  EXPECT_EQ(result.findings.size(), MOST_FINDINGS);
+  EXPECT_EQ(findingCount(result), 2 * 2000U + 1);
 }
 
 TEST(SurveyDeep, RowsHaveIdsOfTheirOwn) {
