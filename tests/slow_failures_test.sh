@@ -11,8 +11,9 @@ samples=$SOURCE_DIR/samples
 cd "$scratch"
 mkdir tried
 
-# What only waits, ends, or asks for memory, for which there is another test.
-others='mmap|munmap|mprotect|madvise|brk|futex|prlimit64|rseq|rt_.*|set_robust_list|exit.*|<\.\.\.|\+\+\+'
+# What only waits, ends, or asks for memory, for which there is another test; and random numbers, for which the C library
+# asks again until it likes one, and has others where they fail.
+others='mmap|munmap|mprotect|madvise|brk|futex|getrandom|prlimit64|rseq|rt_.*|set_robust_list|exit.*|<\.\.\.|\+\+\+'
 
 # traced OPTION... COMMAND...: in the folder `work`; leaves its status in $status.
 traced() {
