@@ -1,3 +1,4 @@
+#include "kova/check.h"
 #include "reader/cursor.h"
 #include "samples/builder.h"
 #include "tests/support.h"
@@ -49,102 +50,11 @@ Word listSize(const File &file, const std::string &list) {
   return getWord(file, list, 0, list == "SceneList" ? "scene_size" : "list_size");
 }
 
-std::string irregular(Word found, Word expected) {
-  char text[64];
-  std::snprintf(text, sizeof text, "irregular tag ! %0#10x != %0#10x\n", found, expected);
-  return text;
-}
-
 Cursor cursorOver(const Words &words) {
   return Cursor{reinterpret_cast<const unsigned char *>(words.data()), words.size() * sizeof(Word)};
 }
 
 } // namespace
-
-TEST(Reader, ChecksTheHeader) {
-  struct Row {
-    Word version; // a file of 516 bytes, and in version 2.0 of 616
-    const char *edits;
-    int ok;
-    const char *errors;
-  };
-  const Row rows[] = {
-      {0x100, "", 1, ""},
-      {0x100, "FileHeader 0 version 0xabcd0100", 1, ""},
-      {0x100, "FileHeader 0 version 0x300", 0, "     300\nUnknown version number.\n"},
-      {0x100, "FileHeader 0 size +4", 0,
-       "file size 516 520\nData file size is incorrect - missing data.\n"
-       "file size=520,sum of list=516\nSome of list_num data is incorrect.\n"},
-      {0x200, "FileHeader 0 size 0xffffffff", 0, "file size 616 -1\nData file size is incorrect - missing data.\n"},
-      {0x100, "FileHeader 0 file_header_num +4", 0,
-       "Incorrect file header size.\nfile size=516,sum of list=520\nSome of list_num data is incorrect.\n"},
-      {0x200, "FileHeader 0 file_header_num +4", 0, "Incorrect file header size.\n"},
-      {0x100, "FileHeader 0 switch_list_num +4", 0,
-       "file size=516,sum of list=520\nSome of list_num data is incorrect.\n"},
-      {0x200, "FileHeader 0 switch_list_num +4", 1, ""},
-      {0x100, "FileHeader 0 header_tag 1", 0, "tag error.\n"},
-      {0x100, "FileHeader 0 size -4; FileHeader 0 file_header_num -8; FileHeader 0 header_tag 1", 0,
-       "file size 516 512\nData file size is incorrect - extra data.\nIncorrect file header size.\n"
-       "file size=512,sum of list=508\nSome of list_num data is incorrect.\ntag error.\n"},
-      {0x100,
-       "FileHeader 0 version 0x10201; FileHeader 0 size 600; FileHeader 0 usr_ext_blk_size 4; "
-       "FileHeader 0 header_tag 8",
-       0,
-       "   10201\nUnknown version number.\nfile size 516 600\nData file size is incorrect - missing data.\n"
-       "Incorrect file header size.\ntag error.\n"},
-      {0x200, "FileHeader 0 van_ext_blk_size 0; FileHeader 0 file_header_num 100", 0, ""},
-  };
-  for (const Row &row : rows) {
-    SCOPED_TRACE((row.version == VERSION_1 ? "1.0: " : "2.0: ") + std::string(row.edits));
-    const char *const lacking = row.version == 0x100 ? "SceneList absent=1 NameList absent=1" : "NameList absent=1";
-    const Loaded loaded = load(edited(build(row.version, lacking), row.edits));
-    EXPECT_EQ(loaded.ok, row.ok);
-    EXPECT_EQ(loaded.errors, row.errors);
-    EXPECT_EQ(loaded.kis.env.list_tag, row.ok ? 0x00100000u : 0u) << "a header that fails ends the load";
-  }
-}
-
-TEST(Reader, TestsTheTagsOfLists) {
-  const File good = goodFile2();
-  for (const std::string list : kvListNames()) {
-    SCOPED_TRACE(list);
-    const char *const field = list == "SceneList" ? "scene_header_tag" : "list_tag";
-    const Word tag = getWord(good, list, 0, field);
-    const Loaded loaded = readList(edited(good, list + " 0 " + field + " +1"), list, listSize(good, list));
-    char of_names[64];
-    std::snprintf(of_names, sizeof of_names, "irregular tag ! %0#10x\n", tag + 1);
-    EXPECT_EQ(loaded.ok, 0);
-    EXPECT_EQ(loaded.errors, list.ends_with("NameList") ? of_names : irregular(tag + 1, tag));
-  }
-  Kis kis;
-  EXPECT_EQ(kvReadList(nullptr, 0, kis, "NoList"), 0);
-}
-
-TEST(Reader, TestsTheTagsOfElements) {
-  const File good = goodFile2();
-  std::string list;
-  for (const NamedWord &word : good.words) {
-    if (word.kind.ends_with("List"))
-      list = word.kind;
-    if (!word.field.ends_with("tag") || word.kind == "FileHeader" || word.kind == list || word.kind == "Name")
-      continue;
-    SCOPED_TRACE(nameOf(word));
-    const Word tag = getWord(good, word.kind, word.number, word.field);
-    File file = good;
-    setWord(file, word.kind, word.number, word.field, tag ^ 0x300);
-    const bool tested = tag % 0x1000 == 0x100 || word.kind == "Coll" || word.field.starts_with("vtx_");
-    const Loaded loaded = readList(file, list, listSize(file, list));
-    EXPECT_EQ(loaded.ok, tested ? 0 : 1);
-    EXPECT_EQ(loaded.errors, tested ? irregular(tag ^ 0x300, tag) : "");
-  }
-  // The element at fault is held with its head; what follows it is not.
-  const Loaded loaded = load(edited(goodFile1(), "Cam 1 cam_tag 7"));
-  EXPECT_EQ(loaded.errors, irregular(7, 0x000e0100));
-  ASSERT_EQ(loaded.kis.cam.element.size(), 2u);
-  EXPECT_EQ(loaded.kis.cam.element[1].came_name_index, 3);
-  EXPECT_EQ(loaded.kis.env.element.size(), 2u);
-  EXPECT_EQ(loaded.kis.light.list_tag, 0u);
-}
 
 TEST(Reader, SaysWhichListRunsPastItsEnd) {
   const File good = goodFile2();
@@ -170,55 +80,6 @@ TEST(Reader, GoesOnBehindAnOddNumberOfTexels) {
 }
 
 // --- Version 2.0 ----------------------------------------------------------------------------------------------------
-
-TEST(Reader, FindsTheVersion2ListsThroughTheMakerBlock) {
-  for (const Word bytes : {4U, 32U, 36U, 40U}) {
-    SCOPED_TRACE(bytes);
-    const Loaded loaded = load(0x200, "FileHeader V=" + std::to_string(bytes) + " CiImgList { CiImg }");
-    EXPECT_EQ(loaded.ok, 1);
-    EXPECT_EQ(loaded.errors, "");
-    EXPECT_EQ(loaded.kis.file_header.ci_img_list_num, 24u + 4 + 84);
-    EXPECT_EQ(loaded.kis.file_header.external_name_list_num, 0u);
-    EXPECT_EQ(loaded.kis.ci_img.element.size(), bytes < 36 ? 0u : 1u);
-  }
-}
-
-TEST(Reader, MissesMakerBlocks) {
-  const auto decoded = [](const auto &list) {
-    std::string which;
-    for (const auto &element : list.element)
-      which += element.ext ? '1' : '0';
-    return which;
-  };
-  for (const std::string kind : {"Cam", "Obj", "Shape", "Mat", "Tex", "Teximg", "AnimGroup"}) {
-    const std::string list = (kind == "AnimGroup" ? "Anim" : kind) + "List { ";
-    SCOPED_TRACE(kind);
-    const std::string form = kind == "Tex" ? " { TexStill } " : " ";
-    const Loaded loaded =
-        load(0x200, "CiImgList { CiImg } " + list + kind + form + kind + " V=0" + form + kind + form + "}");
-    const Kis &kis = loaded.kis;
-    EXPECT_EQ(loaded.ok, 0);
-    EXPECT_EQ(loaded.errors, "");
-    EXPECT_EQ(kis.ci_img.num, 0u) << "the version-2 lists are not read";
-    EXPECT_EQ(decoded(kis.cam) + decoded(kis.obj) + decoded(kis.shape) + decoded(kis.mat) + decoded(kis.tex) +
-                  decoded(kis.teximg) + decoded(kis.anim),
-              "101");
-  }
-  const Loaded loaded = load(0x200, "SceneList V=0  CamList { Cam }");
-  EXPECT_EQ(loaded.ok, 0);
-  EXPECT_FALSE(loaded.kis.scene.ext);
-  EXPECT_FALSE(loaded.kis.cam.element[0].ext) << "later kinds are not decoded";
-}
-
-TEST(Reader, CountsPixelsInWholeWords) {
-  CiImgHead image{};
-  image.ci_img_width = 3;
-  image.ci_img_height = 5;
-  image.ci_img_pixel_depth = 4;
-  EXPECT_EQ(kvSizeofPixelIndexArray(image), 2u);
-  image.ci_img_width = image.ci_img_height = 0x10000;
-  EXPECT_EQ(kvSizeofPixelIndexArray(image), 0u) << "wraps";
-}
 
 // --- The handle -----------------------------------------------------------------------------------------------------
 
@@ -287,6 +148,7 @@ TEST(Reader, MakesAnEmptyHandle) {
   for (const Word *const count : counts)
     EXPECT_EQ(*count, 0u);
   EXPECT_EQ(kis->env.num, 4u);
+  EXPECT_EQ(kvReadList(nullptr, 0, *kis, "NoList"), 0);
   EXPECT_EQ(kvSizeofKOVA1file(load(0x100, "").kis.file_header), 584u);
 }
 
@@ -412,6 +274,26 @@ TEST(Primitives, SetSmallThings) {
   char text[] = " a b\tc ";
   kvSp2_(text);
   EXPECT_STREQ(text, "_a_b\tc_");
+}
+
+/// What the checks say of numbers that no file has.
+TEST(Primitives, Check) {
+  const Words sizes = {8, 12};
+  std::string all;
+  for (const std::function<int()> &check : std::initializer_list<std::function<int()>>{
+           [] { return checksame("words", 1, ~0U); }, [] { return checkZero(0, "A name of eighteen"); },
+           [] { return checksame("words", 7, 7) * checkZero(0x80000000, "x") * checkExtsize(0x80000000, 24); },
+           [] { return check_whole_area_size("", 16, 56, 8, 0xfffffffb, 0, 0); },
+           [] { return check_whole_structured_size("x", 1, 24, {}, 2, 0, 0); },
+           [&] { return check_whole_structured_size("x", 1, 24, sizes, ~0U, 3, 4); },
+           [&] { return check_whole_structured_size("x", 59, 24, sizes, 2, 3, 4); }}) {
+    int result = 0;
+    const std::string text = capture([&] { result = check(); }).out;
+    all += std::to_string(result) + ' ' + text;
+  }
+  EXPECT_EQ(all, "0 words is wrong. 1 != -1\n0 A name of eighteen is nothing.\n1 1 "
+                 "0 x Some of size data is incorrect. 1 != 24 + 4 * 2 + 0 + 0\n"
+                 "0 x Some of size data is incorrect. 1 != 24 + 4 * -1 + 3 + 4\n1 ");
 }
 
 TEST(Model, LinksAndNamesLeadToElements) {
