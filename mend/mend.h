@@ -70,6 +70,9 @@ Result mendBytes(std::vector<unsigned char> &bytes, const Asked &asked);
 std::string textOf(const Change &change);
 std::string textOf(const Undoing &undone);
 
+/// @return "0x000002f8".
+std::string offsetText(std::uint64_t offset);
+
 /// @return "ObjList[2]", or without an element the list alone.
 std::string placeText(const char *list, const std::optional<Word> &element);
 

@@ -20,13 +20,13 @@ std::string wordText(Word word, bool tag) {
   return text;
 }
 
+} // namespace
+
 std::string offsetText(std::uint64_t offset) {
   char text[24];
   std::snprintf(text, sizeof text, "0x%08llx", static_cast<unsigned long long>(offset));
   return text;
 }
-
-} // namespace
 
 std::string placeText(const char *list, const std::optional<Word> &element) {
   return element ? list + ('[' + std::to_string(*element) + ']') : list;

@@ -126,7 +126,7 @@ std::optional<int> load(const Options &options, Scene &scene) {
   const Descriptor file = openToRead(options.input.c_str());
   struct stat status;
   std::string wrong = inputRefusal(file, status);
-  if (wrong.empty() && !options.dry_run)
+  if (wrong.empty() && !options.dry_run && !options.diagnose)
     if (const std::string refusal = outputRefusal(options, status); !refusal.empty())
       return refuse(refusal);
   if (wrong.empty())
@@ -134,14 +134,26 @@ std::optional<int> load(const Options &options, Scene &scene) {
   return wrong.empty() ? std::nullopt : std::optional(refuse(printable(options.input) + ": " + wrong, UNREADABLE));
 }
 
+int statusOf(const Result &result) {
+  return result.outcome == Outcome::ambiguous || result.outcome == Outcome::hopeless ? NOT_MENDED : AUDITS_OK;
+}
+
+int diagnose(const Options &options, const Scene &scene) {
+  const mend::Diagnosis diagnosis = mend::diagnose(scene.bytes);
+  errno = 0;
+  print(diagnosisLines(diagnosis, options.input, options.json ? Form::json : Form::text));
+  return endOutput(statusOf(diagnosis.result), closeStream);
+}
+
 int repair(const Options &options) {
   Scene scene;
   if (const std::optional<int> refused = load(options, scene))
     return *refused;
+  if (options.diagnose)
+    return diagnose(options, scene);
   const Form form = options.json ? Form::json : Form::text;
   const Result result = mend::mendBytes(scene.bytes, options.asked);
-  const int status =
-      result.outcome == Outcome::ambiguous || result.outcome == Outcome::hopeless ? NOT_MENDED : AUDITS_OK;
+  const int status = statusOf(result);
   errno = 0;
   printWords(result, form, options.toStandardOutput() ? stderr : stdout);
   // No change is written that could not be printed.

@@ -14,13 +14,14 @@ namespace {
 
 constexpr HelpText HELP = {
     .usage = "Usage: kbrepair [OPTION]... INPUT OUTPUT\n"
-             "       kbrepair --dry-run [OPTION]... INPUT\n",
+             "       kbrepair --dry-run [OPTION]... INPUT\n"
+             "       kbrepair --diagnose [--json] INPUT\n",
     .description =
         "Mends a damaged KOVA scene file: recomputes the sizes, counts, indices and tags that follow from the rest "
         "of the file. Prints every word that it changes. INPUT is never changed. OUTPUT - is standard output; then "
         "the words are printed on standard error.",
     .footer =
-        "Exit status: 0: OUTPUT audits OK; 1: the file cannot be mended; 2: INPUT cannot be read; 3: wrong usage, or "
+        "Exit status: 0: OUTPUT audits OK, or would; 1: the file cannot be mended; 2: INPUT cannot be read; 3: wrong usage, or "
         "an output that cannot be written."};
 
 /// What the command line says beyond the options themselves.
@@ -37,6 +38,8 @@ std::vector<Option> optionsOf(Options &options, Given &given) {
       flagOption('f', "force", "Replace OUTPUT if it exists", options.force),
       flagOption(0, "partial", "Write OUTPUT also if it does not audit OK", options.partial),
       flagOption('n', "dry-run", "Write nothing; only print what would be changed", options.dry_run),
+      flagOption(0, "diagnose", "Write nothing; say what seems to have happened to INPUT, where, and what can be done",
+                 options.diagnose),
       flagOption(0, "json", "Print JSON, an object for each line", options.json),
       flagOption('V', "version", "Print the version", given.version),
       flagOption('h', "help", "Print this help", given.help),
@@ -51,6 +54,8 @@ std::string takePaths(const std::vector<std::string> &paths, Options &options) {
   options.output = paths.size() == 2 ? paths[1] : "";
   if (paths.empty())
     return "INPUT is missing";
+  if (options.diagnose)
+    return options.output.empty() ? "" : "--diagnose writes no OUTPUT";
   return options.output.empty() && !options.dry_run ? "OUTPUT is missing" : "";
 }
 

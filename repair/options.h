@@ -10,11 +10,12 @@ namespace kova::repair {
 
 struct Options {
   std::string input = {};
-  std::string output = {}; ///< may be empty if `dry_run` is set
+  std::string output = {}; ///< may be empty if `dry_run` or `diagnose` is set
   mend::Asked asked = {};
   bool force = false;
   bool partial = false;
   bool dry_run = false;
+  bool diagnose = false;
   bool json = false;
 
   bool toStandardOutput() const { return output == "-" && !dry_run; }

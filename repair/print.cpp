@@ -107,6 +107,26 @@ std::string lossLine(const Loss &loss, Form form) {
          printable(loss.what) + '\n';
 }
 
+std::string diagnosisLines(const mend::Diagnosis &diagnosis, const std::string &input, Form form) {
+  std::string lines;
+  const std::string remedy = mend::remedyText(diagnosis);
+  for (const mend::Damage &damage : diagnosis.damages)
+    lines += form == Form::text ? printable(textOf(damage)) + '\n'
+                                : jsonLine({{"damage", damage.kind},
+                                            {"sure", mend::sureText(damage.sure)},
+                                            {"begin", damage.begin},
+                                            {"end", damage.end},
+                                            {"list", textOrNull(damage.list)},
+                                            {"element", elementJson(damage.element)},
+                                            {"what", escaped(damage.what)}});
+  if (form == Form::text)
+    return lines + printable(input) + ": " + printable(remedy) + '\n';
+  return lines + jsonLine({{"diagnosis", OUTCOME_NAMES.at(static_cast<std::size_t>(diagnosis.result.outcome))},
+                           {"input", escaped(input)},
+                           {"damages", diagnosis.damages.size()},
+                           {"remedy", escaped(remedy)}});
+}
+
 std::string endingLine(const Ending &ending, Form form) {
   if (form == Form::text)
     return endingText(ending) + '\n';

@@ -2,7 +2,7 @@
 /// line with the outcome; as text, or as a JSON object each.
 #pragma once
 
-#include "mend/mend.h"
+#include "mend/diagnose.h"
 
 namespace kova::repair {
 
@@ -22,6 +22,9 @@ std::string changeLine(const Change &change, Form form, int reading = 0);
 std::string undoneLine(const Undoing &undone, Form form);
 
 std::string lossLine(const Loss &loss, Form form);
+
+/// @return what was found out about a file: a line for each damage, and one with what can be done.
+std::string diagnosisLines(const mend::Diagnosis &diagnosis, const std::string &input, Form form);
 
 /// What is known at the end.
 struct Ending {

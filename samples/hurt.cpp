@@ -222,4 +222,16 @@ constexpr DamageKind KINDS[] = {
 
 std::span<const DamageKind> damageKinds() { return KINDS; }
 
+Bytes hurtSample(const DamageKind &kind) {
+  File scene = build(VERSION_1,
+                     "SceneList CamList { Cam } ObjList { Obj*5 } VtxList { VtxGroup vtx_num=60 } "
+                     "TriList { TriGroup { Tri*3 } } MatList { Mat*2 } NameList { Name text=one Name text=two }",
+                     LinkWords::none);
+  // So that no kind of damage leaves it as it is, there are a line end, the last byte of a text, and bytes from 80 on.
+  setWord(scene, "VtxGroup", 0, "vtx[7]", 0x3f0d0a00);
+  setWord(scene, "VtxGroup", 0, "vtx[50]", 0x3f00001a);
+  Random random(5);
+  return kind.inflict(scene.bytes, random).bytes;
+}
+
 } // namespace kova::samples

@@ -33,4 +33,7 @@ struct DamageKind {
 /// All kinds, those that can be undone first.
 std::span<const DamageKind> damageKinds();
 
+/// @return a small scene with such damage, the same bytes on every call.
+Bytes hurtSample(const DamageKind &kind);
+
 } // namespace kova::samples

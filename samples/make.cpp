@@ -1,9 +1,11 @@
 /// make_samples: writes the sample files that the project makes itself into a folder.
 ///
 ///     make_samples folder                       the bundled samples
+///     make_samples --hurt folder                one file for each kind of damage as it happens to whole files
 ///     make_samples --small folder               the many small valid files of the sweeps, as seeds for fuzzing
 ///     make_samples --build version text file    one file from the builder's notation
 
+#include "samples/hurt.h"
 #include "samples/made.h"
 
 #include <cstdio>
@@ -39,15 +41,19 @@ int main(int argc, char **argv) {
   if (argc == 5 && std::strcmp(argv[1], "--build") == 0)
     return writeOne(argv[2], argv[3], argv[4]);
   const bool small = argc > 1 && std::strcmp(argv[1], "--small") == 0;
-  if (argc != (small ? 3 : 2)) {
-    std::fputs("Usage: make_samples [--small] folder\n"
+  const bool hurt = argc > 1 && std::strcmp(argv[1], "--hurt") == 0;
+  if (argc != (small || hurt ? 3 : 2)) {
+    std::fputs("Usage: make_samples [--small | --hurt] folder\n"
                "       make_samples --build version text file\n",
                stderr);
     return 1;
   }
   const std::string folder = argv[argc - 1];
   int status = 0;
-  if (small) {
+  if (hurt) {
+    for (const kova::samples::DamageKind &kind : kova::samples::damageKinds())
+      status |= write(folder + "/" + kind.name + ".hurt", kova::samples::hurtSample(kind));
+  } else if (small) {
     for (const kova::samples::Sample &sample : kova::samples::smallSamples())
       status |= write(folder + "/" + sample.name + ".kb", sample.file.bytes);
   } else {

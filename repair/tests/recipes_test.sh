@@ -18,7 +18,7 @@ awk -v recipes="$scratch/recipes" '
   /^```sh$/ { out = sprintf("%s/%d.sh", recipes, ++number); next }
   /^```/ { out = "" }
   out { print >out }' "$SOURCE_DIR/docs/repair.md"
-same "number of scripts" 3 "$(find "$scratch/recipes" -name '*.sh' | wc -l)"
+same "number of scripts" 4 "$(find "$scratch/recipes" -name '*.sh' | wc -l)"
 recipe() { run "$1" "script $2" sh "$scratch/recipes/$2.sh"; }
 
 cp "$samples/index.kb" scene.kb
@@ -28,8 +28,10 @@ rm mended.kb
 
 # The outputs that are shown.
 awk '/^```text$/ { out = 1; next } /^```/ { out = 0 } out' "$SOURCE_DIR/docs/repair.md" >"$scratch/shown"
+recipe 0 2
+mv "$scratch/out" "$scratch/diagnosed"
 run 1 "a file of two readings" kbrepair "$samples/light-type.kb" out.kb
-{ kbrepair scene.kb mended.kb && cat "$scratch/out"; } >"$scratch/printed"
+{ kbrepair scene.kb mended.kb && cat "$scratch/diagnosed" "$scratch/out"; } >"$scratch/printed"
 same "outputs in docs/repair.md" "$(cat "$scratch/shown")" "$(cat "$scratch/printed")"
 awk '/^\$ scripts\/repair/ { out = 1; getline; next } /^```/ { out = 0 } out' "$SOURCE_DIR/README.md" >"$scratch/shown"
 run 0 "the example of the README" kbrepair --force "$samples/damaged.kb" mended.kb
@@ -43,19 +45,19 @@ if [ -n "${KBSURVEY-}" ]; then
   cp "$samples/header-tag.kb" scenes/deep/bad.kb
   cp "$samples/header-tag.kb" "$odd"
   printf 'no scene' >scenes/not.kb
+  recipe 0 4
+  same "script 4" $'to repair: 2 can be mended\n2 FileHeader header_tag' "$(grep -e '^to repair' -e '^[0-9]* [A-Z]' "$scratch/out")"
+  same "list of script 4" "$(printf '%s\0' "$odd" scenes/deep/bad.kb | sort -z | tr '\0' '|')" "$(sort -z mendable.list | tr '\0' '|')"
   recipe 0 3
-  same "script 3" $'to repair: 2 can be mended\n2 FileHeader header_tag' "$(grep -e '^to repair' -e '^[0-9]* [A-Z]' "$scratch/out")"
-  same "list of script 3" "$(printf '%s\0' "$odd" scenes/deep/bad.kb | sort -z | tr '\0' '|')" "$(sort -z mendable.list | tr '\0' '|')"
-  recipe 0 2
-  same "script 2" "2 files: 2 OK, 0 ERR, 0 without verdict" "$(sed -n 's/^\(2 files: [^;]*\);.*/\1/p' "$scratch/out")"
+  same "script 3" "2 files: 2 OK, 0 ERR, 0 without verdict" "$(sed -n 's/^\(2 files: [^;]*\);.*/\1/p' "$scratch/out")"
   for file in scenes/deep/bad.kb "$odd"; do
-    cmp "mended/$file" "$samples/small-1.kb" || fail "script 2 has not mended $file"
-    [ -s "mended/$file.txt" ] || fail "script 2: the changes of $file are missing"
+    cmp "mended/$file" "$samples/small-1.kb" || fail "script 3 has not mended $file"
+    [ -s "mended/$file.txt" ] || fail "script 3: the changes of $file are missing"
   done
-  same "left by script 2" "scenes/not.kb|" "$(tr '\0' '|' <not-mended.list)"
-  same "mended by script 2" 2 "$(find mended -name '*.kb' | grep -c '\.kb$')"
-  recipe 1 2
-  same "script 2, again" "mended exists" "$(cat "$scratch/err")"
+  same "left by script 3" "scenes/not.kb|" "$(tr '\0' '|' <not-mended.list)"
+  same "mended by script 3" 2 "$(find mended -name '*.kb' | grep -c '\.kb$')"
+  recipe 1 3
+  same "script 3, again" "mended exists" "$(cat "$scratch/err")"
 else
   notice "a collection: kbsurvey is not here"
 fi
@@ -74,7 +76,7 @@ rm -rf ./*
 cp "$samples/header-tag.kb" damaged.kb
 cp "$samples/cut.kb" .
 awk '/^\.nf/ { literal = 1; next } /^\.fi/ { literal = 0 } literal { gsub(/\\-/, "-"); print }' "$page" >"$scratch/examples"
-same "number of examples" 3 "$(wc -l <"$scratch/examples")"
+same "number of examples" 4 "$(wc -l <"$scratch/examples")"
 while read -r example; do run 0 "$example" sh -c "$example"; done <"$scratch/examples"
 same "written by the examples" $'cut.kb\ndamaged.kb\nmended.kb\nrest.kb' "$(ls)"
 
@@ -84,5 +86,5 @@ complete_words() { # WORD...: what is offered for the last one
   bash -c '. "$SOURCE_DIR/repair/completion.bash"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _kbrepair; printf "%s\n" "${COMPREPLY[@]}"' \
     kbrepair "$KBREPAIR" "$@"
 }
-same "completion of options" $'--dry-run\n--force\n--help\n--json\n--part\n--partial\n--salvage\n--version' "$(complete_words --)"
+same "completion of options" $'--diagnose\n--dry-run\n--force\n--help\n--json\n--part\n--partial\n--salvage\n--version' "$(complete_words --)"
 same "completion of paths" "mended.kb" "$(complete_words damaged.kb men)"

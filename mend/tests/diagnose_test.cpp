@@ -1,0 +1,65 @@
+/// What is said about damaged files: one of each kind lies in samples/hurt, with all diagnoses in one file.
+
+#include "mend/diagnose.h"
+#include "harness/bytes.h"
+#include "mend/foreign.h"
+#include "samples/hurt.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <map>
+
+namespace kova::mend {
+
+namespace {
+
+const std::string FOLDER = KOVA_SOURCE_DIR "/samples/hurt/";
+
+std::string contentOf(const std::string &path) {
+  std::ifstream stream(path, std::ios::binary);
+  EXPECT_TRUE(stream) << path;
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::string diagnosisOf(BytesView file, const std::string &name) {
+  const Diagnosis diagnosis = diagnose(file);
+  std::string text;
+  for (const Damage &damage : diagnosis.damages) {
+    EXPECT_LE(damage.begin, damage.end) << name;
+    text += textOf(damage) + '\n';
+  }
+  return text + name + ": " + remedyText(diagnosis) + '\n';
+}
+
+TEST(Diagnose, SaysWhatHasHappened) {
+  std::map<std::string, std::string> diagnoses;
+  for (const samples::DamageKind &kind : samples::damageKinds()) {
+    const std::string name = kind.name + std::string(".hurt");
+    const Bytes file = samples::hurtSample(kind);
+    EXPECT_EQ(contentOf(FOLDER + name), std::string(file.begin(), file.end())) << name;
+    diagnoses[name] = diagnosisOf(file, name);
+  }
+  std::string all;
+  for (const auto &[name, text] : diagnoses)
+    all += text;
+  EXPECT_EQ(all, contentOf(FOLDER + "diagnoses.txt"));
+}
+
+TEST(Diagnose, KnowsOtherKinds) {
+  const auto kindOf = [](std::string_view begin) {
+    Bytes file(begin.begin(), begin.end());
+    const ForeignKind *const kind = foreignKind(file);
+    return std::string(kind != nullptr ? kind->name : "");
+  };
+  using namespace std::string_view_literals;
+  EXPECT_EQ(kindOf("\x89PNG\r\n\x1a\n\0\0"sv), "a PNG image");
+  EXPECT_EQ(kindOf(std::string(257, '\0') + "ustar"), "a tar archive");
+  EXPECT_EQ(kindOf("BM, a remark of twenty letters\n"sv), "a text");
+  EXPECT_EQ(kindOf("BM\x36\0\0\0\0\0\0\0\x36\0\0\0"sv), "a BMP image");
+  EXPECT_EQ(kindOf("\0\0\1\0\0\0\0\0\0\0\0\0\0\0\0\x64"sv), "");
+}
+
+} // namespace
+
+} // namespace kova::mend
