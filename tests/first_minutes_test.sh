@@ -7,7 +7,7 @@ set -euo pipefail
 
 # --- Examples ---
 
-mkdir "$scratch/tools" "$scratch/folder"
+mkdir "$scratch/folder"
 cp -r "$SOURCE_DIR/samples" "$scratch/folder"
 mkdir "$scratch/folder/scripts"
 for names in run:kbaudit:"$KBAUDIT" survey:kbsurvey:"${KBSURVEY-}" repair:kbrepair:"${KBREPAIR-}"; do

@@ -50,3 +50,27 @@ set_words() {
 cached() { sed -n "s/^$1:[A-Z]*=//p" "$BUILD_DIR/CMakeCache.txt"; }
 
 sanitized() { nm "$KBAUDIT" | grep '__[at]san_init' >/dev/null; }
+
+# scripts_of DOCUMENT NUMBER: its sh blocks, each as $scratch/recipes/1.sh and so on, and the text block right behind one,
+# which shows its output, as 1.text.
+scripts_of() {
+  mkdir "$scratch/recipes"
+  awk -v recipes="$scratch/recipes" '
+    /^```/ && out { shown = out ~ /sh$/; close(out); out = ""; next }
+    /^```sh$/ { out = sprintf("%s/%d.sh", recipes, ++number); next }
+    /^```/ { out = /^```text$/ && shown ? sprintf("%s/%d.text", recipes, number) : "/dev/null"; next }
+    out { print >out; next }
+    /./ { shown = 0 }' "$SOURCE_DIR/docs/$1"
+  same "number of scripts in $1" "$2" "$(find "$scratch/recipes" -name '*.sh' | wc -l)"
+}
+
+# recipe STATUS NUMBER
+recipe() { run "$1" "script $2" sh "$scratch/recipes/$2.sh"; }
+
+# tools PROGRAM...: links to the programs, where they are found first.
+tools=$scratch/tools
+mkdir "$tools"
+tools() {
+  ln -s "$@" "$tools"
+  export PATH=$tools:$PATH
+}

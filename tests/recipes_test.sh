@@ -4,7 +4,7 @@
 set -euo pipefail
 # shellcheck source=tests/lib.sh
 . "$(dirname "$0")/lib.sh"
-PATH=$(dirname "$KBAUDIT"):$PATH
+tools "$KBAUDIT"
 export HOME=$scratch
 recipes=$scratch/recipes
 folder=$scratch/folder
@@ -27,14 +27,7 @@ can_run() {
   fi
 }
 
-# Each sh block, and the text block right behind it, which shows its output.
-mkdir "$recipes"
-awk -v recipes="$recipes" '
-  /^```/ && out { shown = out ~ /sh$/; close(out); out = ""; next }
-  /^```sh$/ { out = sprintf("%s/%02d.sh", recipes, ++number); next }
-  /^```/ { out = /^```text$/ && shown ? sprintf("%s/%02d.text", recipes, number) : "/dev/null"; next }
-  out { print >out; next }
-  /./ { shown = 0 }' "$SOURCE_DIR/docs/recipes.md"
+scripts_of recipes.md 8
 
 # The lines shown as a pattern, in which "..." stands for any lines. Blanks that end a line of a dump are not shown.
 shown() { sed 's/[][*?\\]/\\&/g; s/^\.\.\.$/*/' "$1"; }
@@ -89,13 +82,13 @@ done
 # --- The recipes that sort many files ---
 
 # A find that also finds files which are gone when they are opened, before and behind the others.
-mkdir "$scratch/tools"
-cat >"$scratch/tools/find" <<END
+mkdir "$scratch/found"
+cat >"$scratch/found/find" <<END
 #!/bin/sh
 printf './gone\\n.kb\\0'
 $(command -v find) "\$@" && printf './gone.kb\\0'
 END
-chmod +x "$scratch/tools/find"
+chmod +x "$scratch/found/find"
 
 # sorted LIST NAME...: the list has these names, in any order.
 sorted() {
@@ -110,7 +103,7 @@ for number in 1 2 3 4; do # in the middle of the list too, whatever the order of
 done
 for recipe in "$recipes"/*.sh; do
   if grep 'err\.list' "$recipe" >/dev/null && can_run "$recipe"; then
-    run 0 "${recipe##*/} on many files" env PATH="$scratch/tools:$PATH" sh "$recipe"
+    run 0 "${recipe##*/} on many files" env PATH="$scratch/found:$PATH" sh "$recipe"
     sorted ok.list "./$good" ./figure.kb ./figure{1..4}.kb
     sorted err.list "./$bad"
     sorted none.list ./version.kb ./version{1..4}.kb ./gone.kb $'./gone\n.kb'
@@ -129,12 +122,12 @@ for recipe in "$recipes"/*.sh; do
   for missing in $(tools_of "$recipe"); do
     fresh_folder
     cd "$folder"
-    rm -rf "$scratch/tools"
-    mkdir "$scratch/tools"
+    rm -rf "$scratch/few"
+    mkdir "$scratch/few"
     for tool in cat cp grep rm sed sh tr $(tools_of "$recipe"); do
-      [ "$tool" = "$missing" ] || ! has "$tool" || ln -s "$(command -v "$tool")" "$scratch/tools/$tool"
+      [ "$tool" = "$missing" ] || ! has "$tool" || ln -s "$(command -v "$tool")" "$scratch/few/$tool"
     done
-    run 1 "${recipe##*/} without $missing" env PATH="$scratch/tools" sh "$recipe"
+    run 1 "${recipe##*/} without $missing" env PATH="$scratch/few" sh "$recipe"
     [[ "$(cat "$scratch/err")" == *" is missing" ]] || fail "${recipe##*/} without $missing says: $(cat "$scratch/err")"
     [ ! -s "$scratch/out" ] || fail "${recipe##*/} without $missing prints: $(cat "$scratch/out")"
     ! compgen -G '*.list' >/dev/null || fail "${recipe##*/} without $missing leaves a list"

@@ -1,25 +1,13 @@
 #!/usr/bin/env bash
-# The scripts of docs/repair.md run as they are shown. The manual page and the completion know every option, and the
-# examples of the page work.
+# The scripts of docs/repair.md run as they are shown.
 set -euo pipefail
 # shellcheck source=tests/lib.sh
 . "$SOURCE_DIR/tests/lib.sh"
-tools=$scratch/tools
-mkdir "$tools" "$scratch/recipes" "$scratch/folder"
-ln -s "$KBREPAIR" "$tools/kbrepair"
-[ -z "${KBSURVEY-}" ] || ln -s "$KBSURVEY" "$tools/kbsurvey"
-export PATH=$tools:$PATH
+tools "$KBREPAIR" ${KBSURVEY:+"$KBSURVEY"}
+scripts_of repair.md 4
 samples=$SOURCE_DIR/samples
+mkdir "$scratch/folder"
 cd "$scratch/folder"
-
-# --- Recipes ---
-
-awk -v recipes="$scratch/recipes" '
-  /^```sh$/ { out = sprintf("%s/%d.sh", recipes, ++number); next }
-  /^```/ { out = "" }
-  out { print >out }' "$SOURCE_DIR/docs/repair.md"
-same "number of scripts" 4 "$(find "$scratch/recipes" -name '*.sh' | wc -l)"
-recipe() { run "$1" "script $2" sh "$scratch/recipes/$2.sh"; }
 
 cp "$samples/index.kb" scene.kb
 recipe 0 1
@@ -61,30 +49,3 @@ if [ -n "${KBSURVEY-}" ]; then
 else
   notice "a collection: kbsurvey is not here"
 fi
-
-# --- Manual page ---
-
-page=$SOURCE_DIR/docs/kbrepair.1
-same "sections" "$(printf '%s\n' NAME SYNOPSIS DESCRIPTION OPTIONS 'EXIT STATUS' EXAMPLES 'SEE ALSO')" "$(sed -n 's/^\.SH //p' "$page")"
-kbrepair --help | grep -o -e '--[a-z0-9-]*' | sort -u >"$scratch/options"
-sed 's/\\-/-/g' "$page" | grep -o -e '--[a-z0-9-][a-z0-9-]*' | sort -u >"$scratch/manual"
-same "options of the manual page" "$(cat "$scratch/options")" "$(cat "$scratch/manual")"
-same "version of the manual page" "$(kbrepair --version)" "$(sed -n 's/^\.TH KBREPAIR 1 "[^"]*" "\([^"]*\)".*/\1/p' "$page")"
-! has groff || same "warnings of the manual page" "" "$(groff -man -Tutf8 -ww -z "$page" 2>&1)"
-! has mandoc || same "warnings of mandoc" "" "$(mandoc -Tlint "$page" 2>&1)"
-rm -rf ./*
-cp "$samples/header-tag.kb" damaged.kb
-cp "$samples/cut.kb" .
-awk '/^\.nf/ { literal = 1; next } /^\.fi/ { literal = 0 } literal { gsub(/\\-/, "-"); print }' "$page" >"$scratch/examples"
-same "number of examples" 4 "$(wc -l <"$scratch/examples")"
-while read -r example; do run 0 "$example" sh -c "$example"; done <"$scratch/examples"
-same "written by the examples" $'cut.kb\ndamaged.kb\nmended.kb\nrest.kb' "$(ls)"
-
-# --- Completion ---
-
-complete_words() { # WORD...: what is offered for the last one
-  bash -c '. "$SOURCE_DIR/repair/completion.bash"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _kbrepair; printf "%s\n" "${COMPREPLY[@]}"' \
-    kbrepair "$KBREPAIR" "$@"
-}
-same "completion of options" $'--diagnose\n--dry-run\n--force\n--help\n--json\n--part\n--partial\n--salvage\n--version' "$(complete_words --)"
-same "completion of paths" "mended.kb" "$(complete_words damaged.kb men)"

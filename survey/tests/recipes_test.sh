@@ -1,19 +1,10 @@
 #!/usr/bin/env bash
-# The scripts of docs/survey.md run as they are shown, the one for several machines with two ssh servers of its own. The
-# manual page and the completion know every option.
+# The scripts of docs/survey.md run as they are shown, the one for several machines with two ssh servers of its own.
 set -euo pipefail
 # shellcheck source=tests/lib.sh
 . "$SOURCE_DIR/tests/lib.sh"
-tools=$scratch/tools
-mkdir "$tools" "$scratch/recipes"
-ln -s "$KBSURVEY" "$tools/kbsurvey"
-export PATH=$tools:$PATH
-
-awk -v recipes="$scratch/recipes" '
-  /^```sh$/ { out = sprintf("%s/%d.sh", recipes, ++number); next }
-  /^```/ { out = "" }
-  out { print >out }' "$SOURCE_DIR/docs/survey.md"
-same "number of scripts" 9 "$(find "$scratch/recipes" -name '*.sh' | wc -l)"
+tools "$KBSURVEY"
+scripts_of survey.md 9
 
 fresh_folder() {
   cd "$scratch"
@@ -23,7 +14,6 @@ fresh_folder() {
   cp "$SOURCE_DIR"/samples/{town,damaged,version}.kb scenes
   cp "$SOURCE_DIR/samples/index.kb" $'scenes/a\nb.kb'
 }
-recipe() { run "$1" "script $2" sh "$scratch/recipes/$2.sh"; }
 verdicts() { sed -n 's/^\(3\|4\) files: \([^;(]*\).*/\2/p' "$1"; }
 all='1 OK, 2 ERR, 1 without verdict '
 
@@ -130,19 +120,3 @@ if [ -x /usr/sbin/sshd ] && [ "$(id -u)" -eq 0 ] && has ssh-keygen && parallel -
 else
   notice "two machines: this needs sshd, GNU parallel and root"
 fi
-
-# --- Manual page and completion ---
-
-cd "$SOURCE_DIR"
-"$KBSURVEY" --help | grep -o -e '--[a-z0-9-]*' | sort -u >"$scratch/options"
-sed 's/\\-/-/g; s/\\fI/ /g' docs/kbsurvey.1 | grep -o -e '--[a-z0-9-][a-z0-9-]*' | sort -u >"$scratch/manual"
-same "options of the manual page" "$(cat "$scratch/options")" "$(cat "$scratch/manual")"
-same "version of the manual page" "$("$KBSURVEY" --version)" "$(sed -n 's/^\.TH KBSURVEY 1 "[^"]*" "\([^"]*\)".*/\1/p' docs/kbsurvey.1)"
-! has groff || same "warnings of the manual page" "" "$(groff -man -Tutf8 -ww -z docs/kbsurvey.1 2>&1)"
-complete_words() { # WORD...: what is offered for the last one
-  bash -c '. survey/completion.bash; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _kbsurvey; printf "%s\n" "${COMPREPLY[@]}"' \
-    kbsurvey "$KBSURVEY" "${@:2}"
-}
-same "completion of options" $'--json\n--junit' "$(complete_words kbsurvey --j | grep -v jobs)"
-same "completion of findings" "header-size"$'\n'"header-tag" "$(complete_words kbsurvey --explain header- | head -n 2)"
-same "completion of paths" "docs/survey.md" "$(complete_words kbsurvey --html docs/surv)"
