@@ -52,6 +52,8 @@ struct KeptFinding {
   std::optional<Word> found = {};
   std::optional<Word> expected = {};
   std::string text = {}; ///< as it is printed, at most `MOST_TEXT` bytes of it
+
+  bool operator==(const KeptFinding &) const = default;
 };
 
 /// Bounds of what is kept of one file: a hostile file can have millions of findings, and a message with all the sizes
@@ -75,6 +77,8 @@ struct FileResult {
   std::vector<std::string> repair_changes = {}; ///< and the first of them, each as kbrepair prints it
   std::vector<KeptFinding> findings = {};
   std::map<std::string, std::uint64_t> counts = {}; ///< of all findings by id, also of those not kept
+
+  bool operator==(const FileResult &) const = default;
 };
 
 /// Counts a finding. @return whether there is room to keep it, too: of many, only the first are kept.

@@ -93,12 +93,7 @@ TEST(SurveyReport, AResultComesBackFromItsLine) {
     EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
     const std::optional<FileResult> back = resultOf(line);
     ASSERT_TRUE(back) << line;
-    EXPECT_EQ(back->path, result.path);
-    EXPECT_EQ(back->detail, result.detail);
-    EXPECT_EQ(back->repair, result.repair);
-    EXPECT_EQ(back->repair_words, result.repair_words);
-    EXPECT_EQ(back->repair_changes, result.repair_changes);
-    EXPECT_EQ(back->findings.size(), result.findings.size());
+    EXPECT_EQ(*back, result) << line;
     EXPECT_EQ(jsonLine(*back), line);
     EXPECT_EQ(pageOf({*back}).find('\xff'), std::string::npos);
     EXPECT_EQ(junitReport({*back}).find_first_of("\x1b\xff"), std::string::npos);
