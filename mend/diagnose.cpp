@@ -225,6 +225,8 @@ void tellDamage(Bytes &file, Diagnosis &diagnosis) {
     return;
   const HeaderFacts facts = headerFacts({file});
   std::vector<Gap> gaps;
+  if (const std::uint64_t gone = diagnosis.result.header_gone; gone != 0)
+    diagnosis.damages.push_back({"header", Sure::certain, 0, gone, "FileHeader", {}, "the header is gone"});
   if (facts.holding >= HEADER_FACTS - 2 && facts.sum == facts.stated) {
     const FileBytes bytes(file);
     gaps = gapsOf(bytes, locate(bytes));

@@ -5,6 +5,7 @@
 #include "mend/holes.h"
 #include "mend/locate.h"
 #include "mend/losses.h"
+#include "mend/rebuild.h"
 #include "mend/salvage.h"
 
 #include <algorithm>
@@ -252,6 +253,31 @@ Result mendAsIs(std::vector<unsigned char> &bytes, bool salvage) {
 
 bool isMended(const Result &result) { return result.outcome == Outcome::good || result.outcome == Outcome::mended; }
 
+/// Makes the header of a file again that has none. @return none if its lists are not there, or damaged, too.
+std::optional<Result> salvageHeaderless(std::vector<unsigned char> &bytes) {
+  std::optional<Rebuilt> rebuilt = rebuildHeader(bytes);
+  if (!rebuilt)
+    return std::nullopt;
+  Bytes made = rebuilt->bytes;
+  Result result = mendAsIs(made, false);
+  if (!isMended(result)) {
+    made = std::move(rebuilt->bytes);
+    std::optional<Result> holed = salvageHoled(made, true);
+    if (!holed)
+      return std::nullopt;
+    result = std::move(*holed);
+  }
+  std::erase_if(result.changes, [&](Change &change) {
+    change.offset -= static_cast<std::uint64_t>(rebuilt->moved);
+    return change.offset < rebuilt->gone || change.offset >= bytes.size();
+  });
+  result.losses.insert(result.losses.begin(), {"FileHeader", {}, "it is gone: made again from what its lists say"});
+  result.outcome = Outcome::salvaged;
+  result.header_gone = std::max<std::uint64_t>(rebuilt->gone, 1);
+  bytes = std::move(made);
+  return result;
+}
+
 /// Undoes the steps, and mends the file that results.
 Result undoAndMend(std::vector<unsigned char> &bytes, const std::vector<Undoing> &steps, bool salvage) {
   std::vector<Undoing> undone;
@@ -318,6 +344,9 @@ Result mendBytes(std::vector<unsigned char> &bytes, const Asked &asked) {
   if (!isMended(result)) {
     if (const std::vector<Undoing> steps = findMendable(bytes); !steps.empty())
       return undoAndMend(bytes, steps, false);
+    if (asked.salvage && !headerFacts({bytes}).isHeader())
+      if (std::optional<Result> headed = salvageHeaderless(bytes))
+        return std::move(*headed);
     if (asked.salvage)
       return mendAsIs(bytes, true);
   }

@@ -52,6 +52,7 @@ struct Result {
   std::vector<Change> alternative = {}; ///< the other reading
   std::vector<Loss> losses = {};
   std::string reason = {};
+  std::uint64_t header_gone = 0; ///< of a file whose header was made again: up to here nothing of it is left
 };
 
 /// What is asked for.

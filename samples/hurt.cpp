@@ -125,6 +125,11 @@ template <std::size_t N> Hurt headerGone(const Bytes &file, Random &) {
   return hurt;
 }
 
+template <std::size_t N> Hurt headerMissing(const Bytes &file, Random &) {
+  const std::size_t gone = std::min(N, file.size());
+  return {slice(file, gone, file.size()), 0, gone};
+}
+
 // --- Holes ----------------------------------------------------------------------------------------------------------
 
 Hurt paddedCut(const Bytes &file, Random &random) {
@@ -211,8 +216,10 @@ constexpr DamageKind KINDS[] = {
     {"byte-dropped", Remedy::salvaged, 97, bytesDropped<1>},
     {"word-dropped", Remedy::salvaged, 97, bytesDropped<4>},
     {"byte-put-in", Remedy::salvaged, 97, bytePutIn},
-    {"header-gone", Remedy::salvaged, 0, headerGone<100>},
-    {"sector-gone", Remedy::salvaged, 0, headerGone<512>},
+    {"header-gone", Remedy::salvaged, 97, headerGone<100>},
+    {"sector-gone", Remedy::salvaged, 97, headerGone<512>},
+    {"header-missing", Remedy::salvaged, 97, headerMissing<100>},
+    {"sector-missing", Remedy::salvaged, 97, headerMissing<512>},
     {"returns-lost", Remedy::told, 0, returnsLost},
     {"control-z", Remedy::told, 0, controlZ},
     {"replaced", Remedy::told, 0, replaced},
