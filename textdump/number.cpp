@@ -1,4 +1,5 @@
-/// The tables that the numbers are made from. The compiler computes all of them; number.h says what they are for.
+/// Numbers as text, and the tables that they are made from. The compiler computes all of them; number.h says what those
+/// of floats are for.
 #include "textdump/number.h"
 
 #include <string_view>
@@ -176,6 +177,13 @@ consteval std::array<PointedGroups, 4> makePointedGroups() {
   return tables;
 }
 
+/// A number below 1000 in an integer. Copied whole, length included: four bytes are copied faster than up to three.
+struct Group {
+  std::array<char, 3> text;
+  std::uint8_t length;
+};
+using Groups = std::array<Group, 1000>;
+
 /// The last `length` digits of each number below 1000, where the length is at least `least` and leaves out leading
 /// zeros.
 consteval Groups makeGroups(std::size_t least) {
@@ -190,6 +198,21 @@ consteval Groups makeGroups(std::size_t least) {
   return groups;
 }
 
+constexpr Groups FIRST_GROUP = makeGroups(0);                                // without leading zeros; nothing for 0
+constexpr std::array<Groups, 2> LAST_GROUP = {makeGroups(3), makeGroups(1)}; // with leading zeros; without, "0" for 0
+
+char *putGroup(char *at, const Group &group) {
+  std::memcpy(at, &group, sizeof group);
+  return at + group.length;
+}
+
+/// value < 10^6
+char *putBelowMillion(char *at, std::uint32_t value) {
+  const std::uint32_t thousands = value / 1000;
+  at = putGroup(at, FIRST_GROUP[thousands]);
+  return putGroup(at, LAST_GROUP[thousands == 0][value % 1000]);
+}
+
 consteval std::array<std::array<char, 8>, 256> makeBytes() {
   std::array<std::array<char, 8>, 256> bytes{};
   const std::string_view digits = "0123456789abcdef";
@@ -198,14 +221,50 @@ consteval std::array<std::array<char, 8>, 256> makeBytes() {
   return bytes;
 }
 
+void putHexPair(char *at, std::uint32_t byte) { std::memcpy(at, &BYTES[byte][2], 2); }
+
 } // namespace
 
 constinit const std::array<std::uint32_t, ROWS> LOWER_END = FLOAT_TABLES.lower_end;
 constinit const std::array<std::uint64_t, ENTRIES> MULTIPLIERS = FLOAT_TABLES.multipliers;
 constinit const std::array<const Decade *, ENTRIES> DECADE_OF = makeDecadeOf();
 constinit const std::array<PointedGroups, 4> POINTED_GROUPS = makePointedGroups();
-constinit const Groups FIRST_GROUP = makeGroups(0);
-constinit const std::array<Groups, 2> LAST_GROUP = {makeGroups(3), makeGroups(1)};
 constinit const std::array<std::array<char, 8>, 256> BYTES = makeBytes();
 
 } // namespace kova::number
+
+namespace kova {
+
+char *putDec(char *at, std::int32_t value) {
+  *at = '-'; // is written over unless negative: no branch on the sign
+  at += value < 0;
+  const auto bits = static_cast<std::uint32_t>(value);
+  const std::uint32_t magnitude = value < 0 ? 0 - bits : bits;
+  if (magnitude < 1000000) [[likely]]
+    return number::putBelowMillion(at, magnitude);
+  at = number::putBelowMillion(at, magnitude / 1000000);
+  at = number::putGroup(at, number::LAST_GROUP[0][magnitude / 1000 % 1000]);
+  return number::putGroup(at, number::LAST_GROUP[0][magnitude % 1000]);
+}
+
+char *putHex(char *at, std::uint32_t value) {
+  at[0] = '0';
+  at[1] = value != 0 ? 'x' : '0';
+  number::putHexPair(at + 2, value >> 24);
+  number::putHexPair(at + 4, value >> 16 & 0xff);
+  number::putHexPair(at + 6, value >> 8 & 0xff);
+  number::putHexPair(at + 8, value & 0xff);
+  return at + 10;
+}
+
+char *putFloat(char *at, float value) {
+  const auto bits = std::bit_cast<std::uint32_t>(value);
+  const number::Decimal decimal = number::toDecimal(bits);
+  const std::size_t negative = bits >> 31;
+  const std::size_t start = decimal.decade->indent - negative;
+  std::memcpy(at, decimal.decade->text.data() + 16 * negative + start, 16);
+  number::putDigits(at, start, decimal);
+  return at + (12 - start);
+}
+
+} // namespace kova

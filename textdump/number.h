@@ -54,13 +54,6 @@ char *putFloat12(char *at, float value);     ///< "%#12g", 12 bytes
 // them.
 namespace number {
 
-/// A number below 1000 in an integer. Copied whole, length included: four bytes are copied faster than up to three.
-struct Group {
-  std::array<char, 3> text;
-  std::uint8_t length;
-};
-
-using Groups = std::array<Group, 1000>;
 using PointedGroups = std::array<std::array<char, 4>, 1000>; ///< three digits and a point, or three digits and an 'e'
 
 /// All that the texts of a decade have in common. Places count from the start of the 12 bytes of "%#12g".
@@ -83,8 +76,6 @@ extern const std::array<std::uint32_t, ROWS> LOWER_END;      ///< by row: bit pa
 extern const std::array<std::uint64_t, ENTRIES> MULTIPLIERS; ///< by entry
 extern const std::array<const Decade *, ENTRIES> DECADE_OF;  ///< by entry
 extern const std::array<PointedGroups, 4> POINTED_GROUPS;    ///< by the digits before the point, or 0 for the 'e'
-extern const Groups FIRST_GROUP;                             ///< without leading zeros; nothing for 0
-extern const std::array<Groups, 2> LAST_GROUP;               ///< 0: with leading zeros; 1: without, "0" for 0
 extern const std::array<std::array<char, 8>, 256> BYTES;     ///< "0x0a ", padded to the size of a word
 
 /// The digits of a float and the place of them.
@@ -118,57 +109,11 @@ inline void putDigits(char *at, std::size_t start, Decimal decimal) {
   std::memcpy(at + (decade.back_at - start), (*decade.back)[decimal.digits % 1000].data(), 4);
 }
 
-inline char *putGroup(char *at, const Group &group) {
-  std::memcpy(at, &group, sizeof group);
-  return at + group.length;
-}
-
-/// value < 10^6
-inline char *putBelowMillion(char *at, std::uint32_t value) {
-  const std::uint32_t thousands = value / 1000;
-  at = putGroup(at, FIRST_GROUP[thousands]);
-  return putGroup(at, LAST_GROUP[thousands == 0][value % 1000]);
-}
-
-inline void putHexPair(char *at, std::uint32_t byte) { std::memcpy(at, &BYTES[byte][2], 2); }
-
 } // namespace number
-
-inline char *putDec(char *at, std::int32_t value) {
-  *at = '-'; // is written over unless negative: no branch on the sign
-  at += value < 0;
-  const auto bits = static_cast<std::uint32_t>(value);
-  const std::uint32_t magnitude = value < 0 ? 0 - bits : bits;
-  if (magnitude < 1000000) [[likely]]
-    return number::putBelowMillion(at, magnitude);
-  at = number::putBelowMillion(at, magnitude / 1000000);
-  at = number::putGroup(at, number::LAST_GROUP[0][magnitude / 1000 % 1000]);
-  return number::putGroup(at, number::LAST_GROUP[0][magnitude % 1000]);
-}
-
-inline char *putHex(char *at, std::uint32_t value) {
-  at[0] = '0';
-  at[1] = value != 0 ? 'x' : '0';
-  number::putHexPair(at + 2, value >> 24);
-  number::putHexPair(at + 4, value >> 16 & 0xff);
-  number::putHexPair(at + 6, value >> 8 & 0xff);
-  number::putHexPair(at + 8, value & 0xff);
-  return at + 10;
-}
 
 inline char *putByte(char *at, std::uint8_t value) {
   std::memcpy(at, number::BYTES[value].data(), 8);
   return at + 5;
-}
-
-inline char *putFloat(char *at, float value) {
-  const auto bits = std::bit_cast<std::uint32_t>(value);
-  const number::Decimal decimal = number::toDecimal(bits);
-  const std::size_t negative = bits >> 31;
-  const std::size_t start = decimal.decade->indent - negative;
-  std::memcpy(at, decimal.decade->text.data() + 16 * negative + start, 16);
-  number::putDigits(at, start, decimal);
-  return at + (12 - start);
 }
 
 inline char *putFloat12(char *at, float value) {
