@@ -63,8 +63,8 @@ template <Printed PART, class Record, class Around = Record> struct Printer : Pa
     else if constexpr (NUMBERS<LINE> == 0)
       kvWriteKtList(out, items_held, static_cast<Word>(items_held.size_bytes()), LINE.text);
     else
-      for (Index position = 0; const Item &item : items_held)
-        printTuple<LINE>(out, position++, item);
+      for (std::size_t i = printTuples<LINE>(out, items_held); i < items_held.size(); ++i)
+        printTuple<LINE>(out, static_cast<Index>(i), items_held[i]);
     return 1;
   }
 

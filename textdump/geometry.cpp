@@ -100,6 +100,13 @@ constexpr std::array<WriteRef, REF_KIND_NUM> REF_WRITERS = {
 };
 // clang-format on
 
+void writeTriangles(Text &text, std::span<const Tri> triangles) {
+  for (std::size_t i = 0; (i += printTriangles(text, triangles.subspan(i), i)) < triangles.size(); ++i) {
+    kvWriteKtTriFix1(text, triangles[i], static_cast<Index>(i));
+    writeExtBlk(text, triangles[i]);
+  }
+}
+
 /// A group has no blocks of its own: its last triangle has ended it with an empty line, or, where it has none, this
 /// does.
 void writeTriGroupEnd(Text &text, const TriGroup &group) {
@@ -120,7 +127,7 @@ void kvWriteKtTriGroupFix1(Text &text, const TriGroup &group, Index number) {
   const std::array<AnimRef, REF_KIND_NUM> refs = kvRefs(group);
   for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind)
     REF_WRITERS[kind](text, refs[kind], refForm(group.tri_anim_type, kind));
-  writeElements(text, group.tri_num, group.tri, kvWriteKtTriFix1, writeExtBlk<Tri>);
+  writeTriangles(text, counted(group.tri_num, group.tri));
 }
 
 void kvWriteKtTriFix1(Text &text, const Tri &tri, Index number) {

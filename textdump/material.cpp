@@ -78,11 +78,9 @@ void kvWriteKtTexList(Text &text, const TexList &list) { writeSection(text, TEX_
 
 namespace {
 
-constexpr std::size_t TEXELS_TO_A_ROW = 12;
-
 void writeTexels(Text &text, std::span<const unsigned char> texels) {
   print<"TexImgData">(text);
-  eachRow<TEXELS_TO_A_ROW>(texels, [&text](auto row) {
+  eachRow<TEXELS_TO_A_ROW>(texels.subspan(printTexels(text, texels)), [&text](auto row) {
     print<"\n">(text);
     printRow<"%0#4x ">(text, row);
   });

@@ -4,6 +4,7 @@
 /// argument of the wrong kind, does not compile.
 #pragma once
 
+#include "textdump/batch.h"
 #include "textdump/number.h"
 #include "textdump/table.h"
 
@@ -139,6 +140,70 @@ template <Format FORMAT, class Numbers> void printEach(Text &text, const Numbers
   Index position = 0;
   for (const auto number : numbers)
     print<FORMAT>(text, position++, number);
+}
+
+// --- Many numbers at a time -----------------------------------------------------------------------------------------
+//
+// Each of these writes as many items from the front as can be written many at a time, and returns their number: none on
+// a processor that cannot do it. The caller writes the others.
+
+/// Has the bytes of the first `count` items brought into the cache while others are written.
+template <class Item> void fetchAhead(std::span<const Item> items, std::size_t count) {
+  constexpr std::size_t CACHE_LINE = 64;
+  const std::span<const std::byte> bytes = std::as_bytes(items.first(std::min(count, items.size())));
+  for (std::size_t i = 0; i < bytes.size(); i += CACHE_LINE)
+    __builtin_prefetch(&bytes[i]);
+}
+
+/// Writes the lines of an array, if they are those of tuples of floats.
+template <Format FORMAT, class Item> std::size_t printTuples(Text &text, std::span<const Item> items) {
+  std::size_t first = 0;
+  if constexpr (isTupleLine(FORMAT.text)) {
+    static constexpr TupleLines LINES = tupleLines(FORMAT.text);
+    static_assert(sizeof(Item) == LINES.width * sizeof(float), "one conversion for each float");
+    const Batch *const batch = fastestBatch();
+    while (batch != nullptr && first < items.size()) {
+      const std::size_t count = std::min(TUPLES_AT_ONCE, items.size() - first);
+      fetchAhead(items.subspan(first + count), TUPLES_AT_ONCE);
+      const auto *const values = reinterpret_cast<const float *>(&items[first]);
+      char *const at = room(text, TUPLES_ROOM);
+      advanceTo(text, putTuples(*batch, at, LINES, values, count, first));
+      first += count;
+    }
+  }
+  return first;
+}
+
+/// Writes triangles without blocks, each with its heading, numbered from `first`, and the empty line after it. Stops
+/// before the first one that has blocks.
+inline std::size_t printTriangles(Text &text, std::span<const Tri> triangles, std::size_t first) {
+  const Batch *const batch = fastestBatch();
+  std::size_t done = 0;
+  for (std::size_t more = TRIANGLES_AT_ONCE; batch != nullptr && more == TRIANGLES_AT_ONCE; done += more) {
+    const std::size_t count = std::min(TRIANGLES_AT_ONCE, triangles.size() - done);
+    fetchAhead(triangles.subspan(done + count), TRIANGLES_AT_ONCE);
+    char *at = room(text, TRIANGLES_ROOM);
+    more = putTriangles(*batch, at, triangles.subspan(done, count), first + done);
+    advanceTo(text, at);
+  }
+  return done;
+}
+
+/// Writes rows of texels, a line end before each.
+/// @return the number of texels.
+inline std::size_t printTexels(Text &text, std::span<const unsigned char> texels) {
+  constexpr std::size_t READ_BEYOND = 4;
+  const Batch *const batch = fastestBatch();
+  if (batch == nullptr || texels.size() < READ_BEYOND)
+    return 0;
+  const std::size_t rows = (texels.size() - READ_BEYOND) / TEXELS_TO_A_ROW;
+  for (std::size_t row = 0; row < rows; row += TEXEL_ROWS_AT_ONCE) {
+    const std::size_t count = std::min(TEXEL_ROWS_AT_ONCE, rows - row);
+    fetchAhead(texels.subspan((row + count) * TEXELS_TO_A_ROW), count * TEXELS_TO_A_ROW);
+    char *const at = room(text, TEXEL_ROWS_ROOM);
+    advanceTo(text, putTexels(*batch, at, &texels[row * TEXELS_TO_A_ROW], count));
+  }
+  return rows * TEXELS_TO_A_ROW;
 }
 
 // --- Line tables ----------------------------------------------------------------------------------------------------

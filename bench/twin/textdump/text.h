@@ -55,6 +55,12 @@ template <Format FORMAT, class Numbers> void printEach(Text &text, const Numbers
     std::fprintf(text.stream, FORMAT.text, position++, number);
 }
 
+// Nothing is written many at a time.
+template <Format FORMAT, class Tuple> std::size_t printTuples(Text &, std::span<const Tuple>) { return 0; }
+template <class Triangle> std::size_t printTriangles(Text &, std::span<const Triangle>, std::size_t) { return 0; }
+inline std::size_t printTexels(Text &, std::span<const unsigned char>) { return 0; }
+inline constexpr std::size_t TEXELS_TO_A_ROW = 12;
+
 /// A line of a table: its format text, with a terminating zero, and its steps.
 struct LineText {
   std::size_t begin = 0;
