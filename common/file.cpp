@@ -23,6 +23,12 @@ std::optional<Identity> identityOf(const std::string &path) {
   return ::stat(path.c_str(), &status) == 0 ? std::optional(identityOf(status)) : std::nullopt;
 }
 
+std::optional<Identity> fileAt(int stream) {
+  struct stat status;
+  const bool is_file = ::fstat(stream, &status) == 0 && (S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode));
+  return is_file ? std::optional(identityOf(status)) : std::nullopt;
+}
+
 std::string targetOf(const std::string &path) {
   constexpr int MOST_LINKS = 40;
   std::error_code error;

@@ -36,6 +36,10 @@ inline Identity identityOf(const struct stat &status) { return {status.st_dev, s
 /// @return which file lies at a path, behind links; none if there is none.
 std::optional<Identity> identityOf(const std::string &path);
 
+/// @return the regular file or the pipe that a standard stream is; none for a terminal, a device, and one that is
+/// closed, into which anything may be printed.
+std::optional<Identity> fileAt(int stream);
+
 /// Follows links, also one that leads to nothing yet. @return the path that a file would get that is written there,
 /// from the root.
 std::string targetOf(const std::string &path);

@@ -34,6 +34,8 @@ std::string outputRefusal(const Options &options, const struct stat &input) {
     return name + " is a folder";
   if (::stat(options.output.c_str(), &status) == 0 && status.st_dev == input.st_dev && status.st_ino == input.st_ino)
     return name + " is the same file as INPUT, which is never changed";
+  if (options.force && fileAt(STDOUT_FILENO) && fileAt(STDOUT_FILENO) == identityOf(options.output))
+    return name + " is standard output, where the changes are printed";
   if (!options.force && ::lstat(options.output.c_str(), &status) == 0)
     return existsText(options);
   return "";
@@ -77,36 +79,46 @@ void printWords(const Result &result, Form form, std::FILE *to) {
     print(lossLine(loss, form), to);
 }
 
-/// Ends standard output. `std::fclose` would leave the C++ streams, which flush it once more at the end, a closed one.
+/// Ends a standard stream. `std::fclose` would leave the C++ streams, which flush it once more at the end, a closed
+/// one.
 int closeStream(std::FILE *stream) { return std::fflush(stream) == 0 && ::close(::fileno(stream)) == 0 ? 0 : EOF; }
 
 /// Hands what was printed to the system, with `std::fflush` or `closeStream`. A step that has failed to print has left
-/// the system's reason in `errno`, and what is printed afterwards with success leaves it there. @return `status`, or
-/// `FAILED` where standard output is not complete. This is told, unless the reader of a pipe has closed it.
-int endOutput(int status, int (*end)(std::FILE *)) {
-  const bool failed = std::ferror(stdout) != 0;
-  if (end(stdout) == 0 && !failed)
-    return status;
-  if (errno != EPIPE)
-    refuse(std::string("standard output cannot be written: ") + std::strerror(errno != 0 ? errno : EIO));
-  return FAILED;
+/// the system's reason in `errno`, and what is printed afterwards with success leaves it there. @return 0, or the
+/// reason why the stream is not complete.
+int endStream(std::FILE *stream, int (*end)(std::FILE *)) {
+  const bool failed = std::ferror(stream) != 0;
+  return end(stream) == 0 && !failed ? 0 : errno != 0 ? errno : EIO;
+}
+
+int refuseStream(std::FILE *stream, int error) {
+  return refuse(std::string(stream == stdout ? "standard output" : "standard error") +
+                " cannot be written: " + std::strerror(error));
+}
+
+/// Ends a standard stream. @return `status`, or `FAILED` where it is not complete, which is told.
+int endOutput(int status, int (*end)(std::FILE *), std::FILE *stream = stdout) {
+  const int error = endStream(stream, end);
+  return error == 0 ? status : refuseStream(stream, error);
 }
 
 /// Writes OUTPUT. It gets its name only when it is whole and the last line is printed.
 int writeOutput(const Options &options, const Scene &scene, const std::string &last_line, int status) {
-  int ended = status;
+  int error = 0; // of standard output; told when a signal that it has caused is no longer held back
   const Writing write = [&](std::FILE *stream) {
     if (std::fwrite(scene.bytes.data(), 1, scene.bytes.size(), stream) != scene.bytes.size() ||
         std::fflush(stream) != 0)
       return 0;
     errno = 0;
     print(last_line);
-    ended = endOutput(status, std::fflush);
-    return ended != FAILED ? 1 : 0;
+    error = endStream(stdout, std::fflush);
+    return error == 0 ? 1 : 0;
   };
   const Existing existing = options.force ? Existing::replace : Existing::refuse;
-  if (kvSaveFile(options.output.c_str(), existing, scene.mode, write) || ended == FAILED)
-    return ended;
+  if (kvSaveFile(options.output.c_str(), existing, scene.mode, write))
+    return status;
+  if (error != 0)
+    return refuseStream(stdout, error);
   return refuse(errno == EEXIST ? existsText(options)
                                 : printable(options.output) + " cannot be written: " + std::strerror(errno));
 }
@@ -115,10 +127,11 @@ int writeOutput(const Options &options, const Scene &scene, const std::string &l
 int writeStandardOutput(const Scene &scene, const std::string &last_line, int status) {
   errno = 0;
   std::fwrite(scene.bytes.data(), 1, scene.bytes.size(), stdout);
-  const int ended = endOutput(status, closeStream);
-  if (ended != FAILED)
-    print(last_line, stderr);
-  return ended;
+  if (endOutput(status, closeStream) == FAILED)
+    return FAILED;
+  errno = 0;
+  print(last_line, stderr);
+  return endOutput(status, std::fflush, stderr);
 }
 
 /// Reads INPUT, unless OUTPUT may not be written. @return the exit status if there is nothing to go on with.
@@ -154,10 +167,11 @@ int repair(const Options &options) {
   const Form form = options.json ? Form::json : Form::text;
   const Result result = mend::mendBytes(scene.bytes, options.asked);
   const int status = statusOf(result);
+  std::FILE *const told = options.toStandardOutput() ? stderr : stdout;
   errno = 0;
-  printWords(result, form, options.toStandardOutput() ? stderr : stdout);
+  printWords(result, form, told);
   // No change is written that could not be printed.
-  if (endOutput(status, std::fflush) == FAILED)
+  if (endOutput(status, std::fflush, told) == FAILED)
     return FAILED;
   const bool write = !options.dry_run && (status == AUDITS_OK || options.partial);
   const std::string last_line = endingLine({result, options.input, write ? options.output : ""}, form);
@@ -165,8 +179,8 @@ int repair(const Options &options) {
     return options.toStandardOutput() ? writeStandardOutput(scene, last_line, status)
                                       : writeOutput(options, scene, last_line, status);
   errno = 0;
-  print(last_line, options.toStandardOutput() ? stderr : stdout);
-  return endOutput(status, closeStream);
+  print(last_line, told);
+  return endOutput(status, closeStream, told);
 }
 
 int run(int argc, char **argv) {

@@ -1,6 +1,7 @@
 #include "repair/options.h"
 
 #include "common/arguments.h"
+#include "common/file.h"
 #include "common/terminal.h"
 #include "common/text.h"
 #include "kova/version.h"
@@ -14,7 +15,7 @@ namespace {
 
 constexpr HelpText HELP = {
     .usage = "Usage: kbrepair [OPTION]... INPUT OUTPUT\n"
-             "       kbrepair --dry-run [OPTION]... INPUT\n"
+             "       kbrepair --dry-run [OPTION]... INPUT [OUTPUT]\n"
              "       kbrepair --diagnose [--json] INPUT\n",
     .description =
         "Mends a damaged KOVA scene file: recomputes the sizes, counts, indices and tags that follow from the rest "
@@ -56,7 +57,24 @@ std::string takePaths(const std::vector<std::string> &paths, Options &options) {
     return "INPUT is missing";
   if (options.diagnose)
     return options.output.empty() ? "" : "--diagnose writes no OUTPUT";
-  return options.output.empty() && !options.dry_run ? "OUTPUT is missing" : "";
+  if (options.dry_run)
+    return "";
+  return paths.size() < 2 ? "OUTPUT is missing" : options.output.empty() ? "OUTPUT is empty" : "";
+}
+
+/// @return whether a standard stream is INPUT.
+bool isInput(int stream, const std::vector<std::string> &paths) {
+  const std::optional<Identity> file = fileAt(stream);
+  return file && !paths.empty() && identityOf(paths[0]) == file;
+}
+
+/// @return why the paths cannot be taken, with a hint, for people; empty if they can.
+std::string refusalOf(std::string wrong, const std::vector<std::string> &paths, Options &options) {
+  if (wrong.empty())
+    wrong = takePaths(paths, options);
+  if (!wrong.empty())
+    return wrong + ".\nTry 'kbrepair --help'.\n";
+  return isInput(STDOUT_FILENO, paths) ? "standard output is the same file as INPUT, which is never changed.\n" : "";
 }
 
 } // namespace
@@ -74,14 +92,14 @@ std::optional<Options> readOptions(int argc, const char *const *argv, int &statu
                stdout);
     return std::nullopt;
   }
-  if (wrong.empty())
-    wrong = takePaths(paths, options);
-  if (!wrong.empty()) {
-    std::fprintf(stderr, "kbrepair: %s.\nTry 'kbrepair --help'.\n", wrong.c_str());
-    status = FAILED;
+  status = FAILED;
+  if (isInput(STDERR_FILENO, paths)) // no message can be shown
     return std::nullopt;
-  }
-  return options;
+  wrong = refusalOf(std::move(wrong), paths, options);
+  if (wrong.empty())
+    return options;
+  std::fprintf(stderr, "kbrepair: %s", wrong.c_str());
+  return std::nullopt;
 }
 
 } // namespace kova::repair

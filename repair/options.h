@@ -10,7 +10,7 @@ namespace kova::repair {
 
 struct Options {
   std::string input = {};
-  std::string output = {}; ///< may be empty if `dry_run` or `diagnose` is set
+  std::string output = {}; ///< may be empty if `dry_run` or `diagnose` is set, which write none
   mend::Asked asked = {};
   bool force = false;
   bool partial = false;
@@ -25,7 +25,7 @@ struct Options {
 enum Status { AUDITS_OK, NOT_MENDED, UNREADABLE, FAILED };
 
 /// Reads the command line. @return the options; none after help, the version or an error was printed, with the exit
-/// status in `status`.
+/// status in `status`. Nothing is printed into INPUT: it may be a standard stream.
 std::optional<Options> readOptions(int argc, const char *const *argv, int &status);
 
 } // namespace kova::repair

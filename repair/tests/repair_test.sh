@@ -62,6 +62,12 @@ repair 1 not.kb -
 [ ! -s "$scratch/out" ] || fail "a hopeless file is written to standard output"
 if "$KBREPAIR" bad.kb - >/dev/full 2>"$scratch/err"; then fail "full standard output: status 0"; fi
 same "told of full standard output" "kbrepair: standard output cannot be written: No space left on device." "$(tail -n 1 "$scratch/err")"
+for option in "" --json; do # a change that could not be told is not written
+  for full in /dev/full '&-'; do
+    run 3 "OUTPUT - 2>$full" sh -c '"$@" 2>'"$full" sh "$KBREPAIR" ${option:+"$option"} bad.kb -
+    [ ! -s "$scratch/out" ] || fail "OUTPUT - 2>$full: it is written"
+  done
+done
 written
 
 repair 1 cut.kb out.kb
@@ -147,6 +153,7 @@ mkdir folder
 mkfifo pipe
 refused 2 "missing.kb: No such file or directory." missing.kb out.kb
 refused 2 ": No such file or directory." "" out.kb
+refused 3 $'OUTPUT is empty.\nTry \'kbrepair --help\'.' town.kb ""
 refused 2 "folder: not a regular file." folder out.kb
 run 2 "a pipe" timeout 20 "$KBREPAIR" pipe out.kb
 same "a pipe" "kbrepair: pipe: not a regular file." "$(cat "$scratch/err")"
@@ -193,6 +200,13 @@ for other in bad.kb ./bad.kb folder/../bad.kb hard.kb soft.kb; do
 done
 refused 3 "bad.kb is the same file as INPUT, which is never changed." --force soft.kb bad.kb
 repair 0 --dry-run bad.kb hard.kb # writes nothing anyway
+for stream in '- >>' '- 1<>' 'out.kb 1<>' '-n >>' '--diagnose >>' '- 2>>' '2>>'; do # shows nothing where standard error is INPUT
+  run 3 "kbrepair bad.kb ${stream}hard.kb" sh -c '"$1" bad.kb '"${stream}hard.kb" sh "$KBREPAIR"
+  [[ $stream = *2* || $(cat "$scratch/err") = "kbrepair: standard output is the same file as INPUT, which is never changed." ]] ||
+    fail "kbrepair bad.kb ${stream}hard.kb: $(cat "$scratch/err")"
+  cmp "$scratch/samples/header-tag.kb" bad.kb || fail "kbrepair bad.kb ${stream}hard.kb: INPUT is changed"
+done
+run 0 "standard output as OUTPUT" sh -c '"$1" -f bad.kb out.kb >out.kb; [ $? -eq 3 ] && [ ! -s out.kb ] && rm out.kb' sh "$KBREPAIR"
 written hard.kb soft.kb folder
 
 # OUTPUT is as private as INPUT.
@@ -234,6 +248,9 @@ written pipe
   run 3 "closed standard output" sh -c '"$@" >&-' sh "$KBREPAIR" bad.kb out.kb
   same "told of closed standard output" "kbrepair: standard output cannot be written: Bad file descriptor." "$(cat "$scratch/err")"
   written
+  run 3 "a pipe that is closed, SIGPIPE ignored" sh -c 'trap "" PIPE; { sleep 0.2; "$@"; echo $? >status; } | :; exit "$(cat status)"' sh "$KBREPAIR" bad.kb out.kb
+  same "told of the pipe" "kbrepair: standard output cannot be written: Broken pipe." "$(cat "$scratch/err")"
+  written status
   run 0 "other standard streams closed" sh -c '"$@" <&- 2>&-' sh "$KBREPAIR" bad.kb out.kb
   cmp small-1.kb out.kb || fail "with other standard streams closed"
   written out.kb
