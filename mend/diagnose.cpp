@@ -22,7 +22,7 @@ std::string counted(std::uint64_t number, const char *one, const char *more) {
 /// from there on.
 Damage damageOf(const Undoing &undone, std::uint64_t size) {
   const std::string_view id = undone.transformation->id;
-  const bool one_place = id == "front" || id == "behind" || id == "doubled" || id == "part";
+  const bool one_place = id == "front" || id == "behind" || id == "doubled" || id == "swapped" || id == "part";
   return {.kind = undone.transformation->id,
           .sure = Sure::certain,
           .begin = undone.at,

@@ -7,6 +7,7 @@
 #include "mend/losses.h"
 #include "mend/rebuild.h"
 #include "mend/salvage.h"
+#include "mend/swap.h"
 
 #include <algorithm>
 
@@ -321,6 +322,8 @@ std::vector<Undoing> findMendable(const std::vector<unsigned char> &bytes) {
   });
 }
 
+bool isGood(Bytes &file) { return mendAsIs(file, false).outcome == Outcome::good; }
+
 } // namespace
 
 Result mendBytes(std::vector<unsigned char> &bytes, const Asked &asked) {
@@ -338,6 +341,9 @@ Result mendBytes(std::vector<unsigned char> &bytes, const Asked &asked) {
   std::vector<unsigned char> as_is = bytes;
   Result result = mendAsIs(as_is, false);
   const bool good = result.outcome == Outcome::good;
+  if (!good)
+    if (const std::vector<Undoing> steps = findSwap(bytes, isGood); !steps.empty())
+      return undoAndMend(bytes, steps, false);
   const bool holed = !good && (hasHoles(bytes) || (isMended(result) && areHole(bytes, result.changes)));
   if (holed)
     return asked.salvage ? salvageHoled(bytes, true).value_or(hopeless(HOLED)) : hopeless(HOLED);

@@ -173,14 +173,22 @@ Hurt blockDoubled(const Bytes &file, Random &random) {
   const Bytes block = slice(file, hole.hole_begin, hole.hole_end);
   return around(slice(file, 0, hole.hole_end), block, slice(file, hole.hole_end, file.size()));
 }
+
+/// Two of the blocks of a storage device, as long as the file has at least four of them.
 Hurt blocksSwapped(const Bytes &file, Random &random) {
-  const Hurt one = withBlock(file, random);
-  const Hurt other = withBlock(file, random);
+  constexpr std::size_t BLOCKS[] = {4096, 2048, 512};
+  std::size_t block = BLOCKS[below(std::size(BLOCKS), random)];
+  while (block > 64 && file.size() < 4 * block)
+    block /= 2;
+  const std::size_t first = (FILE_HEADER_BYTES + block - 1) / block;
+  const std::size_t number = file.size() / block - first;
+  const std::size_t one = first + below(number, random);
+  const std::size_t other = first + below(number, random);
   Hurt hurt = {file};
-  if (one.hole_end - one.hole_begin == other.hole_end - other.hole_begin)
-    std::swap_ranges(hurt.bytes.begin() + static_cast<std::ptrdiff_t>(one.hole_begin),
-                     hurt.bytes.begin() + static_cast<std::ptrdiff_t>(one.hole_end),
-                     hurt.bytes.begin() + static_cast<std::ptrdiff_t>(other.hole_begin));
+  if (one != other)
+    std::swap_ranges(hurt.bytes.begin() + static_cast<std::ptrdiff_t>(one * block),
+                     hurt.bytes.begin() + static_cast<std::ptrdiff_t>((one + 1) * block),
+                     hurt.bytes.begin() + static_cast<std::ptrdiff_t>(other * block));
   return hurt;
 }
 
@@ -208,7 +216,7 @@ constexpr DamageKind KINDS[] = {
     {"version-zero", Remedy::undone, 100, version<zero>},
     {"version-any", Remedy::undone, 100, version<any>},
     {"block-doubled", Remedy::undone, 98, blockDoubled},
-    {"blocks-swapped", Remedy::told, 0, blocksSwapped},
+    {"blocks-swapped", Remedy::undone, 60, blocksSwapped},
     {"padded-cut", Remedy::salvaged, 98, paddedCut},
     {"zero-block", Remedy::salvaged, 92, zeroBlock},
     {"strange-block", Remedy::salvaged, 88, strangeBlock},

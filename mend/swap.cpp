@@ -1,0 +1,205 @@
+#include "mend/swap.h"
+
+#include "mend/locate.h"
+#include "mend/mend.h"
+#include "mend/reading.h"
+
+#include <algorithm>
+
+namespace kova::mend {
+
+namespace {
+
+/// The blocks that storage devices exchange.
+constexpr std::uint64_t BLOCKS[] = {512, 2048, 4096};
+/// What the search may read for each byte of the file, in bytes.
+constexpr std::uint64_t READ_FOR_EACH = 64;
+/// Exchanges after which the first place that was wrong is right; more of them are chance.
+constexpr std::size_t MOST_TRIED = 8;
+
+Bytes swapBlocks(BytesView file, const Undoing &way) {
+  Bytes bytes(file.begin(), file.end());
+  const auto at = [&](std::uint64_t place) { return bytes.begin() + static_cast<std::ptrdiff_t>(place); };
+  std::swap_ranges(at(way.at), at(way.at + way.count), at(way.value));
+  return bytes;
+}
+
+std::string tellSwap(const Undoing &way) {
+  return "the blocks of " + std::to_string(way.count) + " bytes at " + offsetText(way.at) + " and " +
+         offsetText(way.value) + " stood in each other's place: exchanged";
+}
+
+constexpr Transformation SWAP = {"swapped", nullptr, swapBlocks, tellSwap};
+
+/// The first part of a file that is not as it should be, and what it should be.
+struct Broken {
+  enum class Sort : std::uint8_t { none, head, table, element };
+  Sort sort = Sort::none;
+  const FoundList *list = nullptr;
+  const Kind *kind = nullptr; ///< of an element
+  std::uint64_t begin = 0;
+  std::uint64_t end = 0;
+  Word number = 0;
+  std::uint64_t size = 0;
+};
+
+class SwapSearch {
+public:
+  SwapSearch(BytesView bytes, const IsOriginal &is_original)
+      : accepts(is_original), scratch(bytes.begin(), bytes.end()), file(scratch),
+        version_2(file.version() == VERSION_2), left(READ_FOR_EACH * bytes.size()) {}
+
+  std::vector<Undoing> find();
+
+private:
+  Broken firstBroken(const Found &found) const;
+  Broken firstBrokenElement(const FoundList &list) const;
+  bool isRight(const Broken &broken);
+  bool isTableRight(const Broken &broken) const;
+  bool isElementRight(const Broken &broken);
+  void swap(const Undoing &way);
+  void tryAll(const Broken &broken, std::uint64_t block);
+  void tryOne(const Broken &broken, const Undoing &way);
+
+  const IsOriginal &accepts;
+  Bytes scratch;
+  FileBytes file;
+  bool version_2;
+  std::uint64_t left; ///< of what may be read
+  std::size_t tried = 0;
+  std::optional<Undoing> found_way = {};
+  Bytes original = {};
+  bool several = false;
+};
+
+// --- What is wrong --------------------------------------------------------------------------------------------------
+
+const Kind &kindOf(const FoundList &list, std::size_t second) {
+  return list.list == 0 ? SCENE : second != 0 ? *LAYOUT[list.list].second : *LAYOUT[list.list].first;
+}
+
+Broken SwapSearch::firstBrokenElement(const FoundList &list) const {
+  const std::uint64_t numbers = list.elements[0].size() + list.elements[1].size();
+  std::uint64_t at = list.was_at;
+  if (list.list != 0)
+    at += LAYOUT[list.list].headBytes() + numbers * sizeof(Word);
+  for (const std::size_t second : {std::size_t{0}, std::size_t{1}})
+    for (std::size_t i = 0; i < list.elements[second].size(); ++i) {
+      const FoundElement &element = list.elements[second][i];
+      if (!element.whole)
+        return {Broken::Sort::element, &list,       &kindOf(list, second), at, at + element.size,
+                static_cast<Word>(i),  element.size};
+      at += element.size;
+    }
+  return {};
+}
+
+Broken SwapSearch::firstBroken(const Found &found) const {
+  for (const FoundList &list : found.lists) {
+    const std::uint64_t head = list.list == 0 ? SCENE.fixed : LAYOUT[list.list].headBytes();
+    if (!isListTag(list.list, file[list.was_at]) || file[list.was_at + 8] != list.size)
+      return {.sort = Broken::Sort::head, .list = &list, .begin = list.was_at, .end = list.was_at + head};
+    const std::uint64_t numbers = file[list.was_at + 12];
+    if (!list.table_whole)
+      return {.sort = Broken::Sort::table,
+              .list = &list,
+              .begin = list.was_at,
+              .end = list.was_at + std::min(list.size, head + numbers * sizeof(Word))};
+    if (const Broken element = firstBrokenElement(list); element.sort != Broken::Sort::none)
+      return element;
+  }
+  return {};
+}
+
+/// @return whether the size table of a list says how long the list is.
+bool SwapSearch::isTableRight(const Broken &broken) const {
+  const ListLayout &layout = LAYOUT[broken.list->list];
+  const std::uint64_t numbers[] = {file[broken.begin + 12], layout.second != nullptr ? file[broken.begin + 16] : 0};
+  std::uint64_t sum = layout.headBytes() + (file[broken.begin + layout.blocksAt()] & ~Word{3}) +
+                      std::uint64_t{file[broken.begin + layout.blocksAt() + 4] & ~Word{3}};
+  if (numbers[0] + numbers[1] > broken.list->size / sizeof(Word))
+    return false;
+  for (std::uint64_t i = 0; i < numbers[0] + numbers[1]; ++i)
+    sum += sizeof(Word) + wholeWords(i < numbers[0] ? *layout.first : *layout.second,
+                                     file[broken.begin + layout.headBytes() + i * sizeof(Word)]);
+  return sum == broken.list->size;
+}
+
+bool SwapSearch::isElementRight(const Broken &broken) {
+  const Kind &kind = *broken.kind;
+  if (!isElementTag(kind, file[broken.begin]) || wholeWords(kind, file[broken.begin + kind.size_at]) != broken.size ||
+      (kind.index_at != NO_WORD && file[broken.begin + kind.index_at] != broken.number))
+    return false;
+  left -= std::min(left, broken.size / sizeof(Word));
+  std::uint64_t steps = broken.size;
+  Walk walk(file, version_2, nullptr, steps);
+  const std::uint64_t end = walk.over({&kind, broken.begin, broken.number});
+  return !walk.broken && walk.faults == 0 && end == broken.end;
+}
+
+bool SwapSearch::isRight(const Broken &broken) {
+  switch (broken.sort) {
+  case Broken::Sort::head:
+    return isListTag(broken.list->list, file[broken.begin]) && file[broken.begin + 8] == broken.list->size;
+  case Broken::Sort::table:
+    left -= std::min(left, broken.end - broken.begin);
+    return isTableRight(broken);
+  case Broken::Sort::element:
+    return isElementRight(broken);
+  case Broken::Sort::none:
+    break;
+  }
+  return false;
+}
+
+// --- The search -----------------------------------------------------------------------------------------------------
+
+void SwapSearch::swap(const Undoing &way) {
+  const auto at = [&](std::uint64_t place) { return scratch.begin() + static_cast<std::ptrdiff_t>(place); };
+  std::swap_ranges(at(way.at), at(way.at + way.count), at(way.value));
+}
+
+void SwapSearch::tryOne(const Broken &broken, const Undoing &way) {
+  left -= std::min(left, way.count / 4);
+  swap(way);
+  if (isRight(broken) && headerFacts({scratch}).isWhole() && ++tried <= MOST_TRIED) {
+    Bytes copy = scratch;
+    if (locate(file).whole && accepts(copy)) {
+      several |= found_way && copy != original;
+      found_way = way;
+      original = std::move(copy);
+    }
+  }
+  swap(way);
+}
+
+/// Exchanges each block of what is wrong with each other block behind the header.
+void SwapSearch::tryAll(const Broken &broken, std::uint64_t block) {
+  const std::uint64_t number = file.size() / block;
+  for (std::uint64_t one = broken.begin / block; one * block < broken.end && one < number; ++one)
+    for (std::uint64_t other = 1; other < number && left != 0 && tried <= MOST_TRIED && !several; ++other)
+      if (other != one)
+        tryOne(broken, {&SWAP, std::min(one, other) * block, block, std::max(one, other) * block});
+}
+
+std::vector<Undoing> SwapSearch::find() {
+  const Found found = locate(file);
+  const Broken broken = firstBroken(found);
+  for (const std::uint64_t block : BLOCKS)
+    if (broken.sort != Broken::Sort::none)
+      tryAll(broken, block);
+  if (!found_way || several || tried > MOST_TRIED || left == 0)
+    return {};
+  return {*found_way};
+}
+
+} // namespace
+
+std::vector<Undoing> findSwap(BytesView file, const IsOriginal &accepts) {
+  const HeaderFacts facts = headerFacts({file});
+  if (!facts.isHeader() || facts.sum != facts.stated || facts.stated != file.size())
+    return {};
+  return SwapSearch(file, accepts).find();
+}
+
+} // namespace kova::mend

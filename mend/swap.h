@@ -1,0 +1,15 @@
+/// Two blocks of a storage device that stand in each other's place.
+#pragma once
+
+#include "mend/transform.h"
+
+namespace kova::mend {
+
+/// Takes a file that may have been the original. @return whether it was.
+using IsOriginal = std::function<bool(Bytes &file)>;
+
+/// @return the exchange that makes a file with a whole header agree that is accepted; none if there is no such
+/// exchange, or if several are that make different files of it.
+std::vector<Undoing> findSwap(BytesView file, const IsOriginal &accepts);
+
+} // namespace kova::mend
