@@ -28,6 +28,9 @@ void refuse(FileResult &result, Reason reason, std::string detail) {
 void receive(FileResult &result, const Finding &finding) {
   if (!countFinding(result, finding.row->id))
     return;
+  std::string text = kvFindingText(finding);
+  if (text.empty())
+    throw std::bad_alloc();
   keepFinding(result, {.id = finding.row->id,
                        .stage = finding.row->stage,
                        .severity = finding.row->severity,
@@ -36,7 +39,7 @@ void receive(FileResult &result, const Finding &finding) {
                        .offset = finding.offset,
                        .found = finding.found,
                        .expected = finding.expected,
-                       .text = kvFindingText(finding)});
+                       .text = std::move(text)});
 }
 
 bool has(const FileResult &result, const char *id) { return result.counts.contains(id); }
@@ -208,8 +211,10 @@ FileResult audit(Input input, Questions asked, Workspace &workspace) noexcept {
   } catch (const std::exception &) {
     refuse(result, Reason::no_memory, "");
   }
-  if (result.reason == Reason::no_memory) // what was found says little, and takes the memory that is short
+  if (result.reason == Reason::no_memory) { // what was found says little, and takes the memory that is short
     result.findings = {};
+    result.counts = {};
+  }
   return result;
 }
 

@@ -110,6 +110,11 @@ for sample in town.kb figure.kb damaged.kb; do
   done
 done
 
+# Memory for a large file is taken from one reserved piece.
+empty_scene 5000000 100 92=4c4adc
+bad "a large block" audit scene.kb
+same "rows of a large block" 208330 "$(grep -c '^0000000000  ' out)"
+
 # --- What is no regular file, or no file of this size ---
 
 : >empty.kb

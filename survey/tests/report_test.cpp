@@ -100,6 +100,15 @@ TEST(SurveyReport, AResultComesBackFromItsLine) {
   }
 }
 
+/// What later versions of the program tell of a file or a finding.
+TEST(SurveyReport, MembersThatAreNotKnownAreSkipped) {
+  const FileResult result = hostileResult(1);
+  std::string line = jsonLine(result);
+  for (const std::string before : {"\"path\"", "\"id\""})
+    line.insert(line.find(before), R"("later":{"a":[1,{"id":null}],"path":[[]]},"too":[{},-1,0.5],)");
+  EXPECT_EQ(resultOf(line), result) << line;
+}
+
 /// Each is one change to a line that is right.
 TEST(SurveyReport, WhatIsNoResultIsRefused) {
   const std::string line = jsonLine(hostileResult(1));
