@@ -261,7 +261,7 @@ inline constexpr auto WORDS<Scale> = words<Scale>({
 
 // --- Content --------------------------------------------------------------------------------------------------------
 
-template <class Io> int content(Io &io, const AnimGroupExtHead &) {
+template <class Io> constexpr int content(Io &io, const AnimGroupExtHead &) {
   using Ext = AnimGroupExt;
   return io.run(items<RotateAxis, "rotate_axis", "RotateAxis(%d)\n">, &Ext::rotate_axis, &Ext::rotate_axis_num) &&
          io.run(items<RotateE, "rotate_x", "RotateX(%d)\n">, &Ext::rotate_x, &Ext::rotate_x_num) &&
@@ -275,7 +275,7 @@ template <class Io> int content(Io &io, const AnimGroupExtHead &) {
 }
 
 /// The type chooses the form of the records; other types store none, whatever the count says.
-template <class Io> int records(Io &io, const AnimGroupHead &group) {
+template <class Io> constexpr int records(Io &io, const AnimGroupHead &group) {
   constexpr auto COUNT_OF = &AnimGroup::anim_num;
   switch (group.type) {
   case 0:
@@ -289,7 +289,7 @@ template <class Io> int records(Io &io, const AnimGroupHead &group) {
     return io.absent(line<"Anim(%d)\n", "anim">, &AnimGroup::zeroed_anim_num, COUNT_OF);
   }
 }
-template <class Io> int content(Io &io, const AnimGroupHead &group) {
+template <class Io> constexpr int content(Io &io, const AnimGroupHead &group) {
   return records(io, group) && io.blocks(maker<AnimGroupExtHead>, &AnimGroup::ext);
 }
 
@@ -314,23 +314,23 @@ template <class Visit> void withCollData(const Coll &coll, Visit visit) {
 }
 
 /// A collision takes up what its own sizes say; the blocks behind it are as long as its group says.
-template <class Io> int content(Io &io, const CollHead &) {
+template <class Io> constexpr int content(Io &io, const CollHead &) {
   return io.data(&Coll::data) && io.blocksAround(&Coll::group_ext_blk);
 }
 
-template <class Io> int content(Io &io, const CollGroupHead &) {
+template <class Io> constexpr int content(Io &io, const CollGroupHead &) {
   return io.array(line<"coll_num_byte[%d]  %d \n">, &CollGroup::coll_num_byte, &CollGroup::coll_num) &&
          io.records(items<CollHead, "coll", "Coll(%d)\n", COLL_TAG>, &CollGroup::coll, &CollGroup::coll_num);
 }
 
-template <class Io> int content(Io &io, const SwitchHead &) {
+template <class Io> constexpr int content(Io &io, const SwitchHead &) {
   return io.array(line<"case_val[%d]  %d\n">, &Switch::case_val, &Switch::case_node_num) &&
          io.array(line<"case_dest_index[%d]  %d\n">, &Switch::case_dest_index, &Switch::case_node_num, To::any) &&
          io.blocks();
 }
 
 /// Only the whole words of a text are held; one of negative length is empty.
-template <class Io> int content(Io &io, const NameHead &name) {
+template <class Io> constexpr int content(Io &io, const NameHead &name) {
   return io.text(&Name::text, static_cast<std::uint64_t>(std::max(kvGetNamelen(name), 0)) / sizeof(Word));
 }
 

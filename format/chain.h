@@ -50,14 +50,14 @@ inline constexpr auto WORDS<EffectorHead> = words<EffectorHead>({
 // --- Content --------------------------------------------------------------------------------------------------------
 
 /// The objects that a chain root, a joint or an effector moves.
-template <class Node, class Io> int chainObjs(Io &io) {
+template <class Node, class Io> constexpr int chainObjs(Io &io) {
   return io.array(line<"obj_index[%d]  %d\n">, &Node::obj_index, &Node::obj_num, To::obj) &&
          io.pairs(label<"external_obj">, &Node::external_obj, &Node::external_obj_num, To::external_name) &&
          io.blocks();
 }
-template <class Io> int content(Io &io, const ChainRootHead &) { return chainObjs<ChainRoot>(io); }
-template <class Io> int content(Io &io, const JointHead &) { return chainObjs<Joint>(io); }
-template <class Io> int content(Io &io, const EffectorHead &) { return chainObjs<Effector>(io); }
+template <class Io> constexpr int content(Io &io, const ChainRootHead &) { return chainObjs<ChainRoot>(io); }
+template <class Io> constexpr int content(Io &io, const JointHead &) { return chainObjs<Joint>(io); }
+template <class Io> constexpr int content(Io &io, const EffectorHead &) { return chainObjs<Effector>(io); }
 
 template <>
 struct ListFormat<ChainRootList>

@@ -51,14 +51,21 @@ namespace kova {
 /// the line begins with, or `NAME`.
 template <Format LINE, Format NAME = ""> struct ArrayLine {
   static constexpr auto &TEXT = LINE;
-  static constexpr WordName name() { return nameInText(NAME.text[0] != '\0' ? NAME.text : LINE.text); }
+  static constexpr bool are_keys = false;
+  static constexpr std::string_view label() { return labelInText(NAME.text[0] != '\0' ? NAME.text : LINE.text); }
+  static constexpr WordName name() { return nameOf(label()); }
 };
 template <Format LINE, Format NAME = ""> inline constexpr ArrayLine<LINE, NAME> line = {};
+
+/// The same of an array of keys.
+template <Format LINE> struct KeyLine : ArrayLine<LINE> { static constexpr bool are_keys = true; };
+template <Format LINE> inline constexpr KeyLine<LINE> keys = {};
 
 /// The label of a run of pairs in the dump, and its name.
 template <Format LABEL> struct PairsLabel {
   static constexpr auto &TEXT = LABEL;
-  static constexpr WordName name() { return nameInText(LABEL.text); }
+  static constexpr std::string_view label() { return labelInText(LABEL.text); }
+  static constexpr WordName name() { return nameOf(label()); }
 };
 template <Format LABEL> inline constexpr PairsLabel<LABEL> label = {};
 
@@ -70,7 +77,7 @@ template <class H, Format NAME, Format HEADING, Word TAG, const auto &TABLE, std
   static constexpr auto &words = TABLE;
   static constexpr std::size_t bytes = BYTES; ///< of the fixed words, as far as they are stored
   static constexpr WordName name() { return nameInText(NAME.text); }
-  static constexpr WordName kind() { return nameInText(HEADING.text); } ///< "Tri", "Cluster" and so on
+  static constexpr std::string_view kind() { return labelInText(HEADING.text); } ///< "Tri", "Cluster" and so on
 };
 template <class Head, Format NAME, Format HEADING = "", Word TAG = 0, const auto &TABLE = WORDS<Head>,
           std::size_t BYTES = sizeof(Head)>
@@ -108,19 +115,19 @@ template <class Record> constexpr std::uint64_t numberOf(const Record &, std::ui
 
 /// An Io that passes over everything: others are made of it, and hide the steps that matter to them.
 struct PassingIo {
-  template <class... Arguments> int array(const Arguments &...) { return 1; }
-  template <class... Arguments> int pairs(const Arguments &...) { return 1; }
-  template <class... Arguments> int run(const Arguments &...) { return 1; }
-  template <class... Arguments> int records(const Arguments &...) { return 1; }
-  template <class... Arguments> int inner(const Arguments &...) { return 1; }
-  template <class... Arguments> int blocks(const Arguments &...) { return 1; }
-  template <class... Arguments> int header(const Arguments &...) { return 1; }
-  template <class... Arguments> int absent(const Arguments &...) { return 1; }
-  template <class... Arguments> int refs(const Arguments &...) { return 1; }
-  template <class... Arguments> int data(const Arguments &...) { return 1; }
-  template <class... Arguments> int blocksAround(const Arguments &...) { return 1; }
-  template <class... Arguments> int texels(const Arguments &...) { return 1; }
-  template <class... Arguments> int text(const Arguments &...) { return 1; }
+  template <class... Arguments> constexpr int array(const Arguments &...) { return 1; }
+  template <class... Arguments> constexpr int pairs(const Arguments &...) { return 1; }
+  template <class... Arguments> constexpr int run(const Arguments &...) { return 1; }
+  template <class... Arguments> constexpr int records(const Arguments &...) { return 1; }
+  template <class... Arguments> constexpr int inner(const Arguments &...) { return 1; }
+  template <class... Arguments> constexpr int blocks(const Arguments &...) { return 1; }
+  template <class... Arguments> constexpr int header(const Arguments &...) { return 1; }
+  template <class... Arguments> constexpr int absent(const Arguments &...) { return 1; }
+  template <class... Arguments> constexpr int refs(const Arguments &...) { return 1; }
+  template <class... Arguments> constexpr int data(const Arguments &...) { return 1; }
+  template <class... Arguments> constexpr int blocksAround(const Arguments &...) { return 1; }
+  template <class... Arguments> constexpr int texels(const Arguments &...) { return 1; }
+  template <class... Arguments> constexpr int text(const Arguments &...) { return 1; }
 };
 
 } // namespace kova

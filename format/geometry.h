@@ -162,29 +162,29 @@ inline constexpr auto WORDS<PartHead> = words<PartHead>({
 
 // --- Content --------------------------------------------------------------------------------------------------------
 
-template <class Io> int content(Io &io, const VtxGroupHead &) {
+template <class Io> constexpr int content(Io &io, const VtxGroupHead &) {
   return io.array(line<" Vtx(%d) %#12g %#12g %#12g   ; x,y,z\n", "vtx">, &VtxGroup::vtx, &VtxGroup::vtx_num);
 }
 
-template <class Io> int content(Io &io, const TriColorGroupHead &) {
+template <class Io> constexpr int content(Io &io, const TriColorGroupHead &) {
   return io.array(line<"TriColor(%d) %#12g %#12g %#12g %#12g    ; RGBA\n", "color">, &TriColorGroup::color,
                   &TriColorGroup::tri_color_num);
 }
-template <class Io> int content(Io &io, const VtxColorGroupHead &) {
+template <class Io> constexpr int content(Io &io, const VtxColorGroupHead &) {
   return io.array(line<"VtxColor(%d) %#12g %#12g %#12g %#12g    ; RGBA\n", "color">, &VtxColorGroup::color,
                   &VtxColorGroup::vtx_color_num);
 }
 
-template <class Io> int content(Io &io, const TriNvGroupHead &) {
+template <class Io> constexpr int content(Io &io, const TriNvGroupHead &) {
   return io.array(line<" TriNv(%d) %#12g %#12g %#12g    ; Nx,Ny,Nz\n", "normal">, &TriNvGroup::normal,
                   &TriNvGroup::tri_nv_num);
 }
-template <class Io> int content(Io &io, const VtxNvGroupHead &) {
+template <class Io> constexpr int content(Io &io, const VtxNvGroupHead &) {
   return io.array(line<" VtxNv(%d) %#12g %#12g %#12g    ; Nx,Ny,Nz\n", "normal">, &VtxNvGroup::normal,
                   &VtxNvGroup::vtx_nv_num);
 }
 
-template <class Io> int content(Io &io, const StGroupHead &) {
+template <class Io> constexpr int content(Io &io, const StGroupHead &) {
   return io.array(line<"St(%d)  %#12g  %#12g    ; s,t\n", "st">, &StGroup::st, &StGroup::st_num);
 }
 
@@ -212,15 +212,15 @@ constexpr std::uint64_t framesOf(const TriGroupHead &group) {
   return frames > 0 ? static_cast<std::uint64_t>(frames) : 0;
 }
 
-template <class Io> int content(Io &io, const TriHead &) { return io.blocks(); }
+template <class Io> constexpr int content(Io &io, const TriHead &) { return io.blocks(); }
 
 /// Each of the six references has one of three forms: a group index, one for each frame, or a number of keys, the keys
 /// and a group index for each of them. In the model they are one piece, see `kvRefs`.
-template <class Io> int content(Io &io, const TriGroupHead &) {
+template <class Io> constexpr int content(Io &io, const TriGroupHead &) {
   return io.refs(&TriGroup::ref) && io.records(items<TriHead, "tri", "Tri(%d)\n">, &TriGroup::tri, &TriGroup::tri_num);
 }
 
-template <class Io> int content(Io &io, const PartHead &) {
+template <class Io> constexpr int content(Io &io, const PartHead &) {
   return io.array(line<"tri_index[%d]     %d\n">, &Part::tri_index, &Part::part_tri_num, To::own_tri) && io.blocks();
 }
 

@@ -75,7 +75,7 @@ template <class Element, const auto &HEAD_WORDS, Format TABLE_LINE, const auto &
   static constexpr auto &table = line<TABLE_LINE>;
   static constexpr auto &elements = ELEMENTS;
 
-  template <class Io> static int content(Io &io, const Head &) {
+  template <class Io> static constexpr int content(Io &io, const Head &) {
     return io.array(table, &List<Element>::num_byte, &ListHead::num) &&
            io.records(elements, &List<Element>::element, &ListHead::num) && io.blocks();
   }
@@ -93,7 +93,7 @@ struct TwoKinds {
   static constexpr auto &elements = TRI_GROUPS;
   static constexpr auto &second_elements = VTX_GROUPS;
 
-  template <class Io> static int content(Io &io, const Head &) {
+  template <class Io> static constexpr int content(Io &io, const Head &) {
     return io.array(table, &List::tri_group_size, &Head::tri_group_num) &&
            io.array(second_table, &List::vtx_group_size, &Head::vtx_group_num) &&
            io.records(elements, &List::tri_group, &Head::tri_group_num) &&

@@ -151,7 +151,7 @@ inline constexpr auto WORDS<PrimColorAnim> = words<PrimColorAnim>({
 
 // --- Content --------------------------------------------------------------------------------------------------------
 
-template <class Io> int content(Io &io, const MatExtHead &) {
+template <class Io> constexpr int content(Io &io, const MatExtHead &) {
   using Ext = MatExt;
   return io.pairs(label<"external tex">, &Ext::external_tex, &Ext::external_tex_num, To::external_name) &&
          io.run(items<PrimColorAnim, "prim_color_anim", "PrimColorAnim(%d)\n">, &Ext::prim_color_anim,
@@ -160,13 +160,13 @@ template <class Io> int content(Io &io, const MatExtHead &) {
                 &Ext::prim_color_anim_for_fog, &Ext::prim_color_anim_num_for_fog);
 }
 
-template <class Io> int content(Io &io, const MatHead &) {
+template <class Io> constexpr int content(Io &io, const MatHead &) {
   return io.array(line<"tex_index[%d]   %0#10x\n">, &Mat::tex_index, &Mat::tex_num, To::tex) &&
          io.blocks(maker<MatExtHead>, &Mat::ext);
 }
 
 /// A texture with a palette has a palette for each of its tiles.
-template <class Io> int content(Io &io, const TexExtHead &ext) {
+template <class Io> constexpr int content(Io &io, const TexExtHead &ext) {
   using Ext = TexExt;
   const Word tiles = ext.use_color_palette == 0 ? 0 : io.tiles();
   return io.array(line<"color_palette_index[%d]  %d\n">, &Ext::color_palette_index, tiles, To::color_palette) &&
@@ -175,36 +175,36 @@ template <class Io> int content(Io &io, const TexExtHead &ext) {
          io.pairs(label<"external_palette">, &Ext::external_palette, &Ext::external_tex_img_num, To::external_name);
 }
 
-template <class Io> int content(Io &, const TexStill &) { return 1; }
+template <class Io> constexpr int content(Io &, const TexStill &) { return 1; }
 
-template <class Io> int content(Io &io, const TexTilesHead &) {
+template <class Io> constexpr int content(Io &io, const TexTilesHead &) {
   using Tiles = TexTiles;
   constexpr auto SCALES = &Tiles::tex_tile_scale_num;
   constexpr auto OFFSETS = &Tiles::tex_tile_offset_num;
   constexpr auto IMAGES = &Tiles::tex_tile_img_num;
-  return io.array(line<"tex_tile_scale_key[%d]   %d\n">, &Tiles::tex_tile_scale_key, SCALES) &&
+  return io.array(keys<"tex_tile_scale_key[%d]   %d\n">, &Tiles::tex_tile_scale_key, SCALES) &&
          io.array(line<"tex_tile_width[%d]       %d\n">, &Tiles::tex_tile_width, SCALES) &&
          io.array(line<"tex_tile_height[%d]      %d\n">, &Tiles::tex_tile_height, SCALES) &&
-         io.array(line<"tex_tile_offset_key[%d]  %d\n">, &Tiles::tex_tile_offset_key, OFFSETS) &&
+         io.array(keys<"tex_tile_offset_key[%d]  %d\n">, &Tiles::tex_tile_offset_key, OFFSETS) &&
          io.array(line<"tex_tile_offset_x[%d]    %d\n">, &Tiles::tex_tile_offset_x, OFFSETS) &&
          io.array(line<"tex_tile_offset_y[%d]    %d\n">, &Tiles::tex_tile_offset_y, OFFSETS) &&
-         io.array(line<"tex_tile_img_key[%d]     %d\n">, &Tiles::tex_tile_img_key, IMAGES) &&
+         io.array(keys<"tex_tile_img_key[%d]     %d\n">, &Tiles::tex_tile_img_key, IMAGES) &&
          io.array(line<"tex_tile_img_index[%d]   %d\n">, &Tiles::tex_tile_img_index, IMAGES, To::image);
 }
 
 /// The data area has one of two forms.
-template <class Io> int content(Io &io, const TexHead &tex) {
+template <class Io> constexpr int content(Io &io, const TexHead &tex) {
   return (tex.tex_anim == 0 ? io.inner(items<TexStill, "still">, &Tex::still)
                             : io.inner(items<TexTilesHead, "tiles">, &Tex::tiles)) &&
          io.blocks(maker<TexExtHead>, &Tex::ext);
 }
 
-template <class Io> int content(Io &io, const TeximgExtHead &) {
+template <class Io> constexpr int content(Io &io, const TeximgExtHead &) {
   return io.array(line<"mipmap img offset[%d]  %d\n">, &TeximgExt::mipmap_img_offset, &TeximgExt::mipmap_max_level);
 }
 
 /// Texels are the one thing of the format that is bytes, not words: their number may be no multiple of 4.
-template <class Io> int content(Io &io, const TeximgHead &image) {
+template <class Io> constexpr int content(Io &io, const TeximgHead &image) {
   return io.texels(&Teximg::texel, kvSizeofTeximg(image)) && io.blocks(maker<TeximgExtHead>, &Teximg::ext);
 }
 

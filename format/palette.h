@@ -31,12 +31,12 @@ inline constexpr auto WORDS<ColorPaletteHead> = words<ColorPaletteHead>({
 
 // --- Content --------------------------------------------------------------------------------------------------------
 
-template <class Io> int content(Io &io, const CiImgHead &image) {
+template <class Io> constexpr int content(Io &io, const CiImgHead &image) {
   return io.array(line<"pixel_index_array">, &CiImg::pixel_index_array, kvSizeofPixelIndexArray(image)) && io.blocks();
 }
 
 /// Two colours to a word.
-template <class Io> int content(Io &io, const ColorPaletteHead &) {
+template <class Io> constexpr int content(Io &io, const ColorPaletteHead &) {
   return io.array(line<"color_array">, &ColorPalette::color_array, Half{&ColorPaletteHead::color_num}) && io.blocks();
 }
 

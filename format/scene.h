@@ -227,7 +227,7 @@ inline constexpr auto WORDS<ShapeExt> = words<ShapeExt>({
 
 // --- Content --------------------------------------------------------------------------------------------------------
 
-template <class Io> int content(Io &io, const SceneListExtHead &) {
+template <class Io> constexpr int content(Io &io, const SceneListExtHead &) {
   using Ext = SceneListExt;
   return io.array(line<"chain root link[%d]  %d\n">, &Ext::chain_root_link, &Ext::scene_chain_root_link_num,
                   To::chain_root) &&
@@ -238,7 +238,7 @@ template <class Io> int content(Io &io, const SceneListExtHead &) {
 }
 
 /// The one list whose header size says where what follows begins.
-template <class Io> int content(Io &io, const SceneHead &) {
+template <class Io> constexpr int content(Io &io, const SceneHead &) {
   return io.header(&SceneHead::scene_header_size) &&
          io.array(line<"obj link[%d]    %d\n">, &Scene::obj_link, &Scene::scene_obj_link_num, To::obj) &&
          io.array(line<"env link[%d]    %d\n">, &Scene::env_link, &Scene::scene_env_link_num, To::env) &&
@@ -247,14 +247,14 @@ template <class Io> int content(Io &io, const SceneHead &) {
          io.blocks(maker<SceneListExtHead>, &Scene::ext);
 }
 
-template <class Io> int content(Io &io, const EnvHead &) { return io.blocks(); }
+template <class Io> constexpr int content(Io &io, const EnvHead &) { return io.blocks(); }
 
-template <class Io> int content(Io &, const CamExt &) { return 1; }
-template <class Io> int content(Io &io, const CamHead &) { return io.blocks(maker<CamExt>, &Cam::ext); }
+template <class Io> constexpr int content(Io &, const CamExt &) { return 1; }
+template <class Io> constexpr int content(Io &io, const CamHead &) { return io.blocks(maker<CamExt>, &Cam::ext); }
 
 /// The one element whose header size says where what follows begins. Of the two forms that store directional lights,
 /// type 0 has the first nine words only; other types store none, whatever the count says.
-template <class Io> int content(Io &io, const LightHead &light) {
+template <class Io> constexpr int content(Io &io, const LightHead &light) {
   constexpr auto &DIRECTIONS =
       items<DirLight, "dir_light", "DirLight(%d)\n", 0, DIRECTION_LIGHT_WORDS, DIRECTION_LIGHT_BYTES>;
   constexpr auto &POSITIONS = items<DirLight, "dir_light", "DirLight(%d)\n">;
@@ -267,7 +267,7 @@ template <class Io> int content(Io &io, const LightHead &light) {
   return ok && io.blocks();
 }
 
-template <class Io> int content(Io &io, const ObjExtHead &) {
+template <class Io> constexpr int content(Io &io, const ObjExtHead &) {
   using Ext = ObjExt;
   return io.array(line<"obj_chain_root_link[%d] %d\n">, &Ext::obj_chain_root_link, &Ext::obj_chain_root_link_num,
                   To::chain_root) &&
@@ -276,15 +276,15 @@ template <class Io> int content(Io &io, const ObjExtHead &) {
          io.pairs(label<"external obj">, &Ext::external_obj, &Ext::external_obj_num, To::external_name);
 }
 
-template <class Io> int content(Io &io, const ObjHead &) {
+template <class Io> constexpr int content(Io &io, const ObjHead &) {
   return io.array(line<"LOD_dist[%d]   %#g\n">, &Obj::LOD_dist, &Obj::obj_lod_num) &&
          io.array(line<"LOD_link[%d]   %d\n">, &Obj::LOD_link, &Obj::obj_lod_num, To::obj) &&
          io.array(line<"child link    %0#10x\n">, &Obj::child_link, &Obj::obj_child_num, To::obj) &&
          io.blocks(maker<ObjExtHead>, &Obj::ext);
 }
 
-template <class Io> int content(Io &, const ShapeExt &) { return 1; }
-template <class Io> int content(Io &io, const ShapeHead &) {
+template <class Io> constexpr int content(Io &, const ShapeExt &) { return 1; }
+template <class Io> constexpr int content(Io &io, const ShapeHead &) {
   return io.array(line<"shape_part_link[%d]   %d\n">, &Shape::shape_part_link, &Shape::shape_part_num, To::part) &&
          io.blocks(maker<ShapeExt>, &Shape::ext);
 }
@@ -294,7 +294,7 @@ template <> struct ListFormat<Scene> {
   using Head = SceneHead;
   static constexpr auto &words = WORDS<SceneHead>;
 
-  template <class Io> static int content(Io &io, const SceneHead &scene) { return kova::content(io, scene); }
+  template <class Io> static constexpr int content(Io &io, const SceneHead &scene) { return kova::content(io, scene); }
 };
 
 template <>

@@ -134,10 +134,10 @@ inline constexpr auto WORDS<WeightGroupHead> = words<WeightGroupHead>({
 
 // --- Content --------------------------------------------------------------------------------------------------------
 
-template <class Io> int content(Io &io, const FullWeightedPartHead &) { return io.blocks(); }
+template <class Io> constexpr int content(Io &io, const FullWeightedPartHead &) { return io.blocks(); }
 
 /// Every affected node and every external affected object has a weight group and a record of group indices.
-template <class Io> int content(Io &io, const WeightedPartHead &) {
+template <class Io> constexpr int content(Io &io, const WeightedPartHead &) {
   constexpr Sum AFFECTED = {&WeightedPart::affected_node_num, &WeightedPart::external_affected_obj_num};
   return io.pairs(label<"affected_node">, &WeightedPart::affected_node, &WeightedPart::affected_node_num, To::any) &&
          io.pairs(label<"external_affected_obj">, &WeightedPart::external_affected_obj,
@@ -146,11 +146,11 @@ template <class Io> int content(Io &io, const WeightedPartHead &) {
          io.pairs(label<"group_index">, &WeightedPart::group_index, AFFECTED) && io.blocks();
 }
 
-template <class Io> int content(Io &io, const MorphPartHead &) {
+template <class Io> constexpr int content(Io &io, const MorphPartHead &) {
   return io.pairs(label<"group_index">, &MorphPart::group_index, &MorphPart::table_num) && io.blocks();
 }
 
-template <class Io> int content(Io &io, const EnvelopeHead &) {
+template <class Io> constexpr int content(Io &io, const EnvelopeHead &) {
   return io.records(items<FullWeightedPartHead, "full_weighted_part", "FullWeightedPart(%d)\n">,
                     &Envelope::full_weighted_part, &Envelope::full_weighted_part_num) &&
          io.records(items<WeightedPartHead, "weighted_part", "WeightedPart(%d)\n">, &Envelope::weighted_part,
@@ -162,14 +162,14 @@ template <class Io> int content(Io &io, const EnvelopeHead &) {
          io.blocks();
 }
 
-template <class Io> int content(Io &io, const ClusterShapeHead &) {
+template <class Io> constexpr int content(Io &io, const ClusterShapeHead &) {
   return io.run(items<Cluster, "cluster", "Cluster(%d)\n">, &ClusterShape::cluster, &ClusterShape::cluster_num) &&
          io.run(items<ClusterTri, "cluster_tri", "ClusterTri(%d)\n">, &ClusterShape::cluster_tri,
                 &ClusterShape::cluster_tri_num) &&
          io.blocks();
 }
 
-template <class Io> int content(Io &io, const WeightGroupHead &) {
+template <class Io> constexpr int content(Io &io, const WeightGroupHead &) {
   return io.array(line<"weight[%d]  %#g\n">, &WeightGroup::weight, &WeightGroup::weight_num) && io.blocks();
 }
 

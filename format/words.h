@@ -280,6 +280,7 @@ struct WordName {
 /// What is known of a word.
 struct WordInfo {
   WordName name;
+  std::string_view label; ///< what the name is made of
   Kind kind;
   Role role;
   To to;            ///< of a link
@@ -287,24 +288,31 @@ struct WordInfo {
   std::size_t parts;
 };
 
-/// @return what a text begins with, up to two blanks, a tab, a bracket or a number; square brackets are left out, and
-/// blanks between words become underscores.
-constexpr WordName nameInText(std::string_view text) {
-  WordName name;
+/// @return what a text begins with, up to two blanks, a tab or a number, even one in brackets.
+constexpr std::string_view labelInText(std::string_view text) {
   for (std::size_t at = 0; at < text.size(); ++at) {
-    const char character = text[at];
-    const char next = at + 1 < text.size() ? text[at + 1] : ' ';
-    if (character == '\t' || character == '%' || character == '=' || (character == ' ' && (next == ' ' || next == '%')))
-      break;
-    if (character != '[' && character != ']')
-      name.text[name.length++] = character == ' ' ? '_' : character;
+    const std::string_view rest = text.substr(at);
+    for (const char *const end : {"\t", "%", "=", "  ", " %", "[%", "(%"})
+      if (rest.starts_with(end))
+        return text.substr(0, at);
   }
-  return name;
+  return text;
 }
 
-constexpr WordName nameOf(const WordRow &row) {
-  return nameInText(row.meaning.name != nullptr ? row.meaning.name : row.texts[0]);
+/// @return the name that a label makes: square brackets are left out, and blanks become underscores.
+constexpr WordName nameOf(std::string_view label) {
+  WordName name;
+  for (const char character : label)
+    if (character != '[' && character != ']')
+      name.text[name.length++] = character == ' ' ? '_' : character;
+  return name;
 }
+constexpr WordName nameInText(std::string_view text) { return nameOf(labelInText(text)); }
+
+constexpr std::string_view labelOf(const WordRow &row) {
+  return labelInText(row.meaning.name != nullptr ? row.meaning.name : row.texts[0]);
+}
+constexpr WordName nameOf(const WordRow &row) { return nameOf(labelOf(row)); }
 
 /// @return what is known of the word at a position of a record. Of a reference to a node, the first word is no link.
 constexpr WordInfo wordAt(std::span<const WordRow> rows, std::size_t word) {
@@ -316,6 +324,7 @@ constexpr WordInfo wordAt(std::span<const WordRow> rows, std::size_t word) {
       return wordAt(row.inner, part % (row.words / row.count));
     const bool is_plain = row.meaning.role == Role::link && row.words > 1 && row.kinds[part] != Kind::index;
     return {nameOf(row),
+            labelOf(row),
             row.kinds[part],
             is_plain ? Role::plain : row.meaning.role,
             is_plain ? To::nothing : row.meaning.to,

@@ -122,7 +122,7 @@ template <class Record, class Around = Record> struct RecordWalk : PassingIo {
     const std::string place = walk.place;
     const bool last = walk.last;
     for (const Item &item : held) {
-      walk.place = place + "." + form.kind().c_str() + "[" + std::to_string(&item - held.data()) + "]";
+      walk.place = place + "." + std::string(form.kind()) + "[" + std::to_string(&item - held.data()) + "]";
       walk.last = last && &item == &held.back();
       go(form, item);
     }

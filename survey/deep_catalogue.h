@@ -2,10 +2,8 @@
 #pragma once
 
 #include "kova/findings.h"
-#include "survey/deep_tables.h"
 
-#include <algorithm>
-#include <array>
+#include <iterator>
 
 namespace kova::survey::deep {
 
@@ -18,9 +16,9 @@ inline constexpr const char *LINK_FORMAT = "WARN : %s : %s = %d, but %s has %d\n
 inline constexpr const char *LINK_NEXT_STEP =
     "Correct the index in the program that wrote the file; -1 stands for none.";
 
-/// The rows behind those of the links.
+/// The rows of the others.
 enum : std::size_t {
-  floatNotFinite = LINK_NUM,
+  floatNotFinite,
   keysOutOfOrder,
   objectParent,
   objectTwiceChild,
@@ -49,16 +47,6 @@ inline constexpr FindingRow OTHER_ROWS[] = {
             "A name contains a control byte, which can change what a terminal or a log shows.",
             "Rename it in the program that wrote the file."),
 };
-static_assert(LINK_NUM + std::size(OTHER_ROWS) == ROW_NUM, "a row for each number");
-
-consteval std::array<FindingRow, ROW_NUM> makeRows() {
-  std::array<FindingRow, ROW_NUM> rows{};
-  for (std::size_t i = 0; i < LINK_NUM; ++i)
-    rows[i] =
-        warning(LINKS[i].id, LINK_FORMAT, TARGETS[static_cast<std::size_t>(LINKS[i].target)].meaning, LINK_NEXT_STEP);
-  std::copy(std::begin(OTHER_ROWS), std::end(OTHER_ROWS), rows.begin() + LINK_NUM);
-  return rows;
-}
-inline constexpr std::array<FindingRow, ROW_NUM> ROWS = makeRows();
+static_assert(std::size(OTHER_ROWS) == ROW_NUM, "a row for each number");
 
 } // namespace kova::survey::deep

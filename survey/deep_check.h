@@ -1,9 +1,12 @@
-/// What the deep checks are made of: reporting, checks of records by the tables, and the checks of each group of lists.
+/// What the deep checks are made of: reporting, and what the format's description does not tell of some records.
 #pragma once
 
+#include "format/roles.h"
+#include "kova/kova.h"
 #include "survey/deep_catalogue.h"
 #include "survey/file_result.h"
 
+#include <array>
 #include <cstdio>
 #include <limits>
 
@@ -34,13 +37,28 @@ struct Compared {
 /// Stands for a target about which nothing is known: no index is wrong there.
 inline constexpr std::uint64_t UNKNOWN = std::numeric_limits<std::uint64_t>::max();
 
+/// The groups that triangles use, and the weights of those of a skin.
+inline constexpr std::size_t WEIGHTS = REF_KIND_NUM;
+inline constexpr std::size_t GROUP_KIND_NUM = WEIGHTS + 1;
+inline constexpr auto FIRST_OWN = static_cast<std::size_t>(To::own_vtx);
+static_assert(FIRST_OWN + WEIGHTS == static_cast<std::size_t>(To::own_weight), "in the order of the targets");
+
+/// The sizes of all groups.
+using GroupSizes = std::array<std::vector<Word>, GROUP_KIND_NUM>;
+
+/// What triangles can use of a part, for each kind of group.
+using Reach = std::array<std::uint64_t, GROUP_KIND_NUM>;
+
 /// What all checks need.
 struct Check {
+  const Kis &kis;
   FileResult &result; ///< gets the warnings
   /// The number of elements of each target; those of a triangle group or part as long as that is looked at.
-  std::array<std::uint64_t, TARGET_NUM> number = {};
+  std::array<std::uint64_t, TO_NUM> number = {};
+  GroupSizes sizes = {};
+  std::vector<Reach> reach = {}; ///< of each part of the skin that is looked at
 
-  std::uint64_t &operator[](Target target) { return number[static_cast<std::size_t>(target)]; }
+  std::uint64_t &operator[](To target) { return number[static_cast<std::size_t>(target)]; }
 };
 
 /// Words are shown as signed numbers; the bytes that are shown in hexadecimal are small.
@@ -62,19 +80,18 @@ template <class... Arguments> consteval bool formatFits(std::string_view format)
 }
 static_assert(formatFits<const char *, Word, const char *, Word>(LINK_FORMAT));
 
-/// @param arguments of the row's format, which begins with the element
+/// @param arguments of the format, which begins with the element
 template <class... Arguments>
-void say(Check &check, std::size_t row_number, const Place &place, const Compared &compared,
+void say(Check &check, const char *id, const char *format, const Place &place, const Compared &compared,
          const Arguments &...arguments) {
-  const FindingRow &row = ROWS[row_number];
-  if (!countFinding(check.result, row.id))
+  if (!countFinding(check.result, id))
     return;
   const std::string element = place.element ? '[' + std::to_string(*place.element) + ']' : "";
-  char text[256]; // longer than any that the rows can make
-  std::snprintf(text, sizeof text, row.format, (place.list + element).c_str(), printed(arguments)...);
-  keepFinding(check.result, {.id = row.id,
-                             .stage = row.stage,
-                             .severity = row.severity,
+  char text[256]; // longer than any that the formats can make
+  std::snprintf(text, sizeof text, format, (place.list + element).c_str(), printed(arguments)...);
+  keepFinding(check.result, {.id = id,
+                             .stage = Stage::check,
+                             .severity = Severity::warning,
                              .list = place.list,
                              .element = place.element,
                              .offset = place.offset == NO_OFFSET ? std::nullopt : std::optional(place.offset),
@@ -83,76 +100,37 @@ void say(Check &check, std::size_t row_number, const Place &place, const Compare
                              .text = text});
 }
 
-/// As above, for a row whose number is known: its format is checked.
+/// As above, by a row of the catalogue.
 template <std::size_t ROW, class... Arguments>
 void say(Check &check, const Place &place, const Compared &compared, const Arguments &...arguments) {
-  static_assert(formatFits<Arguments...>(ROWS[ROW].format), "the arguments do not fit the format");
-  say(check, ROW, place, compared, arguments...);
+  constexpr const FindingRow &FINDING = OTHER_ROWS[ROW];
+  static_assert(formatFits<Arguments...>(FINDING.format), "the arguments do not fit the format");
+  say(check, FINDING.id, FINDING.format, place, compared, arguments...);
 }
 
-// --- Records --------------------------------------------------------------------------------------------------------
+// --- What the records around say ------------------------------------------------------------------------------------
 
-/// Bytes of a record, if all of them are in the file.
-inline constexpr std::uint64_t WHOLE = UNKNOWN;
+/// Sets what the links inside of a record, or its own, lead to, where that depends on the record: the groups of a
+/// triangle group, the triangles of a part, the parts of a skin.
+template <class Record> void enter(Check &, const Record &) {}
+void enter(Check &check, const TriGroup &group);
+void enter(Check &check, const Part &part);
+void enter(Check &check, const Envelope &envelope);
+void enter(Check &check, const ClusterShape &shape);
+void enter(Check &check, const EnvelopeTri &triangle);
+void enter(Check &check, const EnvelopeVtx &corner);
+void enter(Check &check, const ClusterTri &triangle);
+void enter(Check &check, const ClusterVtx &corner);
 
-/// @return the bytes of a field as far as they are among the first `held` of its record, those that are in the file.
-FieldBytes heldBytes(const Field &field, const void *record, std::uint64_t held);
+/// @return the place of the first of the records inside of one. Where arrays begin is not known, and so where most
+/// records do.
+template <class Record> Place inside(const Record &, const Place &place) { return {place.list, place.element}; }
+Place inside(const TriGroup &group, const Place &place);
+Place inside(const Tex &tex, const Place &place);
 
-/// Check the bytes of a field of the record at `place` by a row: all its links; its floats, of which the first that is
-/// not finite is reported; its keys, of which the first is reported that is less than the one before it.
-void checkLink(Check &check, const LinkRow &row, const void *record, FieldBytes bytes, const Place &place);
-void checkFloats(Check &check, const WordsRow &row, const void *record, FieldBytes bytes, const Place &place);
-void checkKeys(Check &check, const WordsRow &row, const void *record, FieldBytes bytes, const Place &place);
-
-/// Checks a record by all rows of the tables that are about its type.
-/// @param held the bytes of its fixed words that are in the file
-template <class Record>
-void checkRecord(Check &check, const Record &record, const Place &place, std::uint64_t held = WHOLE) {
-  static constexpr auto LINKS_HERE = rowsOf<Record>(LINKS);
-  static constexpr auto FLOATS_HERE = rowsOf<Record>(FLOATS);
-  static constexpr auto KEYS_HERE = rowsOf<Record>(KEYS);
-  static_assert(LINKS_HERE.size() + FLOATS_HERE.size() + KEYS_HERE.size() != 0, "no table has rows for this");
-  for (const LinkRow &row : LINKS_HERE)
-    checkLink(check, row, &record, heldBytes(row, &record, held), place);
-  for (const WordsRow &row : FLOATS_HERE)
-    checkFloats(check, row, &record, heldBytes(row, &record, held), place);
-  for (const WordsRow &row : KEYS_HERE)
-    checkKeys(check, row, &record, heldBytes(row, &record, held), place);
-}
-
-/// Checks a record and its decoded maker block.
-template <class Record> void checkWithBlock(Check &check, const Record &record, const Place &place) {
-  checkRecord(check, record, place);
-  if constexpr (requires { record.ext; })
-    if (record.ext)
-      checkRecord(check, *record.ext, {place.list, place.element}, vanExtBlk(record.ext_blk).size_bytes());
-}
-
-/// Checks the records of a list; `inside` then does what the tables cannot.
-template <class Record, class Inside>
-void checkList(Check &check, const char *name, const std::vector<Record> &records, const Inside &inside) {
-  Place place = {name, 0};
-  for (const Record &record : records) {
-    place.offset = record.offset;
-    checkWithBlock(check, record, place);
-    inside(record, place);
-    ++*place.element;
-  }
-}
-
-template <class Record> void checkList(Check &check, const char *name, const std::vector<Record> &records) {
-  checkList(check, name, records, [](const Record &, const Place &) {});
-}
-
-// --- Groups of triangles ---------------------------------------------------------------------------------------------
-
-/// The number of vertices, colours and so on in each group, and of the weights: what a triangle's indices must be
-/// below.
-inline constexpr std::size_t WEIGHTS = REF_KIND_NUM;
-struct GroupSizes {
-  std::array<std::vector<Word>, REF_KIND_NUM + 1> number;
-};
-static_assert(FIRST_OWN + WEIGHTS == static_cast<std::size_t>(Target::own_weight), "in the order of the targets");
+/// @return the place behind a record inside of another one.
+template <class Record> Place behind(const Record &, const Place &place) { return place; }
+Place behind(const Tri &triangle, const Place &place);
 
 /// @return the sizes of all groups of a model.
 GroupSizes groupSizes(const Kis &kis);
@@ -163,18 +141,13 @@ inline std::uint64_t sizeOf(const std::vector<Word> &sizes, Index group) {
   return at < sizes.size() ? sizes[at] : at == NO_LINK ? 0 : UNKNOWN;
 }
 
-// --- The groups of lists ---------------------------------------------------------------------------------------------
+// --- Checks of their own --------------------------------------------------------------------------------------------
 
-void checkSceneLists(Check &check, const Kis &kis);
-void checkGeometryLists(Check &check, const GroupSizes &sizes, const Kis &kis);
-void checkMaterialLists(Check &check, const Kis &kis);
-void checkBehaviorLists(Check &check, const Kis &kis);
-void checkPaletteLists(Check &check, const Kis &kis);
-void checkSkinningLists(Check &check, const GroupSizes &sizes, const Kis &kis);
-void checkChainLists(Check &check, const Kis &kis);
+/// Reports the first control byte of a name.
+void checkName(Check &check, const Name &name, const Place &place);
 
-/// Checks the names of a list.
-void checkNames(Check &check, const char *list, const std::vector<Name> &names);
+/// @return whether the file ends before the data of a texture.
+bool lacksData(const Check &check, const Tex &tex);
 
 /// Checks the parents and children of objects.
 void checkTree(Check &check, const std::vector<Obj> &objects);

@@ -60,16 +60,6 @@ void checkCircles(Check &check, const std::vector<Obj> &objects) {
 
 } // namespace
 
-void checkSceneLists(Check &check, const Kis &kis) {
-  if (kis.scene.scene_header_tag != 0) // else it was not read
-    checkWithBlock(check, kis.scene, {"SceneList", {}, kis.scene.offset});
-  checkList(check, "EnvList", kis.env.element);
-  checkList(check, "CamList", kis.cam.element);
-  checkList(check, "LightList", kis.light.element);
-  checkList(check, "ObjList", kis.obj.element);
-  checkList(check, "ShapeList", kis.shape.element);
-}
-
 void checkTree(Check &check, const std::vector<Obj> &objects) {
   const Tree tree = followChildren(check, objects);
   checkParents(check, objects, tree);
