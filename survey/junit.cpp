@@ -1,7 +1,9 @@
 #include "survey/junit.h"
 
 #include "common/text.h"
+#include "survey/output.h"
 
+#include <cerrno>
 #include <pugixml.hpp>
 
 namespace kova::survey {
@@ -17,13 +19,13 @@ std::string findingLines(const FileResult &result) {
   return more == 0 ? lines : lines + std::to_string(more) + " more\n";
 }
 
-/// A file that is not written any more once it has failed.
 struct Writer : pugi::xml_writer {
-  std::FILE *to;
-  bool ok = true;
+  Output to;
 
-  explicit Writer(std::FILE *file) : to(file) {}
-  void write(const void *data, std::size_t size) override { ok = ok && std::fwrite(data, 1, size, to) == size; }
+  explicit Writer(std::FILE *file) : to{.stream = file} {}
+  void write(const void *data, std::size_t size) override {
+    survey::write(to, {static_cast<const char *>(data), size});
+  }
 };
 
 void writeCase(Writer &writer, const FileResult &file) {
@@ -42,7 +44,7 @@ void writeCase(Writer &writer, const FileResult &file) {
   test.print(writer, "  ", pugi::format_default, pugi::encoding_utf8, DEPTH);
 }
 
-void put(Writer &writer, std::string_view text) { writer.write(text.data(), text.size()); }
+void put(Writer &writer, std::string_view text) { write(writer.to, text); }
 
 } // namespace
 
@@ -55,7 +57,8 @@ int writeJunit(std::FILE *to, const Tally &tally, const EachResult &each) {
   if (each([&](const FileResult &file) { writeCase(writer, file); }) == 0)
     return 0;
   put(writer, tally.files == 0 ? "</testsuites>\n" : "  </testsuite>\n</testsuites>\n");
-  return writer.ok ? 1 : 0;
+  errno = writer.to.error;
+  return errno == 0 ? 1 : 0;
 }
 
 } // namespace kova::survey

@@ -57,6 +57,8 @@ bool takeAll(Merge &merge) {
 } // namespace
 
 Status mergeReports(const Options &options) {
+  if (!canTell(options, {}))
+    return FAILED;
   Results results;
   Merge merge{results};
   std::string wrong = clashOfReports(options, {});

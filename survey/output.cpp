@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <unistd.h>
 
 namespace kova::survey {
 
@@ -21,6 +22,14 @@ void openOutput(Output &output, const std::string &path) {
   errno = 0;
   output.stream = path == "-" ? stdout : std::fopen(path.c_str(), "abe");
   if (output.stream == nullptr)
+    note(output);
+}
+
+void openStandardError(Output &output) {
+  output.path = "standard error";
+  errno = 0;
+  output.stream = ::fdopen(::dup(STDERR_FILENO), "w");
+  if (output.stream == nullptr) // it was closed when the program began
     note(output);
 }
 

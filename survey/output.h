@@ -17,6 +17,8 @@ struct Output {
 /// @param path a file that is there and cannot be replaced, or "-" for standard output
 void openOutput(Output &output, const std::string &path);
 
+void openStandardError(Output &output);
+
 void write(Output &output, std::string_view text);
 
 /// Writes what the program holds back, so that what was written is there if the program is ended.

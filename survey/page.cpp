@@ -4,9 +4,11 @@
 #include "kova/version.h"
 #include "survey/json_line.h"
 #include "survey/json_text.h"
+#include "survey/output.h"
 #include "survey/page_parts.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <ctime>
 
@@ -34,16 +36,13 @@ std::size_t numberOf(Numbers &numbers, const std::string &text) {
 }
 
 struct Page {
-  std::FILE *to;
+  Output to;
   std::size_t shown;     ///< findings of a file, at most
   std::string json = {}; ///< what is not written yet
-  bool ok = true;
   Numbers folders = {}, ids = {}, lists = {};
 };
 
-void put(Page &page, std::string_view text) {
-  page.ok = page.ok && std::fwrite(text.data(), 1, text.size(), page.to) == text.size();
-}
+void put(Page &page, std::string_view text) { write(page.to, text); }
 
 /// Writes the JSON that is there. It can stand in a `script` element: what could end the element is only in its
 /// strings.
@@ -265,7 +264,7 @@ int writePage(std::FILE *to, const PageHead &head, const Tally &tally, const Sho
               const EachResult &each) {
   const auto fitting = std::find_if(shown.bytes.begin(), shown.bytes.end() - 1,
                                     [](std::uint64_t bytes) { return bytes <= FINDINGS_BYTES; });
-  Page page{to, MOST_SHOWN[static_cast<std::size_t>(fitting - shown.bytes.begin())]};
+  Page page{{.stream = to}, MOST_SHOWN[static_cast<std::size_t>(fitting - shown.bytes.begin())]};
   put(page, PAGE_BEGIN);
   page.json += '{';
   appendHead(page.json, head);
@@ -276,7 +275,8 @@ int writePage(std::FILE *to, const PageHead &head, const Tally &tally, const Sho
   page.json += '}';
   flush(page);
   put(page, PAGE_END);
-  return page.ok ? 1 : 0;
+  errno = page.to.error;
+  return errno == 0 ? 1 : 0;
 }
 
 } // namespace kova::survey

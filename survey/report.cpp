@@ -1,8 +1,11 @@
 #include "survey/report.h"
 
 #include "common/file.h"
+#include "common/text.h"
 #include "kova/kb.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
@@ -22,6 +25,31 @@ int refusalOf(const std::string &target) {
   return target.ends_with('/') ? EISDIR : 0;
 }
 
+/// @return whether a file is a KOVA scene, also a damaged one: by the version, or by the tag and the size of its
+/// header.
+bool isScene(const std::string &path) {
+  const Descriptor file = openToRead(path.c_str());
+  struct stat status;
+  std::array<unsigned char, FILE_HEADER_BYTES> header;
+  if (file.number < 0 || ::fstat(file.number, &status) != 0)
+    return false;
+  const auto size = static_cast<std::uint64_t>(status.st_size);
+  const std::size_t bytes = std::min<std::uint64_t>(size, header.size());
+  const KisHandle kis = kvNewKis();
+  if (!kis || readWhole(file, bytes, header.data()) != nullptr)
+    return false;
+  const FindingReceiver unheard([](const Finding &) {});
+  kvOpenKbMemory(std::span(header).first(bytes), path.c_str(), *kis);
+  const Word version = kvKOVAver(kis->file_header);
+  return bytes >= sizeof(Word) && (version == VERSION_1 || version == VERSION_2 ||
+                                   (kis->file_header.header_tag == 0 && kis->file_header.size == size));
+}
+
+bool refuseScene(const std::string &path) {
+  std::fprintf(stderr, "kbsurvey: %s is a KOVA scene, which no report replaces.\n", printable(path).c_str());
+  return false;
+}
+
 } // namespace
 
 bool openReport(Report &report, const std::string &path) {
@@ -33,6 +61,8 @@ bool openReport(Report &report, const std::string &path) {
     openOutput(report.stream, path);
     return report.stream.error == 0 || finish(report.stream);
   }
+  if (isScene(path))
+    return refuseScene(path);
   report.target = targetOf(path);
   const int error = refusalOf(report.target);
   return error == 0 || tellNotWritten(path, error);

@@ -34,12 +34,12 @@ bool isSame(const Given &a, const Given &b) {
   return a.status ? identityOf(*a.status) == identityOf(*b.status) : a.target == b.target;
 }
 
-/// @return standard output, if a report could be written there by a path of its own.
-std::optional<Given> standardOutput() {
+/// @return a standard stream, if it can be written to by a path of its own.
+std::optional<Given> givenOf(int stream) {
   struct stat status;
-  if (::fstat(STDOUT_FILENO, &status) != 0 || !(S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode)))
+  if (::fstat(stream, &status) != 0 || !(S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode)))
     return std::nullopt;
-  return Given{.path = "standard output", .status = status};
+  return Given{.path = stream == STDOUT_FILENO ? "standard output" : "standard error", .status = status};
 }
 
 /// What is read besides the files to audit.
@@ -76,12 +76,26 @@ std::string clashWithInputs(const Given &report, const std::vector<Input> &input
   return "";
 }
 
+/// @param json as above
+std::string clashWith(const Options &options, const std::vector<Input> &inputs, const Given &written, bool json) {
+  const std::string clash = clashWithRead(options, written, json);
+  return clash.empty() ? clashWithInputs(written, inputs) : clash;
+}
+
 } // namespace
+
+bool canTell(const Options &options, const std::vector<Input> &inputs) {
+  const std::optional<Given> error = givenOf(STDERR_FILENO);
+  return !error || clashWith(options, inputs, *error, false).empty();
+}
 
 std::string clashOfReports(const Options &options, const std::vector<Input> &inputs) {
   std::vector<Given> written;
-  if (const std::optional<Given> output = standardOutput())
+  if (const std::optional<Given> output = givenOf(STDOUT_FILENO)) {
+    if (std::string clash = clashWith(options, inputs, *output, false); !clash.empty())
+      return clash;
     written.push_back(*output);
+  }
   for (const std::string *const path : {&options.json, &options.junit, &options.html}) {
     if (path->empty() || *path == "-")
       continue;
@@ -89,10 +103,7 @@ std::string clashOfReports(const Options &options, const std::vector<Input> &inp
     for (const Given &other : written)
       if (isSame(report, other))
         return sameFile(report, other, "takes one report");
-    std::string clash = clashWithRead(options, report, path == &options.json);
-    if (clash.empty())
-      clash = clashWithInputs(report, inputs);
-    if (!clash.empty())
+    if (std::string clash = clashWith(options, inputs, report, path == &options.json); !clash.empty())
       return clash;
     written.push_back(report);
   }

@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <unistd.h>
 
 namespace kova::survey {
 
@@ -230,10 +229,8 @@ bool openResults(Results &results, const Options &options, Keeping keeping) {
   // Standard output belongs to the report that is written there.
   if (options.json != "-" && options.junit != "-" && options.html != "-")
     openOutput(results.print, "-");
-  else {
-    results.print.path = "standard error";
-    results.print.stream = ::fdopen(::dup(STDERR_FILENO), "w");
-  }
+  else
+    openStandardError(results.print);
   results.style = styleOf(results.print.stream == stdout ? STDOUT_FILENO : STDERR_FILENO, options.colour);
   return ok && openStore(results, keeping);
 }

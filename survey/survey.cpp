@@ -108,6 +108,8 @@ Status surveyFiles(const Options &options) {
   if (const std::string wrong = addListed(options.files_from, search.paths); !wrong.empty())
     return refuse(wrong);
   std::vector<Input> inputs = findFiles(search);
+  if (!canTell(options, inputs))
+    return FAILED;
   if (const std::string clash = clashOfReports(options, inputs); !clash.empty())
     return refuse(clash);
   const bool nothing = inputs.empty();

@@ -12,7 +12,7 @@ fresh_folder() {
   mkdir -p folder/scenes
   cd folder
   cp "$SOURCE_DIR"/samples/{town,damaged,version}.kb scenes
-  cp "$SOURCE_DIR/samples/index.kb" $'scenes/a\nb.kb'
+  cp "$SOURCE_DIR/samples/index.kb" $'scenes/a\n\e\xe2\x80\xaeb.kb'
 }
 verdicts() { sed -n 's/^\(3\|4\) files: \([^;(]*\).*/\2/p' "$1"; }
 all='1 OK, 2 ERR, 1 without verdict '
@@ -32,7 +32,7 @@ grep '"repairs":\[0,1,2,' survey.html >/dev/null || fail "script 4: a page witho
 recipe 1 5
 grep 'failures="2"' survey.xml >/dev/null || fail "script 5: no JUnit report"
 recipe 0 6
-same "script 6" $'scenes/a\\x0ab.kb\nscenes/damaged.kb' "$(sed 's/\n/\\x0a/' "$scratch/out" | perl -0pe 's/a\nb/a\\x0ab/' | sort)"
+same "script 6" $'scenes/a\\x0a\\x1b\\xe2\\x80\\xaeb.kb\nscenes/damaged.kb' "$(cat "$scratch/out")"
 
 # Whatever is moved away is there afterwards, also files of one name, and those of a second time. A folder that cannot be
 # read, here because its path is too long for the system, stays, and so do the files in it.

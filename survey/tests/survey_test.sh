@@ -62,8 +62,19 @@ for wrong in "" --nonsense "-j 0 good" "-j x good" "--shard 3/2 good" "--shard 0
   no_out "wrong usage ($wrong)"
   [ -s err ] || fail "wrong usage ($wrong): no message"
 done
+# refused SAID OPTION...: what is told first.
+refused() {
+  survey 3 "${@:2}"
+  same "kbsurvey ${*:2}" "kbsurvey: $1." "$(head -n 1 err)"
+}
 if [ -e /dev/full ]; then
-  for report in --json --junit --html; do survey 3 "$report" /dev/full samples; done
+  for report in --json --junit --html; do
+    refused "/dev/full cannot be written: No space left on device" "$report" /dev/full samples
+  done
+  for full in /dev/full '&-'; do # what is printed goes there
+    # shellcheck disable=SC2016 # for the other shell
+    run 3 "standard error is $full" sh -c '"$1" --json - samples 2>'"$full" sh "$KBSURVEY"
+  done
   for asked in samples --help --version --list-findings; do
     # shellcheck disable=SC2016 # for the other shell
     run 3 "full standard output, $asked" sh -c '"$1" "$2" >/dev/full' sh "$KBSURVEY" "$asked"
@@ -74,19 +85,15 @@ for option in --name --files-from --json --junit --html --resume --shard --expla
   no_out "nothing for $option"
 done
 run 3 "a path that is empty" "$KBSURVEY" good ""
-# wrong_option SAID OPTION...: the first wrong option is named, before anything that is missing.
-wrong_option() {
-  survey 3 "${@:2}"
-  same "kbsurvey ${*:2}" "kbsurvey: $1." "$(head -n 1 err)"
-}
-wrong_option "there is no option --jsn; --json is the nearest" --jsn
-wrong_option "there is no option --quite; --quiet is the nearest" good --quite --merge
-wrong_option "there is no option --\\x1b[2J" $'--\e[2J' good
-wrong_option "there is no option -n" -qn good
-wrong_option "-j needs a number from 1 to 4096" -j0 good
-wrong_option "--html needs FILE" good --html
-wrong_option "--deep takes no value" --deep=1
-wrong_option "--json is given twice" --json a --json=b --nonsense
+# The first wrong option is named, before anything that is missing.
+refused "there is no option --jsn; --json is the nearest" --jsn
+refused "there is no option --quite; --quiet is the nearest" good --quite --merge
+refused "there is no option --\\x1b[2J" $'--\e[2J' good
+refused "there is no option -n" -qn good
+refused "-j needs a number from 1 to 4096" -j0 good
+refused "--html needs FILE" good --html
+refused "--deep takes no value" --deep=1
+refused "--json is given twice" --json a --json=b --nonsense
 survey 0 -qj1 --json=- -- good
 same "options in one argument" 2 "$(wc -l <out)"
 same "arguments beside --help" "$("$KBSURVEY" --help)" "$("$KBSURVEY" a b c --help)"
