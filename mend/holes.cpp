@@ -58,7 +58,7 @@ Bytes emptyRecord(const Kind &kind, Word number, bool version_2) {
 
 class HoleSalvage {
 public:
-  explicit HoleSalvage(const FileBytes &bytes) : file(bytes), version_2(bytes.version() == VERSION_2) {}
+  HoleSalvage(const FileBytes &bytes, bool drops) : file(bytes), version_2(bytes.version() == VERSION_2), drop(drops) {}
 
   std::optional<Salvaged> salvage(bool sure);
 
@@ -68,7 +68,8 @@ private:
   }
   void copy(std::uint64_t begin, std::uint64_t end);
   bool makeCut(const FoundList &list, const Kind &kind, To to, Word number, const FoundElement &element);
-  void makeElement(const FoundList &list, bool second, Word number);
+  bool makeElement(const FoundList &list, bool second, Word number);
+  void leaveOut(const FoundList &list, std::uint64_t table, const std::vector<Word> &numbers, Word left);
   void makeElements(const FoundList &list, bool second, std::uint64_t table);
   void makeBlocks(const FoundList &list, std::uint64_t head);
   void makeHead(const FoundList &list);
@@ -77,6 +78,7 @@ private:
 
   const FileBytes &file;
   bool version_2;
+  bool drop;
   Spans spans = {};
   Gone gone = {};
   Salvaged made = {};
@@ -110,8 +112,8 @@ bool HoleSalvage::makeCut(const FoundList &list, const Kind &kind, To to, Word n
   return true;
 }
 
-/// Appends an element, or what is left of it.
-void HoleSalvage::makeElement(const FoundList &list, bool second, Word number) {
+/// Appends an element, or what is left of it. @return false if it is left out.
+bool HoleSalvage::makeElement(const FoundList &list, bool second, Word number) {
   const ListLayout &layout = LAYOUT[list.list];
   const Kind &kind = list.list == 0 ? SCENE : second ? *layout.second : *layout.first;
   const To to = list.list == 0 ? To::nothing : toKind(list.list, second);
@@ -123,26 +125,57 @@ void HoleSalvage::makeElement(const FoundList &list, bool second, Word number) {
              " too many stood in it or behind it: left out behind it");
   if (element.doubtful)
     lose(list.list, told, "its end may lie in the hole");
-  if (element.whole)
-    return copy(element.begin, element.begin + element.size);
+  if (element.whole) {
+    copy(element.begin, element.begin + element.size);
+    return true;
+  }
   if (element.isFound() && makeCut(list, kind, to, number, element))
-    return;
+    return true;
+  if (drop && list.list != 0 && layout.second == nullptr) {
+    lose(list.list, told, "it lies in the hole: left out");
+    return false;
+  }
   const Bytes empty = emptyRecord(kind, number, version_2);
   made.bytes.insert(made.bytes.end(), empty.begin(), empty.end());
   lose(list.list, told, "it lies in the hole: now empty");
   if (to != To::nothing)
     gone.cut.push_back({to, number, {UNKNOWN, 0}});
+  return true;
+}
+
+/// Takes the room in the size table that is left, and takes down the new numbers.
+void HoleSalvage::leaveOut(const FoundList &list, std::uint64_t table, const std::vector<Word> &numbers, Word left) {
+  const std::uint64_t unused = (numbers.size() - left) * sizeof(Word);
+  const std::uint64_t begin = table + left * sizeof(Word);
+  const auto at = made.bytes.begin() + static_cast<std::ptrdiff_t>(begin);
+  made.bytes.erase(at, at + static_cast<std::ptrdiff_t>(unused));
+  for (Copied &part : copied)
+    if (part.begin > begin) {
+      part.begin -= unused;
+      part.end -= unused;
+    }
+  FileBytes(made.bytes).set(table - LAYOUT[list.list].headBytes() + 12, left);
+  gone.numbers[static_cast<std::size_t>(toKind(list.list, false))] = numbers;
 }
 
 /// Appends the elements of one kind, and sets their entries in the size table.
 void HoleSalvage::makeElements(const FoundList &list, bool second, std::uint64_t table) {
   const Kind &kind = second ? *LAYOUT[list.list].second : *LAYOUT[list.list].first;
+  std::vector<Word> numbers;
+  Word left = 0;
   for (std::size_t i = 0; i < list.elements[second].size(); ++i) {
     const std::uint64_t begin = made.bytes.size();
-    makeElement(list, second, static_cast<Word>(i));
+    const bool is_there = makeElement(list, second, static_cast<Word>(i));
+    numbers.push_back(is_there ? left : NO_LINK);
+    if (!is_there)
+      continue;
     FileBytes written(made.bytes);
-    written.set(table + i * sizeof(Word), written[begin + kind.size_at]);
+    if (left != i && written[begin + kind.index_at] == i)
+      written.set(begin + kind.index_at, left);
+    written.set(table + left++ * sizeof(Word), written[begin + kind.size_at]);
   }
+  if (left != numbers.size())
+    leaveOut(list, table, numbers, left);
 }
 
 /// Appends the blocks of a list, if they are known to be whole.
@@ -236,12 +269,16 @@ std::optional<Salvaged> HoleSalvage::salvage(bool sure) {
   FileBytes written(made.bytes);
   made.changes = changesBefore(applyReading(written, {.claims = before}).changes, copied, file.size());
   tellParts();
-  cutLinks(written, spans, gone, made.losses);
+  if (!cutLinks(written, spans, gone, made.losses))
+    return std::nullopt;
   return std::move(made);
 }
 
 } // namespace
 
-std::optional<Salvaged> salvageHoles(const FileBytes &file, bool sure) { return HoleSalvage(file).salvage(sure); }
+std::optional<Salvaged> salvageHoles(const FileBytes &file, bool sure, bool drop) {
+  std::optional<Salvaged> made = HoleSalvage(file, drop).salvage(sure);
+  return made || !drop ? std::move(made) : HoleSalvage(file, false).salvage(sure);
+}
 
 } // namespace kova::mend

@@ -81,7 +81,11 @@ public:
     }
   }
 
+  bool is_unclear = false; ///< a link leads into one of several lists, of which one has lost elements
+
 private:
+  bool hasSeveralImageLists() { return gone[To::teximg].before != 0 && gone[To::ci_img].before != 0; }
+
   static constexpr std::size_t WEIGHTS = 6;
   static_assert(GROUPS[WEIGHTS] == To::weight);
 
@@ -93,11 +97,16 @@ private:
       if ((*current)[slot(to) - slot(To::own_vtx)].gone(index, current != &own))
         none(at);
     } else {
-      const bool is_gone = gone[to].gone(index);
+      const std::vector<Word> &numbers = gone.numbers[slot(to)];
+      const Word number = index < numbers.size() ? numbers[index] : index;
+      const bool is_gone = gone[to].gone(index) || (number == NO_LINK && index != NO_LINK);
       if (index != NO_LINK)
         noteGroup(to, index, is_gone);
+      is_unclear |= index < numbers.size() && (to == To::any || (to == To::image && hasSeveralImageLists()));
       if (is_gone)
         none(at);
+      else if (number != index)
+        image.set(at, number);
     }
   }
   void none(std::uint64_t at) {
@@ -141,8 +150,11 @@ private:
 /// What can be of several lists is gone if it is gone of the longest.
 void joinLists(Gone &gone) {
   const auto longest = [&](To to, std::initializer_list<To> lists) {
-    for (const To list : lists)
+    for (const To list : lists) {
       gone[to] = {std::max(gone[to].before, gone[list].before), std::max(gone[to].now, gone[list].now)};
+      if (gone.numbers[slot(list)].size() > gone.numbers[slot(to)].size())
+        gone.numbers[slot(to)] = gone.numbers[slot(list)];
+    }
   };
   longest(To::image, {To::teximg, To::ci_img});
   for (std::size_t to = slot(To::env); to <= slot(To::vtx_nv); ++to)
@@ -157,7 +169,7 @@ To toKind(std::size_t list, bool second) {
   return LISTS[list].tag == COLOR_LIST_TAG ? To::vtx_color : To::vtx_nv;
 }
 
-void cutLinks(FileBytes &image, const Spans &spans, Gone gone, std::vector<Loss> &losses) {
+bool cutLinks(FileBytes &image, const Spans &spans, Gone gone, std::vector<Loss> &losses) {
   joinLists(gone);
   const bool version_2 = image.version() == VERSION_2;
   LinkCutter cutter(image, gone, losses);
@@ -182,6 +194,7 @@ void cutLinks(FileBytes &image, const Spans &spans, Gone gone, std::vector<Loss>
     }
   }
   cutter.finish();
+  return !cutter.is_unclear;
 }
 
 } // namespace kova::mend

@@ -21,6 +21,9 @@ struct CutElement {
 struct Gone {
   std::array<Left, TO_NUM> left = {}; ///< by what links lead to
   std::vector<CutElement> cut = {};
+  /// Of lists of which elements were left out: the number that each element has in their place; NO_LINK: it was left
+  /// out.
+  std::array<std::vector<Word>, TO_NUM> numbers = {};
 
   Left &operator[](To to) { return left[static_cast<std::size_t>(to)]; }
 };
@@ -28,7 +31,8 @@ struct Gone {
 /// @return what a link leads to that leads to elements of that kind.
 To toKind(std::size_t list, bool second);
 
-/// Sets the links into what is gone to none, and tells of them.
-void cutLinks(FileBytes &image, const Spans &spans, Gone gone, std::vector<Loss> &losses);
+/// Sets the links into what is gone to none, and tells of them. Those to elements with another number are renumbered.
+/// @return false where that cannot be done: a link may lead into several lists, of which one has lost elements.
+bool cutLinks(FileBytes &image, const Spans &spans, Gone gone, std::vector<Loss> &losses);
 
 } // namespace kova::mend

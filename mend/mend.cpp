@@ -54,12 +54,12 @@ void setWords(FileBytes &image, const std::vector<Change> &changes, Word Change:
     image.set(change.offset, change.*value);
 }
 
-/// @return whether a reading moves a place, leaves one open, or has an equal beside it.
+/// @return whether a reading moves a place, or leaves one open.
 bool changesStructure(const Reading &reading) {
   for (const Claim *claim = reading.claims; claim != nullptr; claim = claim->before)
     if (claim->sort != Claim::Sort::list)
       return true;
-  return reading.has_rival;
+  return false;
 }
 
 /// @return what of the file has no reading, for people; empty if all has.
@@ -88,29 +88,13 @@ bool isCut(const FileBytes &image) {
   return sum > image.size() && sum == image[header_at::SIZE];
 }
 
-/// Mends a file whose lists are all there.
-Result mendWhole(const std::vector<unsigned char> &bytes, FileBytes &image, bool salvage) {
-  if (isCut(image))
-    return hopeless("it is cut: " + std::to_string(image.size()) + " of " + std::to_string(image[header_at::SIZE]) +
-                    " bytes are left");
-  Reader reader(image);
-  const std::optional<Reading> reading = reader.readFile();
-  if (!reading)
-    return auditBytes(bytes).ok ? Result{} : hopeless(OTHER_END);
-  // What the audit accepts has no other structure than the one that it sees.
-  if (changesStructure(*reading) && auditBytes(bytes).ok)
-    return {};
-  if (reading->has_rival) {
-    std::vector<Change> changes = changesOf(image, reading->claims);
-    std::vector<Change> alternative = changesOf(image, reading->rival);
-    if (changes != alternative)
-      return {.outcome = Outcome::ambiguous, .changes = std::move(changes), .alternative = std::move(alternative)};
-  }
-  const bool moves = changesStructure(*reading);
+/// Mends a file as a reading has it. @return `hopeless` if it does not audit OK then.
+Result mendAs(const std::vector<unsigned char> &bytes, FileBytes &image, const Reading &reading, bool salvage) {
+  const bool moves = changesStructure(reading);
   Bytes original = moves ? bytes : Bytes();
-  Applied applied = applyReading(image, *reading);
+  Applied applied = applyReading(image, reading);
   Result result = {.changes = std::move(applied.changes)};
-  if (applied.checked_words || reading->cost != 0) { // then what the audit accepts stays as it is
+  if (applied.checked_words || reading.cost != 0) { // then what the audit accepts stays as it is
     setWords(image, result.changes, &Change::old_value);
     if (auditBytes(bytes).ok)
       return {};
@@ -128,19 +112,79 @@ Result mendWhole(const std::vector<unsigned char> &bytes, FileBytes &image, bool
   if (std::string strange = strangeness(image, result.changes, applied.looked_at); !strange.empty())
     return withdraw(std::move(strange));
   if (moves)
-    result.losses = lossesOf(FileBytes(original), image, *reading);
+    result.losses = lossesOf(FileBytes(original), image, reading);
   const Audit audit = auditBytes(bytes);
   if (!result.losses.empty() && (!salvage || !audit.ok))
     return withdraw(result.losses.front().list + std::string(": ") + result.losses.front().what);
   if (!audit.ok) {
     result.outcome = Outcome::hopeless;
-    result.reason = unsolvedPart(*reading);
+    result.reason = unsolvedPart(reading);
     if (result.reason.empty())
       result.reason = withoutLineEnd(audit.first);
   } else if (!result.changes.empty()) {
     result.outcome = result.losses.empty() ? Outcome::mended : Outcome::salvaged;
   }
   return result;
+}
+
+bool isMended(const Result &result) { return result.outcome == Outcome::good || result.outcome == Outcome::mended; }
+
+/// @return whether a word that would be changed stands among so many zeros that they are not its record's own.
+bool standInZeros(const FileBytes &file, const std::vector<Change> &changes) {
+  constexpr std::uint64_t MANY = 32;
+  return std::any_of(changes.begin(), changes.end(), [&](const Change &change) {
+    std::uint64_t begin = change.offset;
+    std::uint64_t end = change.offset;
+    while (begin >= sizeof(Word) && end - begin < MANY && file[begin - sizeof(Word)] == 0)
+      begin -= sizeof(Word);
+    while (end < file.size() && end - begin < MANY && file[end] == 0)
+      end += sizeof(Word);
+    return change.old_value == 0 && end - begin >= MANY;
+  });
+}
+
+/// Mends a file of two readings: as the one that is asked for, or else as the one that leads to a good file, if the
+/// other does not.
+Result mendAsEither(std::vector<unsigned char> &bytes, const Reading &reading, std::size_t asked) {
+  std::deque<Claim> store;
+  const std::array<Reading, 2> readings = {reading, rivalOf(reading, store)};
+  std::array<Bytes, 2> files;
+  std::array<Result, 2> results;
+  for (const std::size_t i : {std::size_t{0}, std::size_t{1}}) {
+    if (asked == 2 - i) // it is the other one
+      continue;
+    files[i] = bytes;
+    FileBytes image(files[i]);
+    results[i] = mendAs(files[i], image, readings[i], false);
+  }
+  const bool first_good = isMended(results[0]);
+  const std::size_t taken = asked != 0 ? asked - 1 : first_good ? 0 : 1;
+  const FileBytes image(bytes);
+  const bool decided = first_good != isMended(results[1]) && !standInZeros(image, results[taken].changes);
+  if (asked == 0 && !decided)
+    return {.outcome = Outcome::ambiguous,
+            .changes = changesOf(image, readings[0].claims),
+            .alternative = changesOf(image, readings[1].claims)};
+  std::copy(files[taken].begin(), files[taken].end(), bytes.begin()); // others look at these bytes
+  return std::move(results[taken]);
+}
+
+/// Mends a file whose lists are all there.
+Result mendWhole(std::vector<unsigned char> &bytes, const Asked &asked) {
+  FileBytes image(bytes);
+  if (isCut(image))
+    return hopeless("it is cut: " + std::to_string(image.size()) + " of " + std::to_string(image[header_at::SIZE]) +
+                    " bytes are left");
+  Reader reader(image);
+  const std::optional<Reading> reading = reader.readFile();
+  if (!reading)
+    return auditBytes(bytes).ok ? Result{} : hopeless(OTHER_END);
+  // What the audit accepts has no other structure than the one that it sees.
+  if ((changesStructure(*reading) || reading->has_rival) && auditBytes(bytes).ok)
+    return {};
+  if (reading->has_rival && changesOf(image, reading->claims) != changesOf(image, reading->rival))
+    return mendAsEither(bytes, *reading, asked.reading);
+  return mendAs(bytes, image, *reading, asked.salvage);
 }
 
 /// Makes a file of what is left of one that was cut.
@@ -196,13 +240,14 @@ bool areHole(std::vector<unsigned char> &bytes, const std::vector<Change> &chang
 
 constexpr const char *HOLED = "bytes in the middle of it are missing, strange or too many";
 
-/// Makes a file of what is left of one with holes. @param sure whether there is one, also if all is in its place
+/// Makes a file of what is left of one with holes. @param sure, drop whether there is one, also if all is in its place;
+/// whether elements in it are left out
 /// @return none if there is none, or if it would not audit OK.
-std::optional<Result> salvageHoled(std::vector<unsigned char> &bytes, bool sure) {
+std::optional<Result> salvageHoled(std::vector<unsigned char> &bytes, bool sure, bool drop) {
   const HeaderFacts facts = headerFacts({bytes});
   if (facts.holding < HEADER_FACTS - 2 || facts.sum != facts.stated)
     return std::nullopt;
-  std::optional<Salvaged> salvaged = salvageHoles(FileBytes(bytes), sure);
+  std::optional<Salvaged> salvaged = salvageHoles(FileBytes(bytes), sure, drop);
   if (!salvaged || salvaged->losses.empty() || !auditBytes(salvaged->bytes).ok)
     return std::nullopt;
   bytes = std::move(salvaged->bytes);
@@ -210,22 +255,9 @@ std::optional<Result> salvageHoled(std::vector<unsigned char> &bytes, bool sure)
       .outcome = Outcome::salvaged, .changes = std::move(salvaged->changes), .losses = std::move(salvaged->losses)};
 }
 
-/// @return whether a word that would be changed stands among so many zeros that they are not its record's own.
-bool standInZeros(const FileBytes &file, const std::vector<Change> &changes) {
-  constexpr std::uint64_t MANY = 32;
-  return std::any_of(changes.begin(), changes.end(), [&](const Change &change) {
-    std::uint64_t begin = change.offset;
-    std::uint64_t end = change.offset;
-    while (begin >= sizeof(Word) && end - begin < MANY && file[begin - sizeof(Word)] == 0)
-      begin -= sizeof(Word);
-    while (end < file.size() && end - begin < MANY && file[end] == 0)
-      end += sizeof(Word);
-    return change.old_value == 0 && end - begin >= MANY;
-  });
-}
-
 /// Mends a file as it is.
-Result mendAsIs(std::vector<unsigned char> &bytes, bool salvage) {
+Result mendAsIs(std::vector<unsigned char> &bytes, const Asked &asked) {
+  const bool salvage = asked.salvage;
   FileBytes image(bytes);
   if (image.size() < sizeof(Word))
     return hopeless("it is too short even for a version");
@@ -234,17 +266,17 @@ Result mendAsIs(std::vector<unsigned char> &bytes, bool salvage) {
     return hopeless("it is of no version that is known");
   const bool has_header = image.size() >= FILE_HEADER_BYTES;
   const std::uint64_t stated = has_header ? image[header_at::SIZE] : image.size() + 1;
-  Result result = has_header ? mendWhole(bytes, image, salvage) : hopeless("it is shorter than a header");
+  Result result = has_header ? mendWhole(bytes, asked) : hopeless("it is shorter than a header");
   if (!salvage || (result.outcome != Outcome::ambiguous && result.outcome != Outcome::hopeless))
     return result;
   if (result.outcome == Outcome::ambiguous && stated > image.size())
     return salvageCut(bytes);
   if (result.outcome == Outcome::ambiguous)
-    return standInZeros(image, result.changes) ? salvageHoled(bytes, false).value_or(result) : result;
+    return standInZeros(image, result.changes) ? salvageHoled(bytes, false, asked.drop).value_or(result) : result;
   if (salvageShort(bytes, result))
     return result;
   setWords(image, result.changes, &Change::old_value);
-  if (std::optional<Result> holed = salvageHoled(bytes, false))
+  if (std::optional<Result> holed = salvageHoled(bytes, false, asked.drop))
     return std::move(*holed);
   if (stated > image.size())
     return salvageCut(bytes);
@@ -252,18 +284,16 @@ Result mendAsIs(std::vector<unsigned char> &bytes, bool salvage) {
   return result;
 }
 
-bool isMended(const Result &result) { return result.outcome == Outcome::good || result.outcome == Outcome::mended; }
-
 /// Makes the header of a file again that has none. @return none if its lists are not there, or damaged, too.
-std::optional<Result> salvageHeaderless(std::vector<unsigned char> &bytes) {
+std::optional<Result> salvageHeaderless(std::vector<unsigned char> &bytes, const Asked &asked) {
   std::optional<Rebuilt> rebuilt = rebuildHeader(bytes);
   if (!rebuilt)
     return std::nullopt;
   Bytes made = rebuilt->bytes;
-  Result result = mendAsIs(made, false);
+  Result result = mendAsIs(made, {});
   if (!isMended(result)) {
     made = std::move(rebuilt->bytes);
-    std::optional<Result> holed = salvageHoled(made, true);
+    std::optional<Result> holed = salvageHoled(made, true, asked.drop);
     if (!holed)
       return std::nullopt;
     result = std::move(*holed);
@@ -280,7 +310,7 @@ std::optional<Result> salvageHeaderless(std::vector<unsigned char> &bytes) {
 }
 
 /// Undoes the steps, and mends the file that results.
-Result undoAndMend(std::vector<unsigned char> &bytes, const std::vector<Undoing> &steps, bool salvage) {
+Result undoAndMend(std::vector<unsigned char> &bytes, const std::vector<Undoing> &steps, const Asked &asked) {
   std::vector<Undoing> undone;
   std::vector<Change> version;
   for (const Undoing &step : steps) {
@@ -296,7 +326,7 @@ Result undoAndMend(std::vector<unsigned char> &bytes, const std::vector<Undoing>
     else
       undone.push_back(step);
   }
-  Result result = mendAsIs(bytes, salvage);
+  Result result = mendAsIs(bytes, asked);
   result.undone = std::move(undone);
   result.changes.insert(result.changes.begin(), version.begin(), version.end());
   if (result.outcome == Outcome::good)
@@ -318,11 +348,11 @@ std::vector<Undoing> findMendable(const std::vector<unsigned char> &bytes) {
     return false;
   });
   return findOriginal(bytes, [&](Bytes &file, const HeaderFacts &facts) {
-    return facts.agreement == most && isMended(mendAsIs(file, false));
+    return facts.agreement == most && isMended(mendAsIs(file, {}));
   });
 }
 
-bool isGood(Bytes &file) { return mendAsIs(file, false).outcome == Outcome::good; }
+bool isGood(Bytes &file) { return mendAsIs(file, {}).outcome == Outcome::good; }
 
 } // namespace
 
@@ -333,28 +363,29 @@ Result mendBytes(std::vector<unsigned char> &bytes, const Asked &asked) {
     if (asked.part > std::max<std::size_t>(parts.size(), 1))
       return hopeless("it holds no such part: there are " + std::to_string(parts.size()));
     if (parts.size() > 1)
-      return asked.part != 0 ? undoAndMend(bytes, {takePart(parts, asked.part)}, asked.salvage)
+      return asked.part != 0 ? undoAndMend(bytes, {takePart(parts, asked.part)}, asked)
                              : hopeless("it holds " + std::to_string(parts.size()) + " scenes, one behind the other");
     if (const std::vector<Undoing> steps = findGood(bytes); !steps.empty())
-      return undoAndMend(bytes, steps, false);
+      return undoAndMend(bytes, steps, {});
   }
   std::vector<unsigned char> as_is = bytes;
-  Result result = mendAsIs(as_is, false);
+  Result result = mendAsIs(as_is, {.reading = asked.reading});
   const bool good = result.outcome == Outcome::good;
   if (!good)
     if (const std::vector<Undoing> steps = findSwap(bytes, isGood); !steps.empty())
-      return undoAndMend(bytes, steps, false);
-  const bool holed = !good && (hasHoles(bytes) || (isMended(result) && areHole(bytes, result.changes)));
+      return undoAndMend(bytes, steps, {});
+  const bool holed =
+      !good && asked.reading == 0 && (hasHoles(bytes) || (isMended(result) && areHole(bytes, result.changes)));
   if (holed)
-    return asked.salvage ? salvageHoled(bytes, true).value_or(hopeless(HOLED)) : hopeless(HOLED);
+    return asked.salvage ? salvageHoled(bytes, true, asked.drop).value_or(hopeless(HOLED)) : hopeless(HOLED);
   if (!isMended(result)) {
     if (const std::vector<Undoing> steps = findMendable(bytes); !steps.empty())
-      return undoAndMend(bytes, steps, false);
+      return undoAndMend(bytes, steps, {});
     if (asked.salvage && !headerFacts({bytes}).isHeader())
-      if (std::optional<Result> headed = salvageHeaderless(bytes))
+      if (std::optional<Result> headed = salvageHeaderless(bytes, asked))
         return std::move(*headed);
     if (asked.salvage)
-      return mendAsIs(bytes, true);
+      return mendAsIs(bytes, asked);
   }
   bytes = std::move(as_is);
   return result;

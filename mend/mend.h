@@ -40,7 +40,8 @@ enum class Outcome {
   good,      ///< nothing was wrong
   mended,    ///< the file audits OK now
   salvaged,  ///< it does, but is not the file that it was: `losses` says what is gone
-  ambiguous, ///< there are two readings; `changes` and `alternative` tell them apart
+  ambiguous, ///< there are two readings, and either both lead to a good file or none does; `changes` and `alternative`
+             ///< tell them apart
   hopeless   ///< no reading was found; `reason` says where it ended
 };
 
@@ -58,7 +59,9 @@ struct Result {
 /// What is asked for.
 struct Asked {
   bool salvage = false;
-  std::size_t part = 0; ///< which of several scenes that stand one behind the other, from 1; 0: there is to be one
+  std::size_t part = 0;    ///< which of several scenes that stand one behind the other, from 1; 0: there is to be one
+  std::size_t reading = 0; ///< which of two readings, 1 or 2; 0: none, if nothing decides
+  bool drop = false;       ///< a salvage leaves out the elements that lie in a hole, where it can; else they are empty
 };
 
 /// Mends the bytes of a file in place. What can be undone exactly of what was done to all of them is undone first, if

@@ -50,6 +50,7 @@ void Reader::add(Readings &readings, const Reading &reading) const {
       other = reading;
     else if (!isBetter(other, reading) && !other.has_rival && !sameClaims(reading.claims, other.claims)) {
       other.rival = reading.claims;
+      other.rivals_at = other.claims;
       other.has_rival = true;
     }
     return;
@@ -170,6 +171,19 @@ std::optional<Reading> Reader::readFile() {
         add(whole, reading);
   }
   return whole.empty() ? std::nullopt : std::optional(whole.front());
+}
+
+Reading rivalOf(const Reading &reading, std::deque<Claim> &store) {
+  std::vector<const Claim *> shared;
+  for (const Claim *claim = reading.claims; claim != reading.rivals_at; claim = claim->before)
+    shared.push_back(claim);
+  Reading rival = {.at = reading.at, .cost = reading.cost, .doubts = reading.doubts, .claims = reading.rival};
+  for (auto claim = shared.rbegin(); claim != shared.rend(); ++claim) {
+    store.push_back(**claim);
+    store.back().before = rival.claims;
+    rival.claims = &store.back();
+  }
+  return rival;
 }
 
 } // namespace kova::mend

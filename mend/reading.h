@@ -35,9 +35,14 @@ struct Reading {
   Word cost = 0;   ///< words that would have to be changed
   Word doubts = 0; ///< what is unusual; tells apart readings of the same cost
   const Claim *claims = nullptr;
-  const Claim *rival = nullptr; ///< those of another reading that is as good; null: there is none
+  const Claim *rival = nullptr;     ///< those of another reading that is as good up to a place; null: it has none
+  const Claim *rivals_at = nullptr; ///< its own up to there
   bool has_rival = false;
 };
+
+/// @return the other reading of two: to where both meet as its rival, and from there on as it. @param store for the
+/// claims from there on
+Reading rivalOf(const Reading &reading, std::deque<Claim> &store);
 
 /// What counts like so many wrong words.
 namespace cost {

@@ -34,8 +34,11 @@ struct Given {
 std::vector<Option> optionsOf(Options &options, Given &given) {
   return {
       flagOption(0, "salvage", "Of a file that was cut, keep what is whole", options.asked.salvage),
+      flagOption(0, "drop", "With --salvage: leave out the elements that lie in a hole, instead of emptying them",
+                 options.asked.drop),
       numberOption(0, "part", "N", "Of several scenes in one file, take this one, from 1", options.asked.part,
                    1'000'000),
+      numberOption(0, "reading", "N", "If there are two readings, take this one, 1 or 2", options.asked.reading, 2),
       flagOption('f', "force", "Replace OUTPUT if it exists", options.force),
       flagOption(0, "partial", "Write OUTPUT also if it does not audit OK", options.partial),
       flagOption('n', "dry-run", "Write nothing; only print what would be changed", options.dry_run),

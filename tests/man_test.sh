@@ -36,7 +36,7 @@ kbsurvey --j|--jobs --json --junit
 kbsurvey --explain header-|header-size header-tag
 kbsurvey --color a|always auto
 kbsurvey --html small-1.|small-1.kb small-1.out
-kbrepair --|--diagnose --dry-run --force --help --json --part --partial --salvage --version
+kbrepair --|--diagnose --drop --dry-run --force --help --json --part --partial --reading --salvage --version
 kbrepair town.kb READ|README.md
 END
 
