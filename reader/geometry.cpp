@@ -4,6 +4,7 @@
 #include "reader/elements.h"
 
 #include <algorithm>
+#include <new>
 
 namespace kova {
 
@@ -35,6 +36,33 @@ int skipRef(Cursor &cursor, const TriGroupHead &group, std::size_t kind) {
 /// which a program may have changed in the head since.
 enum RefRun : std::size_t { refWordNum, refAnimType, refFrameNum, refWords };
 
+/// @return memory for the words of a group's references, with what stands before them; null where it cannot be had.
+std::unique_ptr<Index[]> refRun(const TriGroupHead &group, std::size_t words) {
+  std::unique_ptr<Index[]> ref(new (std::nothrow) Index[refWords + words]);
+  if (ref) {
+    ref[refWordNum] = static_cast<Index>(words);
+    ref[refAnimType] = static_cast<Index>(group.tri_anim_type);
+    ref[refFrameNum] = group.tri_anim_frame_num;
+  }
+  return ref;
+}
+
+bool isKeyed(const TriGroupHead &group, std::size_t kind) {
+  return refForm(group.tri_anim_type, kind) == RefForm::keys;
+}
+
+/// @return how many group indices a reference of a group has.
+std::uint64_t indexNum(const AnimRef &ref, const TriGroupHead &group, std::size_t kind) {
+  const RefForm form = refForm(group.tri_anim_type, kind);
+  return form == RefForm::frames ? framesOf(group) : form == RefForm::keys ? ref.key_num : 1;
+}
+
+/// @return whether a reference has the arrays of the form that its group gives it.
+bool hasItsForm(const AnimRef &ref, const TriGroupHead &group, std::size_t kind) {
+  return ref.group_index.size() == indexNum(ref, group, kind) &&
+         ref.key.size() == (isKeyed(group, kind) ? ref.key_num : 0);
+}
+
 /// Takes an array off the front of a group's words; nothing where it is not all there.
 std::span<const Index> takeWords(std::span<const Index> &words, std::uint64_t count) {
   const std::size_t taken = count <= words.size() ? static_cast<std::size_t>(count) : 0;
@@ -62,8 +90,7 @@ AnimRef takeRef(std::span<const Index> &words, const TriGroupHead &group, std::s
 
 /// Cuts a reference to what the head of its group says now.
 void limitRef(AnimRef &ref, const TriGroupHead &group, std::size_t kind) {
-  const RefForm form = refForm(group.tri_anim_type, kind);
-  const std::uint64_t limit = form == RefForm::frames ? framesOf(group) : form == RefForm::keys ? ref.key_num : 1;
+  const std::uint64_t limit = indexNum(ref, group, kind);
   ref.group_index =
       ref.group_index.first(static_cast<std::size_t>(std::min<std::uint64_t>(limit, ref.group_index.size())));
 }
@@ -78,10 +105,9 @@ int readRefs(Cursor &cursor, TriGroup &group) {
     ok = skipRef(end, group, kind);
   const auto words = static_cast<std::size_t>((end.offset - cursor.offset) / sizeof(Word));
   if (words > 0) {
-    group.ref = std::make_unique_for_overwrite<Index[]>(refWords + words);
-    group.ref[refWordNum] = static_cast<Index>(words);
-    group.ref[refAnimType] = static_cast<Index>(group.tri_anim_type);
-    group.ref[refFrameNum] = group.tri_anim_frame_num;
+    group.ref = refRun(group, words);
+    if (!group.ref)
+      return refuse(cursor, Fault::no_memory);
     if (!copyBytes(cursor, &group.ref[refWords], words * sizeof(Word))) {
       group.ref.reset();
       return 0;
@@ -110,6 +136,27 @@ std::array<AnimRef, REF_KIND_NUM> kvRefs(const TriGroup &group) {
     limitRef(refs[kind], group, kind);
   }
   return refs;
+}
+
+int kvSetRefs(TriGroup &group, const std::array<AnimRef, REF_KIND_NUM> &refs) {
+  std::size_t words = 0;
+  for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind) {
+    if (!hasItsForm(refs[kind], group, kind))
+      return 0;
+    words += isKeyed(group, kind) + refs[kind].key.size() + refs[kind].group_index.size();
+  }
+  std::unique_ptr<Index[]> ref = refRun(group, words);
+  if (!ref)
+    return 0;
+  Index *at = &ref[refWords];
+  for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind) {
+    if (isKeyed(group, kind))
+      *at++ = static_cast<Index>(refs[kind].key_num);
+    at = std::copy(refs[kind].key.begin(), refs[kind].key.end(), at);
+    at = std::copy(refs[kind].group_index.begin(), refs[kind].group_index.end(), at);
+  }
+  group.ref = std::move(ref);
+  return 1;
 }
 
 int kvSetVtx0(VtxList &) { return 1; }

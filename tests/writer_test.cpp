@@ -2,6 +2,7 @@
 /// file that loads as the same model; and a save leaves the old file or the new one.
 
 #include "harness/audit.h"
+#include "kova/check.h"
 #include "kova/kb.h"
 #include "tests/support.h"
 
@@ -220,6 +221,100 @@ TEST(Writer, ChangesOfMakerBlocksAreWritten) {
   EXPECT_EQ(grown.mat.element[0].ext->external_tex[1].name, 6);
   EXPECT_EQ(grown.mat.element[0].ext->prim_color_anim[0].key, mat.ext->prim_color_anim[0].key);
   EXPECT_EQ(vanExtBlk(grown.mat.element[0].ext_blk).back(), vanExtBlk(mat.ext_blk).back());
+}
+
+/// What becomes of a model that a program has edited, saved and loaded again.
+struct Edited {
+  Kis kis;
+
+  explicit Edited(const File &file) { EXPECT_EQ(loadBytes(file.bytes, kis), 1); }
+
+  /// @return whether it is refused; else `kis` is what was saved, which has to be consistent.
+  bool isRefused() {
+    const std::optional<Bytes> saved = written(kis);
+    if (saved) {
+      EXPECT_EQ(loadBytes(*saved, kis), 1);
+      const Printed check = capture([&] { EXPECT_EQ(checkKOVA(kis), 1); });
+      EXPECT_EQ(check.err, "") << check.out;
+    }
+    return !saved;
+  }
+};
+
+constexpr char OBJECTS_TEXT[] = "SceneList { SceneListExt }  ObjList { Obj V=96 U=8 { ObjExt obj_chain_root_link_num=1"
+                                " external_obj_num=2 } }  JointList { Joint V=8 U=4 }";
+
+/// What an edit frees is zeros, and the words behind stay; what is not counted, or has no room, is refused.
+TEST(Writer, MakerBlocksShrinkAndGrow) {
+  const File file = build(0x200, OBJECTS_TEXT);
+  Edited edit(file);
+  Obj *obj = &edit.kis.obj.element[0];
+  const Words behind(obj->ext_blk.words->van.end() - 4, obj->ext_blk.words->van.end());
+  obj->ext->external_obj.pop_back();
+  EXPECT_FALSE(edit.isRefused()); // a count without its entry
+  obj = &edit.kis.obj.element[0];
+  EXPECT_EQ(obj->ext->external_obj.back().name, 0);
+  obj->ext->external_obj.pop_back();
+  obj->ext->external_obj_num = 1;
+  obj->van_ext_blk_size -= 8;
+  kvAdjustListSizeData(edit.kis, 0, static_cast<Word>(-8), OBJ_LIST_TAG + ELEMENT_KIND);
+  EXPECT_FALSE(edit.isRefused());
+  obj = &edit.kis.obj.element[0];
+  const std::span<const Word> van = vanExtBlk(obj->ext_blk);
+  EXPECT_EQ(Words(van.end() - 4, van.end()), behind);
+
+  obj->ext->external_obj.push_back({7, 8});
+  EXPECT_TRUE(edit.isRefused()); // not counted
+  obj->ext->external_obj_num = 2;
+  EXPECT_TRUE(edit.isRefused()); // no room
+  obj->ext->external_obj.pop_back();
+  obj->ext->external_obj_num = 1;
+  obj->child_link.push_back(0);
+  EXPECT_TRUE(edit.isRefused());
+  obj->child_link.pop_back();
+  obj->ext_blk.words->usr.push_back(0);
+  EXPECT_TRUE(edit.isRefused());
+}
+
+/// Blocks that are raised, or lack their words, are filled up with zeros; the sizes of the version-2 lists stay.
+TEST(Writer, WordsThatBlocksLackAreZeros) {
+  Edited edit(build(0x200, OBJECTS_TEXT));
+  Joint *joint = &edit.kis.joint.element[0];
+  const Word last = joint->ext_blk.words->usr.back();
+  joint->van_ext_blk_size += 8;
+  kvAdjustListSizeData(edit.kis, 0, 8, JOINT_LIST_TAG + ELEMENT_KIND);
+  edit.kis.file_header.ext_blk.words = nullptr;
+  EXPECT_FALSE(edit.isRefused());
+  ASSERT_EQ(edit.kis.joint.element.size(), 1U);
+  joint = &edit.kis.joint.element[0];
+  EXPECT_EQ(vanExtBlk(joint->ext_blk).back(), 0U);
+  EXPECT_EQ(usrExtBlk(joint->ext_blk).back(), last);
+}
+
+/// A triangle group made from nothing, then with references of each form.
+TEST(Writer, TriangleReferencesAreSet) {
+  Edited edit(build(0x100, "TriList { TriGroup }"));
+  const Indices numbers = {4, 5, 6, 7};
+  const auto first = [&](std::size_t count) { return std::span<const Index>(numbers).first(count); };
+  std::array<AnimRef, REF_KIND_NUM> refs;
+  refs.fill({0, {}, first(1)});
+  TriGroup group;
+  static_cast<TriGroupHead &>(group) = edit.kis.tri.element[0];
+  EXPECT_EQ(kvSetRefs(group, refs), 1);
+  group.tri_anim_type = 0x21; // frames of vertices, keys of colours
+  group.tri_anim_frame_num = 3;
+  EXPECT_EQ(kvSetRefs(group, refs), 0);
+  refs[refVtx].group_index = first(4);
+  refs[refTriColor] = {2, first(2), first(2)};
+  EXPECT_EQ(kvSetRefs(group, refs), 1);
+  EXPECT_EQ(kvSetRefs(group, kvRefs(group)), 1); // its own
+  group.tri_group_size += 4 * (3 + 4);
+  kvAdjustListSizeData(edit.kis, 0, 4 * (3 + 4), TRI_LIST_TAG + ELEMENT_KIND);
+  edit.kis.tri.element[0] = std::move(group);
+  EXPECT_FALSE(edit.isRefused());
+  ASSERT_EQ(edit.kis.tri.element.size(), 1U);
+  EXPECT_EQ(kvRefs(edit.kis.tri.element[0])[refVtx].group_index[3], 7);
+  EXPECT_EQ(kvRefs(edit.kis.tri.element[0])[refTriColor].key[1], 5);
 }
 
 /// A block that ends anywhere in what it holds stays as long as it was; what it lacks cannot be written.

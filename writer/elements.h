@@ -128,14 +128,20 @@ private:
     content(writer, head);
   }
 
+  /// Puts a block of so many bytes, of which whole words are stored; those that the model lacks are zeros.
+  void putBlock(std::span<const Word> held, Word bytes) {
+    const std::uint64_t words = bytes / sizeof(Word);
+    const std::uint64_t end = out.offset + words * sizeof(Word);
+    putWords(out, held.data(), static_cast<std::size_t>(std::min<std::uint64_t>(words, held.size())) * sizeof(Word));
+    moveTo(out, end);
+  }
+
   template <class Sizes> void putUserBlock(const ExtBlk &blk, const Sizes &sizes) {
-    if (blk.words)
-      putRun(out, blk.words->usr, sizes.usr_ext_blk_size / sizeof(Word));
+    putBlock(usrExtBlk(blk), sizes.usr_ext_blk_size);
   }
 
   template <class Sizes> void putBlocks(const ExtBlk &blk, const Sizes &sizes) {
-    if (blk.words)
-      putRun(out, blk.words->van, sizes.van_ext_blk_size / sizeof(Word));
+    putBlock(vanExtBlk(blk), sizes.van_ext_blk_size);
     putUserBlock(blk, sizes);
   }
 };

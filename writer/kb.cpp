@@ -32,38 +32,75 @@ void writeList(Output &out, const Kis &kis, std::size_t list) {
   });
 }
 
-/// Finds out whether what is decoded of the maker blocks of a record's elements still fits them.
-template <class Record> struct MakerCheck : PassingIo {
+/// @return whether the words of a block are no more than its size says.
+bool blockFits(std::span<const Word> words, Word bytes) { return words.size() <= bytes / sizeof(Word); }
+
+/// The same of both blocks of a record, or of the file's header.
+template <class Record> bool blocksFit(const Record &record) {
+  return blockFits(vanExtBlk(record.ext_blk), record.van_ext_blk_size) &&
+         blockFits(usrExtBlk(record.ext_blk), record.usr_ext_blk_size);
+}
+
+/// Finds out whether a file takes in all that a record holds: what a program has added without counting it, or for
+/// which the maker block has no room, would be lost.
+template <class Record> struct FitCheck : PassingIo {
   const Record &record;
+  bool version_2;
   bool fits = true;
 
-  using PassingIo::blocks;
-  template <class Form, class Ext, class Holder> int blocks(Form, std::unique_ptr<Ext> Holder::*ext) {
-    if (record.*ext != nullptr)
-      fits = putMakerBlock<typename Form::Head>(nullptr, record, record.*ext);
+  template <class Text, class Item, class Holder, class Count, class... Target>
+  int array(Text, std::vector<Item> Holder::*member, Count count, Target...) {
+    fits = fits && (record.*member).size() <= numberOf(record, count);
+    return 1;
+  }
+  template <class... Arguments> int pairs(const Arguments &...all) { return array(all...); }
+  template <class... Arguments> int run(const Arguments &...all) { return array(all...); }
+  template <class... Arguments> int text(const Arguments &...all) { return array(0, all...); }
+  template <class... Arguments> int texels(const Arguments &...all) { return array(0, all...); }
+
+  template <class Form, class Item, class Holder, class Count>
+  int records(Form form, std::vector<Item> Holder::*member, Count count) {
+    array(form, member, count);
+    for (const Item &item : record.*member)
+      look(form, item);
     return 1;
   }
 
-  template <class Form, class Item, class Holder, class Count>
-  int records(Form, std::vector<Item> Holder::*member, Count count) {
-    for (const Item &item : counted(numberOf(record, count), record.*member)) {
-      MakerCheck<Item> check{{}, item};
-      const typename Form::Head &head = item;
-      content(check, head);
-      fits = fits && check.fits;
-    }
+  template <class Form, class Item, class Holder> int inner(Form form, Item Holder::*member) {
+    look(form, record.*member);
     return 1;
+  }
+
+  int blocks() {
+    fits = fits && blocksFit(record);
+    return 1;
+  }
+
+  template <class Form, class Ext, class Holder> int blocks(Form, std::unique_ptr<Ext> Holder::*ext) {
+    if (!version_2 || record.*ext == nullptr)
+      return blocks();
+    fits = fits && putMakerBlock<typename Form::Head>(nullptr, record, record.*ext) &&
+           blockFits(usrExtBlk(record.ext_blk), record.usr_ext_blk_size);
+    return 1;
+  }
+
+private:
+  template <class Form, class Item> void look(Form, const Item &item) {
+    FitCheck<Item> check{{}, item, version_2};
+    const typename Form::Head &head = item;
+    content(check, head);
+    fits = fits && check.fits;
   }
 };
 
-/// @return whether all that is decoded of the maker blocks of a 2.0 file fits them: a program may have added to it.
-bool makerBlocksFit(const Kis &kis) {
-  bool fit = true;
+/// @return whether a file takes in all that the header and the lists of a model hold.
+bool allFits(const Kis &kis) {
+  bool fit = blocksFit(kis.file_header);
   eachList([&](const auto &row) {
     const auto &list = kis.*row.list;
-    using Format = ListFormat<std::remove_cvref_t<decltype(list)>>;
-    MakerCheck<std::remove_cvref_t<decltype(list)>> check{{}, list};
-    Format::content(check, list);
+    using List = std::remove_cvref_t<decltype(list)>;
+    FitCheck<List> check{{}, list, kvKOVAver(kis.file_header) == VERSION_2};
+    ListFormat<List>::content(check, list);
     fit = fit && check.fits;
   });
   return fit;
@@ -102,19 +139,22 @@ bool canBeWritten(const FileHeader &header) {
   return version == VERSION_1 || (version == VERSION_2 && !(wraps && anyWord<Version2Sizes>(header)));
 }
 
-/// Writes the header and its blocks as a piece of `size` bytes.
+/// Writes the header and its blocks as a piece of `size` bytes. What the model lacks of the blocks is zeros, but for
+/// the sizes by which the version-2 lists are placed: these are its own.
 void writeHeader(Output &out, const FileHeader &header, std::uint64_t size) {
+  const std::uint64_t van_words = header.van_ext_blk_size / sizeof(Word);
   beginList(out, size);
   putFixed<FileHeaderHead>(out, header);
   std::span<const Word> van = vanExtBlk(header.ext_blk);
-  if (kvKOVAver(header) == VERSION_2) { // the sizes by which the lists are placed
-    const std::size_t sizes = std::min(van.size(), VERSION_2_LIST_NUM);
+  if (kvKOVAver(header) == VERSION_2) {
+    const auto sizes = static_cast<std::size_t>(std::min<std::uint64_t>(van_words, VERSION_2_LIST_NUM));
     const Version2Sizes &table = header;
     putWords(out, &table, sizes * sizeof(Word));
-    van = van.subspan(sizes);
+    van = van.subspan(std::min(van.size(), sizes));
   }
-  const std::span<const Word> usr = usrExtBlk(header.ext_blk);
   putWords(out, van.data(), van.size_bytes());
+  moveTo(out, FILE_HEADER_BYTES + van_words * sizeof(Word));
+  const std::span<const Word> usr = usrExtBlk(header.ext_blk);
   putWords(out, usr.data(), usr.size_bytes());
   endList(out);
 }
@@ -139,7 +179,7 @@ void writeLists(Output &out, const Kis &kis, std::uint64_t place) {
 
 int kvWriteKb(std::FILE *stream, const Kis &kis) {
   const FileHeader &header = kis.file_header;
-  if (!canBeWritten(header) || (kvKOVAver(header) == VERSION_2 && !makerBlocksFit(kis)))
+  if (!canBeWritten(header) || !allFits(kis))
     return 0;
   Output out(stream);
   if (anyListHeld(kis)) {

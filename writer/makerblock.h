@@ -11,7 +11,7 @@ namespace kova {
 
 /// Goes over a maker block by what is decoded of it. A block that was shorter than its counts call for is as long as it
 /// was; the words that could not be decoded there, such as the first words of pairs that were cut off, stay those that
-/// were read.
+/// were read. Everywhere else, what a count takes in and the model does not hold is zeros.
 /// @tparam Ext what is decoded
 /// @tparam Around the record that has the block
 template <class Ext, class Around> struct MakerWriter : PassingIo {
@@ -19,6 +19,7 @@ template <class Ext, class Around> struct MakerWriter : PassingIo {
   const Ext &ext;
   const Around &around;
   std::span<const Word> read; ///< the block as it was read
+  bool was_short;             ///< it was shorter than its counts call for, and these are the same
   std::uint64_t room;         ///< words of the block
   std::uint64_t position = 0; ///< in words
   bool fits = true;           ///< whether all that is decoded lies inside the block
@@ -53,16 +54,22 @@ template <class Ext, class Around> struct MakerWriter : PassingIo {
       putWords(*out, from, sizeof(Word));
   }
 
-  /// Puts words that are not decoded where they stand; those that were not read, either, are passed.
+  /// Passes words that are not decoded; those of a block that was too short stay where they stand.
   void keep(std::uint64_t count) {
     const std::uint64_t taken = inside(count);
     if (out != nullptr && taken > 0) {
       const std::uint64_t end = out->offset + taken * sizeof(Word);
-      putWords(*out, read.data() + (wasRead(1) != 0 ? position : 0),
-               static_cast<std::size_t>(wasRead(taken)) * sizeof(Word));
+      if (was_short && wasRead(taken) != 0)
+        putWords(*out, read.data() + position, static_cast<std::size_t>(wasRead(taken)) * sizeof(Word));
       moveTo(*out, end);
     }
     position += count;
+  }
+
+  /// @return the items that a count takes in and that are held: all of them, or the edit is no whole one.
+  template <class Item> std::span<const Item> taken(std::uint64_t number, const std::vector<Item> &held) {
+    fits = fits && held.size() <= number;
+    return counted(number, held);
   }
 
   /// Puts the fixed words. Those beyond the block are 0 unless a program has set them.
@@ -79,7 +86,7 @@ template <class Ext, class Around> struct MakerWriter : PassingIo {
   int array(Text, std::vector<Item> Holder::*member, Count count, To = To::nothing) {
     constexpr std::uint64_t WORDS_EACH = sizeof(Item) / sizeof(Word);
     const std::uint64_t number = numberOf(ext, count);
-    const auto held = counted(number, ext.*member);
+    const auto held = taken(number, ext.*member);
     put(held.data(), held.size() * WORDS_EACH);
     keep((number - held.size()) * WORDS_EACH);
     return 1;
@@ -93,7 +100,7 @@ template <class Ext, class Around> struct MakerWriter : PassingIo {
   template <class Text, class Item, class Holder, class Count>
   int pairs(Text, std::vector<Item> Holder::*member, Count count, To) {
     const std::uint64_t number = numberOf(ext, count);
-    const auto held = counted(number, ext.*member);
+    const auto held = taken(number, ext.*member);
     for (std::size_t word = 0; word < sizeof(Item) / sizeof(Word); ++word) {
       for (const Item &item : held)
         put(reinterpret_cast<const unsigned char *>(&item) + word * sizeof(Word), 1);
@@ -122,28 +129,32 @@ template <class Head, class Around> struct MakerMeasure : PassingIo {
   Word tiles() const { return kvCiTileNum(around); }
 };
 
-/// @return the words of a block behind what it begins with, as they were read.
-template <class Head, class Around>
-std::span<const Word> wordsBehind(std::span<const Word> read, const Around &around) {
-  std::array<Word, sizeof(Head) / sizeof(Word)> words{};
-  std::copy_n(read.begin(), std::min(read.size(), words.size()), words.begin());
-  const auto head = std::bit_cast<Head>(words);
+/// @return the words that a maker block takes up by its counts.
+template <class Head, class Around> std::uint64_t measuredWords(const Head &head, const Around &around) {
   MakerMeasure<Head, Around> measure{{}, head, around};
   content(measure, head);
-  return read.subspan(static_cast<std::size_t>(std::min<std::uint64_t>(measure.words, read.size())));
+  return measure.words;
+}
+
+/// @return the same of a block as it was read.
+template <class Head, class Around> std::uint64_t measuredWords(std::span<const Word> read, const Around &around) {
+  std::array<Word, sizeof(Head) / sizeof(Word)> words{};
+  std::copy_n(read.begin(), std::min(read.size(), words.size()), words.begin());
+  return measuredWords<Head>(std::bit_cast<Head>(words), around);
 }
 
 /// Goes over the maker block of a record that has one decoded. @return whether it has room for everything.
 template <class Head, class Record, class Ext>
 bool putMakerBlock(Output *out, const Record &record, const std::unique_ptr<Ext> &ext) {
   const std::uint64_t room = record.van_ext_blk_size / sizeof(Word);
-  const std::span<const Word> held = vanExtBlk(record.ext_blk);
-  const auto read = held.first(static_cast<std::size_t>(std::min<std::uint64_t>(room, held.size())));
-  MakerWriter<Ext, Record> writer{{}, out, *ext, record, read, room};
+  const std::span<const Word> read = vanExtBlk(record.ext_blk);
+  const std::uint64_t decoded = measuredWords<Head>(read, record);
   const Head &head = *ext;
+  const bool was_short = decoded > read.size() && decoded == measuredWords<Head>(head, record);
+  MakerWriter<Ext, Record> writer{{}, out, *ext, record, read, was_short, room};
   writer.putHead(head);
   content(writer, head);
-  const std::span<const Word> behind = wordsBehind<Head>(read, record);
+  const auto behind = read.subspan(static_cast<std::size_t>(std::min<std::uint64_t>(decoded, read.size())));
   if (!behind.empty())
     writer.put(behind.data(), behind.size());
   writer.keep(writer.inside(room));

@@ -152,7 +152,8 @@ static_assert(sizeof(TriGroupHead) == 32);
 
 struct TriGroup : TriGroupHead {
   /// The words of the six references as the file has them, after a few of the library's own; null where there are none.
-  /// `kvRefs` takes them apart. A file can have very many small groups, so this costs one pointer.
+  /// `kvRefs` takes them apart, `kvSetRefs` sets them. A file can have very many small groups, so this costs one
+  /// pointer.
   std::unique_ptr<Index[]> ref;
   std::vector<Tri> tri;
   std::uint64_t offset = NO_OFFSET; ///< in the file
@@ -188,5 +189,12 @@ using PartList = List<Part>;
 /// empty; where a program has lowered `tri_anim_frame_num` since, it is as long as that says. The views stay good as
 /// long as the group does.
 KOVA_API std::array<AnimRef, REF_KIND_NUM> kvRefs(const TriGroup &group);
+
+/// Gives a group its six references, by `RefKind`, each in the form that the group's `tri_anim_type` and
+/// `tri_anim_frame_num` call for: one group index, one for each frame, or `key_num` keys and as many group indices.
+/// They are copied, and may be views of the group's own (`kvRefs`). A new group needs this: without references its file
+/// cannot be read. Sizes are not changed; see `kvAdjustListSizeData`.
+/// @return 1; 0 with the group as it was where an array has not the length of its form, or memory cannot be had
+KOVA_API int kvSetRefs(TriGroup &group, const std::array<AnimRef, REF_KIND_NUM> &refs);
 
 } // namespace kova

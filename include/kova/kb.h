@@ -1,11 +1,17 @@
 /// The binary form of a KOVA file, written from a model: the way back from `kvOpenKb`.
 ///
 /// Words are written as the model holds them, also wrong ones: tags, indices, counts and sizes. So a damaged file that
-/// was loaded comes back as damaged as it was. Nothing is computed anew; whoever changes the number of something keeps
-/// the sizes right with `kvAdjustListSizeData`. The maker blocks of a 2.0 file are written from what was decoded from
-/// them (`ext`, and the nine sizes in the header), followed by the other words of the block as they were read. A block
-/// that was too short for its counts stays as long as it was. What a program adds must fit the block: whoever needs
-/// more room raises `van_ext_blk_size`, and words that the block does not have yet are zeros.
+/// was loaded comes back as damaged as it was. Nothing is computed anew, and nothing is checked that is not lost
+/// otherwise: whoever changes the number of something also changes its count, and keeps the sizes right with
+/// `kvAdjustListSizeData` (and the triangle references with `kvSetRefs`). `checkKOVA` tells what was forgotten. A model
+/// that holds more than a count or the size of a block says, or has no room for it, is refused. What is counted and not
+/// held is zeros, unless the list ends there.
+///
+/// The maker blocks of a 2.0 file are written from what was decoded from them (`ext`, and the nine sizes in the
+/// header), followed by the other words of the block as they were read. A block that was too short for its counts stays
+/// as long as it was. What a program adds must fit the block: whoever needs more room raises `van_ext_blk_size`. Where
+/// `ext` is null, and in a 1.0 file, which has none, the block is its words in `ext_blk`; those that it lacks are
+/// zeros.
 ///
 /// A file for which `kvOpenKb` returned 1 comes back byte for byte, but for the bytes that no record takes in. The
 /// model does not hold them, and they are written as zeros:
@@ -33,8 +39,8 @@ namespace kova {
 /// Writes a model of version 1.0 or 2.0 to the stream's position and flushes the stream, which stays open. Asks for no
 /// memory.
 /// @return 1; 0 where the stream fails, and 0 with nothing written for a model of another version, of a 2.0 file with
-/// version-2 lists whose version-1 sizes add up to more than 32 bits (its lists lie upon each other), or of a 2.0 file
-/// where something in the `ext` of a record does not fit its maker block.
+/// version-2 lists whose version-1 sizes add up to more than 32 bits (its lists lie upon each other), or where the
+/// model holds something for which a count, or the size of a block, leaves no place.
 KOVA_API int kvWriteKb(std::FILE *stream, const Kis &kis);
 
 /// Writes the model to the file at `path`, whole or not at all: to a new file in the same folder, which is flushed to
