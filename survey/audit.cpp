@@ -139,6 +139,7 @@ Repair repairOf(const Descriptor &file, FileResult &result, const Workspace &wor
     return Repair::unknown;
   case mend::Outcome::mended:
     result.repair_words = mending.changes.size() + mending.undone.size();
+    result.repair_undone = mending.undone.size();
     keepChanges(result, mending);
     return Repair::mended;
   case mend::Outcome::salvaged:

@@ -73,7 +73,9 @@ struct FileResult {
   std::string detail = {}; ///< more about the reason; may be empty
   bool deep = false;       ///< whether the deep checks have run, too
   Repair repair = Repair::not_asked;
-  std::uint64_t repair_words = 0; ///< of a file that can be mended: the number of words that would be changed
+  /// Of a file that can be mended: the number of words that would be changed and of transformations undone, and the
+  /// latter alone.
+  std::uint64_t repair_words = 0, repair_undone = 0;
   std::vector<std::string> repair_changes = {}; ///< and the first of them, each as kbrepair prints it
   std::vector<KeptFinding> findings = {};
   std::map<std::string, std::uint64_t> counts = {}; ///< of all findings by id, also of those not kept

@@ -116,9 +116,11 @@ constexpr Member<Line> LINE[] = {
               (takeEnum(from, REPAIR_NAMES, line.result.repair) && line.result.repair > Repair::needless);
      }},
     {"repair_words", [](const Scalar &from, Line &line) { return takeNumberOrNull(from, line.repair_words); }},
+    {"repair_undone",
+     [](const Scalar &from, Line &line) { return takeNumber(from, line.result.repair_undone) && from.value != 0; }},
     {"repair_changes", nullptr},
 };
-constexpr unsigned LINE_NEEDS = (1U << (std::size(LINE) - 3)) - 1;
+constexpr unsigned LINE_NEEDS = (1U << (std::size(LINE) - 4)) - 1;
 
 constexpr Member<KeptFinding> FINDING[] = {
     {"id", [](const Scalar &from, KeptFinding &finding) { return takeName(from, true, finding.id); }},
@@ -142,7 +144,8 @@ bool agrees(const Line &line, bool repair, bool repair_words) {
   return judged == (result.reason == Reason::has_verdict) && (!judged || result.version != Version::unknown) &&
          repair == repair_words && (result.repair <= Repair::needless || needsRepair(result)) &&
          (result.repair == Repair::mended) == (line.repair_words.value_or(0) != 0) &&
-         line.repair_words.value_or(1) != 0 && result.repair_changes.size() <= line.repair_words.value_or(0) &&
+         line.repair_words.value_or(1) != 0 && result.repair_undone <= line.repair_words.value_or(0) &&
+         result.repair_changes.size() <= line.repair_words.value_or(0) &&
          findingCount(result) >= result.findings.size();
 }
 

@@ -70,6 +70,10 @@ void appendRepair(std::string &json, const FileResult &result) {
     appendNumber(json, result.repair_words);
   else
     json += "null";
+  if (result.repair_undone != 0) {
+    json += ",\"repair_undone\":";
+    appendNumber(json, result.repair_undone);
+  }
   if (result.repair_changes.empty())
     return;
   json += ",\"repair_changes\":[";

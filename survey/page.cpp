@@ -120,12 +120,14 @@ void appendDetails(Page &page, const FileResult &file) {
     appendNumber(json, file.repair_words);
     json += ',';
     appendStrings(json, std::span(file.repair_changes).first(std::min(page.shown, file.repair_changes.size())));
+    json += ',';
+    appendNumber(json, file.repair_undone);
   }
 }
 
 /// Appends [folder, name, bytes, version, verdict], and for a file with findings or without a verdict behind it
 /// [reason, detail, [id, count, id, count...], findings], and if it was asked whether it can be mended, behind that
-/// [repair, words, [change...]].
+/// [repair, words, [change...], transformations].
 void appendFile(Page &page, const FileResult &file) {
   const std::size_t slash = file.path.rfind('/');
   const std::size_t name = slash == file.path.npos ? 0 : slash + 1;

@@ -54,8 +54,8 @@ const addFirst = (parent, list, most, name, make) => {
   return more;
 };
 
-const files = data.files.map(([folder, name, bytes, version, verdict, reason = 0, detail = "", counts = [], findings = [], repair = 0, words = 0, changes = []]) => ({
-  folder, name, path: data.folders[folder] + name, bytes, version, verdict, reason, detail, findings, repair, words, changes,
+const files = data.files.map(([folder, name, bytes, version, verdict, reason = 0, detail = "", counts = [], findings = [], repair = 0, words = 0, changes = [], undone = 0]) => ({
+  folder, name, path: data.folders[folder] + name, bytes, version, verdict, reason, detail, findings, repair, words, changes, undone,
   ids: counts.filter((_, i) => i % 2 === 0), count: counts.reduce((sum, count, i) => i % 2 ? sum + count : sum, 0),
 }));
 // Bad files come first, then those with remarks.
@@ -63,7 +63,8 @@ for (const file of files) file.rank = file.verdict === 1 ? 0 : file.verdict === 
 
 // Whether files can be mended is shown only if that was asked, and of those that are not in order.
 const repairAsked = data.totals.repairs.some((count, i) => i && count);
-const repairText = file => data.repairs[file.repair] + (file.words ? " (" + counted(file.words, "word", "words") + ")" : "");
+const repairCounts = ({ words, undone }) => [undone && counted(undone, "transformation", "transformations"), words > undone && counted(words - undone, "word", "words")].filter(Boolean);
+const repairText = file => data.repairs[file.repair] + (file.words ? " (" + repairCounts(file).join(", ") + ")" : "");
 
 const isError = id => data.ids[id][1] === "error";
 

@@ -75,7 +75,7 @@ void giveUp(FileResult &result) {
   result.counts = {};
   result.detail = {};
   result.version = Version::unknown;
-  result.repair_words = 0;
+  result.repair_words = result.repair_undone = 0;
   result.repair_changes = {};
   if (result.repair != Repair::not_asked)
     result.repair = Repair::needless;

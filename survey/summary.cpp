@@ -34,11 +34,20 @@ std::string repairs(const Tally &tally) {
   return text.empty() ? text : text + '\n';
 }
 
+/// @return "1 transformation, 2 words", of what would be undone and changed.
+std::string repairCounts(const FileResult &result) {
+  const std::uint64_t words = result.repair_words - result.repair_undone;
+  std::string text;
+  if (result.repair_undone != 0)
+    text = counted(result.repair_undone, " transformation", " transformations");
+  return words == 0 ? text : text + (text.empty() ? "" : ", ") + counted(words, " word", " words");
+}
+
 /// @return "can be mended (2 words), ", or another answer; empty if there is none.
 std::string repairText(const FileResult &result) {
   std::string text = REPAIR_TEXTS[static_cast<std::size_t>(result.repair)];
   if (result.repair == Repair::mended)
-    text += " (" + counted(result.repair_words, " word", " words") + ')';
+    text += " (" + repairCounts(result) + ')';
   return text.empty() ? text : text + ", ";
 }
 

@@ -54,7 +54,9 @@ def survey():
 def repair_text(record):
     """What the page shows in the last column."""
     if record["repair"] == "mended":
-        return f"can be mended ({record['repair_words']} word{'s' if record['repair_words'] != 1 else ''})"
+        undone = record.get("repair_undone", 0)
+        counts = [(undone, "transformation"), (record["repair_words"] - undone, "word")]
+        return f"can be mended ({', '.join(f'{n} {what}' + 's' * (n != 1) for n, what in counts if n)})"
     return REPAIRS.get(record["repair"], "")
 
 

@@ -26,6 +26,7 @@ FileResult hostileResult(int number) {
                     .deep = true,
                     .repair = Repair::mended,
                     .repair_words = 12,
+                    .repair_undone = 2,
                     .repair_changes = std::vector<std::string>(12, path)};
   for (Word i = 0; i < 20; ++i)
     result.findings.push_back({.id = "element-size",
@@ -131,7 +132,8 @@ TEST(SurveyReport, WhatIsNoResultIsRefused) {
       {"\"repair\":\"mended\",", ""},
       {"\"repair_words\":12", "\"repair_words\":null"},
       {"\"repair_words\":12", "\"repair_words\":-1"},
-      {"\"repair_words\":12", "\"repair_words\":11"}, // fewer than changes
+      {"\"repair_words\":12", "\"repair_words\":11"},  // fewer than changes
+      {"\"repair_undone\":2", "\"repair_undone\":13"}, // more than all
       {"\"repair_changes\":[", "\"repair_changes\":[1,"},
       {"\"verdict\":\"ERR\"", "\"verdict\":\"OK\""}, // but it can be mended
       {"\"element\":0", "\"element\":4294967296"},
@@ -202,7 +204,7 @@ TEST(SurveyReport, JUnitIsEscaped) {
   const std::string report = junitReport(manyResults(1));
   EXPECT_NE(report.find(R"(name="d0/&lt;/script>&lt;!--\x0a\xff\x5c&quot;&amp;'.kb0")"), report.npos) << report;
   EXPECT_NE(report.find(R"(tests="1" failures="1" errors="0")"), report.npos);
-  EXPECT_NE(report.find(R"(message="can be mended (12 words), 22 findings: )"), report.npos);
+  EXPECT_NE(report.find(R"(message="can be mended (2 transformations, 10 words), 22 findings: )"), report.npos);
   EXPECT_NE(report.find(R"(element-size: d0/&lt;/script&gt;&lt;!--; \xff)"), report.npos);
 }
 

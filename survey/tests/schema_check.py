@@ -32,9 +32,9 @@ for member in good:
     assert not validator.is_valid({name: value for name, value in good.items() if name != member}), member
 
 # What is asked only with an option is there as a whole or not at all, and only of files that need it.
-mended = next(line for line in lines if line.get("repair") == "mended")
+mended = next(line for line in lines if "repair_undone" in line)
 for member, value in [("repair", "good"), ("repair", None), ("repair", "salvaged"), ("repair_words", None),
-                      ("repair_words", 0), ("verdict", "OK")]:
+                      ("repair_words", 0), ("repair_undone", 0), ("verdict", "OK")]:
     assert not validator.is_valid({**mended, member: value}), (member, value)
 for member in ("repair", "repair_words"):
     assert not validator.is_valid({name: value for name, value in mended.items() if name != member}), member

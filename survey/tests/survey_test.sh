@@ -225,7 +225,7 @@ same "a smaller search" '"again/town.kb"' "$(sed 's/{"path":\([^,]*\),.*/\1/' ne
 # --- What can be mended ---
 
 mkdir -p mendable
-cp samples/{town,damaged,cut,light-type,version}.kb not.kb mendable
+cp samples/{town,damaged,cut,extra,light-type,version}.kb not.kb mendable
 ln -s nowhere mendable/broken.kb
 survey 2 --repairable --json mendable.json mendable
 repairs() { # FILE: of the JSON report: path, answer, number of words
@@ -236,6 +236,7 @@ same "what can be mended" "$(sed 's|^|mendable/|' <<END
 broken.kb None None
 cut.kb salvaged None
 damaged.kb mended 4
+extra.kb mended 1
 light-type.kb no None
 not.kb None None
 town.kb None None
@@ -245,23 +246,24 @@ END
 same "what can be mended, as lines" "NONE  mendable/broken.kb  cannot be read: No such file or directory
 ERR   mendable/cut.kb  can be salvaged, 36 findings
 ERR   mendable/damaged.kb  can be mended (4 words), 6 findings
+ERR   mendable/extra.kb  can be mended (1 transformation), 36 findings
 ERR   mendable/light-type.kb  cannot be mended, 1 finding
 NONE  mendable/not.kb  not a KOVA file
 NONE  mendable/version.kb  can be mended (1 word), other version
-to repair: 2 can be mended, 1 can be salvaged, 1 cannot be mended" \
+to repair: 3 can be mended, 1 can be salvaged, 1 cannot be mended" \
   "$(sed -n 's/\(finding\|findings\|version\): .*/\1/; /^ERR\|^NONE\|^to repair/p' out)"
 same "files that were only looked at" "" "$(for file in town damaged cut light-type version; do cmp "samples/$file.kb" "mendable/$file.kb"; done)"
 
 # A report without these answers is audited again if they are asked for, one with them if they are not.
 survey 2 --json plain.json mendable
-same "not asked" 7 "$(repairs plain.json | grep -c -e ' - -$')"
+same "not asked" 8 "$(repairs plain.json | grep -c -e ' - -$')"
 survey 2 --repairable --resume plain.json --json resumed.json mendable
 same "asked when resumed" "$(sort mendable.json)" "$(sort resumed.json)"
 survey 2 --resume mendable.json --json resumed.json mendable
 same "not asked when resumed" "$(sort plain.json)" "$(sort resumed.json)"
 sed 's/"repair_words":4/"repair_words":5/; s/"repair":"salvaged"/"repair":"unknown"/' mendable.json >forged.json
 survey 2 --repairable --resume forged.json --json resumed.json mendable
-same "answers that are taken over" "mended 1 mended 5 salvaged None" "$(repairs resumed.json | sed -n 's/.*\(mended\|salvaged\)/\1/p' | sort | xargs)"
+same "answers that are taken over" "mended 1 mended 1 mended 5 salvaged None" "$(repairs resumed.json | sed -n 's/.*\(mended\|salvaged\)/\1/p' | sort | xargs)"
 survey 2 --merge mendable.json --json merged.json --html merged.html --junit merged.xml
 same "merged answers" "$(sort mendable.json)" "$(sort merged.json)"
 survey 2 --repairable --html run.html --junit run.xml mendable
