@@ -50,7 +50,8 @@ void warnOfTriGroup(const Place &place, const TriGroup &group) {
   for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind)
     expected += ref[kind] = refBytes(group, refs[kind], kind);
   const std::span<const Tri> triangles = counted(group.tri_num, group.tri);
-  expected += sumofMemberVal(triangles, &Tri::van_ext_blk_size) + sumofMemberVal(triangles, &Tri::usr_ext_blk_size);
+  for (const Tri &tri : triangles)
+    expected += tri.van_ext_blk_size + tri.usr_ext_blk_size;
   if (group.tri_group_size == expected)
     return;
 

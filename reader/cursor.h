@@ -3,6 +3,7 @@
 
 #include "kova/setup.h"
 
+#include <algorithm>
 #include <exception>
 #include <type_traits>
 #include <utility>
@@ -75,14 +76,29 @@ template <class Item> int clearAndFail(std::vector<Item> &run) {
   return 0;
 }
 
+/// Fills `run` with `count` items, some at a time: `copy(to, bytes)` sets them while the zeros that they begin with are
+/// still in the cache. @return 0 where it does, the run then being empty.
+template <class Item, class Copy> int fillRun(std::vector<Item> &run, std::size_t count, Copy copy) {
+  constexpr std::size_t AT_ONCE = 256 * 1024 / sizeof(Item);
+  run.reserve(count);
+  run.clear();
+  for (std::size_t done = 0; done < count; done = run.size()) {
+    const std::size_t more = std::min(AT_ONCE, count - done);
+    run.resize(done + more);
+    if (!copy(&run[done], more * sizeof(Item)))
+      return clearAndFail(run);
+  }
+  return 1;
+}
+
 /// Fills `destination` with `count` items of host-order words; all or nothing: a run that is not all there leaves it as
 /// it was. The items are there before memory for them is asked for.
 template <WordRecord Item> int readRun(Cursor &cursor, std::vector<Item> &destination, std::uint64_t count) {
   if (!require(cursor, count, sizeof(Item)))
     return 0;
   return withinMemory(cursor, [&] {
-    destination.resize(static_cast<std::size_t>(count));
-    return copyBytes(cursor, destination.data(), destination.size() * sizeof(Item)) || clearAndFail(destination);
+    return fillRun(destination, static_cast<std::size_t>(count),
+                   [&](Item *to, std::size_t bytes) { return copyBytes(cursor, to, bytes); });
   });
 }
 

@@ -160,7 +160,11 @@ template <class Record, class Around = Record> struct RecordReader {
     return readFixed(cursor, head) && content(reader, head);
   }
 
-  int blocks() { return kvReadExtBlk1(cursor, record.ext_blk, record.van_ext_blk_size, record.usr_ext_blk_size); }
+  int blocks() {
+    if (record.van_ext_blk_size == 0 && record.usr_ext_blk_size == 0 && !record.ext_blk.words)
+      return 1; // as of nearly all triangles
+    return kvReadExtBlk1(cursor, record.ext_blk, record.van_ext_blk_size, record.usr_ext_blk_size);
+  }
   /// Maker blocks are decoded when the whole file is read.
   template <class Form, class Ext> int blocks(Form, Ext) { return blocks(); }
 
@@ -192,8 +196,8 @@ template <class Record, class Around = Record> struct RecordReader {
   template <class Holder> int texels(std::vector<unsigned char> Holder::*member, std::uint64_t count) {
     if (!require(cursor, count, 1))
       return 0;
-    (record.*member).resize(static_cast<std::size_t>(count));
-    return copyFileOrder(cursor, (record.*member).data(), (record.*member).size()) || clearAndFail(record.*member);
+    return fillRun(record.*member, static_cast<std::size_t>(count),
+                   [this](unsigned char *to, std::size_t bytes) { return copyFileOrder(cursor, to, bytes); });
   }
 
   template <class Holder> int text(Words Holder::*member, std::uint64_t count) { return array(0, member, count); }
