@@ -42,16 +42,6 @@ consteval auto version2ListWords(const char *num_text) {
   });
 }
 
-/// What a section of a version-2 list begins with where its header's lines are not all shown.
-inline constexpr auto LIST_TOP_WORDS = words<ListHead>({
-    {"list_tag     %0#10x\n", &ListHead::list_tag, TAG},
-    {"header_size  %d\n", &ListHead::list_header_size, HEADER_SIZE},
-    {"list_size    %d\n", &ListHead::list_size, SIZE},
-    unprinted("num", &ListHead::num, COUNT),
-    unprinted("van_ext_blk_size", &ListHead::van_ext_blk_size, VAN_SIZE),
-    unprinted("usr_ext_blk_size", &ListHead::usr_ext_blk_size, USR_SIZE),
-});
-
 /// The words that every element of a version-2 list begins with.
 template <>
 inline constexpr auto WORDS<ElementHead> = words<ElementHead>({

@@ -7,23 +7,13 @@ namespace kova {
 
 namespace {
 
-constexpr Section<AnimGroup> ANIM_SECTION = {"AnimList", kvWriteKtAnimListFix1, kvWriteKtAnimGroupFix1};
-constexpr Section<CollGroup> COLL_SECTION = {"CollList", kvWriteKtCollListFix1, kvWriteKtCollGroupFix1};
-constexpr Section<Switch> SWITCH_SECTION = {"SwitchList", kvWriteKtSwitchListFix1, kvWriteKtSwitchFix1};
+constexpr Section<AnimGroup> ANIM_SECTION = {"AnimList", writeElement<AnimList>};
+constexpr Section<CollGroup> COLL_SECTION = {"CollList", kvWriteKtCollGroupFix1};
+constexpr Section<Switch> SWITCH_SECTION = {"SwitchList", writeElement<SwitchList>};
 
 } // namespace
 
 // --- AnimList --------------------------------------------------------------------------------------------------------
-
-void kvWriteKtAnimListFix1(Text &text, const AnimList &list) {
-  writeListHead<LINES_OF<ANIM_LIST_WORDS>, "anim_group_num_byte[%d]  %d \n">(text, list, ANIM_SECTION.name);
-}
-
-void kvWriteKtAnimGroupFix1(Text &text, const AnimGroup &group, Index number) {
-  print<"AnimGroup(%d)\n">(text, number);
-  putRecord<LINES<AnimGroupHead>>(text, group);
-  printContent<AnimGroupHead>(text, group);
-}
 
 namespace {
 
@@ -81,14 +71,8 @@ void writeColl(Text &text, const Coll &coll, Index number) {
 
 } // namespace
 
-void kvWriteKtCollListFix1(Text &text, const CollList &list) {
-  writeListHead<LINES_OF<COLL_LIST_WORDS>, "coll_group_num_byte[%d]  %d \n">(text, list, COLL_SECTION.name);
-}
-
 void kvWriteKtCollGroupFix1(Text &text, const CollGroup &group, Index number) {
-  print<"CollGroup(%d)\n">(text, number);
-  putRecord<LINES<CollGroupHead>>(text, group);
-  printContent<CollGroupHead>(text, group);
+  writeElement<CollList>(text, group, number);
   Index position = 0;
   for (const Coll &coll : counted(group.coll_num, group.coll))
     writeColl(text, coll, position++);
@@ -98,16 +82,6 @@ void kvWriteKtCollList1(Text &text, const CollList &list) { writeSection(text, C
 void kvWriteKtCollList(Text &text, const CollList &list) { kvWriteKtCollList1(text, list); }
 
 // --- SwitchList ------------------------------------------------------------------------------------------------------
-
-void kvWriteKtSwitchListFix1(Text &text, const SwitchList &list) {
-  writeListHead<LINES_OF<SWITCH_LIST_WORDS>, "switch_num_byte[%d]    %d\n">(text, list, SWITCH_SECTION.name);
-}
-
-void kvWriteKtSwitchFix1(Text &text, const Switch &node, Index number) {
-  print<"Switch(%d)\n">(text, number);
-  putRecord<LINES<SwitchHead>>(text, node);
-  printContent<SwitchHead>(text, node);
-}
 
 void kvWriteKtSwitchList1(Text &text, const SwitchList &list) { writeSection(text, SWITCH_SECTION, list); }
 void kvWriteKtSwitchList(Text &text, const SwitchList &list) { kvWriteKtSwitchList1(text, list); }
@@ -132,7 +106,7 @@ void putName(Text &text, const Name &name) {
 
 void kvWriteKtNameListFix1(Text &text, const NameList &list) {
   putRecord<LINES_OF<NAME_LIST_WORDS>>(text, list);
-  printEach<"name_num_byte[%d]    %d\n">(text, counted(list.num, list.num_byte));
+  printEach<ListFormat<NameList>::table.TEXT>(text, counted(list.num, list.num_byte));
   print<"\n">(text);
 }
 

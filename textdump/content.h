@@ -50,6 +50,8 @@ template <Format LABEL> void printPairs(Text &text, std::span<const NodeIndex> n
 /// Which parts print: in a maker block, external references stand behind all others.
 enum class Printed : std::uint8_t { all, others, externals };
 
+template <class Form, class Record> void writeVersion2Record(Text &text, const Record &record);
+
 template <Printed PART, class Record, class Around = Record> struct Printer : PassingIo {
   Text &out;
   const Record &record;
@@ -89,6 +91,15 @@ template <Printed PART, class Record, class Around = Record> struct Printer : Pa
     return 1;
   }
 
+  /// Records with the words of version 2; others have sections of their own.
+  template <class Form, class Item, class Holder, class Count>
+  int records(Form, std::vector<Item> Holder::*member, Count count) {
+    if constexpr (std::is_base_of_v<ElementHead, Item>)
+      for (const Item &item : counted(numberOf(record, count), record.*member))
+        writeVersion2Record<Form>(out, item);
+    return 1;
+  }
+
   /// Records that are not stored print their headings, if they have such.
   template <Format LINE, Format NAME, class Holder, class Count>
   int absent(ArrayLine<LINE, NAME>, Word Holder::*number, Count count) {
@@ -105,6 +116,36 @@ template <Printed PART, class Record, class Around = Record> struct Printer : Pa
 template <class Head, class Record> void printContent(Text &text, const Record &record) {
   Printer<Printed::all, Record> printer{{}, text, record, record};
   content(printer, static_cast<const Head &>(record));
+}
+
+/// Prints the heading and the words of a record by its form, then what follows them.
+template <class Form, class Record> void writeRecord(Text &text, const Record &record, Index number) {
+  print<Form::TEXT>(text, number);
+  putRecord<LINES_OF<Form::words>>(text, record);
+  printContent<typename Form::Head>(text, record);
+}
+
+/// The same for an element of a list, and of its second kind of element.
+template <class List, class Element> void writeElement(Text &text, const Element &element, Index number) {
+  writeRecord<std::remove_cvref_t<decltype(ListFormat<List>::elements)>>(text, element, number);
+}
+template <class List, class Element> void writeSecondElement(Text &text, const Element &element, Index number) {
+  writeRecord<std::remove_cvref_t<decltype(ListFormat<List>::second_elements)>>(text, element, number);
+}
+
+/// Prints a record with the words of version 2, whose heading shows its stored index, and its blocks.
+template <class Form, class Record> void writeVersion2Record(Text &text, const Record &record) {
+  writeRecord<Form>(text, record, record.this_index);
+  writeExtBlk(text, record);
+}
+
+/// Writes the section of a version-2 list.
+template <class Element> void writeVersion2Section(Text &text, const List<Element> &list, const char *name) {
+  writeListHead(text, list, name);
+  print<"\n">(text);
+  for (const Element &element : counted(list.num, list.element))
+    writeVersion2Record<std::remove_cvref_t<decltype(ListFormat<List<Element>>::elements)>>(text, element);
+  writeListEnd(text, list, name);
 }
 
 /// Prints what is decoded of a maker block: its words, what follows them, then the lines and the references that are

@@ -12,8 +12,8 @@ constexpr const char *VTX_SECTION = "VtxList";
 constexpr const char *COLOR_SECTION = "ColorList";
 constexpr const char *VECTOR_SECTION = "VectorList";
 constexpr const char *ST_SECTION = "StList";
-constexpr Section<TriGroup> TRI_SECTION = {"TriList", kvWriteKtTriListFix1, kvWriteKtTriGroupFix1};
-constexpr Section<Part> PART_SECTION = {"PartList", kvWriteKtPartListFix1, kvWriteKtPartFix1};
+constexpr Section<TriGroup> TRI_SECTION = {"TriList", kvWriteKtTriGroupFix1, true};
+constexpr Section<Part> PART_SECTION = {"PartList", writeElement<PartList>};
 
 /// The groups of a list whose header section holds them.
 template <class Group>
@@ -26,15 +26,9 @@ void writeGroups(Text &text, Word count, const std::vector<Group> &held, void (*
 // --- VtxList: its header section holds the groups --------------------------------------------------------------------
 
 void kvWriteKtVtxListFix1(Text &text, const VtxList &list) {
-  writeListHead<LINES_OF<VTX_LIST_WORDS>, "vtx_group_num_byte[%d]  %d \n">(text, list, VTX_SECTION);
+  writeListHead(text, list, VTX_SECTION);
   print<"\n">(text);
-  writeGroups(text, list.num, list.element, kvWriteKtVtxFix1);
-}
-
-void kvWriteKtVtxFix1(Text &text, const VtxGroup &group, Index number) {
-  print<"VtxGroup(%d)\n">(text, number);
-  putRecord<LINES<VtxGroupHead>>(text, group);
-  printContent<VtxGroupHead>(text, group);
+  writeGroups(text, list.num, list.element, writeElement<VtxList>);
 }
 
 void kvWriteKtVtxList1(Text &text, const VtxList &list) {
@@ -116,14 +110,8 @@ void writeTriGroupEnd(Text &text, const TriGroup &group) {
 
 } // namespace
 
-void kvWriteKtTriListFix1(Text &text, const TriList &list) {
-  writeListHead<LINES_OF<TRI_LIST_WORDS>, "tri_group_num_byte[%d] %d\n">(text, list, TRI_SECTION.name);
-  print<"\n">(text);
-}
-
 void kvWriteKtTriGroupFix1(Text &text, const TriGroup &group, Index number) {
-  print<"TriGroup(%d)\n">(text, number);
-  putRecord<LINES<TriGroupHead>>(text, group);
+  writeElement<TriList>(text, group, number);
   const std::array<AnimRef, REF_KIND_NUM> refs = kvRefs(group);
   for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind)
     REF_WRITERS[kind](text, refs[kind], refForm(group.tri_anim_type, kind));
@@ -143,23 +131,11 @@ void kvWriteKtTriList(Text &text, const TriList &list) { kvWriteKtTriList1(text,
 void kvWriteKtColorListFix1(Text &text, const ColorList &list) {
   kvWriteKtListName(text, COLOR_SECTION);
   putRecord<LINES_OF<COLOR_LIST_WORDS>>(text, list);
-  printEach<"tri_color_group_size[%d]   %d\n">(text, counted(list.tri_group_num, list.tri_group_size));
-  printEach<"vtx_color_group_size[%d]   %d\n">(text, counted(list.vtx_group_num, list.vtx_group_size));
+  printEach<ListFormat<ColorList>::table.TEXT>(text, counted(list.tri_group_num, list.tri_group_size));
+  printEach<ListFormat<ColorList>::second_table.TEXT>(text, counted(list.vtx_group_num, list.vtx_group_size));
   print<"\n">(text);
-  writeGroups(text, list.tri_group_num, list.tri_group, kvWriteKtTriColorFix1);
-  writeGroups(text, list.vtx_group_num, list.vtx_group, kvWriteKtVtxColorFix1);
-}
-
-void kvWriteKtTriColorFix1(Text &text, const TriColorGroup &group, Index number) {
-  print<"TriColorGroup(%d)\n">(text, number);
-  putRecord<LINES<TriColorGroupHead>>(text, group);
-  printContent<TriColorGroupHead>(text, group);
-}
-
-void kvWriteKtVtxColorFix1(Text &text, const VtxColorGroup &group, Index number) {
-  print<"VtxColorGroup(%d)\n">(text, number);
-  putRecord<LINES<VtxColorGroupHead>>(text, group);
-  printContent<VtxColorGroupHead>(text, group);
+  writeGroups(text, list.tri_group_num, list.tri_group, writeElement<ColorList>);
+  writeGroups(text, list.vtx_group_num, list.vtx_group, writeSecondElement<ColorList>);
 }
 
 void kvWriteKtColorList1(Text &text, const ColorList &list) {
@@ -173,23 +149,11 @@ void kvWriteKtColorList(Text &text, const ColorList &list) { kvWriteKtColorList1
 void kvWriteKtVectorListFix1(Text &text, const VectorList &list) {
   kvWriteKtListName(text, VECTOR_SECTION);
   putRecord<LINES_OF<VECTOR_LIST_WORDS>>(text, list);
-  printEach<"tri_nv_group_size[%d]     %d\n">(text, counted(list.tri_group_num, list.tri_group_size));
-  printEach<"vtx_nv_group_size[%d]     %d\n">(text, counted(list.vtx_group_num, list.vtx_group_size));
+  printEach<ListFormat<VectorList>::table.TEXT>(text, counted(list.tri_group_num, list.tri_group_size));
+  printEach<ListFormat<VectorList>::second_table.TEXT>(text, counted(list.vtx_group_num, list.vtx_group_size));
   print<"\n">(text);
-  writeGroups(text, list.tri_group_num, list.tri_group, kvWriteKtTriNvFix1);
-  writeGroups(text, list.vtx_group_num, list.vtx_group, kvWriteKtVtxNvFix1);
-}
-
-void kvWriteKtTriNvFix1(Text &text, const TriNvGroup &group, Index number) {
-  print<"TriNvGroup(%d)\n">(text, number);
-  putRecord<LINES<TriNvGroupHead>>(text, group);
-  printContent<TriNvGroupHead>(text, group);
-}
-
-void kvWriteKtVtxNvFix1(Text &text, const VtxNvGroup &group, Index number) {
-  print<"VtxNvGroup(%d)\n">(text, number);
-  putRecord<LINES<VtxNvGroupHead>>(text, group);
-  printContent<VtxNvGroupHead>(text, group);
+  writeGroups(text, list.tri_group_num, list.tri_group, writeElement<VectorList>);
+  writeGroups(text, list.vtx_group_num, list.vtx_group, writeSecondElement<VectorList>);
 }
 
 void kvWriteKtVectorList1(Text &text, const VectorList &list) {
@@ -201,15 +165,9 @@ void kvWriteKtVectorList(Text &text, const VectorList &list) { kvWriteKtVectorLi
 // --- StList ----------------------------------------------------------------------------------------------------------
 
 void kvWriteKtStListFix1(Text &text, const StList &list) {
-  writeListHead<LINES_OF<ST_LIST_WORDS>, "st_group_size[%d]   %d\n">(text, list, ST_SECTION);
+  writeListHead(text, list, ST_SECTION);
   print<"\n">(text);
-  writeGroups(text, list.num, list.element, kvWriteKtStFix1);
-}
-
-void kvWriteKtStFix1(Text &text, const StGroup &group, Index number) {
-  print<"StGroup(%d)\n">(text, number);
-  putRecord<LINES<StGroupHead>>(text, group);
-  printContent<StGroupHead>(text, group);
+  writeGroups(text, list.num, list.element, writeElement<StList>);
 }
 
 void kvWriteKtStList1(Text &text, const StList &list) {
@@ -219,16 +177,6 @@ void kvWriteKtStList1(Text &text, const StList &list) {
 void kvWriteKtStList(Text &text, const StList &list) { kvWriteKtStList1(text, list); }
 
 // --- PartList --------------------------------------------------------------------------------------------------------
-
-void kvWriteKtPartListFix1(Text &text, const PartList &list) {
-  writeListHead<LINES_OF<PART_LIST_WORDS>, "part_num_byte[%d]    %d\n">(text, list, PART_SECTION.name);
-}
-
-void kvWriteKtPartFix1(Text &text, const Part &part, Index number) {
-  print<"Part(%d)\n">(text, number);
-  putRecord<LINES<PartHead>>(text, part);
-  printContent<PartHead>(text, part);
-}
 
 void kvWriteKtPartList1(Text &text, const PartList &list) { writeSection(text, PART_SECTION, list); }
 void kvWriteKtPartList(Text &text, const PartList &list) { kvWriteKtPartList1(text, list); }

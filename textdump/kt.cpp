@@ -1,8 +1,8 @@
 #include "kova/kt.h"
 
-#include "format/lists.h"
+#include "format/all.h"
 #include "reader/findings.h"
-#include "textdump/lines.h"
+#include "textdump/content.h"
 #include "textdump/sections.h"
 
 #include <cstring>
@@ -26,6 +26,11 @@ template <auto RECORD, auto VERSION2> constexpr SectionRow section(const char *l
   return {list, nullptr, [](Text &text, const Kis &kis) { VERSION2(text, kis.*RECORD); }};
 }
 
+/// A list of version 2.0 that has the common form.
+template <auto RECORD, Format NAME> constexpr SectionRow version2Section() {
+  return {NAME.text, nullptr, [](Text &text, const Kis &kis) { writeVersion2Section(text, kis.*RECORD, NAME.text); }};
+}
+
 constexpr auto SECTIONS = inListOrder({
     section<&Kis::scene, kvWriteKtSceneList1, kvWriteKtSceneList>("SceneList"),
     section<&Kis::env, kvWriteKtEnvList1, kvWriteKtEnvList>("EnvList"),
@@ -46,14 +51,14 @@ constexpr auto SECTIONS = inListOrder({
     section<&Kis::coll, kvWriteKtCollList1, kvWriteKtCollList>("CollList"),
     section<&Kis::switch_, kvWriteKtSwitchList1, kvWriteKtSwitchList>("SwitchList"),
     section<&Kis::name, kvWriteKtNameList1, kvWriteKtNameList>("NameList"),
-    section<&Kis::ci_img, kvWriteKtCiimgList>("CiImgList"),
-    section<&Kis::color_palette, kvWriteKtColorPaletteList>("ColorPaletteList"),
-    section<&Kis::envelope, kvWriteKtEnvelopeList>("EnvelopeList"),
-    section<&Kis::cluster, kvWriteKtClusterList>("ClusterList"),
-    section<&Kis::weight, kvWriteKtWeightList>("WeightList"),
-    section<&Kis::chain_root, kvWriteKtChainRootList>("ChainRootList"),
-    section<&Kis::joint, kvWriteKtJointList>("JointList"),
-    section<&Kis::effector, kvWriteKtEffectorList>("EffectorList"),
+    version2Section<&Kis::ci_img, "CiImgList">(),
+    version2Section<&Kis::color_palette, "ColorPaletteList">(),
+    version2Section<&Kis::envelope, "EnvelopeList">(),
+    version2Section<&Kis::cluster, "ClusterList">(),
+    version2Section<&Kis::weight, "WeightList">(),
+    version2Section<&Kis::chain_root, "ChainRootList">(),
+    version2Section<&Kis::joint, "JointList">(),
+    version2Section<&Kis::effector, "EffectorList">(),
     section<&Kis::external_name, kvWriteKtExternalNameList>("ExternalNameList"),
 });
 

@@ -18,22 +18,6 @@ void kvWriteKtListName(Text &text, const char *name);
 /// "</%s>", then an empty line.
 void kvWriteKtListEnd(Text &text, const char *name);
 
-/// The opener of a version-2 list and the lines "list_tag", "header_size" and "list_size", or those of another table of
-/// the list's header.
-template <const auto &TABLE = LINES_OF<LIST_TOP_WORDS>>
-void kvWriteKtListTop(Text &text, const ListHead &head, const char *name) {
-  kvWriteKtListName(text, name);
-  putRecord<TABLE>(text, head);
-}
-
-/// "%s(%d)" with the label and the stored index, then the lines "tag", "this_index", "size" and "name_index", or those
-/// of the table of a record that begins with these.
-template <const auto &TABLE = LINES_OF<WORDS<ElementHead>>>
-void kvWriteKtElementTop(Text &text, const RecordOf<TABLE> &head, const char *label) {
-  printLabelled<"(%d)\n">(text, label, head.this_index);
-  putRecord<TABLE>(text, head);
-}
-
 /// A raw-word block: "[%s]", then the words held, at most `bytes` / 4, six to a row.
 void kvWriteKtList(Text &text, std::span<const Word> words, Word bytes, const char *label);
 
@@ -73,11 +57,10 @@ void kvWriteKtFileHeaderFix1(Text &text, const FileHeader &header);
 // --- Sections of the version-1 lists --------------------------------------------------------------------------------
 
 /// Writes the opener, the header lines and the size table of a list with the common header.
-template <const auto &TABLE, Format SIZE_LINE, class Element>
-void writeListHead(Text &text, const List<Element> &list, const char *name) {
+template <class List> void writeListHead(Text &text, const List &list, const char *name) {
   kvWriteKtListName(text, name);
-  putRecord<TABLE>(text, list);
-  printEach<SIZE_LINE>(text, counted(list.num, list.num_byte));
+  putRecord<LINES_OF<ListFormat<List>::words>>(text, list);
+  printEach<ListFormat<List>::table.TEXT>(text, counted(list.num, list.num_byte));
 }
 
 /// Writes the elements that are held, each with its number, and what ends it.
@@ -108,15 +91,17 @@ template <class List> void writeListEnd(Text &text, const List &list, const char
 /// What differs between the sections of the common form.
 template <class Element> struct Section {
   const char *name;
-  void (*head)(Text &, const List<Element> &);     ///< opener, header lines, size table
   void (*element)(Text &, const Element &, Index); ///< heading and fields
+  bool is_spaced = false;                          ///< whether two empty lines follow the size table
 };
 
 /// Writes a section of the common shape. The 2.0 dump differs by what ends an element.
 template <class Element>
 void writeSection(Text &text, const Section<Element> &section, const List<Element> &list,
                   void (*end)(Text &, const Element &) = writeExtBlk<Element>) {
-  section.head(text, list);
+  writeListHead(text, list, section.name);
+  if (section.is_spaced)
+    print<"\n">(text);
   print<"\n">(text);
   writeElements(text, list.num, list.element, section.element, end);
   writeListEnd(text, list, section.name);
@@ -126,22 +111,6 @@ void writeSection(Text &text, const Section<Element> &section, const List<Elemen
 /// blocks are sums of words: they wrap at 32 bits.
 template <class Record> void writeExtBlkAfter(Text &text, const Record &record, Word decoded) {
   kvWriteKtExtBlk2(text, record.ext_blk, record.van_ext_blk_size, record.usr_ext_blk_size, decoded);
-}
-
-// --- Sections of the version-2 lists --------------------------------------------------------------------------------
-
-/// Writes the section of a version-2 list.
-/// @tparam TABLE the lines of its header
-/// @param size_table the name of its size table
-/// @param element writes an element without its blocks; its heading prints the stored index, not the number
-template <const auto &TABLE, class Element>
-void writeVersion2Section(Text &text, const List<Element> &list, const char *name, const char *size_table,
-                          void (*element)(Text &, const Element &, Index)) {
-  kvWriteKtListTop<TABLE>(text, list, name);
-  kvWriteKtArray(text, counted(list.num, list.num_byte), size_table);
-  print<"\n">(text);
-  writeElements(text, list.num, list.element, element, writeExtBlk<Element>);
-  writeListEnd(text, list, name);
 }
 
 } // namespace kova

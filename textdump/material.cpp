@@ -6,24 +6,14 @@ namespace kova {
 
 namespace {
 
-constexpr Section<Mat> MAT_SECTION = {"MatList", kvWriteKtMatListFix1, kvWriteKtMatFix1};
-constexpr Section<Tex> TEX_SECTION = {"TexList", kvWriteKtTexListFix1, kvWriteKtTexFix1};
+constexpr Section<Mat> MAT_SECTION = {"MatList", writeElement<MatList>};
+constexpr Section<Tex> TEX_SECTION = {"TexList", kvWriteKtTexFix1};
 /// The section's name has a capital that the list's name has not.
-constexpr Section<Teximg> TEXIMG_SECTION = {"TexImgList", kvWriteKtTeximgListFix1, kvWriteKtTeximgFix1};
+constexpr Section<Teximg> TEXIMG_SECTION = {"TexImgList", kvWriteKtTeximgFix1};
 
 } // namespace
 
 // --- MatList ---------------------------------------------------------------------------------------------------------
-
-void kvWriteKtMatListFix1(Text &text, const MatList &list) {
-  writeListHead<LINES_OF<MAT_LIST_WORDS>, "mat_num_byte[%d]    %d\n">(text, list, MAT_SECTION.name);
-}
-
-void kvWriteKtMatFix1(Text &text, const Mat &mat, Index number) {
-  print<"Mat(%d)\n">(text, number);
-  putRecord<LINES<MatHead>>(text, mat);
-  printContent<MatHead>(text, mat);
-}
 
 namespace {
 
@@ -58,13 +48,8 @@ void writeTexExt(Text &text, const Tex &tex) {
 
 } // namespace
 
-void kvWriteKtTexListFix1(Text &text, const TexList &list) {
-  writeListHead<LINES_OF<TEX_LIST_WORDS>, "tex_num_byte[%d]    %d\n">(text, list, TEX_SECTION.name);
-}
-
 void kvWriteKtTexFix1(Text &text, const Tex &tex, Index number) {
-  print<"Tex(%d)\n">(text, number);
-  putRecord<LINES<TexHead>>(text, tex);
+  writeElement<TexList>(text, tex, number);
   if (tex.tex_anim == 0)
     putRecord<LINES<TexStill>>(text, tex.still);
   else
@@ -101,13 +86,8 @@ void writeTeximgEnd2(Text &text, const Teximg &image) {
 
 } // namespace
 
-void kvWriteKtTeximgListFix1(Text &text, const TeximgList &list) {
-  writeListHead<LINES_OF<TEXIMG_LIST_WORDS>, "tex_img_num_byte[%d]    %d\n">(text, list, TEXIMG_SECTION.name);
-}
-
 void kvWriteKtTeximgFix1(Text &text, const Teximg &image, Index number) {
-  print<"TexImg(%d)\n">(text, number);
-  putRecord<LINES<TeximgHead>>(text, image);
+  writeElement<TeximgList>(text, image, number);
   writeTexels(text, counted(kvSizeofTeximg(image), image.texel));
 }
 

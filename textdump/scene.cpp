@@ -7,11 +7,11 @@ namespace kova {
 namespace {
 
 constexpr const char *SCENE_SECTION = "SceneList";
-constexpr Section<Env> ENV_SECTION = {"EnvList", kvWriteKtEnvListFix1, kvWriteKtEnvFix1};
-constexpr Section<Cam> CAM_SECTION = {"CamList", kvWriteKtCamListFix1, kvWriteKtCamFix1};
-constexpr Section<Light> LIGHT_SECTION = {"LightList", kvWriteKtLightListFix1, kvWriteKtLightFix1};
-constexpr Section<Obj> OBJ_SECTION = {"ObjList", kvWriteKtObjListFix1, kvWriteKtObjFix1};
-constexpr Section<Shape> SHAPE_SECTION = {"ShapeList", kvWriteKtShapeListFix1, kvWriteKtShapeFix1};
+constexpr Section<Env> ENV_SECTION = {"EnvList", writeElement<EnvList>, true};
+constexpr Section<Cam> CAM_SECTION = {"CamList", writeElement<CamList>, true};
+constexpr Section<Light> LIGHT_SECTION = {"LightList", kvWriteKtLightFix1, true};
+constexpr Section<Obj> OBJ_SECTION = {"ObjList", writeElement<ObjList>};
+constexpr Section<Shape> SHAPE_SECTION = {"ShapeList", writeElement<ShapeList>};
 
 } // namespace
 
@@ -47,30 +47,10 @@ void kvWriteKtSceneList(Text &text, const Scene &scene) {
 
 // --- EnvList ---------------------------------------------------------------------------------------------------------
 
-void kvWriteKtEnvListFix1(Text &text, const EnvList &list) {
-  writeListHead<LINES_OF<ENV_LIST_WORDS>, "env_num_byte[%d]   %d\n">(text, list, ENV_SECTION.name);
-  print<"\n">(text);
-}
-
-void kvWriteKtEnvFix1(Text &text, const Env &env, Index number) {
-  print<"Env(%d)\n">(text, number);
-  putRecord<LINES<EnvHead>>(text, env);
-}
-
 void kvWriteKtEnvList1(Text &text, const EnvList &list) { writeSection(text, ENV_SECTION, list); }
 void kvWriteKtEnvList(Text &text, const EnvList &list) { kvWriteKtEnvList1(text, list); }
 
 // --- CamList ---------------------------------------------------------------------------------------------------------
-
-void kvWriteKtCamListFix1(Text &text, const CamList &list) {
-  writeListHead<LINES_OF<CAM_LIST_WORDS>, "cam_num_byte[%d]  %d \n">(text, list, CAM_SECTION.name);
-  print<"\n">(text);
-}
-
-void kvWriteKtCamFix1(Text &text, const Cam &cam, Index number) {
-  print<"Cam(%d)\n">(text, number);
-  putRecord<LINES<CamHead>>(text, cam);
-}
 
 namespace {
 
@@ -88,32 +68,13 @@ void kvWriteKtCamList(Text &text, const CamList &list) { writeSection(text, CAM_
 
 // --- LightList -------------------------------------------------------------------------------------------------------
 
-void kvWriteKtLightListFix1(Text &text, const LightList &list) {
-  writeListHead<LINES_OF<LIGHT_LIST_WORDS>, "light_num_byte[%d]  %d \n">(text, list, LIGHT_SECTION.name);
-  print<"\n">(text);
-}
-
 /// A light of a type that stores no directional lights prints none, whatever its count says.
-void kvWriteKtLightFix1(Text &text, const Light &light, Index number) {
-  print<"Light(%d)\n">(text, number);
-  putRecord<LINES<LightHead>>(text, light);
-  printContent<LightHead>(text, light);
-}
+void kvWriteKtLightFix1(Text &text, const Light &light, Index number) { writeElement<LightList>(text, light, number); }
 
 void kvWriteKtLightList1(Text &text, const LightList &list) { writeSection(text, LIGHT_SECTION, list); }
 void kvWriteKtLightList(Text &text, const LightList &list) { kvWriteKtLightList1(text, list); }
 
 // --- ObjList ---------------------------------------------------------------------------------------------------------
-
-void kvWriteKtObjListFix1(Text &text, const ObjList &list) {
-  writeListHead<LINES_OF<OBJ_LIST_WORDS>, "obj_num_byte[%d]    %d\n">(text, list, OBJ_SECTION.name);
-}
-
-void kvWriteKtObjFix1(Text &text, const Obj &obj, Index number) {
-  print<"Obj(%d)\n">(text, number);
-  putRecord<LINES<ObjHead>>(text, obj);
-  printContent<ObjHead>(text, obj);
-}
 
 namespace {
 
@@ -130,16 +91,6 @@ void kvWriteKtObjList1(Text &text, const ObjList &list) { writeSection(text, OBJ
 void kvWriteKtObjList(Text &text, const ObjList &list) { writeSection(text, OBJ_SECTION, list, writeObjExt); }
 
 // --- ShapeList -------------------------------------------------------------------------------------------------------
-
-void kvWriteKtShapeListFix1(Text &text, const ShapeList &list) {
-  writeListHead<LINES_OF<SHAPE_LIST_WORDS>, "shape_num_byte[%d]  %d\n">(text, list, SHAPE_SECTION.name);
-}
-
-void kvWriteKtShapeFix1(Text &text, const Shape &shape, Index number) {
-  print<"Shape(%d)\n">(text, number);
-  putRecord<LINES<ShapeHead>>(text, shape);
-  printContent<ShapeHead>(text, shape);
-}
 
 namespace {
 

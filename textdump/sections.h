@@ -51,14 +51,6 @@ void kvWriteKtAnimList(Text &text, const AnimList &list);
 void kvWriteKtCollList(Text &text, const CollList &list);
 void kvWriteKtSwitchList(Text &text, const SwitchList &list);
 void kvWriteKtNameList(Text &text, const NameList &list);
-void kvWriteKtCiimgList(Text &text, const CiImgList &list);
-void kvWriteKtColorPaletteList(Text &text, const ColorPaletteList &list);
-void kvWriteKtEnvelopeList(Text &text, const EnvelopeList &list);
-void kvWriteKtClusterList(Text &text, const ClusterList &list);
-void kvWriteKtWeightList(Text &text, const WeightList &list);
-void kvWriteKtChainRootList(Text &text, const ChainRootList &list);
-void kvWriteKtJointList(Text &text, const JointList &list);
-void kvWriteKtEffectorList(Text &text, const EffectorList &list);
 
 /// As the section of the names, under its own opener and closer.
 void kvWriteKtExternalNameList(Text &text, const ExternalNameList &list);
