@@ -11,13 +11,15 @@
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace kova::test {
 
 namespace {
 
-/// A stream over bytes that gives at most `piece` of them per call. The calls from `failing_call` to
+/// A stream over bytes that gives at most `piece` of them per call, and none from `end` on, whatever its length is.
+/// With `failing_seek`, it does not seek from there, or with -2 from nowhere. The calls from `failing_call` to
 /// `last_failing_call`, counted from 0, fail with an error.
 struct Unreliable {
   Bytes bytes;
@@ -25,6 +27,8 @@ struct Unreliable {
   long failing_call = -1;
   long last_failing_call = failing_call;
   int error = EIO;
+  std::size_t end = SIZE_MAX;
+  int failing_seek = -1;
   std::size_t place = 0;
   long calls = 0;
   std::size_t given = 0;
@@ -37,10 +41,10 @@ ssize_t readUnreliable(void *cookie, char *to, std::size_t size) {
     errno = source.error;
     return -1;
   }
-  const std::size_t ahead = source.bytes.size() - std::min(source.place, source.bytes.size());
+  const std::size_t end = std::min(source.end, source.bytes.size());
+  const std::size_t ahead = end - std::min(source.place, end);
   const std::size_t count = std::min({size, source.piece, ahead});
-  std::copy_n(source.bytes.begin() + static_cast<std::ptrdiff_t>(std::min(source.place, source.bytes.size())), count,
-              to);
+  std::copy_n(source.bytes.begin() + static_cast<std::ptrdiff_t>(std::min(source.place, end)), count, to);
   source.place += count;
   source.given += count;
   return static_cast<ssize_t>(count);
@@ -48,6 +52,8 @@ ssize_t readUnreliable(void *cookie, char *to, std::size_t size) {
 
 int seekUnreliable(void *cookie, off64_t *offset, int whence) {
   auto &source = *static_cast<Unreliable *>(cookie);
+  if (source.failing_seek == whence || source.failing_seek == -2)
+    return -1;
   const std::size_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? source.place : source.bytes.size();
   source.place = base + static_cast<std::size_t>(*offset);
   *offset = static_cast<off64_t>(source.place);
@@ -143,6 +149,35 @@ TEST(Input, InterruptedAndShortReadsAreTakenUpAgain) {
   }
 }
 
+/// A file that becomes shorter while it is read: its length tells of more than the reads give.
+TEST(Input, FilesThatGiveLessThanTheirLengthFail) {
+  const FindingReceiver unheard([](const Finding &) {});
+  for (const Bytes &bytes : {goodFile1().bytes, goodFile2().bytes})
+    for (std::size_t end = 0; end < bytes.size(); end += 2) {
+      Unreliable source{.bytes = bytes, .end = end};
+      const Stream stream = open(source);
+      Kis kis;
+      EXPECT_EQ(kvOpenKbStream(stream.get(), "", kis), 0) << end;
+      EXPECT_EQ(brokenInvariants(kis), "") << end;
+    }
+}
+
+/// Without its length a stream is read as it comes, if its size word is 0, too. Only the version-2 lists need a place
+/// that can be gone to.
+TEST(Input, StreamsThatDoNotSeekAreReadAsTheyCome) {
+  File file = goodFile2();
+  setWord(file, "FileHeader", 0, "size", 0);
+  for (const int seek : {SEEK_END, -2}) {
+    Unreliable source{.bytes = file.bytes, .failing_seek = seek};
+    const Stream stream = open(source);
+    Kis kis;
+    const std::string errors = capture([&] { kvOpenKbStream(stream.get(), "", kis); }).err;
+    EXPECT_EQ(errors, seek == -2 ? "Input File Read Error\n" : "");
+    EXPECT_FALSE(kis.name.element.empty());
+    EXPECT_EQ(kis.ci_img.element.empty(), seek == -2);
+  }
+}
+
 TEST(Input, BlocksOfAnUnknownVersionAreNotRead) {
   File file = build(0x100, "");
   setWord(file, "FileHeader", 0, "version", 0x300);
@@ -161,6 +196,7 @@ TEST(Input, BlocksOfAnUnknownVersionAreNotRead) {
 TEST(Input, AFileThatIsReplacedIsToldAndNotMixed) {
   namespace fs = std::filesystem;
   const Bytes bytes = build(0x200, "CiImgList { CiImg }").bytes;
+  const char *const NO_DESCRIPTOR = "it cannot be opened";
   struct Row {
     const char *name;
     std::function<void(const std::string &)> replace;
@@ -191,7 +227,10 @@ TEST(Input, AFileThatIsReplacedIsToldAndNotMixed) {
          fs::create_directory(path);
        },
        "Input File Has Changed\n"},
+      {NO_DESCRIPTOR, [](const std::string &) {}, "Input File Open Error\n"},
   };
+  struct rlimit usual;
+  ::getrlimit(RLIMIT_NOFILE, &usual);
   for (const Row &row : rows) {
     SCOPED_TRACE(row.name);
     const ScratchFile file(bytes);
@@ -199,7 +238,13 @@ TEST(Input, AFileThatIsReplacedIsToldAndNotMixed) {
     EXPECT_EQ(kvOpenKb1(file.path.c_str(), kis), 1);
     row.replace(file.path);
     int second = -1;
-    EXPECT_EQ(capture([&] { second = kvOpenKb2Ext(kis); }).err, row.errors);
+    EXPECT_EQ(capture([&] {
+                const struct rlimit none = {row.name == NO_DESCRIPTOR ? 0 : usual.rlim_cur, usual.rlim_max};
+                ::setrlimit(RLIMIT_NOFILE, &none);
+                second = kvOpenKb2Ext(kis);
+                ::setrlimit(RLIMIT_NOFILE, &usual);
+              }).err,
+              row.errors);
     EXPECT_EQ(second, *row.errors == '\0' ? 1 : 0);
     EXPECT_EQ(kis.ci_img.element.size(), *row.errors == '\0' ? 1U : 0U);
   }

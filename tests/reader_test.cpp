@@ -1,6 +1,7 @@
 #include "kova/check.h"
 #include "reader/cursor.h"
 #include "samples/builder.h"
+#include "tests/allocations.h"
 #include "tests/support.h"
 
 #include <cstring>
@@ -244,6 +245,10 @@ TEST(Primitives, ReadWithinTheBuffer) {
   EXPECT_EQ(area, (Words{7, 8, 9, 1})) << "two words of each row's ten bytes";
   EXPECT_TRUE(result == area.data() + 4 && behind == result);
   EXPECT_EQ(kvReadArea(cursor, area, behind, 8, 2), nullptr);
+  Words empty;
+  allocations.left = 0;
+  EXPECT_EQ(kvReadArea(cursor, empty, behind, 0, 0), nullptr) << "no memory for a place";
+  allocations.left = -1;
 
   Bytes texels(5);
   const Words packed = {0x01020304, 0x05060708};
