@@ -2,7 +2,7 @@
 
 #include "common/file.h"
 #include "kova/check.h"
-#include "mend/mend.h"
+#include "mend/diagnose.h"
 #include "survey/deep.h"
 
 #include <algorithm>
@@ -111,12 +111,17 @@ void judge(const Descriptor &file, FileResult &result, Workspace &workspace) {
   result.verdict = ok != 0 ? Verdict::ok : Verdict::err;
 }
 
-/// Keeps the first changes.
-void keepChanges(FileResult &result, const mend::Result &mending) {
+/// Keeps the first changes, or of a file that is not mended the first damages.
+void keepChanges(FileResult &result, const mend::Diagnosis &diagnosis) {
   const auto keep = [&](const auto &change) {
     if (result.repair_changes.size() < MOST_CHANGES)
       result.repair_changes.push_back(textOf(change).substr(0, MOST_TEXT));
   };
+  const mend::Result &mending = diagnosis.result;
+  if (mending.outcome != mend::Outcome::mended) {
+    std::for_each(diagnosis.damages.begin(), diagnosis.damages.end(), keep);
+    return;
+  }
   std::for_each(mending.undone.begin(), mending.undone.end(), keep);
   std::for_each(mending.changes.begin(), mending.changes.end(), keep);
 }
@@ -133,14 +138,18 @@ Repair repairOf(const Descriptor &file, FileResult &result, const Workspace &wor
   else if (bytes.resize(size); readWhole(file, size, bytes.data()) != nullptr)
     return Repair::unknown;
   // Also with the salvage, a file is mended without a loss if it can be.
-  const mend::Result mending = mend::mendBytes(bytes, {.salvage = true});
-  switch (mending.outcome) {
+  const mend::Diagnosis diagnosis = mend::diagnose(bytes);
+  const bool is_answer =
+      diagnosis.result.outcome == mend::Outcome::mended || diagnosis.result.outcome == mend::Outcome::salvaged;
+  if (result.reason == Reason::not_kova && !is_answer)
+    return Repair::needless;
+  keepChanges(result, diagnosis);
+  switch (diagnosis.result.outcome) {
   case mend::Outcome::good: // it has changed
     return Repair::unknown;
   case mend::Outcome::mended:
-    result.repair_words = mending.changes.size() + mending.undone.size();
-    result.repair_undone = mending.undone.size();
-    keepChanges(result, mending);
+    result.repair_words = diagnosis.result.changes.size() + diagnosis.result.undone.size();
+    result.repair_undone = diagnosis.result.undone.size();
     return Repair::mended;
   case mend::Outcome::salvaged:
     return Repair::salvaged;
@@ -151,10 +160,16 @@ Repair repairOf(const Descriptor &file, FileResult &result, const Workspace &wor
   return Repair::no;
 }
 
+/// @return whether kbrepair is asked: also about small files that do not look like ones of the format, since a transfer
+/// may have changed them.
+bool asksForRepair(const FileResult &result) {
+  return needsRepair(result) || (result.reason == Reason::not_kova && result.bytes <= SMALL_FILE);
+}
+
 /// Answers whether the file can be mended. If there is no memory for that, only this answer is lost.
 void answerRepair(const Descriptor &file, FileResult &result, const Workspace &workspace) {
   try {
-    result.repair = needsRepair(result) ? repairOf(file, result, workspace) : Repair::needless;
+    result.repair = asksForRepair(result) ? repairOf(file, result, workspace) : Repair::needless;
   } catch (const std::exception &) {
     result.repair = Repair::unknown;
   }

@@ -76,7 +76,8 @@ struct FileResult {
   /// Of a file that can be mended: the number of words that would be changed and of transformations undone, and the
   /// latter alone.
   std::uint64_t repair_words = 0, repair_undone = 0;
-  std::vector<std::string> repair_changes = {}; ///< and the first of them, each as kbrepair prints it
+  std::vector<std::string> repair_changes = {}; ///< and the first of them, or of what is wrong with another file, each
+                                                ///< as kbrepair prints it
   std::vector<KeptFinding> findings = {};
   std::map<std::string, std::uint64_t> counts = {}; ///< of all findings by id, also of those not kept
 
@@ -95,6 +96,13 @@ std::uint64_t findingCount(const FileResult &result);
 /// @return whether there is something to mend: only in a file of the format, whatever its version, that was read.
 inline bool needsRepair(const FileResult &result) {
   return result.verdict == Verdict::err || result.reason == Reason::other_version;
+}
+
+/// @return whether an answer about the repair fits the file. One that does not look like one of the format can turn out
+/// to be one when it is mended.
+inline bool mayHaveRepair(const FileResult &result) {
+  return result.repair <= Repair::needless || needsRepair(result) ||
+         (result.reason == Reason::not_kova && result.repair != Repair::no);
 }
 
 /// @return the row of a finding's id, also one of the deep checks; null for an id of another version of the program.

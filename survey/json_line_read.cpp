@@ -142,10 +142,10 @@ bool agrees(const Line &line, bool repair, bool repair_words) {
   const FileResult &result = line.result;
   const bool judged = result.verdict != Verdict::none;
   return judged == (result.reason == Reason::has_verdict) && (!judged || result.version != Version::unknown) &&
-         repair == repair_words && (result.repair <= Repair::needless || needsRepair(result)) &&
+         repair == repair_words && mayHaveRepair(result) &&
          (result.repair == Repair::mended) == (line.repair_words.value_or(0) != 0) &&
          line.repair_words.value_or(1) != 0 && result.repair_undone <= line.repair_words.value_or(0) &&
-         result.repair_changes.size() <= line.repair_words.value_or(0) &&
+         (result.repair > Repair::mended || result.repair_changes.size() <= line.repair_words.value_or(0)) &&
          findingCount(result) >= result.findings.size();
 }
 

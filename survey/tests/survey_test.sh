@@ -22,7 +22,7 @@ survey() { # STATUS OPTION...
 no_out() { [ ! -s "$scratch/out" ] || fail "$1 prints: $(head -c 300 "$scratch/out")"; }
 
 # As a program of its own that is linked with the library.
-same "headers of other folders" "" "$(grep -hE '^#include "' "$SOURCE_DIR"/survey/*.{cpp,h} | grep -vE '"((kova|format|survey|common)/|mend/mend.h")' || :)"
+same "headers of other folders" "" "$(grep -hE '^#include "' "$SOURCE_DIR"/survey/*.{cpp,h} | grep -vE '"((kova|format|survey|common)/|mend/(mend|diagnose).h")' || :)"
 
 # --- Verdicts ---
 
