@@ -35,9 +35,16 @@ kbaudit town.kb s|
 kbsurvey --j|--jobs --json --junit
 kbsurvey --explain header-|header-size header-tag
 kbsurvey --color a|always auto
+kbsurvey --color = a|always auto
+kbsurvey --color =|always auto never
 kbsurvey --html small-1.|small-1.kb small-1.out
+kbsurvey --resume -|
+kbsurvey -- --c|
 kbrepair --|--diagnose --drop --dry-run --force --help --json --part --partial --reading --salvage --version
 kbrepair town.kb READ|README.md
+kbrepair --part s|
+kbrepair --reading = 1|1
+kbrepair -- --d|
 END
 
 has groff || exit 0

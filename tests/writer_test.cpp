@@ -385,7 +385,7 @@ TEST(Save, BytesAreSavedAsAModelIs) {
   const std::string path = folder.path + "/file", link = folder.path + "/link";
   fs::create_symlink("file", link);
   EXPECT_EQ(save(Bytes(300000, 0xa5), link), "saved"); // no KOVA file
-  ::chmod(path.c_str(), 0640);
+  ::chmod(path.c_str(), 07640);
   for (const Bytes &bytes : {goodFile1().bytes, Bytes()}) {
     EXPECT_EQ(save(bytes, link), "saved");
     EXPECT_EQ(bytesOf(readFile(path)), bytes);
@@ -408,7 +408,7 @@ TEST(Save, ANewFileTakesAFreeNameOnly) {
   const std::string path = folder.path + "/file", link = folder.path + "/link";
   fs::create_symlink("nothing", link);
   const mode_t mask = ::umask(022);
-  EXPECT_EQ(save(Bytes(9), path, Existing::refuse, 0620), "saved");
+  EXPECT_EQ(save(Bytes(9), path, Existing::refuse, 07620), "saved");
   ::umask(mask);
   EXPECT_EQ(modeOf(path), S_IFREG | 0600U);
   for (const std::string &taken : {path, link, folder.path})

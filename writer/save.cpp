@@ -170,11 +170,11 @@ bool takeName(NewFile &file, const std::string &target) {
   return true;
 }
 
-/// Makes a new file. @param mode its permissions, less those that the umask withholds
+/// Makes a new file. @param mode its permissions, less those that the umask withholds; no other bits are taken from it
 Saved saveNew(const Writing &write, const std::string &target, Existing existing, mode_t mode) {
   const HeldSignals held;
   NewFile file;
-  if (!create(file, folderOf(target), mode))
+  if (!create(file, folderOf(target), mode & 0777))
     return failed(Saved::notOpened);
   if (!writeToDisk(file, write))
     return failed(Saved::notWritten);

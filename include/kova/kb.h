@@ -47,7 +47,7 @@ KOVA_API int kvWriteKb(std::FILE *stream, const Kis &kis);
 /// the disk and then takes the place of the old one. Whoever reads `path` sees the old file or the new one. A symbolic
 /// link stays, and the file that it leads to is replaced; other hard links to that file keep the old one. The new file
 /// has owner, group and permissions of the old one as far as the system allows, or the permissions that the umask
-/// gives. What is no regular file (a device, a pipe that somebody reads) is not replaced but written to.
+/// gives; no set-user-ID or set-group-ID. What is no regular file (a device, a pipe with a reader) is written to as is.
 ///
 /// Signals that ask the process to end (SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGXCPU) are held back in the
 /// calling thread until the file is saved. A file that becomes larger than the process may write is a failure, no
@@ -66,7 +66,7 @@ using Writing = std::function<int(std::FILE *)>;
 /// Saves any file in the same way: for a program that edits the bytes of a file, or writes a report. Prints nothing.
 /// @param path the file, as for `kvSaveAsKb`
 /// @param existing `refuse`: `path` must be free, also when the file is whole; no link is followed
-/// @param mode the permissions of a file that was not there, such as 0666, less those that the umask withholds
+/// @param mode the permissions, at most 0777, of a file that was not there, less those that the umask withholds
 /// @param write whatever has to succeed before `path` is changed may be part of it
 /// @return 1; 0 with the system's reason in `errno`, EEXIST for what is refused
 KOVA_API int kvSaveFile(const char *path, Existing existing, unsigned mode, const Writing &write);

@@ -195,7 +195,7 @@ KOVA_API int kvOpenKbMemory(std::span<const unsigned char> bytes, const char *na
 
 /// As `kvOpenKb` for a file that is open: `stream` stands at its start, and is read from there and nowhere else, so
 /// that nothing can be put in the place of the file meanwhile. The stream, which stays open, has to be one that can be
-/// moved back: of a pipe, the version-2 lists cannot be read. `name` is what `kis` holds as the file's name.
+/// moved: a pipe has no length, so its load fails behind the header. `name` is what `kis` holds as the file's name.
 KOVA_API int kvOpenKbStream(std::FILE *stream, const char *name, Kis &kis);
 
 /// @return the 28 list names in file order.
