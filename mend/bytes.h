@@ -4,6 +4,9 @@
 #include "kova/words.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
 #include <span>
 
 namespace kova::mend {
@@ -19,12 +22,20 @@ public:
   Word operator[](std::uint64_t offset) const {
     if (!holds(offset))
       return 0;
-    if (offset + (sizeof(Word) - 1) - tried_at < 2 * sizeof(Word) - 1) // it overlaps the word that is tried
-      return overlaid(offset);
-    const unsigned char *const at = bytes.data() + offset;
-    return Word{at[0]} << 24 | Word{at[1]} << 16 | Word{at[2]} << 8 | Word{at[3]};
+    return isTried(offset, sizeof(Word)) ? overlaid(offset) : load(bytes.data() + offset);
   }
   Word version() const { return (*this)[0] & 0xffff; }
+
+  /// @return the fixed words of a record. Those that do not lie before `end` are 0, too.
+  template <class Head> Head head(std::uint64_t offset, std::uint64_t end) const {
+    constexpr std::size_t WORDS = sizeof(Head) / sizeof(Word);
+    end = std::min(end, size());
+    if (offset < end && end - offset >= sizeof(Head) && !isTried(offset, sizeof(Head))) [[likely]]
+      return loadHead<Head>(bytes.data() + offset, std::make_index_sequence<WORDS>());
+    std::array<Word, WORDS> words;
+    copyWords(offset, end, words);
+    return std::bit_cast<Head>(words);
+  }
 
   void set(std::uint64_t offset, Word word) {
     if (holds(offset))
@@ -49,6 +60,24 @@ public:
 
 private:
   static constexpr std::uint64_t NOWHERE = std::uint64_t{1} << 63;
+
+  static Word load(const unsigned char *at) {
+    return Word{at[0]} << 24 | Word{at[1]} << 16 | Word{at[2]} << 8 | Word{at[3]};
+  }
+  /// Word by word, so that the compiler leaves out those that nobody asks for.
+  template <class Head, std::size_t... I> static Head loadHead(const unsigned char *at, std::index_sequence<I...>) {
+    const Word words[] = {load(at + I * sizeof(Word))...};
+    Head head;
+    auto *const to = reinterpret_cast<unsigned char *>(&head);
+    (std::memcpy(to + I * sizeof(Word), &words[I], sizeof(Word)), ...);
+    return head;
+  }
+  void copyWords(std::uint64_t offset, std::uint64_t end, std::span<Word> words) const;
+
+  /// @return whether bytes overlap the word that is tried.
+  bool isTried(std::uint64_t offset, std::uint64_t length) const {
+    return offset + (length - 1) - tried_at < length + sizeof(Word) - 1;
+  }
 
   static unsigned char byteOf(Word word, std::size_t i) { return static_cast<unsigned char>(word >> (24 - 8 * i)); }
 

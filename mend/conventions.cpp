@@ -48,17 +48,17 @@ Conventions::Conventions(const FileBytes &file) {
   const std::size_t lists = hasVersion2Lists(file) ? LIST_NUM : VERSION_1_LIST_NUM;
   std::uint64_t steps = 2 * file.size();
   std::uint64_t begin = file[header_at::HEADER_SIZE];
-  for (std::size_t list = 0; list < lists; begin += file[sizeWordOffset(list++)]) {
+  for (std::size_t list = 0; list < lists; begin += file[LAYOUT[list++].header_word_at]) {
     const ListLayout &layout = LAYOUT[list];
     if (layout.first == nullptr || layout.second != nullptr || !isListTag(list, file[begin]))
       continue; // nothing in the others is unchecked
     const Kind &kind = *layout.first;
-    const std::uint64_t table = begin + layout.headBytes();
+    const std::uint64_t table = begin + layout.head_bytes;
     if (!kind.index_checked) {
-      countByTags(file, kind, table, std::min(file.size(), begin + file[sizeWordOffset(list)]));
+      countByTags(file, kind, table, std::min(file.size(), begin + file[layout.header_word_at]));
       continue;
     }
-    const Word number = file[begin + 12];
+    const Word number = file[begin + list_at::COUNT];
     std::uint64_t at = table + std::uint64_t{number} * sizeof(Word);
     for (Word i = 0; i < number && isElementTag(kind, file[at]); ++i) {
       Inside inside(file);

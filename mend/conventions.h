@@ -4,7 +4,7 @@
 /// words tell nothing about what is damaged, and nothing is to be changed in them.
 #pragma once
 
-#include "mend/layout.h"
+#include "mend/walk.h"
 
 #include <vector>
 

@@ -44,7 +44,7 @@ private:
   void expect(const Kind &kind, const char *habit, std::uint64_t offset, std::string field, Word value,
               const char *why);
   void leave(const Spot &spot, std::uint64_t end, int depth) override;
-  void countMaker(const Kind &kind, const Walk &walk);
+  void countMaker(const Walk &walk);
   void mergeChanges();
   void deriveHeader();
   void deriveList();
@@ -114,10 +114,8 @@ void Deriver::leave(const Spot &spot, std::uint64_t end, int depth) {
     expect(kind, kind.index_name, spot.begin + kind.index_at, kind.index_name, spot.number, BY_POSITION);
 }
 
-void Deriver::countMaker(const Kind &kind, const Walk &walk) {
-  if (!version_2 || kind.maker == nullptr)
-    return;
-  used_up_blocks += walk.maker_spare == 0;
+void Deriver::countMaker(const Walk &walk) {
+  used_up_blocks += walk.has_maker && walk.maker_spare == 0;
   longer_blocks += walk.maker_spare > 0;
 }
 
@@ -155,7 +153,7 @@ void Deriver::deriveElements(const Kind &kind, std::uint64_t &at, std::uint64_t 
     const std::uint64_t end = at + kind.fixed <= image.size() ? walk.over({&kind, at, i}) : image.size() + 1;
     if (walk.broken || end > image.size())
       return; // no reading is like this; the audit will say what is wrong
-    countMaker(kind, walk);
+    countMaker(walk);
     deriveElement(kind, at, end, i, table + std::uint64_t{i} * sizeof(Word), table_name);
     at = end;
   }
@@ -172,14 +170,14 @@ void Deriver::deriveList() {
   if (layout.first == nullptr) {
     Walk walk(image, image.size(), version_2);
     walk.over({&SCENE, span.begin});
-    countMaker(SCENE, walk);
+    countMaker(walk);
     return;
   }
   if (unsolved.contains(span.begin))
     return;
   const Word first = image[span.begin + 12];
   const Word second = layout.second != nullptr ? image[span.begin + 16] : 0;
-  const std::uint64_t table = span.begin + layout.headBytes();
+  const std::uint64_t table = span.begin + layout.head_bytes;
   const std::uint64_t second_table = table + std::uint64_t{first} * sizeof(Word);
   std::uint64_t at = second_table + std::uint64_t{second} * sizeof(Word);
   deriveElements(*layout.first, at, table, layout.table_name, first);
@@ -195,7 +193,7 @@ void Deriver::deriveHeader() {
   const std::size_t lists = hasVersion2Lists(image) ? LIST_NUM : VERSION_1_LIST_NUM;
   for (std::size_t list = 0; list < lists; ++list) {
     const Claim *const span = spans[list];
-    set(sizeWordOffset(list), LAYOUT[list].header_word,
+    set(LAYOUT[list].header_word_at, LAYOUT[list].header_word,
         span != nullptr ? static_cast<Word>(span->end - span->begin) : 0, "where the list ends");
   }
 }

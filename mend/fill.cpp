@@ -36,7 +36,7 @@ bool Filler::fillRecord(std::size_t list, const Spot &spot, std::uint64_t &end) 
   end = walk.over(spot);
   if (walk.broken || end > image.size())
     return false;
-  if (walk.maker_spare >= 0 || spot.kind->maker == nullptr) {
+  if (walk.maker_spare >= 0) {
     copy(spot.begin, end);
     return true;
   }
@@ -64,7 +64,7 @@ bool Filler::fillList(const Claim &span) {
   if (layout.first == nullptr)
     return fillRecord(span.list, {&SCENE, at}, at);
   const std::uint64_t numbers[] = {image[at + 12], layout.second != nullptr ? image[at + 16] : 0};
-  at += layout.headBytes() + (numbers[0] + numbers[1]) * sizeof(Word);
+  at += layout.head_bytes + (numbers[0] + numbers[1]) * sizeof(Word);
   copy(span.begin, at);
   for (std::uint64_t i = 0; i < numbers[0] + numbers[1]; ++i) {
     const Kind &kind = i < numbers[0] ? *layout.first : *layout.second;

@@ -50,7 +50,7 @@ void GapFinder::head(const FoundList &list) {
     return;
   list_now = list.list;
   element_now.reset();
-  const std::uint64_t bytes = LAYOUT[list.list].headBytes();
+  const std::uint64_t bytes = LAYOUT[list.list].head_bytes;
   const std::uint64_t numbers = list.elements[0].size() + list.elements[1].size();
   if (list.isFound())
     whole(list.begin, list.begin + bytes + (list.table_whole ? numbers * sizeof(Word) : 0), list.shift());
@@ -79,7 +79,7 @@ std::vector<Gap> GapFinder::find(const Found &found) {
     const std::uint64_t numbers = list.elements[0].size() + list.elements[1].size();
     std::uint64_t was_at = list.was_at;
     if (list.list != 0)
-      was_at += LAYOUT[list.list].headBytes() + numbers * sizeof(Word);
+      was_at += LAYOUT[list.list].head_bytes + numbers * sizeof(Word);
     elements(list, 0, was_at);
     elements(list, 1, was_at);
     if (list.table_whole && !open && list.list != 0) // its blocks

@@ -1,27 +1,8 @@
 #include "mend/header.h"
 
-#include "format/lists.h"
+#include "mend/layout.h"
 
 namespace kova::mend {
-
-namespace {
-
-/// Where words of the header stand.
-constexpr std::uint64_t SIZE = 4;
-constexpr std::uint64_t TAG = 8;
-constexpr std::uint64_t HEADER_SIZE = 12;
-constexpr std::uint64_t MAKER_BLOCK = 92;
-constexpr std::uint64_t USER_BLOCK = 96;
-/// Where every list has its size.
-constexpr std::uint64_t LIST_SIZE = 8;
-
-std::uint64_t sizeWordOffset(const ListRow &list) {
-  static const FileHeader header{};
-  const auto *const begin = reinterpret_cast<const unsigned char *>(&header);
-  return static_cast<std::uint64_t>(reinterpret_cast<const unsigned char *>(&(header.*list.size)) - begin);
-}
-
-} // namespace
 
 Word Ordered::word(std::uint64_t at) const {
   Word word = 0;
@@ -35,23 +16,23 @@ Word Ordered::word(std::uint64_t at) const {
 HeaderFacts headerFacts(const Ordered &file) { return headerFacts(file, file.word(0)); }
 
 HeaderFacts headerFacts(const Ordered &file, Word version) {
-  HeaderFacts facts = {.version = version, .stated = file.word(SIZE)};
+  HeaderFacts facts = {.version = version, .stated = file.word(header_at::SIZE)};
   if (file.size() < FILE_HEADER_BYTES)
     return facts;
-  const std::uint64_t header = file.word(HEADER_SIZE);
-  const Word maker = file.word(MAKER_BLOCK);
+  const std::uint64_t header = file.word(header_at::HEADER_SIZE);
+  const Word maker = file.word(header_at::BLOCKS);
   const bool version_2_lists = version == VERSION_2 && maker >= VERSION_2_SIZES_BYTES;
   std::uint64_t at = header;
   std::size_t lists = 0;
   std::size_t right = 0;
   bool first_tag = false;
   bool first_size = false;
-  for (const ListRow &list : std::span(LISTS).first(version_2_lists ? LIST_NUM : VERSION_1_LIST_NUM)) {
-    const Word size = file.word(sizeWordOffset(list));
+  for (std::size_t list = 0; list < (version_2_lists ? LIST_NUM : VERSION_1_LIST_NUM); ++list) {
+    const Word size = file.word(LAYOUT[list].header_word_at);
     if (size == 0)
       continue;
-    const bool tag_holds = file.word(at) == list.tag;
-    const bool size_holds = file.word(at + LIST_SIZE) == size;
+    const bool tag_holds = file.word(at) == LISTS[list].tag;
+    const bool size_holds = file.word(at + list_at::SIZE) == size;
     if (lists++ == 0) {
       first_tag = tag_holds;
       first_size = size_holds;
@@ -60,8 +41,8 @@ HeaderFacts headerFacts(const Ordered &file, Word version) {
     at += size;
   }
   facts.sum = at;
-  facts.holding = (version == VERSION_1 || version == VERSION_2) + (file.word(TAG) == 0) +
-                  (header == std::uint64_t{FILE_HEADER_BYTES} + maker + file.word(USER_BLOCK)) +
+  facts.holding = (version == VERSION_1 || version == VERSION_2) + (file.word(header_at::TAG) == 0) +
+                  (header == std::uint64_t{FILE_HEADER_BYTES} + maker + file.word(header_at::BLOCKS + sizeof(Word))) +
                   (facts.sum == facts.stated) + first_tag + first_size;
   facts.lists_hold = right == lists && at == file.size();
   facts.agreement = facts.holding + static_cast<int>(right) + (at == file.size()) + (facts.stated == file.size());

@@ -154,7 +154,7 @@ void HoleSalvage::leaveOut(const FoundList &list, std::uint64_t table, const std
       part.begin -= unused;
       part.end -= unused;
     }
-  FileBytes(made.bytes).set(table - LAYOUT[list.list].headBytes() + 12, left);
+  FileBytes(made.bytes).set(table - LAYOUT[list.list].head_bytes + list_at::COUNT, left);
   gone.numbers[static_cast<std::size_t>(toKind(list.list, false))] = numbers;
 }
 
@@ -180,7 +180,7 @@ void HoleSalvage::makeElements(const FoundList &list, bool second, std::uint64_t
 
 /// Appends the blocks of a list, if they are known to be whole.
 void HoleSalvage::makeBlocks(const FoundList &list, std::uint64_t head) {
-  const Word blocks_at = LAYOUT[list.list].blocksAt();
+  const Word blocks_at = LAYOUT[list.list].blocks_at;
   FileBytes written(made.bytes);
   const std::uint64_t maker = written[head + blocks_at] & ~Word{3};
   const std::uint64_t user = written[head + blocks_at + 4] & ~Word{3};
@@ -203,10 +203,10 @@ void HoleSalvage::makeHead(const FoundList &list) {
   const std::uint64_t head = made.bytes.size();
   const std::size_t numbers[] = {list.elements[0].size(), list.elements[1].size()};
   if (list.isFound())
-    append(made.bytes, file, list.begin, list.begin + layout.headBytes());
+    append(made.bytes, file, list.begin, list.begin + layout.head_bytes);
   else
-    appendWords(made.bytes, {LISTS[list.list].tag, layout.headBytes(), 0, 0, 0, 0});
-  made.bytes.resize(static_cast<std::size_t>(head) + layout.headBytes() + (numbers[0] + numbers[1]) * sizeof(Word));
+    appendWords(made.bytes, {LISTS[list.list].tag, layout.head_bytes, 0, 0, 0, 0});
+  made.bytes.resize(static_cast<std::size_t>(head) + layout.head_bytes + (numbers[0] + numbers[1]) * sizeof(Word));
   FileBytes written(made.bytes);
   written.set(head + 12, static_cast<Word>(numbers[0]));
   if (layout.second != nullptr)
@@ -228,7 +228,7 @@ void HoleSalvage::makeList(const FoundList &list) {
     makeElement(list, false, 0);
   } else {
     makeHead(list);
-    const std::uint64_t table = head + layout.headBytes();
+    const std::uint64_t table = head + layout.head_bytes;
     makeElements(list, false, table);
     if (layout.second != nullptr)
       makeElements(list, true, table + list.elements[0].size() * sizeof(Word));

@@ -30,7 +30,7 @@ struct Piece {
   std::uint64_t number;
   std::uint64_t bytes; ///< of one entry; 0: records
   std::uint64_t count_at;
-  std::vector<std::uint64_t> ends = {}; ///< of the records
+  Spot first = {}; ///< of the records
 };
 
 /// Takes down the pieces of a record.
@@ -39,12 +39,9 @@ struct Pieces : Events {
   std::vector<Site> sites;
   int depth_now = 0;
 
-  bool wantsBroken() const override { return true; }
+  Pieces() : Events(true) {}
   void enter(const Spot &, int) override { ++depth_now; }
-  void leave(const Spot &, std::uint64_t end, int) override {
-    if (--depth_now == 1)
-      pieces.back().ends.push_back(end);
-  }
+  void leave(const Spot &, std::uint64_t, int) override { --depth_now; }
   void site(const Site &site) override {
     if (depth_now == 1)
       sites.push_back(site);
@@ -61,7 +58,7 @@ struct Pieces : Events {
     const auto counts = [&](const Site &site) { return site.records == first.kind; };
     const auto site = std::find_if(sites.begin(), sites.end(), counts);
     if (depth_now == 1)
-      pieces.push_back({first.begin, number, 0, site != sites.end() ? site->offset : 0});
+      pieces.push_back({first.begin, number, 0, site != sites.end() ? site->offset : 0, first});
   }
 };
 
@@ -83,7 +80,8 @@ public:
 
 private:
   bool keepPieces(std::uint64_t end);
-  bool keepPiece(Piece &piece);
+  bool keepPiece(const Piece &piece);
+  std::uint64_t wholeRecords(const Piece &piece, std::uint64_t &end) const;
   bool keepBlocks();
   bool isWhole();
 
@@ -105,7 +103,7 @@ bool Cutter::keepPieces(std::uint64_t end) {
   maker = has_blocks ? image[begin + kind.blocks_at] & ~Word{3} : 0;
   user = has_blocks ? image[begin + kind.blocks_at + 4] & ~Word{3} : 0;
   append(bytes, image, begin, begin + kind.fixed);
-  for (Piece &piece : found.pieces)
+  for (const Piece &piece : found.pieces)
     if (!keepPiece(piece))
       return false;
   const std::uint64_t content_end = end - maker - user;
@@ -118,18 +116,30 @@ bool Cutter::keepPieces(std::uint64_t end) {
   return cut_before_blocks;
 }
 
-bool Cutter::keepPiece(Piece &piece) {
+/// @return how many records of a row are whole, and where the last of these ends.
+std::uint64_t Cutter::wholeRecords(const Piece &piece, std::uint64_t &end) const {
+  Spot record = piece.first;
+  while (record.number < piece.number) {
+    const std::uint64_t next = Walk(image, image.size(), false).over(record, 1);
+    if (next <= record.begin || next > image.size())
+      break;
+    record.begin = end = next;
+    ++record.number;
+  }
+  return record.number;
+}
+
+bool Cutter::keepPiece(const Piece &piece) {
   std::uint64_t keep = 0;
   std::uint64_t keep_end = piece.begin;
   if (!cut_before_blocks) {
     if (piece.begin > image.size()) // something before it that is no piece is cut
       return false;
-    keep = std::min(piece.number, piece.bytes != 0 ? (image.size() - piece.begin) / piece.bytes : piece.number);
-    keep_end += keep * piece.bytes;
-    if (piece.bytes == 0) {
-      const auto first_cut = std::upper_bound(piece.ends.begin(), piece.ends.end(), image.size());
-      keep = static_cast<std::uint64_t>(first_cut - piece.ends.begin());
-      keep_end = keep != 0 ? piece.ends[keep - 1] : piece.begin;
+    if (piece.bytes != 0) {
+      keep = std::min(piece.number, (image.size() - piece.begin) / piece.bytes);
+      keep_end += keep * piece.bytes;
+    } else {
+      keep = wholeRecords(piece, keep_end);
     }
   }
   if (keep == piece.number && !cut_before_blocks)

@@ -1,7 +1,7 @@
 /// What is left of something, and pieces of files that are made of it.
 #pragma once
 
-#include "mend/layout.h"
+#include "mend/walk.h"
 
 #include <string>
 #include <vector>

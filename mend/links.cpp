@@ -185,7 +185,7 @@ bool cutLinks(FileBytes &image, const Spans &spans, Gone gone, std::vector<Loss>
     }
     const Word first = image[span.begin + 12];
     const Word second = layout.second != nullptr ? image[span.begin + 16] : 0;
-    std::uint64_t at = span.begin + layout.headBytes() + (std::uint64_t{first} + second) * sizeof(Word);
+    std::uint64_t at = span.begin + layout.head_bytes + (std::uint64_t{first} + second) * sizeof(Word);
     for (std::uint64_t i = 0; i < std::uint64_t{first} + second && at < span.end; ++i) {
       const Kind &kind = i < first ? *layout.first : *layout.second;
       const auto number = static_cast<Word>(i < first ? i : i - first);

@@ -10,7 +10,7 @@ constexpr int MOST_BEGINNINGS = 3;
 
 /// Follows every end that something gives for a list of which the elements were read.
 void Reader::closeList(std::size_t list, std::uint64_t begin, const Reading &inner, Readings &readings) {
-  const std::uint64_t sizes_at = begin + LAYOUT[list].blocksAt();
+  const std::uint64_t sizes_at = begin + LAYOUT[list].blocks_at;
   const std::uint64_t maker = image[sizes_at] & ~Word{3};
   const std::uint64_t user = image[sizes_at + 4] & ~Word{3};
   const std::uint64_t by_words = inner.at + maker + user;
@@ -64,7 +64,7 @@ Reader::Readings Reader::closeBlocks(std::size_t list, std::uint64_t sizes_at, s
 void Reader::readNumbered(std::size_t list, const Reading &before, Word first, Word second, Readings &readings) {
   const ListLayout &layout = LAYOUT[list];
   const std::uint64_t begin = before.at;
-  const std::uint64_t table = begin + layout.headBytes();
+  const std::uint64_t table = begin + layout.head_bytes;
   const std::uint64_t second_table = table + std::uint64_t{first} * sizeof(Word);
   Reading reading = before;
   reading.at = second_table + std::uint64_t{second} * sizeof(Word);
@@ -85,7 +85,7 @@ bool Reader::beginsAsCounted(std::size_t list, std::uint64_t begin) const {
   const ListLayout &layout = LAYOUT[list];
   const Word first = image[begin + 12];
   const Word second = layout.second != nullptr ? image[begin + 16] : 0;
-  const std::uint64_t at = begin + layout.headBytes() + (std::uint64_t{first} + second) * sizeof(Word);
+  const std::uint64_t at = begin + layout.head_bytes + (std::uint64_t{first} + second) * sizeof(Word);
   const Kind &kind = first != 0 || second == 0 ? *layout.first : *layout.second;
   return at + 8 <= image.size() && isElementTag(kind, image[at]) && image[at + 4] == 0;
 }
@@ -104,7 +104,7 @@ Word Reader::firstByTags(std::size_t list, std::uint64_t table, std::uint64_t at
 void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings &readings) {
   const ListLayout &layout = LAYOUT[list];
   const std::uint64_t begin = before.at;
-  const std::uint64_t table = begin + layout.headBytes();
+  const std::uint64_t table = begin + layout.head_bytes;
   const Word first = image[begin + 12];
   const Word second = layout.second != nullptr ? image[begin + 16] : 0;
   const auto follow = [&](Word new_first, Word new_second) {
@@ -169,7 +169,7 @@ void Reader::readScene(const Reading &before, Readings &readings) {
 void Reader::passList(std::size_t list, const Reading &before, Readings &readings) {
   const std::uint64_t begin = before.at;
   for (const Word size : {image[begin + 8], declared(list)}) {
-    if (size < LAYOUT[list].headBytes() || begin + size > image.size())
+    if (size < LAYOUT[list].head_bytes || begin + size > image.size())
       continue;
     Reading reading = before;
     reading.at = begin + size;
@@ -208,7 +208,7 @@ void Reader::readListAt(const Reading &before, std::size_t list, Readings &readi
 /// Reads a list, or passes it if it is not there.
 void Reader::readList(std::size_t list, const Reading &before, Readings &readings) {
   const bool is_declared = declared(list) != 0;
-  const std::uint64_t head = LAYOUT[list].first != nullptr ? LAYOUT[list].headBytes() : SCENE.fixed;
+  const std::uint64_t head = LAYOUT[list].first != nullptr ? LAYOUT[list].head_bytes : SCENE.fixed;
   const bool has_head = before.at + head <= image.size();
   const bool has_tag = has_head && isListTag(list, image[before.at]);
   if (has_head && (is_declared || has_tag))

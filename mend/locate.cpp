@@ -60,7 +60,7 @@ int Locator::headAgreement(const FoundList &list, std::uint64_t at) const {
 
 /// @return whether a list that was not found is not near its place, either, where wrong sizes in the header put it.
 bool Locator::isStrange(const FoundList &list) const {
-  const Word head_bytes = list.list == 0 ? SCENE.fixed : LAYOUT[list.list].headBytes();
+  const Word head_bytes = list.list == 0 ? SCENE.fixed : LAYOUT[list.list].head_bytes;
   if (list.size < head_bytes || file[list.was_at + 4] == head_bytes)
     return false;
   for (std::int64_t by = -MOST_SHIFTS; by <= MOST_SHIFTS; ++by)
@@ -74,7 +74,7 @@ void Locator::findHeads() {
   std::uint64_t was_at = file[header_at::HEADER_SIZE];
   const bool version_2_lists = hasVersion2Lists(file);
   for (std::size_t number = 0; number < (version_2_lists ? LIST_NUM : VERSION_1_LIST_NUM); ++number) {
-    FoundList list = {.list = number, .was_at = was_at, .size = file[sizeWordOffset(number)]};
+    FoundList list = {.list = number, .was_at = was_at, .size = file[LAYOUT[number].header_word_at]};
     was_at += list.size;
     if (list.size == 0)
       continue;
@@ -168,10 +168,10 @@ void Locator::findInTable(const FoundList &list, const Kind &kind, std::uint64_t
 /// @return false where the size table is not whole.
 bool Locator::findByTable(FoundList &list) {
   const ListLayout &layout = LAYOUT[list.list];
-  const std::uint64_t table = list.begin + layout.headBytes();
+  const std::uint64_t table = list.begin + layout.head_bytes;
   const std::uint64_t numbers[] = {file[list.begin + 12], layout.second != nullptr ? file[list.begin + 16] : 0};
-  std::uint64_t sum = layout.headBytes() + (file[list.begin + layout.blocksAt()] & ~Word{3}) +
-                      (file[list.begin + layout.blocksAt() + 4] & ~Word{3});
+  std::uint64_t sum = layout.head_bytes + (file[list.begin + layout.blocks_at] & ~Word{3}) +
+                      (file[list.begin + layout.blocks_at + 4] & ~Word{3});
   if (numbers[0] + numbers[1] > list.size / sizeof(Word))
     return false;
   for (std::uint64_t i = 0; i < numbers[0] + numbers[1]; ++i) {
@@ -181,7 +181,7 @@ bool Locator::findByTable(FoundList &list) {
   }
   if (sum != list.size)
     return false;
-  std::uint64_t was_at = list.was_at + layout.headBytes() + (numbers[0] + numbers[1]) * sizeof(Word);
+  std::uint64_t was_at = list.was_at + layout.head_bytes + (numbers[0] + numbers[1]) * sizeof(Word);
   for (const std::size_t i : {std::size_t{0}, std::size_t{1}}) {
     list.elements[i].resize(static_cast<std::size_t>(numbers[i]));
     if (numbers[i] != 0)
@@ -203,9 +203,9 @@ void Locator::findByTags(FoundList &list) {
   }
   const std::uint64_t least = numbers[0] * (layout.first->fixed + sizeof(Word)) +
                               (numbers[1] != 0 ? numbers[1] * (layout.second->fixed + sizeof(Word)) : 0);
-  list.numbers_known = list.isFound() && file[list.begin + 4] == layout.headBytes() &&
-                       layout.headBytes() + least <= list.size && (least != 0 || list.size == layout.headBytes());
-  std::uint64_t at = list.isFound() ? list.begin + layout.headBytes() : shifted(list.was_at, std::min(shift, moved));
+  list.numbers_known = list.isFound() && file[list.begin + 4] == layout.head_bytes &&
+                       layout.head_bytes + least <= list.size && (least != 0 || list.size == layout.head_bytes);
+  std::uint64_t at = list.isFound() ? list.begin + layout.head_bytes : shifted(list.was_at, std::min(shift, moved));
   for (const std::size_t i : {std::size_t{0}, std::size_t{1}}) {
     std::vector<FoundElement> &elements = list.elements[i];
     while (kinds[i] != nullptr && at + kinds[i]->fixed <= list.end) {
@@ -238,7 +238,7 @@ void Locator::findScene(FoundList &list) {
 std::uint64_t Locator::blocksOf(const FoundList &list) const {
   if (list.list == 0 || !list.isFound())
     return 0;
-  const std::uint64_t sizes_at = list.begin + LAYOUT[list.list].blocksAt();
+  const std::uint64_t sizes_at = list.begin + LAYOUT[list.list].blocks_at;
   const std::uint64_t bytes = (file[sizes_at] & ~Word{3}) + std::uint64_t{file[sizes_at + 4] & ~Word{3}};
   return bytes <= list.size && list.table_whole ? bytes : 0;
 }

@@ -3,7 +3,7 @@
 /// less far, as the file is longer, or shorter, than its header says.
 #pragma once
 
-#include "mend/layout.h"
+#include "mend/walk.h"
 
 #include <vector>
 

@@ -52,7 +52,7 @@ Word leftToBlocks(const FileBytes &file, std::size_t number, const ListRead &lis
       continue;
     const Kind &counted = kind == 0 ? *LAYOUT[number].first : *LAYOUT[number].second;
     const Word before = file[list.counts[kind]->begin];
-    const std::uint64_t room = list.span->end - list.span->begin - LAYOUT[number].headBytes();
+    const std::uint64_t room = list.span->end - list.span->begin - LAYOUT[number].head_bytes;
     if (before > list.counts[kind]->value && std::uint64_t{before} * (sizeof(Word) + counted.fixed) <= room)
       elements += before - list.counts[kind]->value;
   }
@@ -83,7 +83,7 @@ std::vector<std::pair<std::uint64_t, const Kind *>> elementsOf(const FileBytes &
   const ListLayout &layout = LAYOUT[number];
   const std::uint64_t begin = list.span->begin;
   const std::uint64_t numbers[] = {read[begin + 12], layout.second != nullptr ? read[begin + 16] : 0};
-  std::uint64_t at = begin + layout.headBytes() + (numbers[0] + numbers[1]) * sizeof(Word);
+  std::uint64_t at = begin + layout.head_bytes + (numbers[0] + numbers[1]) * sizeof(Word);
   for (std::uint64_t i = 0; i < numbers[0] + numbers[1] && at < list.span->end; ++i) {
     const Kind &kind = i < numbers[0] ? *layout.first : *layout.second;
     elements.emplace_back(at, &kind);

@@ -84,7 +84,7 @@ bool isCut(const FileBytes &image) {
     return true;
   std::uint64_t sum = image[header_at::HEADER_SIZE];
   for (std::size_t list = 0; list < (version_2_lists ? LIST_NUM : VERSION_1_LIST_NUM); ++list)
-    sum += image[sizeWordOffset(list)];
+    sum += image[LAYOUT[list].header_word_at];
   return sum > image.size() && sum == image[header_at::SIZE];
 }
 

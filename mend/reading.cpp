@@ -21,12 +21,6 @@ bool sameClaims(const Claim *a, const Claim *b) {
 
 } // namespace
 
-std::uint64_t sizeWordOffset(std::size_t list) {
-  static const FileHeader header{};
-  const auto *const begin = reinterpret_cast<const unsigned char *>(&header);
-  return static_cast<std::uint64_t>(reinterpret_cast<const unsigned char *>(&(header.*LISTS[list].size)) - begin);
-}
-
 bool hasVersion2Lists(const FileBytes &image) {
   return image.version() == VERSION_2 && image[header_at::BLOCKS] >= VERSION_2_SIZES_BYTES;
 }
@@ -121,7 +115,7 @@ bool Reader::tells(const Kind &kind, Own own) {
 Word Reader::declared(std::size_t list) const {
   if (list >= VERSION_1_LIST_NUM && !version_2_lists)
     return 0;
-  return image[sizeWordOffset(list)];
+  return image[LAYOUT[list].header_word_at];
 }
 
 // --- The file -------------------------------------------------------------------------------------------------------

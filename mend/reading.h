@@ -156,9 +156,6 @@ private:
   std::deque<Claim> claims;
 };
 
-/// @return the offset of the word with the size of the list: in the header, or in its maker block.
-std::uint64_t sizeWordOffset(std::size_t list);
-
 /// @return whether a file with such a header has version-2 lists.
 bool hasVersion2Lists(const FileBytes &image);
 

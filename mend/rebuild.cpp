@@ -48,11 +48,11 @@ private:
 
 // --- Lists ----------------------------------------------------------------------------------------------------------
 
-Word headBytes(std::size_t list) { return list == 0 ? SCENE.fixed : LAYOUT[list].headBytes(); }
+Word headBytes(std::size_t list) { return list == 0 ? SCENE.fixed : LAYOUT[list].head_bytes; }
 
 bool Rebuilder::beginsList(std::size_t list, std::uint64_t at) const {
-  const Word size = file[at + 8];
-  return isListTag(list, file[at]) && file[at + 4] == headBytes(list) && size >= headBytes(list) &&
+  const Word size = file[at + list_at::SIZE];
+  return isListTag(list, file[at]) && file[at + list_at::HEADER_SIZE] == headBytes(list) && size >= headBytes(list) &&
          size <= file.size() - at;
 }
 
@@ -64,9 +64,9 @@ bool Rebuilder::followChain(std::uint64_t at) {
     if (!beginsList(list, at))
       continue;
     found.first = std::min(found.first, list);
-    found.sizes[list] = file[at + 8];
+    found.sizes[list] = file[at + list_at::SIZE];
     found.has_version_2_lists |= list >= VERSION_1_LIST_NUM;
-    at += file[at + 8];
+    at += file[at + list_at::SIZE];
     ++number;
   }
   if (at != file.size() || number < FEWEST_LISTS)
@@ -82,7 +82,7 @@ bool Rebuilder::findChain() {
   const Word longest = *std::max_element(heads.begin(), heads.end());
   const Word shortest = *std::min_element(heads.begin(), heads.end());
   for (std::uint64_t at = 0; file.holds(at); ++at)
-    if (file[at + 4] >= shortest && file[at + 4] <= longest && followChain(at))
+    if (file[at + list_at::HEADER_SIZE] >= shortest && file[at + list_at::HEADER_SIZE] <= longest && followChain(at))
       return true;
   return false;
 }
@@ -149,7 +149,7 @@ Rebuilt Rebuilder::makeFile(Word version) const {
   written.set(header_at::BLOCKS, static_cast<Word>(header - FILE_HEADER_BYTES));
   written.set(header_at::BLOCKS + 4, 0);
   for (std::size_t list = 0; list < (hasVersion2Lists(written) ? LIST_NUM : VERSION_1_LIST_NUM); ++list)
-    written.set(sizeWordOffset(list), sizes[list]);
+    written.set(LAYOUT[list].header_word_at, sizes[list]);
   return made;
 }
 
@@ -163,7 +163,7 @@ bool Rebuilder::is20(const Rebuilt &made) const {
         const Kind *const kind = list.list == 0 ? &SCENE
                                  : second != 0  ? LAYOUT[list.list].second
                                                 : LAYOUT[list.list].first;
-        if (kind->maker == nullptr || !element.isFound())
+        if (!element.isFound() || !hasMaker(*kind))
           continue;
         if (!element.whole)
           return false;

@@ -82,7 +82,7 @@ void Salvage::emptyList(std::size_t list) {
     }
     return;
   }
-  appendWords(bytes, {LISTS[list].tag, layout.headBytes(), layout.headBytes(), 0, 0, 0});
+  appendWords(bytes, {LISTS[list].tag, layout.head_bytes, layout.head_bytes, 0, 0, 0});
   if (layout.second != nullptr)
     appendWords(bytes, {0});
 }
@@ -132,7 +132,7 @@ std::uint64_t Salvage::cutElements(std::size_t list, const Kind &kind, std::uint
 
 void Salvage::cutList(std::size_t list, std::uint64_t begin) {
   const ListLayout &layout = LAYOUT[list];
-  const std::uint64_t table = begin + layout.headBytes();
+  const std::uint64_t table = begin + layout.head_bytes;
   const Word first = table <= image.size() ? image[begin + 12] : 0;
   const Word second = table <= image.size() && layout.second != nullptr ? image[begin + 16] : 0;
   std::uint64_t at = table + (std::uint64_t{first} + second) * sizeof(Word);
@@ -152,8 +152,8 @@ void Salvage::cutList(std::size_t list, std::uint64_t begin) {
       layout.second != nullptr ? cutElements(list, *layout.second, at, second_table, second, elements, sizes) : 0;
   const bool whole = first_left == first && second_left == second && gone.cut.empty();
   const std::uint64_t there = whole ? image.size() - at : 0;
-  const std::uint64_t maker = image[begin + layout.blocksAt()] & ~Word{3};
-  const std::uint64_t user = image[begin + layout.blocksAt() + 4] & ~Word{3};
+  const std::uint64_t maker = image[begin + layout.blocks_at] & ~Word{3};
+  const std::uint64_t user = image[begin + layout.blocks_at + 4] & ~Word{3};
   const auto kept_maker = static_cast<Word>(std::min(maker, there & ~std::uint64_t{3}));
   const auto kept_user = static_cast<Word>(there > maker ? std::min(user, (there - maker) & ~std::uint64_t{3}) : 0);
   if (kept_maker < maker || kept_user < user)
@@ -180,8 +180,8 @@ void Salvage::cutList(std::size_t list, std::uint64_t begin) {
   written.set(head + 12, static_cast<Word>(first_left));
   if (layout.second != nullptr)
     written.set(head + 16, static_cast<Word>(second_left));
-  written.set(head + layout.blocksAt(), kept_maker);
-  written.set(head + layout.blocksAt() + 4, kept_user);
+  written.set(head + layout.blocks_at, kept_maker);
+  written.set(head + layout.blocks_at + 4, kept_user);
   for (std::uint64_t i = 0; i < first_left + second_left; ++i)
     appendWords(bytes, {i < sizes.size() ? sizes[static_cast<std::size_t>(i)] : layout.second->fixed});
   copy(bytes.size(), bytes.size() + whole_end - elements_begin, elements_begin);
@@ -200,9 +200,9 @@ bool Salvage::salvageList(std::size_t list, std::uint64_t begin, std::uint64_t s
   if (begin + size <= image.size()) {
     append(made.bytes, image, begin, begin + size);
     copy(made_begin, made.bytes.size(), begin);
-    if (layout.first != nullptr && size >= layout.headBytes())
+    if (layout.first != nullptr && size >= layout.head_bytes)
       gone[toKind(list, false)] = {image[begin + 12], image[begin + 12]};
-    if (layout.second != nullptr && size >= layout.headBytes())
+    if (layout.second != nullptr && size >= layout.head_bytes)
       gone[toKind(list, true)] = {image[begin + 16], image[begin + 16]};
   } else if (begin < image.size()) {
     layout.first == nullptr ? cutScene(begin) : cutList(list, begin);
@@ -234,13 +234,13 @@ bool isSound(const FileBytes &image, const Claim &span, bool version_2) {
   std::uint64_t at = span.begin;
   if (layout.first == nullptr)
     return goOver(SCENE, at, 0) && at == span.end;
-  if (at + layout.headBytes() > span.end)
+  if (at + layout.head_bytes > span.end)
     return false;
   const Word first = image[at + 12];
   const Word second = layout.second != nullptr ? image[at + 16] : 0;
   const std::uint64_t blocks =
-      std::uint64_t{image[at + layout.blocksAt()] & ~Word{3}} + (image[at + layout.blocksAt() + 4] & ~Word{3});
-  at += layout.headBytes() + (std::uint64_t{first} + second) * sizeof(Word);
+      std::uint64_t{image[at + layout.blocks_at] & ~Word{3}} + (image[at + layout.blocks_at + 4] & ~Word{3});
+  at += layout.head_bytes + (std::uint64_t{first} + second) * sizeof(Word);
   for (Word i = 0; i < first; ++i)
     if (!goOver(*layout.first, at, i))
       return false;
@@ -255,7 +255,7 @@ std::optional<Salvaged> Salvage::salvage() {
   const bool has_version_2_lists = version_2 && headerWord(header_at::BLOCKS) >= VERSION_2_SIZES_BYTES;
   std::uint64_t begin = lists_begin;
   for (std::size_t list = 0; list < (has_version_2_lists ? LIST_NUM : VERSION_1_LIST_NUM); ++list) {
-    const std::uint64_t word = sizeWordOffset(list);
+    const std::uint64_t word = LAYOUT[list].header_word_at;
     const bool has_word = word + sizeof(Word) <= image.size();
     const std::uint64_t size = has_word ? image[word] : 0;
     if (has_word && size == 0)

@@ -14,6 +14,7 @@ struct Sites : Events {
   std::vector<Spot> series_of; ///< the first of each row of records inside
   int depth_now = 0;
 
+  Sites() : Events(true) {}
   void enter(const Spot &, int) override { ++depth_now; }
   void leave(const Spot &, std::uint64_t, int) override { --depth_now; }
   void site(const Site &site) override {

@@ -82,7 +82,7 @@ Broken SwapSearch::firstBrokenElement(const FoundList &list) const {
   const std::uint64_t numbers = list.elements[0].size() + list.elements[1].size();
   std::uint64_t at = list.was_at;
   if (list.list != 0)
-    at += LAYOUT[list.list].headBytes() + numbers * sizeof(Word);
+    at += LAYOUT[list.list].head_bytes + numbers * sizeof(Word);
   for (const std::size_t second : {std::size_t{0}, std::size_t{1}})
     for (std::size_t i = 0; i < list.elements[second].size(); ++i) {
       const FoundElement &element = list.elements[second][i];
@@ -96,7 +96,7 @@ Broken SwapSearch::firstBrokenElement(const FoundList &list) const {
 
 Broken SwapSearch::firstBroken(const Found &found) const {
   for (const FoundList &list : found.lists) {
-    const std::uint64_t head = list.list == 0 ? SCENE.fixed : LAYOUT[list.list].headBytes();
+    const std::uint64_t head = list.list == 0 ? SCENE.fixed : LAYOUT[list.list].head_bytes;
     if (!isListTag(list.list, file[list.was_at]) || file[list.was_at + 8] != list.size)
       return {.sort = Broken::Sort::head, .list = &list, .begin = list.was_at, .end = list.was_at + head};
     const std::uint64_t numbers = file[list.was_at + 12];
@@ -115,13 +115,13 @@ Broken SwapSearch::firstBroken(const Found &found) const {
 bool SwapSearch::isTableRight(const Broken &broken) const {
   const ListLayout &layout = LAYOUT[broken.list->list];
   const std::uint64_t numbers[] = {file[broken.begin + 12], layout.second != nullptr ? file[broken.begin + 16] : 0};
-  std::uint64_t sum = layout.headBytes() + (file[broken.begin + layout.blocksAt()] & ~Word{3}) +
-                      std::uint64_t{file[broken.begin + layout.blocksAt() + 4] & ~Word{3}};
+  std::uint64_t sum = layout.head_bytes + (file[broken.begin + layout.blocks_at] & ~Word{3}) +
+                      std::uint64_t{file[broken.begin + layout.blocks_at + 4] & ~Word{3}};
   if (numbers[0] + numbers[1] > broken.list->size / sizeof(Word))
     return false;
   for (std::uint64_t i = 0; i < numbers[0] + numbers[1]; ++i)
     sum += sizeof(Word) + wholeWords(i < numbers[0] ? *layout.first : *layout.second,
-                                     file[broken.begin + layout.headBytes() + i * sizeof(Word)]);
+                                     file[broken.begin + layout.head_bytes + i * sizeof(Word)]);
   return sum == broken.list->size;
 }
 
