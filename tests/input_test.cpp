@@ -152,7 +152,8 @@ TEST(Input, InterruptedAndShortReadsAreTakenUpAgain) {
 /// A file that becomes shorter while it is read: its length tells of more than the reads give.
 TEST(Input, FilesThatGiveLessThanTheirLengthFail) {
   const FindingReceiver unheard([](const Finding &) {});
-  for (const Bytes &bytes : {goodFile1().bytes, goodFile2().bytes})
+  const Bytes odd = build(0x100, "TeximgList { Teximg texels=5 V=8 U=4 }").bytes;
+  for (const Bytes &bytes : {goodFile1().bytes, goodFile2().bytes, odd})
     for (std::size_t end = 0; end < bytes.size(); end += 2) {
       Unreliable source{.bytes = bytes, .end = end};
       const Stream stream = open(source);
@@ -176,6 +177,24 @@ TEST(Input, StreamsThatDoNotSeekAreReadAsTheyCome) {
     EXPECT_FALSE(kis.name.element.empty());
     EXPECT_EQ(kis.ci_img.element.empty(), seek == -2);
   }
+  file = build(0x200, "EnvList V=200000 U=4 { Env }");
+  setWord(file, "FileHeader", 0, "size", 0);
+  for (const std::size_t end : {file.bytes.size(), std::size_t{150'000}}) { // more than is asked for at first
+    Unreliable source{.bytes = file.bytes, .end = end, .failing_seek = -2};
+    const Stream stream = open(source);
+    Kis kis;
+    capture([&] { kvOpenKbStream(stream.get(), "", kis); });
+    EXPECT_EQ(kis.env.element.size(), 1U);
+    EXPECT_EQ(vanExtBlk(kis.env.ext_blk).size(), end == 150'000 ? 0U : 50'000U);
+  }
+}
+
+/// A part that cannot be read is told of once for the whole file.
+TEST(Input, BothPartsOfAFileMayFail) {
+  Unreliable source{.bytes = goodFile2().bytes, .piece = 200, .failing_call = 3, .last_failing_call = 1'000'000};
+  const Stream stream = open(source);
+  Kis kis;
+  EXPECT_EQ(capture([&] { kvOpenKbStream(stream.get(), "", kis); }).err, "Input File Read Error\n");
 }
 
 TEST(Input, BlocksOfAnUnknownVersionAreNotRead) {
@@ -268,6 +287,7 @@ TEST(Input, NothingIsAPlaceToo) {
   EXPECT_NE(end, nullptr);
   endianSwap4(nullptr, 0);
   EXPECT_EQ(fwriteEndianSwap4(nullptr, 0, 0, stdout), 0U);
+  EXPECT_EQ(fwriteEndianSwap4(&cursor, 4, 0, stdout), 0U);
   EXPECT_EQ(freadEndianSwap4(nullptr, 0, stdin), 0U);
 
   Name name{};

@@ -127,6 +127,8 @@ TEST(Reader, KeepsSizesConsistentAfterAnEdit) {
   EXPECT_EQ(grown(0, 0x00060100), "size vector_list_num vector_list_size tri_nv_group_size[0] tri_nv_group_size ");
   for (const Word tag : {0x00010100U, 0x00050200U, 0x00060200U, 0x000d1000U, 0U})
     EXPECT_EQ(grown(0, tag), "size ") << std::hex << tag;
+  kis.env.num_byte.clear(); // a program may take the table away
+  EXPECT_EQ(grown(0, ENV_LIST_TAG + ELEMENT_KIND), "size ");
 }
 
 TEST(Reader, MakesAnEmptyHandle) {
