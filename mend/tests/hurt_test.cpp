@@ -57,7 +57,7 @@ Bytes anyScene(std::uint32_t seed) {
 std::vector<Bytes> scenes() {
   std::vector<Bytes> files = {sampleFile("town"),         sampleFile("figure"),  sampleFile("every-form-1"),
                               sampleFile("every-form-2"), sampleFile("small-1"), sampleFile("small-2")};
-  for (std::uint32_t seed = 0; seed < 24; ++seed)
+  for (std::uint32_t seed = 0; seed < 30; ++seed)
     files.push_back(anyScene(seed));
   return files;
 }
