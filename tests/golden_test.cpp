@@ -2,12 +2,12 @@
 /// everything in them is changed alone, and small files show the rules of reading and the rare forms of lines.
 /// With KOVA_RENEW in the environment the golden files are written anew; read the difference like code.
 
+#include "harness/golden.h"
 #include "kova/check.h"
 #include "kova/findings.h"
 #include "tests/support.h"
 
 #include <algorithm>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -52,10 +52,7 @@ Story storyOf(const File &file, std::size_t most) {
 }
 
 void expectGolden(const std::string &name, const std::string &found) {
-  const std::string path = std::string(KOVA_SOURCE_DIR "/tests/golden/") + name + ".out";
-  if (std::getenv("KOVA_RENEW") != nullptr)
-    std::ofstream(path, std::ios::binary) << found;
-  EXPECT_TRUE(sameText(found, readFile(path))) << path;
+  EXPECT_EQ(differsFromGolden(KOVA_SOURCE_DIR "/tests/golden/" + name + ".out", found), "");
 }
 
 /// Each word alone, greater by one. Words of which nothing is said are not watched.

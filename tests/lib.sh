@@ -74,3 +74,25 @@ tools() {
   ln -s "$@" "$tools"
   export PATH=$tools:$PATH
 }
+
+# transcript GOLDEN <COMMANDS: runs each line in a fresh copy of the folder `before`, and holds its status, what it prints
+# and the files that it changes against a golden file. With KOVA_RENEW in the environment that is written anew.
+transcript() {
+  local line status
+  state_of "$scratch/before" >"$scratch/state"
+  while IFS= read -r line; do
+    printf '\n$ %s\n' "$line"
+    rm -rf "$scratch/work"
+    cp -a "$scratch/before" "$scratch/work"
+    status=0
+    (cd "$scratch/work" && umask 022 && exec timeout 60 bash -c "$line") >"$scratch/out" 2>"$scratch/err" </dev/null || status=$?
+    if grep -qaP '\0' "$scratch/out"; then cksum <"$scratch/out"; else without_time <"$scratch/out"; fi
+    sed 's/^/! /' "$scratch/err" | without_time
+    echo "status $status"
+    state_of "$scratch/work" | comm -13 "$scratch/state" -
+  done >"$scratch/transcript"
+  [ -z "${KOVA_RENEW-}" ] || cp "$scratch/transcript" "$1"
+  same "${1##*/}" "$(cat "$1")" "$(cat "$scratch/transcript")"
+}
+without_time() { sed 's/ in [0-9.]* s$//' | cat -v; }
+state_of() { (cd "$1" && { find . ! -type d -printf '%M %P\n' && find . -type f -exec cksum {} +; } | cat -v | sort); }

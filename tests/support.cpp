@@ -1,5 +1,6 @@
 #include "tests/support.h"
 
+#include "harness/golden.h"
 #include "kova/check.h"
 #include "kova/kt.h"
 
@@ -89,25 +90,9 @@ std::string linesWithout(const std::string &text, const std::string &beginning) 
   return kept;
 }
 
-std::string between(const std::string &text, const std::string &from, const std::string &to) {
-  const std::size_t begin = text.find(from);
-  const std::size_t end = begin == std::string::npos ? begin : text.find(to, begin);
-  return end == std::string::npos ? "no such part" : text.substr(begin, end + to.size() - begin);
-}
-
 ::testing::AssertionResult sameText(const std::string &found, const std::string &expected) {
-  std::istringstream is(found), should(expected);
-  std::string section = "no section", line, wanted;
-  for (std::size_t number = 1; found != expected; ++number) {
-    const bool has_line = !std::getline(is, line).fail(), has_wanted = !std::getline(should, wanted).fail();
-    if (wanted.starts_with("<") && !wanted.starts_with("</"))
-      section = wanted.substr(0, wanted.find(' '));
-    if (line != wanted || !has_line || !has_wanted)
-      return ::testing::AssertionFailure()
-             << "line " << number << ", in " << section << "\n  found:    " << (has_line ? line : "(the end)")
-             << "\n  expected: " << (has_wanted ? wanted : "(the end)");
-  }
-  return ::testing::AssertionSuccess();
+  const std::string difference = firstDifference(found, expected);
+  return difference.empty() ? ::testing::AssertionSuccess() : ::testing::AssertionFailure() << difference;
 }
 
 std::string sectionOf(const std::string &dump, const std::string &list) {

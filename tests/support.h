@@ -56,9 +56,6 @@ std::string linesWithout(const std::string &text, const std::string &beginning);
 /// stand in.
 ::testing::AssertionResult sameText(const std::string &found, const std::string &expected);
 
-/// The part of a text from the first `from` to the next `to`, both included.
-std::string between(const std::string &text, const std::string &from, const std::string &to);
-
 /// The section of a dump that shows a list, up to the "<" of what follows it.
 std::string sectionOf(const std::string &dump, const std::string &list);
 

@@ -1,5 +1,8 @@
 #include "mend/tests/elements.h"
 
+#include <fstream>
+#include <iterator>
+
 namespace kova::mend {
 
 using harness::wordAt;
@@ -24,6 +27,34 @@ Elements elementsOf(const Bytes &file) {
     begin += size;
   }
   return elements;
+}
+
+std::string firstLost(const Bytes &original, Extent hole, const Bytes &salvaged, const IsDead &is_dead) {
+  const std::size_t hole_end = hole.end + (hole.begin == hole.end ? 1 : 0);
+  Elements kept = elementsOf(salvaged);
+  for (const auto &[list, elements] : elementsOf(original))
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+      const Extent &was = elements[i];
+      if (was.begin < hole_end && hole.begin < was.end)
+        continue;
+      const std::string what = list.first + '[' + std::to_string(i) + ']';
+      const Extent is = i < kept[list].size() ? kept[list][i] : Extent{0, 0};
+      if (is.end - is.begin != was.end - was.begin)
+        return what + " is gone";
+      for (std::size_t at = 0; at < was.end - was.begin; ++at) {
+        if (original[was.begin + at] == salvaged[is.begin + at])
+          continue;
+        const std::size_t word = is.begin + at / 4 * 4;
+        if (wordAt(salvaged, word) != ~0U || (is_dead && !is_dead(word, wordAt(original, was.begin + at / 4 * 4))))
+          return what + " is another at byte " + std::to_string(at);
+      }
+    }
+  return "";
+}
+
+Bytes sampleFile(const std::string &name) {
+  std::ifstream stream(KOVA_SOURCE_DIR "/samples/" + name + ".kb", std::ios::binary);
+  return Bytes(std::istreambuf_iterator<char>(stream), {});
 }
 
 } // namespace kova::mend

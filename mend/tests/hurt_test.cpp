@@ -4,9 +4,7 @@
 #include "mend/tests/elements.h"
 
 #include <cstdio>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 
 namespace kova::mend {
 
@@ -15,11 +13,6 @@ namespace {
 using samples::DamageKind;
 using samples::Hurt;
 using samples::Remedy;
-
-Bytes sampleFile(const std::string &name) {
-  std::ifstream stream(KOVA_SOURCE_DIR "/samples/" + name + ".kb", std::ios::binary);
-  return Bytes(std::istreambuf_iterator<char>(stream), {});
-}
 
 /// A scene with some elements of most kinds, and with numbers like those of real ones.
 Bytes anyScene(std::uint32_t seed) {
@@ -62,31 +55,6 @@ std::vector<Bytes> scenes() {
   return files;
 }
 
-bool liesInHole(const Extent &element, const Hurt &hurt) {
-  return hurt.hole_begin == hurt.hole_end ? element.begin < hurt.hole_begin && hurt.hole_begin < element.end
-                                          : element.begin < hurt.hole_end && hurt.hole_begin < element.end;
-}
-
-/// @return the first element outside the hole that is not there, or differs in more than links that lead nowhere now.
-std::string firstLost(const Bytes &original, const Hurt &hurt, const Bytes &salvaged) {
-  Elements kept = elementsOf(salvaged);
-  for (const auto &[list, elements] : elementsOf(original))
-    for (std::size_t i = 0; i < elements.size(); ++i) {
-      const Extent &was = elements[i];
-      if (liesInHole(was, hurt))
-        continue;
-      const std::string what = list.first + '[' + std::to_string(i) + ']';
-      const Extent is = i < kept[list].size() ? kept[list][i] : Extent{0, 0};
-      if (is.end - is.begin != was.end - was.begin)
-        return what;
-      for (std::size_t at = 0; at < was.end - was.begin; ++at)
-        if (original[was.begin + at] != salvaged[is.begin + at] &&
-            harness::wordAt(salvaged, is.begin + at / 4 * 4) != ~0U)
-          return what;
-    }
-  return "";
-}
-
 /// What became of the files with one kind of damage.
 struct Rate {
   int total = 0, exact = 0, salvaged = 0, other = 0;
@@ -97,7 +65,8 @@ struct Rate {
     ++total;
     if (mending.bytes == original)
       ++exact;
-    else if (mending.result.outcome == Outcome::salvaged && firstLost(original, hurt, mending.bytes).empty())
+    else if (mending.result.outcome == Outcome::salvaged &&
+             firstLost(original, {hurt.hole_begin, hurt.hole_end}, mending.bytes).empty())
       ++salvaged;
     else
       other += mending.result.outcome == Outcome::salvaged || mending.result.outcome == Outcome::mended;

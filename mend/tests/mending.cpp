@@ -108,6 +108,26 @@ Mending mendAndCheck(const Bytes &input, bool salvage) {
   return mending;
 }
 
+std::string storyOf(const Mending &mending) {
+  constexpr const char *OUTCOMES[] = {"good", "mended", "salvaged", "ambiguous", "hopeless"};
+  const Result &result = mending.result;
+  std::string story = OUTCOMES[static_cast<std::size_t>(result.outcome)];
+  const auto add = [&](const std::string &text) { story += "; " + text; };
+  for (const Undoing &step : result.undone)
+    add(textOf(step));
+  for (const Change &change : result.changes)
+    add(textOf(change));
+  for (const Change &change : result.alternative)
+    add("or " + textOf(change));
+  for (const Loss &loss : result.losses)
+    add((loss.is_added ? "added " : "lost ") + placeText(loss.list, loss.element) + ' ' + loss.what);
+  if (!result.reason.empty())
+    add(result.reason);
+  if (result.outcome == Outcome::salvaged)
+    add(std::to_string(mending.bytes.size()) + " bytes, sum " + std::to_string(sumOf(mending.bytes)));
+  return story + '\n';
+}
+
 std::string auditMending(std::span<const unsigned char> input) {
   const Bytes file(input.begin(), input.end());
   const Mending mended = mendAndCheck(file, false);

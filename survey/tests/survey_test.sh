@@ -42,77 +42,55 @@ survey 1 --json - samples/damaged.kb
 python3 -c 'import json, sys; sys.stdout.write("".join(f["text"] for f in json.load(open("out"))["findings"]))' >texts
 same "texts of the findings" "$(cat printed)" "$(cat texts)"
 
-# --- Exit statuses ---
+# --- Exit statuses, usage and messages ---
 
-mkdir empty
+tools "$KBSURVEY"
+mkdir "$scratch"/{before,before/empty}
+cp -r good bad samples "$scratch/before"
 printf 'this is no scene, but it is longer than the header of one: %0100d' 0 >not.kb
-survey 0 good
-survey 1 good bad/damaged.kb
-survey 2 good bad
-survey 2 not.kb
-same "no KOVA file" "NONE  not.kb  not a KOVA file" "$(head -n 1 out)"
-survey 2 empty
-survey 2 missing.kb
-same "missing file" "NONE  missing.kb  cannot be read: No such file or directory" "$(head -n 1 out)"
-for wrong in "" --nonsense "-j 0 good" "-j x good" "--shard 3/2 good" "--shard 0/3 good" "--shard x good" "--merge" "--json - --html - good" \
-  "--json - --print0 good" "--merge --resume x good" "--merge --deep good" "--merge --repairable good" "--merge --name x good" "--explain nothing" "--files-from missing" "--json no/folder good" \
-  "--resume bad/damaged.kb good" "--merge bad/damaged.kb" "--html no/folder good" "--files-from good" "--resume bad good"; do
-  # shellcheck disable=SC2086 # several words
-  survey 3 $wrong
-  no_out "wrong usage ($wrong)"
-  [ -s err ] || fail "wrong usage ($wrong): no message"
-done
-# refused SAID OPTION...: what is told first.
-refused() {
-  survey 3 "${@:2}"
-  same "kbsurvey ${*:2}" "kbsurvey: $1." "$(head -n 1 err)"
-}
-if [ -e /dev/full ]; then
-  for report in --json --junit --html; do
-    refused "/dev/full cannot be written: No space left on device" "$report" /dev/full samples
-  done
-  for full in /dev/full '&-'; do # what is printed goes there
-    # shellcheck disable=SC2016 # for the other shell
-    run 3 "standard error is $full" sh -c '"$1" --json - samples 2>'"$full" sh "$KBSURVEY"
-  done
-  for asked in samples --help --version --list-findings; do
-    # shellcheck disable=SC2016 # for the other shell
-    run 3 "full standard output, $asked" sh -c '"$1" "$2" >/dev/full' sh "$KBSURVEY" "$asked"
-  done
-fi
-for option in --name --files-from --json --junit --html --resume --shard --explain; do
-  run 3 "nothing for $option" "$KBSURVEY" "$option" "" good
-  no_out "nothing for $option"
-done
-run 3 "a path that is empty" "$KBSURVEY" good ""
-# The first wrong option is named, before anything that is missing.
-refused "there is no option --jsn; --json is the nearest" --jsn
-refused "there is no option --quite; --quiet is the nearest" good --quite --merge
-refused "there is no option --\\x1b[2J" $'--\e[2J' good
-refused "there is no option -n" -qn good
-refused "-j needs a number from 1 to 4096" -j0 good
-refused "--html needs FILE" good --html
-refused "--deep takes no value" --deep=1
-refused "--json is given twice" --json a --json=b --nonsense
-survey 0 -qj1 --json=- -- good
-same "options in one argument" 2 "$(wc -l <out)"
-same "arguments beside --help" "$("$KBSURVEY" --help)" "$("$KBSURVEY" a b c --help)"
-same "the longest line of the help" "" "$("$KBSURVEY" --help | grep '.\{81\}' || :)"
-mkdir closed_out
-for i in $(seq 200); do cp bad/version.kb "closed_out/$i.kb"; done
-# shellcheck disable=SC2016 # for the other shell
-run 3 "closed standard output" sh -c '"$1" --json closed.json closed_out >&-' sh "$KBSURVEY"
-same "a report while standard output is closed" 200 "$(grep -c '^{.*}$' closed.json)"
-same "what else it has" 0 "$(grep -vc '^{.*}$' closed.json)"
-for asked in --version --help --list-findings "--explain tag"; do
-  # shellcheck disable=SC2086 # two words
-  survey 0 $asked
-  [ -s out ] || fail "$asked prints nothing"
-done
-"$KBSURVEY" --list-findings | cut -d ' ' -f 1 >ids
-while read -r id; do
-  "$KBSURVEY" --explain "$id" | grep '^Next step:  .' >/dev/null || fail "--explain $id: no next step"
-done <ids
+cp not.kb "$scratch/before"
+transcript "$SOURCE_DIR/survey/tests/golden/commands.out" <<'END'
+kbsurvey good
+kbsurvey good bad
+kbsurvey bad/damaged.kb
+kbsurvey not.kb
+kbsurvey empty
+kbsurvey missing.kb
+kbsurvey
+kbsurvey --nonsense
+for jobs in 0 x 4097; do kbsurvey -j $jobs good; done
+for shard in 3/2 0/3 x; do kbsurvey --shard $shard good; done
+for more in "" "--resume x good" "--deep good" "--repairable good" "--name x good" bad/damaged.kb; do kbsurvey --merge $more; done
+for more in "--html -" --print0; do kbsurvey --json - $more good; done
+for report in --json --junit --html; do kbsurvey $report no/folder good; kbsurvey $report /dev/full good; done
+for from in missing good; do kbsurvey --files-from $from; done
+for resumed in bad/damaged.kb bad; do kbsurvey --resume $resumed good; done
+for option in --name --files-from --json --junit --html --resume --shard --explain; do kbsurvey $option "" good; kbsurvey good $option; done
+kbsurvey good ""
+kbsurvey --jsn
+kbsurvey good --quite --merge
+kbsurvey $'--\e[2J' good
+kbsurvey -qn good
+kbsurvey -j0 good
+kbsurvey --deep=1
+kbsurvey --json a --json=b --nonsense
+kbsurvey -qj1 --json=- -- good | sed 's/"modified":"[^"]*"/"modified":"T"/' | sort
+kbsurvey --help
+kbsurvey a b c --help | cksum
+kbsurvey --version | wc -l
+kbsurvey --explain tag
+kbsurvey --explain nothing
+for asked in good --help --version --list-findings; do kbsurvey $asked >/dev/full; done
+for full in /dev/full '&-'; do eval "kbsurvey --json - samples 2>$full" >/dev/null; echo $?; done
+kbsurvey -q --json closed.json bad/version.kb >&-; wc -l <closed.json; rm closed.json
+kbsurvey -q -j1 --json - samples | sed 's/"modified":"[^"]*"/"modified":"T"/' | sort
+kbsurvey -q -j1 --deep --repairable --json - samples | sed 's/"modified":"[^"]*"/"modified":"T"/' | sort
+kbsurvey -q --deep --repairable --junit - samples
+kbsurvey -q -j1 --deep --repairable --html - samples | grep '{"survey"' | sed 's/"date":[0-9]*,"seconds":[0-9.]*/T/'
+kbsurvey -j1 --deep --repairable samples
+kbsurvey -j1 -q --color=always --deep samples
+kbsurvey --list-findings | while read -r id _; do kbsurvey --explain $id | grep '^Next step:  .' >/dev/null || echo $id; done
+END
 
 # --- The search ---
 
