@@ -361,45 +361,32 @@ TEST(Writer, AStreamThatFailsIsTold) {
   EXPECT_TRUE(fs::is_character_file("/dev/full")) << "a device is not replaced";
 }
 
+/// A model or bytes, under a long name or through links, the first of which leads to nothing at first.
 TEST(Save, ReplacesTheTargetAndKeepsItsPermissions) {
   const ScratchFolder folder;
+  fs::create_directory(folder.path + "/there");
+  fs::create_symlink("there/second", folder.path + "/first");
+  fs::create_symlink("file", folder.path + "/there/second");
   Kis kis;
-  ASSERT_TRUE(loadBytes(goodFile2().bytes, kis));
-  const std::string path = folder.path + "/" + std::string(250, 'n'); // no room for an ending
-  const mode_t mask = ::umask(027);
-  EXPECT_EQ(save(kis, path), "saved");
-  ::umask(mask);
-  EXPECT_EQ(modeOf(path), S_IFREG | 0640U);
-  EXPECT_EQ(bytesOf(readFile(path)), goodFile2().bytes);
   ASSERT_TRUE(loadBytes(goodFile1().bytes, kis));
-  ::chmod(path.c_str(), 0604);
-  EXPECT_EQ(save(kis, path), "saved");
-  EXPECT_EQ(modeOf(path), S_IFREG | 0604U);
-  EXPECT_EQ(bytesOf(readFile(path)), goodFile1().bytes);
-  EXPECT_EQ(folder.files(), 1U);
-}
-
-/// Both ways of saving are one mechanism: only what is written differs.
-TEST(Save, BytesAreSavedAsAModelIs) {
-  const ScratchFolder folder;
-  const std::string path = folder.path + "/file", link = folder.path + "/link";
-  fs::create_symlink("file", link);
-  EXPECT_EQ(save(Bytes(300000, 0xa5), link), "saved"); // no KOVA file
-  ::chmod(path.c_str(), 07640);
-  for (const Bytes &bytes : {goodFile1().bytes, Bytes()}) {
-    EXPECT_EQ(save(bytes, link), "saved");
-    EXPECT_EQ(bytesOf(readFile(path)), bytes);
-    EXPECT_EQ(modeOf(path), S_IFREG | 0640U);
-    EXPECT_TRUE(fs::is_symlink(link));
+  const std::string name = folder.path + '/' + std::string(250, 'n'); // no room for an ending
+  for (const auto &[path, target] : {std::pair{name, name}, {folder.path + "/first", folder.path + "/there/file"}}) {
+    const mode_t mask = ::umask(027);
+    EXPECT_EQ(save(Bytes(300000, 0xa5), path), "saved"); // no KOVA file
+    ::umask(mask);
+    EXPECT_EQ(modeOf(target), S_IFREG | 0640U);
+    ::chmod(target.c_str(), 07604); // a saved file has no set-user-ID bit
+    EXPECT_EQ(save(kis, path), "saved");
+    EXPECT_EQ(bytesOf(readFile(target)), goodFile1().bytes);
+    EXPECT_EQ(save(Bytes(), path), "saved");
+    EXPECT_EQ(bytesOf(readFile(target)), Bytes());
+    EXPECT_EQ(modeOf(target), S_IFREG | 0604U);
+    EXPECT_EQ(fs::is_symlink(path), path != target);
   }
-  EXPECT_EQ(save(goodFile1().bytes, folder.path), "Is a directory");
-  EXPECT_EQ(folder.files(), 2U);
-  if (fs::exists("/dev/full")) {
-    EXPECT_EQ(save(goodFile1().bytes, "/dev/full"), "No space left on device");
-  }
-  const std::string pipe = folder.path + "/pipe";
-  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-  EXPECT_EQ(save(goodFile1().bytes, pipe), "No such device or address") << "a pipe that nobody reads";
+  EXPECT_TRUE(fs::is_symlink(folder.path + "/there/second"));
+  fs::create_symlink("round", folder.path + "/round");
+  EXPECT_EQ(save(kis, folder.path + "/round"), "Output File Open Error\nfailed");
+  EXPECT_EQ(folder.files(), 4U);
 }
 
 /// What is there already, or appears while the file is written, stays.
@@ -440,54 +427,31 @@ TEST(Save, ASignalLeavesNothingBehind) {
   }
 }
 
-/// A disk that is full, as a limit on the size of files makes one.
-TEST(Save, AFullDiskLeavesTheTargetAsItWas) {
-  const ScratchFolder folder;
-  const std::string path = folder.path + "/file";
-  ASSERT_EQ(save(goodFile1().bytes, path), "saved");
-  struct rlimit before {};
-  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-  const struct rlimit small = {100000, before.rlim_max};
-  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-  EXPECT_EQ(save(Bytes(300000), path), "File too large");
-  EXPECT_EQ(save(Bytes(300000), folder.path + "/new"), "File too large");
-  EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
-  EXPECT_EQ(bytesOf(readFile(path)), goodFile1().bytes);
-  EXPECT_EQ(folder.files(), 1U);
-}
-
-TEST(Save, FollowsSymbolicLinks) {
-  const ScratchFolder folder;
-  Kis kis;
-  ASSERT_TRUE(loadBytes(goodFile1().bytes, kis));
-  fs::create_directory(folder.path + "/there");
-  fs::create_symlink("there/second", folder.path + "/first");
-  fs::create_symlink("file", folder.path + "/there/second");
-  for (int round = 0; round < 2; ++round) { // at first the link leads to nothing
-    EXPECT_EQ(save(kis, folder.path + "/first"), "saved");
-    EXPECT_TRUE(fs::is_symlink(folder.path + "/first"));
-    EXPECT_TRUE(fs::is_symlink(folder.path + "/there/second"));
-    EXPECT_EQ(bytesOf(readFile(folder.path + "/there/file")), goodFile1().bytes);
-  }
-  fs::create_symlink("round", folder.path + "/round");
-  EXPECT_EQ(save(kis, folder.path + "/round"), "Output File Open Error\nfailed");
-  EXPECT_EQ(folder.files(), 3U);
-}
-
+/// Also on a disk that is full, as a limit on the size of files makes one.
 TEST(Save, AFailureLeavesTheTargetAsItWas) {
   const ScratchFolder folder;
   const std::string path = folder.path + "/file";
   Kis kis;
   ASSERT_TRUE(loadBytes(goodFile1().bytes, kis));
   ASSERT_EQ(save(kis, path), "saved");
-  EXPECT_EQ(save(kis, folder.path), "Output File Open Error\nfailed");
-  EXPECT_EQ(save(kis, folder.path + "/none/file"), "Output File Open Error\nfailed");
-  EXPECT_EQ(save(kis, path + "/file"), "Output File Open Error\nfailed");
+  for (const std::string &wrong : {folder.path, folder.path + "/none/file", path + "/file"})
+    EXPECT_EQ(save(kis, wrong), "Output File Open Error\nfailed");
+  EXPECT_EQ(save(Bytes(1), folder.path), "Is a directory");
   kis.file_header.version = 0; // writing fails after the new file was made
-  EXPECT_EQ(save(kis, path), "Output File Write Error\nfailed");
-  EXPECT_EQ(save(kis, folder.path + "/new"), "Output File Write Error\nfailed");
+  struct rlimit before {};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+  const struct rlimit small = {100000, before.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+  for (const std::string &to : {path, folder.path + "/new"}) {
+    EXPECT_EQ(save(kis, to), "Output File Write Error\nfailed");
+    EXPECT_EQ(save(Bytes(300000), to), "File too large");
+  }
+  EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
   EXPECT_EQ(bytesOf(readFile(path)), goodFile1().bytes);
   EXPECT_EQ(folder.files(), 1U);
+  const std::string pipe = folder.path + "/pipe";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_EQ(save(Bytes(1), pipe), "No such device or address") << "a pipe that nobody reads";
 }
 
 /// Owner and group stay where the system allows it; a group that has to change gets no more than everybody.

@@ -154,37 +154,6 @@ TEST(Salvage, WhatIsWrongBesideIsTold) {
   EXPECT_GT(told, 100U);
 }
 
-/// A maker block that is too short in a file with nothing else wrong.
-TEST(Salvage, ShortMakerBlocksAreFilledUp) {
-  struct {
-    const char *text;
-    const char *list;
-    std::size_t lacking;
-  } const rows[] = {{"SceneList V=16 U=8", "SceneList", 4},
-                    {"CamList { Cam Cam V=20 U=4 Cam }", "CamList", 4},
-                    {"ObjList { Obj V=0 U=4 }", "ObjList", 28},
-                    {"ShapeList U=8 { Shape V=4 shape_part_num=2 }", "ShapeList", 8},
-                    {"MatList { Mat V=100 }", "MatList", 4},
-                    {"TexList { Tex V=16 U=4 { TexStill } }", "TexList", 4},
-                    {"TeximgList { Teximg texels=8 V=0 U=4 Teximg }", "TeximgList", 4},
-                    {"AnimList { AnimGroup V=8 }", "AnimList", 140}};
-  for (const auto &[text, list, lacking] : rows) {
-    SCOPED_TRACE(text);
-    const Bytes file = samples::build(VERSION_2, text).bytes;
-    const Mending refused = mendAndCheck(file, false);
-    EXPECT_EQ(refused.result.outcome, Outcome::hopeless);
-    EXPECT_EQ(refused.broken, "");
-    const Mending mending = mendAndCheck(file, true);
-    EXPECT_EQ(mending.broken, "");
-    ASSERT_EQ(mending.result.outcome, Outcome::salvaged);
-    EXPECT_EQ(mending.bytes.size(), file.size() + lacking);
-    ASSERT_EQ(mending.result.losses.size(), 1U);
-    EXPECT_STREQ(mending.result.losses[0].list, list);
-    EXPECT_EQ(mending.result.losses[0].what,
-              "the maker block is filled up with " + std::to_string(lacking) + " bytes of zeros");
-  }
-}
-
 } // namespace
 
 } // namespace kova::mend
