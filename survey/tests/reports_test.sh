@@ -97,6 +97,7 @@ files() { find . -type f ! -name out ! -name err -exec sha256sum {} + | sort; }
 refused() {
   local before
   before=$(files)
+  # shellcheck disable=SC2016 # for the other shell
   run 3 "kbsurvey $2" sh -c '"$0" '"$2" "$KBSURVEY"
   if [[ $2 != *'2>>'* ]]; then grep "^kbsurvey: .*$1" err >/dev/null || fail "kbsurvey $2: $(cat err)"; fi
   same "kbsurvey $2" "$before" "$(files)"
