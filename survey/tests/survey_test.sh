@@ -91,6 +91,9 @@ kbsurvey -j1 --deep --repairable samples
 kbsurvey -j1 -q --color=always --deep samples
 kbsurvey --list-findings | while read -r id _; do kbsurvey --explain $id | grep '^Next step:  .' >/dev/null || echo $id; done
 END
+"$KBSURVEY" --list-findings | cut -d ' ' -f 1 | xargs -n 1 "$KBSURVEY" --explain | sed -n 's/^Example:  *\([^;]*\).*/\1/p' >examples
+same "examples that are printed of no file" "" "$(grep -vE '^((In|Out)put File|WARN : )|out of memory|^The number of lights' examples |
+  while read -r text; do cat samples/*.{out,err} "$SOURCE_DIR/tests/golden/cases.out" | grep -F -e "$text" >/dev/null || echo "$text"; done)"
 
 # --- The search ---
 
