@@ -1,6 +1,6 @@
 /// kbaudit: loads a KOVA scene file, checks it, prints the verdict, and writes the text form of what it holds.
 
-#include "driver/memory.h"
+#include "common/memory.h"
 #include "kova/check.h"
 #include "kova/kova.h"
 #include "kova/kt.h"
@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <sys/stat.h>
 
 namespace {
 
@@ -87,12 +88,19 @@ int audit(const char *path, kova::Kis &kis, Output &output) {
   return EXIT_SUCCESS;
 }
 
+/// @return the size of a regular file; 0 of anything else.
+std::uint64_t sizeOf(const char *path) {
+  struct stat status;
+  return ::stat(path, &status) == 0 && S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
   const char *const path = argc > 1 ? argv[1] : nullptr;
   if (path != nullptr)
-    reserveMemory(path);
+    reserveMemory(sizeOf(path), 1);
+  const ModelMemory memory;
   // The model lives until the process ends: to free it would only cost time.
   static kova::Kis *const kis = kova::kvNewKis().release();
   if (kis == nullptr) {

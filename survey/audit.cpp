@@ -1,6 +1,7 @@
 #include "survey/audit.h"
 
 #include "common/file.h"
+#include "common/memory.h"
 #include "kova/check.h"
 #include "mend/diagnose.h"
 #include "survey/deep.h"
@@ -89,6 +90,7 @@ bool hasChanged(const Descriptor &file, const FileResult &result) {
 
 /// Loads and checks an opened file; findings go to the receiver in place.
 void judge(const Descriptor &file, FileResult &result, Workspace &workspace) {
+  const ModelMemory memory; // is there before the model and after it
   const KisHandle kis = kvNewKis();
   if (!kis)
     return refuse(result, Reason::no_memory, "");

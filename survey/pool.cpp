@@ -1,5 +1,6 @@
 #include "survey/pool.h"
 
+#include "common/memory.h"
 #include "survey/parallel.h"
 
 #include <algorithm>
@@ -65,15 +66,20 @@ void watch(const std::stop_token &stop, const Shared &shared, Progress progress)
 void auditAll(std::vector<Input> inputs, const Run &run) {
   Shared shared{std::move(inputs), run};
   Progress totals{.files = shared.inputs.size()};
-  for (const Input &input : shared.inputs)
+  std::uint64_t most_bytes = 0;
+  for (const Input &input : shared.inputs) {
     totals.bytes += input.bytes;
+    most_bytes = std::max(most_bytes, input.bytes);
+  }
+  const std::size_t workers = std::min<std::size_t>(run.workers, shared.inputs.size());
+  reserveMemory(most_bytes, workers);
   std::jthread watcher; // stops when it is destroyed
   try {
     if (run.show_progress)
       watcher = std::jthread([&](const std::stop_token &stop) { watch(stop, shared, totals); });
   } catch (const std::exception &) { // no thread for it: the progress is not shown
   }
-  inParallel(std::min<std::size_t>(run.workers, shared.inputs.size()), [&] { work(shared); });
+  inParallel(workers, [&] { work(shared); });
 }
 
 } // namespace kova::survey
