@@ -34,6 +34,10 @@ std::optional<std::uint64_t> inputPlace(const Input &input);
 bool seekInput(Input &input, std::uint64_t place);
 std::optional<std::uint64_t> inputLength(const Input &input);
 
+/// Reads a list of `size` bytes, by its place in `LISTS`, from the input's position, or clears its record where the
+/// size is 0. Maker blocks are not decoded. @return 1; 0 after a finding
+int readListAt(Input &input, Word size, Kis &kis, std::size_t list);
+
 /// @return which file the stream reads. Unknown for whatever is neither a regular file nor a block device.
 InputFile identify(std::FILE *stream);
 

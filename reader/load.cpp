@@ -158,37 +158,11 @@ Place stoppedAt(const Cursor &cursor, std::uint64_t file_length) {
   return {cursor.list, cursor.element, at < file_length ? at : NO_OFFSET};
 }
 
-/// Reads a list of `size` bytes from the input's position, or clears its record where the size is 0.
-int readList(Input &input, Word size, Kis &kis, std::size_t list) {
-  if (size == 0)
-    return READERS[list].clear(kis);
-  const char *const name = LISTS[list].name;
-  try {
-    ListWindow window = windowFor(input, size);
-    Cursor cursor;
-    cursor.size = static_cast<std::size_t>(window.list_size);
-    cursor.window = &window;
-    cursor.list = name;
-    cursor.begin = window.list_begin;
-    const int ok = READERS[list].read(cursor, kis);
-    // Whatever its reader made of it, the list ends where the header says.
-    if (window.list_begin != NO_OFFSET)
-      seekInput(input, window.list_begin + window.list_size);
-    if (failed(input))
-      return sayReadError(input, kis, name);
-    if (cursor.fault == Fault::past_end)
-      report<"list-runs-past-end">(stoppedAt(cursor, inputLength(input).value_or(0)), {}, name);
-    return cursor.fault == Fault::no_memory ? sayNoMemory(name) : ok;
-  } catch (const std::exception &) {
-    return sayNoMemory(name);
-  }
-}
-
 /// Reads the lists `first` to `last` - 1 in file order. The first that fails ends it: where the next one begins is
 /// known, but the format's library stops here, and the verdict says so.
 int readLists(Input &input, Kis &kis, std::size_t first, std::size_t last) {
   for (std::size_t list = first; list < last; ++list)
-    if (!readList(input, kis.file_header.*LISTS[list].size, kis, list))
+    if (!readListAt(input, kis.file_header.*LISTS[list].size, kis, list))
       return 0;
   return 1;
 }
@@ -304,6 +278,31 @@ int readBoth(Input &input, Kis &kis) {
 
 } // namespace
 
+int readListAt(Input &input, Word size, Kis &kis, std::size_t list) {
+  if (size == 0)
+    return READERS[list].clear(kis);
+  const char *const name = LISTS[list].name;
+  try {
+    ListWindow window = windowFor(input, size);
+    Cursor cursor;
+    cursor.size = static_cast<std::size_t>(window.list_size);
+    cursor.window = &window;
+    cursor.list = name;
+    cursor.begin = window.list_begin;
+    const int ok = READERS[list].read(cursor, kis);
+    // Whatever its reader made of it, the list ends where the header says.
+    if (window.list_begin != NO_OFFSET)
+      seekInput(input, window.list_begin + window.list_size);
+    if (failed(input))
+      return sayReadError(input, kis, name);
+    if (cursor.fault == Fault::past_end)
+      report<"list-runs-past-end">(stoppedAt(cursor, inputLength(input).value_or(0)), {}, name);
+    return cursor.fault == Fault::no_memory ? sayNoMemory(name) : ok;
+  } catch (const std::exception &) {
+    return sayNoMemory(name);
+  }
+}
+
 KisHandle kvNewKis() { return KisHandle(new (std::nothrow) Kis); }
 
 int kvOpenKb(const char *path, Kis &kis) {
@@ -370,7 +369,7 @@ int kvReadList(std::FILE *stream, Word size, Kis &kis, const char *name) {
   Input input = {stream};
   for (std::size_t list = 0; list < LIST_NUM; ++list)
     if (std::strcmp(LISTS[list].name, name) == 0)
-      return readList(input, size, kis, list);
+      return readListAt(input, size, kis, list);
   return 0;
 }
 

@@ -13,9 +13,15 @@ template <WordRecord Head> void putFixed(Output &out, const std::type_identity_t
   putWords(out, &record, sizeof(Head));
 }
 
+/// @return the items that a count takes in, as far as they are held.
+template <class Item>
+std::span<const Item> taken(const Output &out, const std::vector<Item> &held, std::uint64_t count) {
+  return counted(out.all_held ? held.size() : count, held);
+}
+
 /// Writes the items that a count takes in, as far as they are held.
 template <WordRecord Item> void putRun(Output &out, const std::vector<Item> &run, std::uint64_t count) {
-  const auto held = counted(count, run);
+  const auto held = taken(out, run, count);
   putWords(out, held.data(), held.size_bytes());
 }
 
@@ -36,7 +42,7 @@ template <class Record, class Around = Record> struct RecordWriter {
 
   template <class Text, class Item, class Holder, class Count>
   int pairs(Text, std::vector<Item> Holder::*member, Count count, To = To::nothing) {
-    const auto held = counted(numberOf(record, count), record.*member);
+    const auto held = taken(out, record.*member, numberOf(record, count));
     for (std::size_t word = 0; word < sizeof(Item) / sizeof(Word); ++word)
       for (const Item &item : held)
         putWords(out, reinterpret_cast<const unsigned char *>(&item) + word * sizeof(Word), sizeof(Word));
@@ -47,14 +53,14 @@ template <class Record, class Around = Record> struct RecordWriter {
   int run(Form, std::vector<Item> Holder::*member, Count count) {
     if constexpr (Form::bytes == sizeof(Item))
       return array(0, member, count);
-    for (const Item &item : counted(numberOf(record, count), record.*member))
+    for (const Item &item : taken(out, record.*member, numberOf(record, count)))
       putWords(out, &item, Form::bytes);
     return 1;
   }
 
   template <class Form, class Item, class Holder, class Count>
   int records(Form form, std::vector<Item> Holder::*member, Count count) {
-    for (const Item &item : counted(numberOf(record, count), record.*member))
+    for (const Item &item : taken(out, record.*member, numberOf(record, count)))
       put(form, item);
     return 1;
   }
@@ -130,7 +136,7 @@ private:
 
   /// Puts a block of so many bytes, of which whole words are stored; those that the model lacks are zeros.
   void putBlock(std::span<const Word> held, Word bytes) {
-    const std::uint64_t words = bytes / sizeof(Word);
+    const std::uint64_t words = out.all_held ? held.size() : bytes / sizeof(Word);
     const std::uint64_t end = out.offset + words * sizeof(Word);
     putWords(out, held.data(), static_cast<std::size_t>(std::min<std::uint64_t>(words, held.size())) * sizeof(Word));
     moveTo(out, end);

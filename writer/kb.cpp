@@ -2,6 +2,7 @@
 
 #include "format/all.h"
 #include "writer/elements.h"
+#include "writer/list.h"
 
 #include <algorithm>
 
@@ -21,15 +22,6 @@ bool anyListHeld(const Kis &kis) {
     any = any || anyWord<typename ListFormat<List>::Head>(kis.*row.list);
   });
   return any;
-}
-
-/// Writes one list of a model.
-void writeList(Output &out, const Kis &kis, std::size_t list) {
-  std::size_t number = 0;
-  eachList([&](const auto &row) {
-    if (number++ == list)
-      putList(out, kis.*row.list, kvKOVAver(kis.file_header) == VERSION_2);
-  });
 }
 
 /// @return whether the words of a block are no more than its size says.
@@ -176,6 +168,14 @@ void writeLists(Output &out, const Kis &kis, std::uint64_t place) {
 }
 
 } // namespace
+
+void writeList(Output &out, const Kis &kis, std::size_t list) {
+  std::size_t number = 0;
+  eachList([&](const auto &row) {
+    if (number++ == list)
+      putList(out, kis.*row.list, kvKOVAver(kis.file_header) == VERSION_2);
+  });
+}
 
 int kvWriteKb(std::FILE *stream, const Kis &kis) {
   const FileHeader &header = kis.file_header;

@@ -20,6 +20,7 @@ inline constexpr std::size_t LOOK_BACK_BYTES = 64;
 struct Output {
   std::FILE *stream; ///< not owned
   bool failed = false;
+  bool all_held = false;    ///< all that is held is written and nothing more, whatever counts and block sizes say
   std::uint64_t size = 0;   ///< of the list that is being written, in bytes
   std::uint64_t offset = 0; ///< the place in the list where the next record goes; may lie past the end
   std::uint64_t begin = 0;  ///< the place in the list of the first byte in the buffer, a multiple of 4
