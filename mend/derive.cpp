@@ -1,5 +1,7 @@
 #include "mend/derive.h"
 
+#include "mend/list_view.h"
+
 #include <algorithm>
 #include <unordered_map>
 
@@ -165,7 +167,7 @@ void Deriver::deriveList() {
   const ListLayout &layout = LAYOUT[list_now];
   if (!isListTag(list_now, image[span.begin]))
     set(span.begin, layout.tag_name, LISTS[list_now].tag, BY_PLACE);
-  set(span.begin + 8, layout.size_name, static_cast<Word>(span.end - span.begin),
+  set(span.begin + list_at::SIZE, layout.size_name, static_cast<Word>(span.end - span.begin),
       layout.first == nullptr ? BY_PARTS : "where the list ends");
   if (layout.first == nullptr) {
     Walk walk(image, image.size(), version_2);
@@ -175,14 +177,12 @@ void Deriver::deriveList() {
   }
   if (unsolved.contains(span.begin))
     return;
-  const Word first = image[span.begin + 12];
-  const Word second = layout.second != nullptr ? image[span.begin + 16] : 0;
-  const std::uint64_t table = span.begin + layout.head_bytes;
-  const std::uint64_t second_table = table + std::uint64_t{first} * sizeof(Word);
-  std::uint64_t at = second_table + std::uint64_t{second} * sizeof(Word);
-  deriveElements(*layout.first, at, table, layout.table_name, first);
+  const ListView view(image, list_now, span.begin);
+  std::uint64_t at = view.elements();
+  deriveElements(*layout.first, at, view.entry(0), layout.table_name, static_cast<Word>(view.first));
   if (layout.second != nullptr)
-    deriveElements(*layout.second, at, second_table, layout.second_table_name, second);
+    deriveElements(*layout.second, at, view.entry(view.first), layout.second_table_name,
+                   static_cast<Word>(view.second));
 }
 
 void Deriver::deriveHeader() {

@@ -1,5 +1,6 @@
 /// Records of version 2.0 whose maker blocks are shorter than what they hold.
 #include "mend/derive.h"
+#include "mend/list_view.h"
 #include "mend/salvage.h"
 
 namespace kova::mend {
@@ -59,19 +60,15 @@ bool Filler::fillRecord(std::size_t list, const Spot &spot, std::uint64_t &end) 
 }
 
 bool Filler::fillList(const Claim &span) {
-  const ListLayout &layout = LAYOUT[span.list];
   std::uint64_t at = span.begin;
-  if (layout.first == nullptr)
+  if (LAYOUT[span.list].first == nullptr)
     return fillRecord(span.list, {&SCENE, at}, at);
-  const std::uint64_t numbers[] = {image[at + 12], layout.second != nullptr ? image[at + 16] : 0};
-  at += layout.head_bytes + (numbers[0] + numbers[1]) * sizeof(Word);
+  const ListView view(image, span.list, span.begin);
+  at = view.elements();
   copy(span.begin, at);
-  for (std::uint64_t i = 0; i < numbers[0] + numbers[1]; ++i) {
-    const Kind &kind = i < numbers[0] ? *layout.first : *layout.second;
-    const auto number = static_cast<Word>(i < numbers[0] ? i : i - numbers[0]);
-    if (!fillRecord(span.list, {&kind, at, number}, at))
+  for (std::uint64_t i = 0; i < view.number(); ++i)
+    if (!fillRecord(span.list, view.element(i, at), at))
       return false;
-  }
   if (at > span.end)
     return false;
   copy(at, span.end);

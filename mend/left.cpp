@@ -1,5 +1,7 @@
 #include "mend/left.h"
 
+#include "mend/list_view.h"
+
 #include <algorithm>
 
 namespace kova::mend {
@@ -93,20 +95,19 @@ private:
   Bytes &bytes = cut.bytes;
   std::string &told = cut.told;
   bool cut_before_blocks = false;
-  Word maker = 0; ///< sizes of the blocks
-  Word user = 0;
+  BlockSizes blocks = {};
 };
 
 /// Keeps the pieces as far as they are whole. @return false where what is left is no record.
 bool Cutter::keepPieces(std::uint64_t end) {
   const bool has_blocks = kind.blocks_at != NO_WORD;
-  maker = has_blocks ? image[begin + kind.blocks_at] & ~Word{3} : 0;
-  user = has_blocks ? image[begin + kind.blocks_at + 4] & ~Word{3} : 0;
+  if (has_blocks)
+    blocks = blockSizes(image, begin + kind.blocks_at);
   append(bytes, image, begin, begin + kind.fixed);
   for (const Piece &piece : found.pieces)
     if (!keepPiece(piece))
       return false;
-  const std::uint64_t content_end = end - maker - user;
+  const std::uint64_t content_end = end - blocks.sum();
   if (!cut_before_blocks && content_end >= begin + kind.fixed &&
       content_end <= image.size()) { // also what is no piece, as the size of an image
     bytes.clear();
@@ -169,14 +170,14 @@ bool Cutter::keepPiece(const Piece &piece) {
 bool Cutter::keepBlocks() {
   if (kind.blocks_at == NO_WORD)
     return true;
-  const std::uint64_t blocks = begin + bytes.size();
-  const std::uint64_t there = cut_before_blocks ? 0 : image.size() - blocks;
-  const auto kept_maker = static_cast<Word>(std::min<std::uint64_t>(maker, there) & ~std::uint64_t{3});
-  const auto kept_user =
-      static_cast<Word>(std::min<std::uint64_t>(user, there > maker ? there - maker : 0) & ~std::uint64_t{3});
+  const std::uint64_t blocks_begin = begin + bytes.size();
+  const std::uint64_t there = cut_before_blocks ? 0 : image.size() - blocks_begin;
+  const BlockSizes kept = blocks.trimmed(there);
+  const auto kept_maker = static_cast<Word>(kept.maker);
+  const auto kept_user = static_cast<Word>(kept.user);
   FileBytes(bytes).set(kind.blocks_at, kept_maker);
   FileBytes(bytes).set(Word{kind.blocks_at} + 4, 0);
-  append(bytes, image, blocks, blocks + kept_maker);
+  append(bytes, image, blocks_begin, blocks_begin + kept_maker);
   FileBytes made(bytes);
   made.set(kind.size_at, static_cast<Word>(bytes.size())); // the size of an image follows from it
   Walk walk(made, bytes.size(), version_2);
@@ -188,15 +189,15 @@ bool Cutter::keepBlocks() {
   FileBytes(bytes).set(kind.blocks_at, kept_maker + static_cast<Word>(lacking));
   FileBytes(bytes).set(Word{kind.blocks_at} + 4, kept_user);
   if (kept_user != 0)
-    append(bytes, image, blocks + maker, blocks + maker + kept_user);
+    append(bytes, image, blocks_begin + blocks.maker, blocks_begin + blocks.maker + kept_user);
   FileBytes(bytes).set(kind.size_at, static_cast<Word>(bytes.size()));
   const auto tell = [&](const std::string &what) { told += (told.empty() ? "" : ", ") + what; };
   if (lacking != 0)
     tell("the maker block is filled up with " + std::to_string(lacking) + " bytes of zeros");
-  if (kept_maker < maker && lacking == 0)
-    tell(leftOf({maker, kept_maker}, "bytes of the maker block"));
-  if (kept_user < user)
-    tell(leftOf({user, kept_user}, "bytes of the user block"));
+  if (kept_maker < blocks.maker && lacking == 0)
+    tell(leftOf({blocks.maker, kept_maker}, "bytes of the maker block"));
+  if (kept_user < blocks.user)
+    tell(leftOf({blocks.user, kept_user}, "bytes of the user block"));
   return true;
 }
 

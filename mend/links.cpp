@@ -1,5 +1,7 @@
 #include "mend/links.h"
 
+#include "mend/list_view.h"
+
 #include <algorithm>
 #include <map>
 
@@ -177,20 +179,17 @@ bool cutLinks(FileBytes &image, const Spans &spans, Gone gone, std::vector<Loss>
     const Claim &span = spans[list];
     if (span.end == 0)
       continue;
-    const ListLayout &layout = LAYOUT[list];
-    if (layout.first == nullptr) {
+    if (LAYOUT[list].first == nullptr) {
       cutter.startElement(LISTS[list].name, {});
       Walk(image, image.size(), version_2, &cutter).over({&SCENE, span.begin});
       continue;
     }
-    const Word first = image[span.begin + 12];
-    const Word second = layout.second != nullptr ? image[span.begin + 16] : 0;
-    std::uint64_t at = span.begin + layout.head_bytes + (std::uint64_t{first} + second) * sizeof(Word);
-    for (std::uint64_t i = 0; i < std::uint64_t{first} + second && at < span.end; ++i) {
-      const Kind &kind = i < first ? *layout.first : *layout.second;
-      const auto number = static_cast<Word>(i < first ? i : i - first);
-      cutter.startElement(LISTS[list].name, number);
-      at = Walk(image, image.size(), version_2, &cutter).over({&kind, at, number});
+    const ListView view(image, list, span.begin);
+    std::uint64_t at = view.elements();
+    for (std::uint64_t i = 0; i < view.number() && at < span.end; ++i) {
+      const Spot element = view.element(i, at);
+      cutter.startElement(LISTS[list].name, element.number);
+      at = Walk(image, image.size(), version_2, &cutter).over(element);
     }
   }
   cutter.finish();

@@ -1,4 +1,5 @@
 /// Lists: every end that something gives for one is followed, and every number of elements.
+#include "mend/list_view.h"
 #include "mend/reading.h"
 
 #include <algorithm>
@@ -11,10 +12,8 @@ constexpr int MOST_BEGINNINGS = 3;
 /// Follows every end that something gives for a list of which the elements were read.
 void Reader::closeList(std::size_t list, std::uint64_t begin, const Reading &inner, Readings &readings) {
   const std::uint64_t sizes_at = begin + LAYOUT[list].blocks_at;
-  const std::uint64_t maker = image[sizes_at] & ~Word{3};
-  const std::uint64_t user = image[sizes_at + 4] & ~Word{3};
-  const std::uint64_t by_words = inner.at + maker + user;
-  const std::uint64_t by_size = begin + image[begin + 8];
+  const std::uint64_t by_words = inner.at + blockSizes(image, sizes_at).sum();
+  const std::uint64_t by_size = begin + image[begin + list_at::SIZE];
   const std::uint64_t by_header = begin + declared(list);
   std::vector<std::uint64_t> ends = {by_words};
   addEnd(ends, by_size);
@@ -82,11 +81,9 @@ void Reader::readNumbered(std::size_t list, const Reading &before, Word first, W
 
 /// @return whether the first element of the list at `begin` is where the counts say.
 bool Reader::beginsAsCounted(std::size_t list, std::uint64_t begin) const {
-  const ListLayout &layout = LAYOUT[list];
-  const Word first = image[begin + 12];
-  const Word second = layout.second != nullptr ? image[begin + 16] : 0;
-  const std::uint64_t at = begin + layout.head_bytes + (std::uint64_t{first} + second) * sizeof(Word);
-  const Kind &kind = first != 0 || second == 0 ? *layout.first : *layout.second;
+  const ListView view(image, list, begin);
+  const std::uint64_t at = view.elements();
+  const Kind &kind = view.first != 0 || view.second == 0 ? *view.layout.first : *view.layout.second;
   return at + 8 <= image.size() && isElementTag(kind, image[at]) && image[at + 4] == 0;
 }
 
@@ -105,8 +102,8 @@ void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings 
   const ListLayout &layout = LAYOUT[list];
   const std::uint64_t begin = before.at;
   const std::uint64_t table = begin + layout.head_bytes;
-  const Word first = image[begin + 12];
-  const Word second = layout.second != nullptr ? image[begin + 16] : 0;
+  const Word first = image[begin + list_at::COUNT];
+  const Word second = layout.second != nullptr ? image[begin + list_at::SECOND_COUNT] : 0;
   const auto follow = [&](Word new_first, Word new_second) {
     if (new_first == first && new_second == second)
       return;
@@ -118,9 +115,9 @@ void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings 
                 reading.claims);
     };
     if (new_first != first)
-      change(12, layout.count_name, new_first);
+      change(list_at::COUNT, layout.count_name, new_first);
     if (new_second != second)
-      change(16, layout.second_count_name, new_second);
+      change(list_at::SECOND_COUNT, layout.second_count_name, new_second);
     readNumbered(list, reading, new_first, new_second, readings);
   };
   for (const Kind *const kind : {layout.first, layout.second}) {
@@ -168,12 +165,12 @@ void Reader::readScene(const Reading &before, Readings &readings) {
 /// Passes a list without looking into it.
 void Reader::passList(std::size_t list, const Reading &before, Readings &readings) {
   const std::uint64_t begin = before.at;
-  for (const Word size : {image[begin + 8], declared(list)}) {
+  for (const Word size : {image[begin + list_at::SIZE], declared(list)}) {
     if (size < LAYOUT[list].head_bytes || begin + size > image.size())
       continue;
     Reading reading = before;
     reading.at = begin + size;
-    reading.cost += cost::UNSOLVED_LIST + Word{size != image[begin + 8]} + Word{size != declared(list)};
+    reading.cost += cost::UNSOLVED_LIST + Word{size != image[begin + list_at::SIZE]} + Word{size != declared(list)};
     reading.claims =
         claim({.sort = Claim::Sort::unsolved, .begin = begin, .end = reading.at, .list = list}, before.claims);
     add(readings, reading);
@@ -183,7 +180,7 @@ void Reader::passList(std::size_t list, const Reading &before, Readings &reading
 /// Reads a list that is there.
 void Reader::readListAt(const Reading &before, std::size_t list, Readings &readings) {
   const std::uint64_t begin = before.at;
-  list_end = std::min(image.size(), begin + std::max(image[begin + 8], declared(list)));
+  list_end = std::min(image.size(), begin + std::max(image[begin + list_at::SIZE], declared(list)));
   beginList(list_end - begin);
   Reading inside = before;
   inside.cost += Word{!isListTag(list, image[begin])};
@@ -191,8 +188,8 @@ void Reader::readListAt(const Reading &before, std::size_t list, Readings &readi
   if (LAYOUT[list].first == nullptr) {
     readScene(inside, ends);
   } else {
-    const Word second = LAYOUT[list].second != nullptr ? image[begin + 16] : 0;
-    readNumbered(list, inside, image[begin + 12], second, ends);
+    const Word second = LAYOUT[list].second != nullptr ? image[begin + list_at::SECOND_COUNT] : 0;
+    readNumbered(list, inside, image[begin + list_at::COUNT], second, ends);
     if ((ends.empty() || ends.front().cost > inside.cost) && !beginsAsCounted(list, begin))
       readOtherNumbers(list, inside, ends);
   }

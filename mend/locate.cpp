@@ -1,5 +1,6 @@
 #include "mend/locate.h"
 
+#include "mend/list_view.h"
 #include "mend/reading.h"
 
 #include <algorithm>
@@ -55,16 +56,17 @@ private:
 
 /// @return how many of tag and size are those of a list.
 int Locator::headAgreement(const FoundList &list, std::uint64_t at) const {
-  return isListTag(list.list, file[at]) + (file[at + 8] == list.size);
+  return isListTag(list.list, file[at]) + (file[at + list_at::SIZE] == list.size);
 }
 
 /// @return whether a list that was not found is not near its place, either, where wrong sizes in the header put it.
 bool Locator::isStrange(const FoundList &list) const {
   const Word head_bytes = list.list == 0 ? SCENE.fixed : LAYOUT[list.list].head_bytes;
-  if (list.size < head_bytes || file[list.was_at + 4] == head_bytes)
+  if (list.size < head_bytes || file[list.was_at + list_at::HEADER_SIZE] == head_bytes)
     return false;
   for (std::int64_t by = -MOST_SHIFTS; by <= MOST_SHIFTS; ++by)
-    if (isListTag(list.list, file[shifted(list.was_at, by)]) && file[shifted(list.was_at + 4, by)] == head_bytes)
+    if (isListTag(list.list, file[shifted(list.was_at, by)]) &&
+        file[shifted(list.was_at + list_at::HEADER_SIZE, by)] == head_bytes)
       return false;
   return true;
 }
@@ -121,7 +123,7 @@ bool Locator::isElement(const Kind &kind, std::uint64_t at, Word number, std::ui
     return false;
   Walk walk(file, version_2, nullptr, steps_left);
   const std::uint64_t by_words = walk.over({&kind, at, number});
-  return by_words == at + (kind.size_in_bytes ? size & ~Word{3} : size);
+  return by_words == at + (wholeWords(kind, size));
 }
 
 /// @return whether something that nothing confirms is not even like what stood there, with some words wrong.
@@ -159,7 +161,7 @@ void Locator::findInTable(const FoundList &list, const Kind &kind, std::uint64_t
                           std::vector<FoundElement> &elements) {
   for (std::size_t number = 0; number < elements.size(); ++number) {
     const Word size = file[table + number * sizeof(Word)];
-    elements[number].size = kind.size_in_bytes ? size & ~Word{3} : size;
+    elements[number].size = wholeWords(kind, size);
     findElement(kind, was_at, static_cast<Word>(number), size, list.moved_behind, elements[number]);
     was_at += elements[number].size;
   }
@@ -169,15 +171,15 @@ void Locator::findInTable(const FoundList &list, const Kind &kind, std::uint64_t
 bool Locator::findByTable(FoundList &list) {
   const ListLayout &layout = LAYOUT[list.list];
   const std::uint64_t table = list.begin + layout.head_bytes;
-  const std::uint64_t numbers[] = {file[list.begin + 12], layout.second != nullptr ? file[list.begin + 16] : 0};
-  std::uint64_t sum = layout.head_bytes + (file[list.begin + layout.blocks_at] & ~Word{3}) +
-                      (file[list.begin + layout.blocks_at + 4] & ~Word{3});
+  const ListView view(file, list.list, list.begin);
+  const std::uint64_t numbers[] = {view.first, view.second};
+  std::uint64_t sum = layout.head_bytes + blockSizes(file, list.begin + layout.blocks_at).sum();
   if (numbers[0] + numbers[1] > list.size / sizeof(Word))
     return false;
   for (std::uint64_t i = 0; i < numbers[0] + numbers[1]; ++i) {
     const Word size = file[table + i * sizeof(Word)];
     const Kind &kind = i < numbers[0] ? *layout.first : *layout.second;
-    sum += sizeof(Word) + (kind.size_in_bytes ? size & ~Word{3} : size);
+    sum += sizeof(Word) + (wholeWords(kind, size));
   }
   if (sum != list.size)
     return false;
@@ -198,12 +200,12 @@ void Locator::findByTags(FoundList &list) {
   const Kind *const kinds[] = {layout.first, layout.second};
   std::uint64_t numbers[] = {0, 0};
   if (list.isFound()) {
-    numbers[0] = file[list.begin + 12];
-    numbers[1] = layout.second != nullptr ? file[list.begin + 16] : 0;
+    numbers[0] = file[list.begin + list_at::COUNT];
+    numbers[1] = layout.second != nullptr ? file[list.begin + list_at::SECOND_COUNT] : 0;
   }
   const std::uint64_t least = numbers[0] * (layout.first->fixed + sizeof(Word)) +
                               (numbers[1] != 0 ? numbers[1] * (layout.second->fixed + sizeof(Word)) : 0);
-  list.numbers_known = list.isFound() && file[list.begin + 4] == layout.head_bytes &&
+  list.numbers_known = list.isFound() && file[list.begin + list_at::HEADER_SIZE] == layout.head_bytes &&
                        layout.head_bytes + least <= list.size && (least != 0 || list.size == layout.head_bytes);
   std::uint64_t at = list.isFound() ? list.begin + layout.head_bytes : shifted(list.was_at, std::min(shift, moved));
   for (const std::size_t i : {std::size_t{0}, std::size_t{1}}) {
@@ -217,7 +219,7 @@ void Locator::findByTags(FoundList &list) {
         break;
       elements.resize(file[next + kinds[i]->index_at] + std::size_t{1});
       const Word size = file[next + kinds[i]->size_at];
-      elements.back() = {next, kinds[i]->size_in_bytes ? size & ~Word{3} : size};
+      elements.back() = {next, wholeWords(*kinds[i], size)};
       at = next + elements.back().size;
     }
     if (list.numbers_known)
@@ -239,7 +241,7 @@ std::uint64_t Locator::blocksOf(const FoundList &list) const {
   if (list.list == 0 || !list.isFound())
     return 0;
   const std::uint64_t sizes_at = list.begin + LAYOUT[list.list].blocks_at;
-  const std::uint64_t bytes = (file[sizes_at] & ~Word{3}) + std::uint64_t{file[sizes_at + 4] & ~Word{3}};
+  const std::uint64_t bytes = blockSizes(file, sizes_at).sum();
   return bytes <= list.size && list.table_whole ? bytes : 0;
 }
 

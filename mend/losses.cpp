@@ -1,5 +1,7 @@
 #include "mend/losses.h"
 
+#include "mend/list_view.h"
+
 #include <algorithm>
 #include <bit>
 
@@ -15,7 +17,8 @@ struct ListRead {
   bool changes_lengths = false;
 
   Word number(const FileBytes &file, int kind) const {
-    return counts[kind] != nullptr ? counts[kind]->value : file[span->begin + (kind == 0 ? 12 : 16)];
+    return counts[kind] != nullptr ? counts[kind]->value
+                                   : file[span->begin + (kind == 0 ? list_at::COUNT : list_at::SECOND_COUNT)];
   }
 };
 
@@ -34,9 +37,9 @@ ListsRead listsOf(const Reading &reading) {
     list.changes_lengths = true;
     if (claim->element || layout.first == nullptr || list.span == nullptr)
       continue;
-    if (claim->begin == list.span->begin + 12)
+    if (claim->begin == list.span->begin + list_at::COUNT)
       list.counts[0] = claim;
-    else if (layout.second != nullptr && claim->begin == list.span->begin + 16)
+    else if (layout.second != nullptr && claim->begin == list.span->begin + list_at::SECOND_COUNT)
       list.counts[1] = claim;
     else
       list.changes_blocks = true;
@@ -80,14 +83,11 @@ const Kind *soundElement(const FileBytes &file, std::uint64_t at, std::uint64_t 
 std::vector<std::pair<std::uint64_t, const Kind *>> elementsOf(const FileBytes &read, std::size_t number,
                                                                const ListRead &list) {
   std::vector<std::pair<std::uint64_t, const Kind *>> elements;
-  const ListLayout &layout = LAYOUT[number];
-  const std::uint64_t begin = list.span->begin;
-  const std::uint64_t numbers[] = {read[begin + 12], layout.second != nullptr ? read[begin + 16] : 0};
-  std::uint64_t at = begin + layout.head_bytes + (numbers[0] + numbers[1]) * sizeof(Word);
-  for (std::uint64_t i = 0; i < numbers[0] + numbers[1] && at < list.span->end; ++i) {
-    const Kind &kind = i < numbers[0] ? *layout.first : *layout.second;
-    elements.emplace_back(at, &kind);
-    at = Walk(read, read.size(), read.version() == VERSION_2).over({&kind, at});
+  const ListView view(read, number, list.span->begin);
+  std::uint64_t at = view.elements();
+  for (std::uint64_t i = 0; i < view.number() && at < list.span->end; ++i) {
+    elements.emplace_back(at, &view.kind(i));
+    at = Walk(read, read.size(), read.version() == VERSION_2).over(view.element(i, at));
   }
   return elements;
 }

@@ -2,12 +2,21 @@
 
 #include "mend/derive.h"
 #include "mend/links.h"
+#include "mend/list_view.h"
 
 #include <algorithm>
 
 namespace kova::mend {
 
 namespace {
+
+/// The elements that are left of a list that was cut.
+struct CutElements {
+  Bytes bytes = {};
+  std::vector<Word> sizes = {}; ///< for the size tables
+  std::uint64_t first = 0;      ///< how many are left of the first kind
+  std::uint64_t second = 0;     ///< and of the second one
+};
 
 class Salvage {
 public:
@@ -22,7 +31,11 @@ private:
   void cutScene(std::uint64_t begin);
   void cutList(std::size_t list, std::uint64_t begin);
   std::uint64_t cutElements(std::size_t list, const Kind &kind, std::uint64_t &at, std::uint64_t table, Word number,
-                            Bytes &elements, std::vector<Word> &sizes);
+                            CutElements &cut);
+  void loseElements(const ListView &view, std::size_t list, bool has_head);
+  BlockSizes cutBlocks(std::size_t list, const BlockSizes &blocks, std::uint64_t there);
+  void addEmptyGroups(std::size_t list, CutElements &cut);
+  void appendHead(const ListView &view, const CutElements &cut, const BlockSizes &blocks);
   void lose(std::size_t list, std::optional<Word> element, std::string what) {
     made.losses.push_back({list < LIST_NUM ? LISTS[list].name : "FileHeader", element, std::move(what)});
   }
@@ -99,7 +112,7 @@ void Salvage::cutScene(std::uint64_t begin) {
 
 /// Appends the elements that are left, and their entries in the size table. @return their number.
 std::uint64_t Salvage::cutElements(std::size_t list, const Kind &kind, std::uint64_t &at, std::uint64_t table,
-                                   Word number, Bytes &elements, std::vector<Word> &sizes) {
+                                   Word number, CutElements &cut) {
   const To to = toKind(list, &kind == LAYOUT[list].second);
   Left &counted = gone[to] = {number, 0};
   for (Word i = 0; i < number && at < image.size(); ++i) {
@@ -108,17 +121,17 @@ std::uint64_t Salvage::cutElements(std::size_t list, const Kind &kind, std::uint
     Walk walk(image, image.size(), version_2);
     const std::uint64_t end = at + kind.fixed <= image.size() ? walk.over({&kind, at, i}) : UNKNOWN;
     if (end <= image.size() && !walk.broken) {
-      append(elements, image, at, end);
+      append(cut.bytes, image, at, end);
       const Word entry = image[table + std::uint64_t{i} * sizeof(Word)];
-      sizes.push_back((entry & ~Word{3}) == end - at ? entry : image[at + kind.size_at]);
+      cut.sizes.push_back((entry & ~Word{3}) == end - at ? entry : image[at + kind.size_at]);
       at = whole_end = end;
       ++counted.now;
       continue;
     }
     const CutRecord record = cutRecord(image, kind, at, i, version_2);
     if (record.kept) {
-      elements.insert(elements.end(), record.bytes.begin(), record.bytes.end());
-      sizes.push_back(static_cast<Word>(record.bytes.size()));
+      cut.bytes.insert(cut.bytes.end(), record.bytes.begin(), record.bytes.end());
+      cut.sizes.push_back(static_cast<Word>(record.bytes.size()));
       ++counted.now;
       lose(list, i, record.told);
       gone.cut.push_back({to, i, record.entries});
@@ -130,65 +143,78 @@ std::uint64_t Salvage::cutElements(std::size_t list, const Kind &kind, std::uint
   return counted.now;
 }
 
+/// A list of which no element is left.
+void Salvage::loseElements(const ListView &view, std::size_t list, bool has_head) {
+  gone[toKind(list, false)] = {has_head ? view.first : UNKNOWN, 0};
+  if (view.layout.second != nullptr)
+    gone[toKind(list, true)] = {has_head ? view.second : UNKNOWN, 0};
+  lose(list, {}, has_head ? leftOf({view.number(), 0}, "elements") : "the list is gone");
+  emptyList(list);
+}
+
+/// @return what is left of the blocks of a list of which so many bytes are there behind the elements.
+BlockSizes Salvage::cutBlocks(std::size_t list, const BlockSizes &blocks, std::uint64_t there) {
+  const BlockSizes kept = blocks.trimmed(there);
+  if (kept.sum() < blocks.sum())
+    lose(list, {}, leftOf({blocks.sum(), kept.sum()}, "bytes of the blocks"));
+  if (there > blocks.sum())
+    lose(list, {}, std::to_string(there - blocks.sum()) + " bytes behind the blocks");
+  return kept;
+}
+
+/// Files are read as if there were as many groups of vertex colours as there are of triangle colours.
+void Salvage::addEmptyGroups(std::size_t list, CutElements &cut) {
+  if (LISTS[list].tag != COLOR_LIST_TAG || cut.second >= cut.first)
+    return;
+  const Kind &kind = *LAYOUT[list].second;
+  made.losses.push_back(
+      {LISTS[list].name, {}, std::to_string(cut.first - cut.second) + " empty groups of vertex colours", true});
+  for (; cut.second < cut.first; ++cut.second) {
+    const auto index = static_cast<Word>(cut.second);
+    appendWords(cut.bytes, {kind.tag, index, kind.fixed, kind.fixed, 0});
+    cut.sizes.push_back(kind.fixed);
+    gone.cut.push_back({To::vtx_color, index, {UNKNOWN, 0}});
+  }
+  gone[To::vtx_color].now = cut.second;
+}
+
+/// Appends the header and the size table of a list of which elements are left.
+void Salvage::appendHead(const ListView &view, const CutElements &cut, const BlockSizes &blocks) {
+  const std::uint64_t head = made.bytes.size();
+  append(made.bytes, image, view.begin, view.entry(0));
+  FileBytes written(made.bytes);
+  written.set(head + list_at::COUNT, static_cast<Word>(cut.first));
+  if (view.layout.second != nullptr)
+    written.set(head + list_at::SECOND_COUNT, static_cast<Word>(cut.second));
+  written.set(head + view.layout.blocks_at, static_cast<Word>(blocks.maker));
+  written.set(head + view.layout.blocks_at + sizeof(Word), static_cast<Word>(blocks.user));
+  for (const Word size : cut.sizes)
+    appendWords(made.bytes, {size});
+}
+
 void Salvage::cutList(std::size_t list, std::uint64_t begin) {
-  const ListLayout &layout = LAYOUT[list];
-  const std::uint64_t table = begin + layout.head_bytes;
-  const Word first = table <= image.size() ? image[begin + 12] : 0;
-  const Word second = table <= image.size() && layout.second != nullptr ? image[begin + 16] : 0;
-  std::uint64_t at = table + (std::uint64_t{first} + second) * sizeof(Word);
-  if (table > image.size() || at > image.size()) {
-    gone[toKind(list, false)] = {table > image.size() ? UNKNOWN : first, 0};
-    if (layout.second != nullptr)
-      gone[toKind(list, true)] = {table > image.size() ? UNKNOWN : second, 0};
-    lose(list, {}, table > image.size() ? "the list is gone" : leftOf({std::uint64_t{first} + second, 0}, "elements"));
-    return emptyList(list);
-  }
-  Bytes elements;
-  std::vector<Word> sizes; // for the size tables
-  const std::uint64_t second_table = table + std::uint64_t{first} * sizeof(Word);
-  const std::uint64_t elements_begin = whole_end = at;
-  const std::uint64_t first_left = cutElements(list, *layout.first, at, table, first, elements, sizes);
-  std::uint64_t second_left =
-      layout.second != nullptr ? cutElements(list, *layout.second, at, second_table, second, elements, sizes) : 0;
-  const bool whole = first_left == first && second_left == second && gone.cut.empty();
-  const std::uint64_t there = whole ? image.size() - at : 0;
-  const std::uint64_t maker = image[begin + layout.blocks_at] & ~Word{3};
-  const std::uint64_t user = image[begin + layout.blocks_at + 4] & ~Word{3};
-  const auto kept_maker = static_cast<Word>(std::min(maker, there & ~std::uint64_t{3}));
-  const auto kept_user = static_cast<Word>(there > maker ? std::min(user, (there - maker) & ~std::uint64_t{3}) : 0);
-  if (kept_maker < maker || kept_user < user)
-    lose(list, {}, leftOf({maker + user, std::uint64_t{kept_maker} + kept_user}, "bytes of the blocks"));
-  if (there > maker + user)
-    lose(list, {}, std::to_string(there - maker - user) + " bytes behind the blocks");
-
-  // The format's library reads as many groups of vertex colours as there are of triangle colours.
-  if (LISTS[list].tag == COLOR_LIST_TAG && second_left < first_left) {
-    made.losses.push_back(
-        {LISTS[list].name, {}, std::to_string(first_left - second_left) + " empty groups of vertex colours", true});
-    for (; second_left < first_left; ++second_left) {
-      const auto index = static_cast<Word>(second_left);
-      appendWords(elements, {layout.second->tag, index, layout.second->fixed, layout.second->fixed, 0});
-      gone.cut.push_back({To::vtx_color, index, {UNKNOWN, 0}});
-    }
-    gone[To::vtx_color].now = second_left;
-  }
-
+  const ListView view(image, list, begin);
+  const bool has_head = view.entry(0) <= image.size();
+  std::uint64_t at = view.elements();
+  if (!has_head || at > image.size())
+    return loseElements(view, list, has_head);
+  whole_end = at;
+  CutElements cut;
+  cut.first = cutElements(list, *view.layout.first, at, view.entry(0), static_cast<Word>(view.first), cut);
+  if (view.layout.second != nullptr)
+    cut.second =
+        cutElements(list, *view.layout.second, at, view.entry(view.first), static_cast<Word>(view.second), cut);
+  const bool whole = cut.first == view.first && cut.second == view.second && gone.cut.empty();
+  const BlockSizes blocks = blockSizes(image, begin + view.layout.blocks_at);
+  const BlockSizes kept = cutBlocks(list, blocks, whole ? image.size() - at : 0);
+  addEmptyGroups(list, cut);
+  appendHead(view, cut, kept);
   Bytes &bytes = made.bytes;
-  const std::uint64_t head = bytes.size();
-  append(bytes, image, begin, table);
-  FileBytes written(bytes);
-  written.set(head + 12, static_cast<Word>(first_left));
-  if (layout.second != nullptr)
-    written.set(head + 16, static_cast<Word>(second_left));
-  written.set(head + layout.blocks_at, kept_maker);
-  written.set(head + layout.blocks_at + 4, kept_user);
-  for (std::uint64_t i = 0; i < first_left + second_left; ++i)
-    appendWords(bytes, {i < sizes.size() ? sizes[static_cast<std::size_t>(i)] : layout.second->fixed});
-  copy(bytes.size(), bytes.size() + whole_end - elements_begin, elements_begin);
-  bytes.insert(bytes.end(), elements.begin(), elements.end());
-  append(bytes, image, at, at + kept_maker);
-  if (kept_user != 0)
-    append(bytes, image, at + maker, at + maker + kept_user);
+  copy(bytes.size(), bytes.size() + whole_end - view.elements(), view.elements());
+  bytes.insert(bytes.end(), cut.bytes.begin(), cut.bytes.end());
+  append(bytes, image, at, at + kept.maker);
+  if (kept.user != 0)
+    append(bytes, image, at + blocks.maker, at + blocks.maker + kept.user);
 }
 
 /// @return false where the list does not stand where it should.
@@ -201,9 +227,9 @@ bool Salvage::salvageList(std::size_t list, std::uint64_t begin, std::uint64_t s
     append(made.bytes, image, begin, begin + size);
     copy(made_begin, made.bytes.size(), begin);
     if (layout.first != nullptr && size >= layout.head_bytes)
-      gone[toKind(list, false)] = {image[begin + 12], image[begin + 12]};
+      gone[toKind(list, false)] = {image[begin + list_at::COUNT], image[begin + list_at::COUNT]};
     if (layout.second != nullptr && size >= layout.head_bytes)
-      gone[toKind(list, true)] = {image[begin + 16], image[begin + 16]};
+      gone[toKind(list, true)] = {image[begin + list_at::SECOND_COUNT], image[begin + list_at::SECOND_COUNT]};
   } else if (begin < image.size()) {
     layout.first == nullptr ? cutScene(begin) : cutList(list, begin);
   } else {
@@ -224,30 +250,25 @@ bool Salvage::salvageList(std::size_t list, std::uint64_t begin, std::uint64_t s
 /// @return whether the records of a list of the salvaged file end within it. What was whole can be damaged, too.
 bool isSound(const FileBytes &image, const Claim &span, bool version_2) {
   const ListLayout &layout = LAYOUT[span.list];
-  const auto goOver = [&](const Kind &kind, std::uint64_t &at, Word number) {
-    if (at + kind.fixed > span.end || (kind.tag != 0 && !isElementTag(kind, image[at])))
+  const auto goOver = [&](const Spot &spot, std::uint64_t &end) {
+    if (spot.begin + spot.kind->fixed > span.end ||
+        (spot.kind->tag != 0 && !isElementTag(*spot.kind, image[spot.begin])))
       return false;
     Walk walk(image, span.end, version_2);
-    at = walk.over({&kind, at, number});
-    return !walk.broken && at <= span.end;
+    end = walk.over(spot);
+    return !walk.broken && end <= span.end;
   };
   std::uint64_t at = span.begin;
   if (layout.first == nullptr)
-    return goOver(SCENE, at, 0) && at == span.end;
+    return goOver({&SCENE, at}, at) && at == span.end;
   if (at + layout.head_bytes > span.end)
     return false;
-  const Word first = image[at + 12];
-  const Word second = layout.second != nullptr ? image[at + 16] : 0;
-  const std::uint64_t blocks =
-      std::uint64_t{image[at + layout.blocks_at] & ~Word{3}} + (image[at + layout.blocks_at + 4] & ~Word{3});
-  at += layout.head_bytes + (std::uint64_t{first} + second) * sizeof(Word);
-  for (Word i = 0; i < first; ++i)
-    if (!goOver(*layout.first, at, i))
+  const ListView view(image, span.list, at);
+  at = view.elements();
+  for (std::uint64_t i = 0; i < view.number(); ++i)
+    if (!goOver(view.element(i, at), at))
       return false;
-  for (Word i = 0; i < second; ++i)
-    if (!goOver(*layout.second, at, i))
-      return false;
-  return at + blocks == span.end;
+  return at + blockSizes(image, span.begin + layout.blocks_at).sum() == span.end;
 }
 
 std::optional<Salvaged> Salvage::salvage() {

@@ -97,9 +97,9 @@ Broken SwapSearch::firstBrokenElement(const FoundList &list) const {
 Broken SwapSearch::firstBroken(const Found &found) const {
   for (const FoundList &list : found.lists) {
     const std::uint64_t head = list.list == 0 ? SCENE.fixed : LAYOUT[list.list].head_bytes;
-    if (!isListTag(list.list, file[list.was_at]) || file[list.was_at + 8] != list.size)
+    if (!isListTag(list.list, file[list.was_at]) || file[list.was_at + list_at::SIZE] != list.size)
       return {.sort = Broken::Sort::head, .list = &list, .begin = list.was_at, .end = list.was_at + head};
-    const std::uint64_t numbers = file[list.was_at + 12];
+    const std::uint64_t numbers = file[list.was_at + list_at::COUNT];
     if (!list.table_whole)
       return {.sort = Broken::Sort::table,
               .list = &list,
@@ -140,7 +140,7 @@ bool SwapSearch::isElementRight(const Broken &broken) {
 bool SwapSearch::isRight(const Broken &broken) {
   switch (broken.sort) {
   case Broken::Sort::head:
-    return isListTag(broken.list->list, file[broken.begin]) && file[broken.begin + 8] == broken.list->size;
+    return isListTag(broken.list->list, file[broken.begin]) && file[broken.begin + list_at::SIZE] == broken.list->size;
   case Broken::Sort::table:
     left -= std::min(left, broken.end - broken.begin);
     return isTableRight(broken);

@@ -1,0 +1,49 @@
+/// The elements of a list, and blocks, as the words of a file say.
+#pragma once
+
+#include "mend/walk.h"
+
+namespace kova::mend {
+
+/// A list that has elements.
+struct ListView {
+  const ListLayout &layout;
+  std::uint64_t begin;
+  std::uint64_t first;  ///< number of elements of the first kind
+  std::uint64_t second; ///< of the second kind, which follow
+
+  ListView(const FileBytes &file, std::size_t list, std::uint64_t begins_at)
+      : layout(LAYOUT[list]), begin(begins_at), first(file[begin + list_at::COUNT]),
+        second(layout.second != nullptr ? file[begin + list_at::SECOND_COUNT] : 0) {}
+
+  std::uint64_t number() const { return first + second; }
+  /// @return where the entry of an element in the size table stands; that of the one behind the last: where the
+  /// elements begin.
+  std::uint64_t entry(std::uint64_t i) const { return begin + layout.head_bytes + i * sizeof(Word); }
+  std::uint64_t elements() const { return entry(number()); }
+  const Kind &kind(std::uint64_t i) const { return i < first ? *layout.first : *layout.second; }
+  /// @return an element that begins at a place.
+  Spot element(std::uint64_t i, std::uint64_t at) const {
+    return {&kind(i), at, static_cast<Word>(i < first ? i : i - first)};
+  }
+};
+
+/// Bytes of a maker block and of the user block behind it.
+struct BlockSizes {
+  std::uint64_t maker = 0;
+  std::uint64_t user = 0;
+
+  std::uint64_t sum() const { return maker + user; }
+  /// @return what is left of the blocks where so many bytes are there: whole words.
+  BlockSizes trimmed(std::uint64_t there) const {
+    const auto whole = [](std::uint64_t bytes) { return bytes & ~std::uint64_t{3}; };
+    return {std::min(maker, whole(there)), there > maker ? std::min(user, whole(there - maker)) : 0};
+  }
+};
+
+/// @return the sizes that stand at a place. A block takes up whole words.
+inline BlockSizes blockSizes(const FileBytes &file, std::uint64_t at) {
+  return {file[at] & ~Word{3}, file[at + sizeof(Word)] & ~Word{3}};
+}
+
+} // namespace kova::mend
