@@ -155,7 +155,10 @@ constexpr auto READERS = inListOrder({
 /// there.
 Place stoppedAt(const Cursor &cursor, std::uint64_t file_length) {
   const std::uint64_t at = offsetAfter(cursor.begin, std::min<std::uint64_t>(cursor.offset, cursor.size));
-  return {cursor.list, cursor.element, at < file_length ? at : NO_OFFSET};
+  Place place = {cursor.list, cursor.element};
+  if (at < file_length)
+    place.offset = at;
+  return place;
 }
 
 /// Reads the lists `first` to `last` - 1 in file order. The first that fails ends it: where the next one begins is

@@ -171,6 +171,21 @@ TEST(Input, BothPartsOfAFileMayFail) {
   const Stream stream = open(source);
   Kis kis;
   EXPECT_EQ(capture([&] { kvOpenKbStream(stream.get(), "", kis); }).err, "Input File Read Error\n");
+  EXPECT_EQ(capture([&] { EXPECT_EQ(kvReadList(stream.get(), 100, kis, "EnvList"), 0); }).err, "");
+}
+
+/// There is no word in the file at which it stopped.
+TEST(Input, AListThatLeadsPastTheFileEndsNowhere) {
+  const Bytes file = build(0x100, "SceneList scene_header_size=200000 scene_obj_link_num=2").bytes;
+  const Bytes bytes(file.begin(), file.begin() + 200);
+  Unreliable source{.bytes = bytes};
+  const Stream stream = open(source);
+  std::fseek(stream.get(), 100, SEEK_SET);
+  Kis kis;
+  std::optional<std::uint64_t> offset = 0;
+  const FindingReceiver receiver([&](const Finding &finding) { offset = finding.offset; });
+  EXPECT_EQ(kvReadList(stream.get(), 300'000, kis, "SceneList"), 0);
+  EXPECT_FALSE(offset) << *offset;
 }
 
 TEST(Input, BlocksOfAnUnknownVersionAreNotRead) {
@@ -242,6 +257,9 @@ TEST(Input, AFileThatIsReplacedIsToldAndNotMixed) {
               row.errors);
     EXPECT_EQ(second, *row.errors == '\0' ? 1 : 0);
     EXPECT_EQ(kis.ci_img.element.size(), *row.errors == '\0' ? 1U : 0U);
+    kis.input_file = {}; // it was a pipe, say: then any file is taken
+    capture([&] { second = kvOpenKb2Ext(kis); });
+    EXPECT_EQ(second, fs::is_regular_file(file.path) ? 1 : 0);
   }
 }
 

@@ -4,6 +4,7 @@
 #include "harness/audit.h"
 #include "kova/check.h"
 #include "kova/kb.h"
+#include "tests/allocations.h"
 #include "tests/support.h"
 
 #include <cstdlib>
@@ -236,7 +237,12 @@ TEST(Writer, TriangleReferencesAreSet) {
   group.tri_anim_frame_num = 3;
   EXPECT_EQ(kvSetRefs(group, refs), 0);
   refs[refVtx].group_index = first(4);
-  refs[refTriColor] = {2, first(2), first(2)};
+  refs[refTriColor] = {2, first(1), first(2)};
+  EXPECT_EQ(kvSetRefs(group, refs), 0) << "a key is missing";
+  refs[refTriColor].key = first(2);
+  allocations.left = 0;
+  EXPECT_EQ(kvSetRefs(group, refs), 0) << "no memory";
+  allocations.left = -1;
   EXPECT_EQ(kvSetRefs(group, refs), 1);
   EXPECT_EQ(kvSetRefs(group, kvRefs(group)), 1); // its own
   group.tri_group_size += 4 * (3 + 4);
