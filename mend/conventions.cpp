@@ -18,8 +18,8 @@ struct Inside : Events {
 
   explicit Inside(const FileBytes &walked) : file(walked) {}
 
-  void leave(const Spot &spot, std::uint64_t end, int depth) override {
-    const Kind &kind = *spot.kind;
+  void leave(const RecordAt &spot, std::uint64_t end, int depth) override {
+    const RecordLayout &kind = *spot.kind;
     if (depth == 0)
       return;
     if (kind.index_at != NO_WORD)
@@ -32,7 +32,7 @@ struct Inside : Events {
 } // namespace
 
 /// The elements at which the audit does not look are found by their tags, since their sizes may be wrong.
-void Conventions::countByTags(const FileBytes &file, const Kind &kind, std::uint64_t table, std::uint64_t end) {
+void Conventions::countByTags(const FileBytes &file, const RecordLayout &kind, std::uint64_t table, std::uint64_t end) {
   Word number = 0;
   for (std::uint64_t at = table; at < end; at += sizeof(Word)) {
     if (!isElementTag(kind, file[at]))
@@ -52,7 +52,7 @@ Conventions::Conventions(const FileBytes &file) {
     const ListLayout &layout = LAYOUT[list];
     if (layout.first == nullptr || layout.second != nullptr || !isListTag(list, file[begin]))
       continue; // nothing in the others is unchecked
-    const Kind &kind = *layout.first;
+    const RecordLayout &kind = *layout.first;
     const std::uint64_t table = begin + layout.head_bytes;
     if (!kind.index_checked) {
       countByTags(file, kind, table, std::min(file.size(), begin + file[layout.header_word_at]));
@@ -72,13 +72,13 @@ Conventions::Conventions(const FileBytes &file) {
   }
 }
 
-Conventions::Row &Conventions::rowOf(const Kind &kind, Own own) {
+Conventions::Row &Conventions::rowOf(const RecordLayout &kind, Own own) {
   const auto is_it = [&](const Row &row) { return row.kind == &kind && row.own == own; };
   const auto row = std::find_if(rows.begin(), rows.end(), is_it);
   return row != rows.end() ? *row : rows.emplace_back(Row{&kind, own});
 }
 
-void Conventions::count(const Kind &kind, Own own, bool as_expected) {
+void Conventions::count(const RecordLayout &kind, Own own, bool as_expected) {
   Row &row = rowOf(kind, own);
   ++(as_expected ? row.as_expected : row.others);
 }
@@ -91,7 +91,7 @@ void Conventions::add(const Conventions &others) {
   }
 }
 
-bool Conventions::follows(const Kind &kind, Own own) const {
+bool Conventions::follows(const RecordLayout &kind, Own own) const {
   const auto is_it = [&](const Row &row) { return row.kind == &kind && row.own == own; };
   const auto row = std::find_if(rows.begin(), rows.end(), is_it);
   return row == rows.end() || row->others < FEWEST_OTHERS || row->as_expected >= row->others;

@@ -21,21 +21,21 @@ public:
 
   /// @return whether that word of the records of a kind says what the format has it say: of those that were seen, at
   /// least half do.
-  bool follows(const Kind &kind, Own own) const;
+  bool follows(const RecordLayout &kind, Own own) const;
 
-  void count(const Kind &kind, Own own, bool as_expected);
+  void count(const RecordLayout &kind, Own own, bool as_expected);
   void add(const Conventions &others);
 
 private:
-  void countByTags(const FileBytes &file, const Kind &kind, std::uint64_t table, std::uint64_t end);
+  void countByTags(const FileBytes &file, const RecordLayout &kind, std::uint64_t table, std::uint64_t end);
 
   struct Row {
-    const Kind *kind;
+    const RecordLayout *kind;
     Own own;
     std::size_t as_expected = 0;
     std::size_t others = 0;
   };
-  Row &rowOf(const Kind &kind, Own own);
+  Row &rowOf(const RecordLayout &kind, Own own);
 
   std::vector<Row> rows = {};
 };

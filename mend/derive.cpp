@@ -19,7 +19,7 @@ constexpr std::size_t WITNESSES_EACH = 4;
 
 /// What one unchecked word of the records of a kind is like in this file.
 struct Habit {
-  const Kind *kind;
+  const RecordLayout *kind;
   const char *field;
   std::size_t follow = 0;
   std::vector<Change> others = {};
@@ -43,16 +43,17 @@ public:
 
 private:
   void set(std::uint64_t offset, std::string field, Word value, const char *why);
-  void expect(const Kind &kind, const char *habit, std::uint64_t offset, std::string field, Word value,
+  void expect(const RecordLayout &kind, const char *habit, std::uint64_t offset, std::string field, Word value,
               const char *why);
-  void leave(const Spot &spot, std::uint64_t end, int depth) override;
+  void leave(const RecordAt &spot, std::uint64_t end, int depth) override;
   void countMaker(const Walk &walk);
   void mergeChanges();
   void deriveHeader();
   void deriveList();
-  void deriveElements(const Kind &kind, std::uint64_t &at, std::uint64_t table, const char *table_name, Word number);
-  void deriveElement(const Kind &kind, std::uint64_t begin, std::uint64_t end, Word number, std::uint64_t table_word,
-                     const char *table_name);
+  void deriveElements(const RecordLayout &kind, std::uint64_t &at, std::uint64_t table, const char *table_name,
+                      Word number);
+  void deriveElement(const RecordLayout &kind, std::uint64_t begin, std::uint64_t end, Word number,
+                     std::uint64_t table_word, const char *table_name);
 
   FileBytes &image;
   bool version_2;
@@ -82,8 +83,8 @@ void Deriver::set(std::uint64_t offset, std::string field, Word value, const cha
 }
 
 /// Takes down whether a word is as the others of its kind may be.
-void Deriver::expect(const Kind &kind, const char *habit_name, std::uint64_t offset, std::string field, Word value,
-                     const char *why) {
+void Deriver::expect(const RecordLayout &kind, const char *habit_name, std::uint64_t offset, std::string field,
+                     Word value, const char *why) {
   auto habit = std::find_if(habits.begin(), habits.end(),
                             [&](const Habit &other) { return other.kind == &kind && other.field == habit_name; });
   if (habit == habits.end())
@@ -95,8 +96,8 @@ void Deriver::expect(const Kind &kind, const char *habit_name, std::uint64_t off
 }
 
 /// The words of the records inside.
-void Deriver::leave(const Spot &spot, std::uint64_t end, int depth) {
-  const Kind &kind = *spot.kind;
+void Deriver::leave(const RecordAt &spot, std::uint64_t end, int depth) {
+  const RecordLayout &kind = *spot.kind;
   if (depth == 0)
     return;
   if (kind.tag != 0)
@@ -121,7 +122,7 @@ void Deriver::countMaker(const Walk &walk) {
   longer_blocks += walk.maker_spare > 0;
 }
 
-void Deriver::deriveElement(const Kind &kind, std::uint64_t begin, std::uint64_t end, Word number,
+void Deriver::deriveElement(const RecordLayout &kind, std::uint64_t begin, std::uint64_t end, Word number,
                             std::uint64_t table_word, const char *table_name) {
   if (!isElementTag(kind, image[begin]))
     set(begin, kind.tag_name, kind.tag, "the place of the element");
@@ -142,7 +143,7 @@ void Deriver::deriveElement(const Kind &kind, std::uint64_t begin, std::uint64_t
     expect(kind, table_name, table_word, entry, own_size, "the size of the element");
 }
 
-void Deriver::deriveElements(const Kind &kind, std::uint64_t &at, std::uint64_t table, const char *table_name,
+void Deriver::deriveElements(const RecordLayout &kind, std::uint64_t &at, std::uint64_t table, const char *table_name,
                              Word number) {
   for (Word i = 0; i < number; ++i) {
     element_now = i;

@@ -7,19 +7,19 @@ namespace kova::mend {
 
 /// Follows one end of an element, of which the size table gives the size. @param own_size whether the element's own
 /// size says so, too. @param believed whether the end holds even if nothing explains it.
-void Reader::readElementTo(std::size_t list, const Spot &spot, const Reading &before, std::uint64_t end,
+void Reader::readElementTo(std::size_t list, const RecordAt &spot, const Reading &before, std::uint64_t end,
                            Word table_size, bool own_size, bool believed, Readings &readings) {
   Proposals proposals = solve(spot, end);
   const std::uint64_t size_word = spot.begin + spot.kind->size_at;
   std::erase_if(proposals, [&](const Proposal &proposal) { // a new size has to say so, too
-    return proposal.changes && proposal.site.offset == size_word &&
+    return proposal.changes && proposal.length_word.offset == size_word &&
            spot.begin + wholeWords(*spot.kind, proposal.value) != end;
   });
   Reading reading = before;
   reading.at = end;
   for (const Proposal &proposal : proposals) {
     reading.cost = before.cost + proposal.cost;
-    const bool changes_size = proposal.changes && proposal.site.offset == size_word;
+    const bool changes_size = proposal.changes && proposal.length_word.offset == size_word;
     const bool in_table = changes_size && spot.begin + wholeWords(*spot.kind, table_size) == end;
     const bool ends_in_word = changes_size && !in_table && proposal.value % sizeof(Word) != 0;
     reading.doubts = before.doubts + proposal.doubts + Word{ends_in_word};
@@ -27,14 +27,15 @@ void Reader::readElementTo(std::size_t list, const Spot &spot, const Reading &be
     if (!own_size && !changes_size)
       ++reading.cost;
     if (proposal.changes)
-      reading.claims = claim({.begin = proposal.site.offset,
-                              .list = list,
-                              .element = spot.number,
-                              .field = proposal.site.field,
-                              .value = in_table ? table_size : proposal.value,
-                              .maker = proposal.site.maker,
-                              .why = proposal.site.maker ? "the size of the maker block" : "where the record ends"},
-                             before.claims);
+      reading.claims =
+          claim({.begin = proposal.length_word.offset,
+                 .list = list,
+                 .element = spot.number,
+                 .field = proposal.length_word.field,
+                 .value = in_table ? table_size : proposal.value,
+                 .maker = proposal.length_word.maker,
+                 .why = proposal.length_word.maker ? "the size of the maker block" : "where the record ends"},
+                before.claims);
     add(readings, reading);
   }
   if (proposals.empty() && believed) {
@@ -48,12 +49,12 @@ void Reader::readElementTo(std::size_t list, const Spot &spot, const Reading &be
 }
 
 /// Follows every end that something gives for an element: its words, its own size, the size table, the next tag.
-void Reader::readElement(std::size_t list, const Kind &kind, const Reading &before, Word number, Word table_size,
-                         Readings &readings) {
+void Reader::readElement(std::size_t list, const RecordLayout &kind, const Reading &before, Word number,
+                         Word table_size, Readings &readings) {
   const std::uint64_t begin = before.at;
   if (begin + kind.fixed > image.size())
     return;
-  const Spot spot = {&kind, begin, number};
+  const RecordAt spot = {&kind, begin, number};
   std::uint64_t by_words = 0;
   const Walk walk = read(spot, by_words);
   const std::uint64_t by_size = begin + wholeWords(kind, image[begin + kind.size_at]);
@@ -87,7 +88,7 @@ void Reader::readElement(std::size_t list, const Kind &kind, const Reading &befo
 }
 
 /// Reads elements, in all ways that cost no more than `most_cost`.
-Reader::Readings Reader::readElements(std::size_t list, const Kind &kind, Readings before, std::uint64_t table,
+Reader::Readings Reader::readElements(std::size_t list, const RecordLayout &kind, Readings before, std::uint64_t table,
                                       Word number, Word most_cost) {
   for (Word i = 0; i < number && !before.empty(); ++i) {
     const Word table_size = image[table + std::uint64_t{i} * sizeof(Word)];

@@ -16,7 +16,7 @@ public:
 
 private:
   void copy(std::uint64_t begin, std::uint64_t end);
-  bool fillRecord(std::size_t list, const Spot &spot, std::uint64_t &end);
+  bool fillRecord(std::size_t list, const RecordAt &spot, std::uint64_t &end);
   bool fillList(const Claim &span);
 
   const FileBytes &image;
@@ -30,7 +30,7 @@ void Filler::copy(std::uint64_t begin, std::uint64_t end) {
 }
 
 /// Copies a record. @return false where it is none, or where its counts call for more than a file can lack.
-bool Filler::fillRecord(std::size_t list, const Spot &spot, std::uint64_t &end) {
+bool Filler::fillRecord(std::size_t list, const RecordAt &spot, std::uint64_t &end) {
   if (spot.begin + spot.kind->fixed > image.size())
     return false;
   Walk walk(image, image.size(), true);

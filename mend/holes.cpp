@@ -14,7 +14,7 @@ namespace {
 struct NoLinks : Events {
   explicit NoLinks(FileBytes &of) : file(of) {}
 
-  void enter(const Spot &spot, int) override {
+  void enter(const RecordAt &spot, int) override {
     for (const Link &link : spot.kind->links)
       file.set(spot.begin + link.at, NO_LINK);
   }
@@ -30,7 +30,7 @@ struct NoLinks : Events {
 };
 
 /// @return a record of a kind that holds nothing.
-Bytes emptyRecord(const Kind &kind, Word number, bool version_2) {
+Bytes emptyRecord(const RecordLayout &kind, Word number, bool version_2) {
   Bytes bytes(kind.fixed);
   FileBytes record(bytes);
   record.set(0, kind.tag);
@@ -67,7 +67,7 @@ private:
     made.losses.push_back({list < LIST_NUM ? LISTS[list].name : "FileHeader", element, std::move(what)});
   }
   void copy(std::uint64_t begin, std::uint64_t end);
-  bool makeCut(const FoundList &list, const Kind &kind, To to, Word number, const FoundElement &element);
+  bool makeCut(const FoundList &list, const RecordLayout &kind, To to, Word number, const FoundElement &element);
   bool makeElement(const FoundList &list, bool second, Word number);
   void leaveOut(const FoundList &list, std::uint64_t table, const std::vector<Word> &numbers, Word left);
   void makeElements(const FoundList &list, bool second, std::uint64_t table);
@@ -92,7 +92,8 @@ void HoleSalvage::copy(std::uint64_t begin, std::uint64_t end) {
 
 /// Makes a record of the begin of an element, up to the first record inside that is not as it should be. @return false
 /// if it makes none.
-bool HoleSalvage::makeCut(const FoundList &list, const Kind &kind, To to, Word number, const FoundElement &element) {
+bool HoleSalvage::makeCut(const FoundList &list, const RecordLayout &kind, To to, Word number,
+                          const FoundElement &element) {
   Walk walk(file, element.begin + element.size, version_2);
   walk.over({&kind, element.begin, number});
   const std::uint64_t fixed_end = element.begin + kind.fixed;
@@ -115,7 +116,7 @@ bool HoleSalvage::makeCut(const FoundList &list, const Kind &kind, To to, Word n
 /// Appends an element, or what is left of it. @return false if it is left out.
 bool HoleSalvage::makeElement(const FoundList &list, bool second, Word number) {
   const ListLayout &layout = LAYOUT[list.list];
-  const Kind &kind = list.list == 0 ? SCENE : second ? *layout.second : *layout.first;
+  const RecordLayout &kind = list.list == 0 ? SCENE : second ? *layout.second : *layout.first;
   const To to = list.list == 0 ? To::nothing : toKind(list.list, second);
   const FoundElement &element = list.elements[second][number];
   const std::optional<Word> told = list.list == 0 ? std::nullopt : std::optional(number);
@@ -160,7 +161,7 @@ void HoleSalvage::leaveOut(const FoundList &list, std::uint64_t table, const std
 
 /// Appends the elements of one kind, and sets their entries in the size table.
 void HoleSalvage::makeElements(const FoundList &list, bool second, std::uint64_t table) {
-  const Kind &kind = second ? *LAYOUT[list.list].second : *LAYOUT[list.list].first;
+  const RecordLayout &kind = second ? *LAYOUT[list.list].second : *LAYOUT[list.list].first;
   std::vector<Word> numbers;
   Word left = 0;
   for (std::size_t i = 0; i < list.elements[second].size(); ++i) {

@@ -11,7 +11,9 @@ constexpr auto &SCENE_FORM = items<SceneHead, "scene", "Scene", SCENE_LIST_TAG>;
 /// External names are names with tags of their own.
 constexpr auto &EXTERNAL_NAME_FORM = items<NameHead, "element", "Name", EXTERNAL_NAME_LIST_TAG + ELEMENT_KIND>;
 
-template <const auto &FORM> constexpr const Kind *kindOf() { return &KIND<std::remove_cvref_t<decltype(FORM)>>; }
+template <const auto &FORM> constexpr const RecordLayout *kindOf() {
+  return &RECORD_LAYOUT<std::remove_cvref_t<decltype(FORM)>>;
+}
 
 /// The name of a size table.
 template <const auto &TABLE> inline constexpr WordName TABLE_NAME = TABLE.name();
@@ -57,19 +59,19 @@ constexpr std::array<ListLayout, LIST_NUM> layouts() {
   return all;
 }
 
-constexpr const Kind &NAME = *kindOf<ListFormat<NameList>::elements>();
-constexpr const Kind &EXTERNAL_NAME = *kindOf<EXTERNAL_NAME_FORM>();
+constexpr const RecordLayout &NAME = *kindOf<ListFormat<NameList>::elements>();
+constexpr const RecordLayout &EXTERNAL_NAME = *kindOf<EXTERNAL_NAME_FORM>();
 
 } // namespace
 
-constexpr Kind SCENE = *kindOf<SCENE_FORM>();
+constexpr RecordLayout SCENE = *kindOf<SCENE_FORM>();
 constexpr std::array<ListLayout, LIST_NUM> LAYOUT = layouts();
 
 bool isListTag(std::size_t list, Word tag) {
   return tag == LISTS[list].tag || (LAYOUT[list].first == &NAME && tag == EXTERNAL_NAME_LIST_TAG);
 }
 
-bool isElementTag(const Kind &kind, Word tag) {
+bool isElementTag(const RecordLayout &kind, Word tag) {
   return tag == kind.tag || (&kind == &NAME && tag == EXTERNAL_NAME.tag);
 }
 

@@ -48,18 +48,18 @@ struct Link {
 };
 
 class Walk;
-struct Kind;
+struct RecordLayout;
 
 /// Where a record stands.
-struct Spot {
-  const Kind *kind = nullptr;
+struct RecordAt {
+  const RecordLayout *kind = nullptr;
   std::uint64_t begin = 0;
   Word number = 0;          ///< its position among those of its kind
   std::uint64_t around = 0; ///< where the record begins that it is a part of
 };
 
 /// A kind of record.
-struct Kind {
+struct RecordLayout {
   Word tag = 0;                           ///< 0 where the audit does not look at it
   std::uint16_t fixed = 0;                ///< bytes of the fixed words
   std::uint16_t index_at = NO_WORD;       ///< byte offsets of words
@@ -71,15 +71,15 @@ struct Kind {
   const char *size_name = "";
   bool index_checked = false; ///< by the audit
   bool size_checked = false;
-  bool size_in_bytes = false;                      ///< its size may end within a word; it takes up whole words only
-  void (*content)(Walk &, const Spot &) = nullptr; ///< goes over what follows the fixed words, if anything does
+  bool size_in_bytes = false;                          ///< its size may end within a word; it takes up whole words only
+  void (*content)(Walk &, const RecordAt &) = nullptr; ///< goes over what follows the fixed words, if anything does
   std::span<const Link> links = {};
 };
 
 /// A list: what its elements are and what its words are called.
 struct ListLayout {
-  const Kind *first = nullptr;  ///< null for the scene, which has no elements
-  const Kind *second = nullptr; ///< null but for the two lists with two kinds
+  const RecordLayout *first = nullptr;  ///< null for the scene, which has no elements
+  const RecordLayout *second = nullptr; ///< null but for the two lists with two kinds
   const char *tag_name = nullptr;
   const char *size_name = nullptr;
   const char *count_name = nullptr;
@@ -92,11 +92,11 @@ struct ListLayout {
   std::uint64_t header_word_at = 0;
 };
 
-extern const Kind SCENE;
+extern const RecordLayout SCENE;
 extern const std::array<ListLayout, LIST_NUM> LAYOUT;
 
 /// @return whether the word is a tag of the list or, of an element, one that its reader takes.
 bool isListTag(std::size_t list, Word tag);
-bool isElementTag(const Kind &kind, Word tag);
+bool isElementTag(const RecordLayout &kind, Word tag);
 
 } // namespace kova::mend

@@ -6,7 +6,7 @@
 
 namespace kova::mend {
 
-std::string leftOf(const Left &left, const char *what) {
+std::string leftOf(const Remaining &left, const char *what) {
   if (left.before == UNKNOWN)
     return std::to_string(left.now) + ' ' + what + " are left";
   return std::to_string(left.now) + " of " + std::to_string(left.before) + ' ' + what + " are left";
@@ -27,26 +27,26 @@ void appendWords(Bytes &bytes, std::initializer_list<Word> words) {
 namespace {
 
 /// A table or a row of records of a record.
-struct Piece {
+struct Run {
   std::uint64_t begin;
   std::uint64_t number;
   std::uint64_t bytes; ///< of one entry; 0: records
   std::uint64_t count_at;
-  Spot first = {}; ///< of the records
+  RecordAt first = {}; ///< of the records
 };
 
-/// Takes down the pieces of a record.
-struct Pieces : Events {
-  std::vector<Piece> pieces;
-  std::vector<Site> sites;
+/// Takes down the runs of a record.
+struct Runs : Events {
+  std::vector<Run> runs;
+  std::vector<LengthWord> length_words;
   int depth_now = 0;
 
-  Pieces() : Events(true) {}
-  void enter(const Spot &, int) override { ++depth_now; }
-  void leave(const Spot &, std::uint64_t, int) override { --depth_now; }
-  void site(const Site &site) override {
+  Runs() : Events(true) {}
+  void enter(const RecordAt &, int) override { ++depth_now; }
+  void leave(const RecordAt &, std::uint64_t, int) override { --depth_now; }
+  void lengthWord(const LengthWord &length_word) override {
     if (depth_now == 1)
-      sites.push_back(site);
+      length_words.push_back(length_word);
   }
   void table(std::uint64_t begin, std::uint64_t entries, std::span<const Column> columns,
              std::uint64_t count_at) override {
@@ -54,62 +54,63 @@ struct Pieces : Events {
     for (const Column &column : columns)
       bytes += column.bytes;
     if (depth_now == 1)
-      pieces.push_back({begin, entries, bytes, count_at});
+      runs.push_back({begin, entries, bytes, count_at});
   }
-  void series(const Spot &first, Word number) override {
-    const auto counts = [&](const Site &site) { return site.records == first.kind; };
-    const auto site = std::find_if(sites.begin(), sites.end(), counts);
+  void series(const RecordAt &first, Word number) override {
+    const auto counts = [&](const LengthWord &length_word) { return length_word.records == first.kind; };
+    const auto length_word = std::find_if(length_words.begin(), length_words.end(), counts);
     if (depth_now == 1)
-      pieces.push_back({first.begin, number, 0, site != sites.end() ? site->offset : 0, first});
+      runs.push_back({first.begin, number, 0, length_word != length_words.end() ? length_word->offset : 0, first});
   }
 };
 
 /// Keeps what is left of a record.
 class Cutter {
 public:
-  Cutter(const FileBytes &file, const Kind &kind_of_record, std::uint64_t begins_at, Word number, bool is_version_2)
+  Cutter(const FileBytes &file, const RecordLayout &kind_of_record, std::uint64_t begins_at, Word number,
+         bool is_version_2)
       : image(file), kind(kind_of_record), begin(begins_at), version_2(is_version_2) {
     if (begin + kind.fixed > image.size() || (kind.tag != 0 && !isElementTag(kind, image[begin])))
       return;
     Walk walk(image, image.size(), false, &found);
     const std::uint64_t end = walk.over({&kind, begin, number});
-    if (!found.pieces.empty() && found.pieces.front().begin < begin + kind.fixed)
+    if (!found.runs.empty() && found.runs.front().begin < begin + kind.fixed)
       return; // a header size that puts them upon the fixed words
-    cut.kept = keepPieces(end) && keepBlocks() && isWhole();
+    cut.kept = keepRuns(end) && keepBlocks() && isWhole();
   }
 
   CutRecord cut = {};
 
 private:
-  bool keepPieces(std::uint64_t end);
-  bool keepPiece(const Piece &piece);
-  std::uint64_t wholeRecords(const Piece &piece, std::uint64_t &end) const;
+  bool keepRuns(std::uint64_t end);
+  bool keepRun(const Run &run);
+  std::uint64_t wholeRecords(const Run &run, std::uint64_t &end) const;
   bool keepBlocks();
   bool isWhole();
 
   const FileBytes &image;
-  const Kind &kind;
+  const RecordLayout &kind;
   std::uint64_t begin;
   bool version_2;
-  Pieces found;
+  Runs found;
   Bytes &bytes = cut.bytes;
   std::string &told = cut.told;
   bool cut_before_blocks = false;
   BlockSizes blocks = {};
 };
 
-/// Keeps the pieces as far as they are whole. @return false where what is left is no record.
-bool Cutter::keepPieces(std::uint64_t end) {
+/// Keeps the runs as far as they are whole. @return false where what is left is no record.
+bool Cutter::keepRuns(std::uint64_t end) {
   const bool has_blocks = kind.blocks_at != NO_WORD;
   if (has_blocks)
     blocks = blockSizes(image, begin + kind.blocks_at);
   append(bytes, image, begin, begin + kind.fixed);
-  for (const Piece &piece : found.pieces)
-    if (!keepPiece(piece))
+  for (const Run &run : found.runs)
+    if (!keepRun(run))
       return false;
   const std::uint64_t content_end = end - blocks.sum();
   if (!cut_before_blocks && content_end >= begin + kind.fixed &&
-      content_end <= image.size()) { // also what is no piece, as the size of an image
+      content_end <= image.size()) { // also what is no run, as the size of an image
     bytes.clear();
     append(bytes, image, begin, content_end);
     return true;
@@ -118,9 +119,9 @@ bool Cutter::keepPieces(std::uint64_t end) {
 }
 
 /// @return how many records of a row are whole, and where the last of these ends.
-std::uint64_t Cutter::wholeRecords(const Piece &piece, std::uint64_t &end) const {
-  Spot record = piece.first;
-  while (record.number < piece.number) {
+std::uint64_t Cutter::wholeRecords(const Run &run, std::uint64_t &end) const {
+  RecordAt record = run.first;
+  while (record.number < run.number) {
     const std::uint64_t next = Walk(image, image.size(), false).over(record, 1);
     if (next <= record.begin || next > image.size())
       break;
@@ -130,39 +131,39 @@ std::uint64_t Cutter::wholeRecords(const Piece &piece, std::uint64_t &end) const
   return record.number;
 }
 
-bool Cutter::keepPiece(const Piece &piece) {
+bool Cutter::keepRun(const Run &run) {
   std::uint64_t keep = 0;
-  std::uint64_t keep_end = piece.begin;
+  std::uint64_t keep_end = run.begin;
   if (!cut_before_blocks) {
-    if (piece.begin > image.size()) // something before it that is no piece is cut
+    if (run.begin > image.size()) // something before it that is no run is cut
       return false;
-    if (piece.bytes != 0) {
-      keep = std::min(piece.number, (image.size() - piece.begin) / piece.bytes);
-      keep_end += keep * piece.bytes;
+    if (run.bytes != 0) {
+      keep = std::min(run.number, (image.size() - run.begin) / run.bytes);
+      keep_end += keep * run.bytes;
     } else {
-      keep = wholeRecords(piece, keep_end);
+      keep = wholeRecords(run, keep_end);
     }
   }
-  if (keep == piece.number && !cut_before_blocks)
+  if (keep == run.number && !cut_before_blocks)
     return true;
   if (!cut_before_blocks) {
     bytes.clear();
     append(bytes, image, begin, std::min(keep_end, image.size()));
   }
   cut_before_blocks = true;
-  if (piece.number == 0)
+  if (run.number == 0)
     return true;
-  // A count that is not that of this piece alone cannot be cut.
-  const auto others = std::count_if(found.pieces.begin(), found.pieces.end(),
-                                    [&](const Piece &other) { return other.count_at == piece.count_at; });
-  if (piece.count_at < begin || others != 1)
+  // A count that is not that of this run alone cannot be cut.
+  const auto others = std::count_if(found.runs.begin(), found.runs.end(),
+                                    [&](const Run &other) { return other.count_at == run.count_at; });
+  if (run.count_at < begin || others != 1)
     return false;
-  FileBytes(bytes).set(piece.count_at - begin, static_cast<Word>(keep));
-  if (piece.bytes == 0 || cut.entries.before == 0) // links lead into records rather than tables
-    cut.entries = {piece.number, keep};
+  FileBytes(bytes).set(run.count_at - begin, static_cast<Word>(keep));
+  if (run.bytes == 0 || cut.entries.before == 0) // links lead into records rather than tables
+    cut.entries = {run.number, keep};
   if (!told.empty())
     told += ", ";
-  told += leftOf({piece.number, keep}, piece.bytes != 0 ? "entries" : "records");
+  told += leftOf({run.number, keep}, run.bytes != 0 ? "entries" : "records");
   return true;
 }
 
@@ -210,7 +211,8 @@ bool Cutter::isWhole() {
 
 } // namespace
 
-CutRecord cutRecord(const FileBytes &image, const Kind &kind, std::uint64_t begin, Word number, bool version_2) {
+CutRecord cutRecord(const FileBytes &image, const RecordLayout &kind, std::uint64_t begin, Word number,
+                    bool version_2) {
   return Cutter(image, kind, begin, number, version_2).cut;
 }
 

@@ -14,7 +14,7 @@ using Bytes = std::vector<unsigned char>;
 inline constexpr std::uint64_t UNKNOWN = ~std::uint64_t{0};
 
 /// How many of something there were, and how many are left.
-struct Left {
+struct Remaining {
   std::uint64_t before = 0;
   std::uint64_t now = 0;
 
@@ -22,7 +22,7 @@ struct Left {
 };
 
 /// @return "12 of 20 elements are left".
-std::string leftOf(const Left &left, const char *what);
+std::string leftOf(const Remaining &left, const char *what);
 
 void append(Bytes &bytes, const FileBytes &image, std::uint64_t begin, std::uint64_t end);
 void appendWords(Bytes &bytes, std::initializer_list<Word> words);
@@ -32,10 +32,10 @@ struct CutRecord {
   bool kept = false; ///< it is a record still
   Bytes bytes = {};
   std::string told = {};
-  Left entries = {}; ///< of the table that is cut
+  Remaining entries = {}; ///< of the table that is cut
 };
 
 /// Cuts a record where the file ends.
-CutRecord cutRecord(const FileBytes &image, const Kind &kind, std::uint64_t begin, Word number, bool version_2);
+CutRecord cutRecord(const FileBytes &image, const RecordLayout &kind, std::uint64_t begin, Word number, bool version_2);
 
 } // namespace kova::mend

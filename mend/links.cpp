@@ -16,7 +16,7 @@ struct Reach {
   bool some_gone = false; ///< a reference to a group was cut
   bool some_left = false;
   bool some_whole = false;
-  Left cut = {}; ///< of a group that is there in part
+  Remaining cut = {}; ///< of a group that is there in part
 
   /// @return whether an index led to something that is gone. `largest`: which of several groups it is about is not
   /// said, so that the largest counts; else the smallest.
@@ -55,7 +55,7 @@ public:
     count = 0;
   }
 
-  void enter(const Spot &spot, int depth) override {
+  void enter(const RecordAt &spot, int depth) override {
     const std::span<const Link> links = spot.kind->links;
     in_part = depth != 0 && std::any_of(links.begin(), links.end(), [](const Link &link) { return link.to == To::st; });
     if (in_part) {
@@ -66,7 +66,7 @@ public:
     for (const Link &link : links)
       follow(spot.begin + link.at, link.to);
   }
-  void leave(const Spot &, std::uint64_t, int) override {
+  void leave(const RecordAt &, std::uint64_t, int) override {
     if (in_part && !has_weights) { // what its corners say of weights is nowhere laid down
       Reach &weights = (*current)[WEIGHTS];
       weights.some_left = weights.some_whole = true;
@@ -138,7 +138,7 @@ private:
 
   FileBytes &image;
   Gone &gone;
-  std::map<std::pair<To, Word>, Left> cut = {};
+  std::map<std::pair<To, Word>, Remaining> cut = {};
   std::vector<Loss> &losses;
   Reaches own = {};
   std::vector<Reaches> parts = {}; ///< of a skin
@@ -187,7 +187,7 @@ bool cutLinks(FileBytes &image, const Spans &spans, Gone gone, std::vector<Loss>
     const ListView view(image, list, span.begin);
     std::uint64_t at = view.elements();
     for (std::uint64_t i = 0; i < view.number() && at < span.end; ++i) {
-      const Spot element = view.element(i, at);
+      const RecordAt element = view.element(i, at);
       cutter.startElement(LISTS[list].name, element.number);
       at = Walk(image, image.size(), version_2, &cutter).over(element);
     }

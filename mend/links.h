@@ -14,18 +14,18 @@ using Spans = std::array<Claim, LIST_NUM>;
 struct CutElement {
   To to = To::nothing;
   Word number = 0;
-  Left entries = {};
+  Remaining entries = {};
 };
 
 /// What is gone, or in part.
 struct Gone {
-  std::array<Left, TO_NUM> left = {}; ///< by what links lead to
+  std::array<Remaining, TO_NUM> left = {}; ///< by what links lead to
   std::vector<CutElement> cut = {};
   /// Of lists of which elements were left out: the number that each element has in their place; NO_LINK: it was left
   /// out.
   std::array<std::vector<Word>, TO_NUM> numbers = {};
 
-  Left &operator[](To to) { return left[static_cast<std::size_t>(to)]; }
+  Remaining &operator[](To to) { return left[static_cast<std::size_t>(to)]; }
 };
 
 /// @return what a link leads to that leads to elements of that kind.

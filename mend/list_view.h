@@ -21,9 +21,9 @@ struct ListView {
   /// elements begin.
   std::uint64_t entry(std::uint64_t i) const { return begin + layout.head_bytes + i * sizeof(Word); }
   std::uint64_t elements() const { return entry(number()); }
-  const Kind &kind(std::uint64_t i) const { return i < first ? *layout.first : *layout.second; }
+  const RecordLayout &kind(std::uint64_t i) const { return i < first ? *layout.first : *layout.second; }
   /// @return an element that begins at a place.
-  Spot element(std::uint64_t i, std::uint64_t at) const {
+  RecordAt element(std::uint64_t i, std::uint64_t at) const {
     return {&kind(i), at, static_cast<Word>(i < first ? i : i - first)};
   }
 };

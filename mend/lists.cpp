@@ -83,7 +83,7 @@ void Reader::readNumbered(std::size_t list, const Reading &before, Word first, W
 bool Reader::beginsAsCounted(std::size_t list, std::uint64_t begin) const {
   const ListView view(image, list, begin);
   const std::uint64_t at = view.elements();
-  const Kind &kind = view.first != 0 || view.second == 0 ? *view.layout.first : *view.layout.second;
+  const RecordLayout &kind = view.first != 0 || view.second == 0 ? *view.layout.first : *view.layout.second;
   return at + 8 <= image.size() && isElementTag(kind, image[at]) && image[at + 4] == 0;
 }
 
@@ -120,7 +120,7 @@ void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings 
       change(list_at::SECOND_COUNT, layout.second_count_name, new_second);
     readNumbered(list, reading, new_first, new_second, readings);
   };
-  for (const Kind *const kind : {layout.first, layout.second}) {
+  for (const RecordLayout *const kind : {layout.first, layout.second}) {
     std::uint64_t at = table;
     for (int i = 0; kind != nullptr && i < MOST_BEGINNINGS && (at = find(at, list_end, kind->tag, 0)) != 0;
          ++i, at += 4) {
@@ -144,7 +144,7 @@ void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings 
 void Reader::readScene(const Reading &before, Readings &readings) {
   constexpr std::size_t SCENE_LIST = 0;
   const std::uint64_t begin = before.at;
-  const Spot spot = {&SCENE, begin};
+  const RecordAt spot = {&SCENE, begin};
   std::uint64_t by_words = 0;
   const Walk walk = read(spot, by_words);
   const std::uint64_t by_size = begin + image[begin + SCENE.size_at];

@@ -31,13 +31,13 @@ private:
   bool isStrange(const FoundList &list) const;
   void findHeads();
   void findEnd(std::size_t number);
-  int agreement(const Kind &kind, std::uint64_t at, Word number, Word size) const;
-  bool isElement(const Kind &kind, std::uint64_t at, Word number, std::uint64_t end);
+  int agreement(const RecordLayout &kind, std::uint64_t at, Word number, Word size) const;
+  bool isElement(const RecordLayout &kind, std::uint64_t at, Word number, std::uint64_t end);
   bool findByTable(FoundList &list);
-  bool isStrange(const Kind &kind, std::uint64_t at, Word number, Word size);
-  void findElement(const Kind &kind, std::uint64_t was_at, Word number, Word size, std::int64_t last,
+  bool isStrange(const RecordLayout &kind, std::uint64_t at, Word number, Word size);
+  void findElement(const RecordLayout &kind, std::uint64_t was_at, Word number, Word size, std::int64_t last,
                    FoundElement &element);
-  void findInTable(const FoundList &list, const Kind &kind, std::uint64_t table, std::uint64_t &was_at,
+  void findInTable(const FoundList &list, const RecordLayout &kind, std::uint64_t table, std::uint64_t &was_at,
                    std::vector<FoundElement> &elements);
   void findByTags(FoundList &list);
   void findScene(FoundList &list);
@@ -111,12 +111,12 @@ void Locator::findEnd(std::size_t number) {
 // --- Elements -------------------------------------------------------------------------------------------------------
 
 /// @return how many of tag, number and size are those of an element.
-int Locator::agreement(const Kind &kind, std::uint64_t at, Word number, Word size) const {
+int Locator::agreement(const RecordLayout &kind, std::uint64_t at, Word number, Word size) const {
   return isElementTag(kind, file[at]) + (file[at + kind.index_at] == number) + (file[at + kind.size_at] == size);
 }
 
 /// @return whether an element stands at a place, as its tag and its own words say.
-bool Locator::isElement(const Kind &kind, std::uint64_t at, Word number, std::uint64_t end) {
+bool Locator::isElement(const RecordLayout &kind, std::uint64_t at, Word number, std::uint64_t end) {
   const Word size = file[at + kind.size_at];
   if (!isElementTag(kind, file[at]) || file[at + kind.index_at] - number > end / kind.fixed || size < kind.fixed ||
       at + kind.fixed > end)
@@ -127,7 +127,7 @@ bool Locator::isElement(const Kind &kind, std::uint64_t at, Word number, std::ui
 }
 
 /// @return whether something that nothing confirms is not even like what stood there, with some words wrong.
-bool Locator::isStrange(const Kind &kind, std::uint64_t at, Word number, Word size) {
+bool Locator::isStrange(const RecordLayout &kind, std::uint64_t at, Word number, Word size) {
   if (file[at] == 0 && file[at + 4] == 0 && file[at + 8] == 0 && file[at + 12] == 0)
     return true;
   Walk walk(file, version_2, nullptr, steps_left);
@@ -136,7 +136,7 @@ bool Locator::isStrange(const Kind &kind, std::uint64_t at, Word number, Word si
 
 /// Looks for an element that was at a place. It has moved as far as the one before it, as far as what follows the list,
 /// or anything between, if that are few places.
-void Locator::findElement(const Kind &kind, std::uint64_t was_at, Word number, Word size, std::int64_t last,
+void Locator::findElement(const RecordLayout &kind, std::uint64_t was_at, Word number, Word size, std::int64_t last,
                           FoundElement &element) {
   const auto isAt = [&](std::int64_t tried, int enough) {
     const std::uint64_t at = shifted(was_at, tried);
@@ -157,7 +157,7 @@ void Locator::findElement(const Kind &kind, std::uint64_t was_at, Word number, W
 }
 
 /// Finds the elements of one kind where the size table says they were.
-void Locator::findInTable(const FoundList &list, const Kind &kind, std::uint64_t table, std::uint64_t &was_at,
+void Locator::findInTable(const FoundList &list, const RecordLayout &kind, std::uint64_t table, std::uint64_t &was_at,
                           std::vector<FoundElement> &elements) {
   for (std::size_t number = 0; number < elements.size(); ++number) {
     const Word size = file[table + number * sizeof(Word)];
@@ -178,7 +178,7 @@ bool Locator::findByTable(FoundList &list) {
     return false;
   for (std::uint64_t i = 0; i < numbers[0] + numbers[1]; ++i) {
     const Word size = file[table + i * sizeof(Word)];
-    const Kind &kind = i < numbers[0] ? *layout.first : *layout.second;
+    const RecordLayout &kind = i < numbers[0] ? *layout.first : *layout.second;
     sum += sizeof(Word) + (wholeWords(kind, size));
   }
   if (sum != list.size)
@@ -197,7 +197,7 @@ bool Locator::findByTable(FoundList &list) {
 /// Finds the elements by their tags, one after the other.
 void Locator::findByTags(FoundList &list) {
   const ListLayout &layout = LAYOUT[list.list];
-  const Kind *const kinds[] = {layout.first, layout.second};
+  const RecordLayout *const kinds[] = {layout.first, layout.second};
   std::uint64_t numbers[] = {0, 0};
   if (list.isFound()) {
     numbers[0] = file[list.begin + list_at::COUNT];
@@ -251,7 +251,7 @@ void Locator::judge(FoundList &list) {
   bool next_found = list.next_found;
   std::uint64_t next = list.end - blocksOf(list);
   for (const std::size_t i : {std::size_t{1}, std::size_t{0}}) {
-    const Kind *const kind = layout.first == nullptr ? &SCENE : i == 0 ? layout.first : layout.second;
+    const RecordLayout *const kind = layout.first == nullptr ? &SCENE : i == 0 ? layout.first : layout.second;
     for (std::size_t number = list.elements[i].size(); number-- > 0;) {
       FoundElement &element = list.elements[i][number];
       found.whole &= element.isFound();

@@ -53,7 +53,7 @@ Word leftToBlocks(const FileBytes &file, std::size_t number, const ListRead &lis
   for (const int kind : {0, 1}) {
     if (list.counts[kind] == nullptr || !list.changes_blocks)
       continue;
-    const Kind &counted = kind == 0 ? *LAYOUT[number].first : *LAYOUT[number].second;
+    const RecordLayout &counted = kind == 0 ? *LAYOUT[number].first : *LAYOUT[number].second;
     const Word before = file[list.counts[kind]->begin];
     const std::uint64_t room = list.span->end - list.span->begin - LAYOUT[number].head_bytes;
     if (before > list.counts[kind]->value && std::uint64_t{before} * (sizeof(Word) + counted.fixed) <= room)
@@ -63,12 +63,12 @@ Word leftToBlocks(const FileBytes &file, std::size_t number, const ListRead &lis
 }
 
 /// @return the kind of element that begins at a place, if one does that is sound.
-const Kind *soundElement(const FileBytes &file, std::uint64_t at, std::uint64_t to, std::uint64_t &steps) {
+const RecordLayout *soundElement(const FileBytes &file, std::uint64_t at, std::uint64_t to, std::uint64_t &steps) {
   const Word tag = file[at];
   if ((tag & 0xff) != 0 || (tag & 0xf00) == 0)
     return nullptr;
   for (const ListLayout &layout : LAYOUT)
-    for (const Kind *const kind : {layout.first, layout.second}) {
+    for (const RecordLayout *const kind : {layout.first, layout.second}) {
       if (kind == nullptr || kind->tag != tag || at + kind->fixed > to)
         continue;
       Walk walk(file, file.version() == VERSION_2, nullptr, steps);
@@ -80,9 +80,9 @@ const Kind *soundElement(const FileBytes &file, std::uint64_t at, std::uint64_t 
 }
 
 /// Where the elements of a list begin in a reading, and of which kind they are. The file is as the reading has it.
-std::vector<std::pair<std::uint64_t, const Kind *>> elementsOf(const FileBytes &read, std::size_t number,
-                                                               const ListRead &list) {
-  std::vector<std::pair<std::uint64_t, const Kind *>> elements;
+std::vector<std::pair<std::uint64_t, const RecordLayout *>> elementsOf(const FileBytes &read, std::size_t number,
+                                                                       const ListRead &list) {
+  std::vector<std::pair<std::uint64_t, const RecordLayout *>> elements;
   const ListView view(read, number, list.span->begin);
   std::uint64_t at = view.elements();
   for (std::uint64_t i = 0; i < view.number() && at < list.span->end; ++i) {
@@ -103,13 +103,13 @@ std::vector<Loss> lossesOf(const FileBytes &file, const FileBytes &read, const R
     if (list.span == nullptr || !list.changes_lengths)
       continue;
     std::uint64_t gone = 0;
-    std::vector<std::pair<std::uint64_t, const Kind *>> elements;
+    std::vector<std::pair<std::uint64_t, const RecordLayout *>> elements;
     if (LAYOUT[number].first != nullptr) {
       gone = leftToBlocks(file, number, list);
       elements = elementsOf(read, number, list);
     }
     const bool counts_changed = list.counts[0] != nullptr || list.counts[1] != nullptr;
-    const auto is_of_other_kind = [&](const Kind &kind, Word tag) {
+    const auto is_of_other_kind = [&](const RecordLayout &kind, Word tag) {
       const ListLayout &layout = LAYOUT[number];
       return counts_changed && layout.second != nullptr && tag != kind.tag &&
              (tag == layout.first->tag || tag == layout.second->tag);
@@ -120,7 +120,7 @@ std::vector<Loss> lossesOf(const FileBytes &file, const FileBytes &read, const R
       while (next != elements.end() && next->first < at)
         ++next;
       const bool begins = next != elements.end() && next->first == at;
-      const Kind *const kind = soundElement(file, at, list.span->end, steps);
+      const RecordLayout *const kind = soundElement(file, at, list.span->end, steps);
       tagged += begins ? is_of_other_kind(*next->second, file[at]) : kind != nullptr;
     }
     gone = std::max(gone, tagged);

@@ -87,14 +87,14 @@ void Reader::beginList(std::uint64_t bytes) {
 }
 
 /// Goes over a record as it is.
-Walk Reader::read(const Spot &spot, std::uint64_t &end) {
+Walk Reader::read(const RecordAt &spot, std::uint64_t &end) {
   Walk walk(image, version_2, nullptr, list_left.read_steps);
   end = walk.over(spot);
   return walk;
 }
 
 /// The first place behind the fixed words of a record at which the next one of its kind could begin.
-std::uint64_t Reader::findNext(const Spot &spot, std::uint64_t to) {
+std::uint64_t Reader::findNext(const RecordAt &spot, std::uint64_t to) {
   const bool by_number = spot.kind->index_at != NO_WORD && tells(*spot.kind, Own::index);
   return find(spot.begin + spot.kind->fixed, to, spot.kind->tag,
               by_number ? std::optional(spot.number + 1) : std::nullopt);
@@ -107,7 +107,7 @@ const Conventions &Reader::known() {
 }
 
 /// @return whether the audit looks at a word, or else whether it follows the rule in this file.
-bool Reader::tells(const Kind &kind, Own own) {
+bool Reader::tells(const RecordLayout &kind, Own own) {
   const bool is_checked = own == Own::index ? kind.index_checked : kind.size_checked;
   return is_checked || known().follows(kind, own);
 }

@@ -56,7 +56,7 @@ inline constexpr Word MOST_BEHIND = UNSOLVED_LIST + 8;
 } // namespace cost
 
 /// @return the bytes that a record of that size takes up.
-inline Word wholeWords(const Kind &kind, Word size) { return kind.size_in_bytes ? size & ~Word{3} : size; }
+inline Word wholeWords(const RecordLayout &kind, Word size) { return kind.size_in_bytes ? size & ~Word{3} : size; }
 
 /// Adds a place, once.
 inline void addEnd(std::vector<std::uint64_t> &ends, std::uint64_t end) {
@@ -95,7 +95,7 @@ private:
     Word cost;
     Word doubts;
     bool changes;
-    Site site;
+    LengthWord length_word;
     Word value;
   };
   using Proposals = std::vector<Proposal>;
@@ -108,29 +108,31 @@ private:
   void beginList(std::uint64_t bytes);
   std::uint64_t find(std::uint64_t from, std::uint64_t to, Word tag, std::optional<Word> number);
 
-  std::uint64_t findNext(const Spot &spot, std::uint64_t to);
+  std::uint64_t findNext(const RecordAt &spot, std::uint64_t to);
   const Conventions &known();
-  bool tells(const Kind &kind, Own own);
+  bool tells(const RecordLayout &kind, Own own);
 
-  Walk read(const Spot &spot, std::uint64_t &end);
-  Walk measure(const FileBytes &file, const Spot &spot, std::uint64_t &end, Events *events = nullptr);
-  void tryWord(const Spot &spot, std::uint64_t end, const Site &site, Word value, Proposals &proposals);
-  void solveCounts(const Spot &spot, std::uint64_t end, Proposals &proposals);
-  void growSite(const Spot &spot, std::uint64_t end, const Site &site, std::int64_t from, std::int64_t bytes,
-                Proposals &proposals);
-  void solveRecords(const Spot &spot, std::uint64_t end, const Site &site, std::span<const Spot> series_of,
-                    Proposals &proposals);
-  void searchValue(const Spot &spot, std::uint64_t end, const Site &site, Proposals &proposals);
-  void solveInside(const Spot &spot, std::uint64_t end, const Spot &inner, std::int64_t lacking, Proposals &proposals);
-  Word recordsInARow(Spot spot, std::uint64_t end);
-  Proposals solve(const Spot &spot, std::uint64_t end);
+  Walk read(const RecordAt &spot, std::uint64_t &end);
+  Walk measure(const FileBytes &file, const RecordAt &spot, std::uint64_t &end, Events *events = nullptr);
+  void tryWord(const RecordAt &spot, std::uint64_t end, const LengthWord &length_word, Word value,
+               Proposals &proposals);
+  void solveCounts(const RecordAt &spot, std::uint64_t end, Proposals &proposals);
+  void growWord(const RecordAt &spot, std::uint64_t end, const LengthWord &length_word, std::int64_t from,
+                std::int64_t bytes, Proposals &proposals);
+  void solveRecords(const RecordAt &spot, std::uint64_t end, const LengthWord &length_word,
+                    std::span<const RecordAt> series_of, Proposals &proposals);
+  void searchValue(const RecordAt &spot, std::uint64_t end, const LengthWord &length_word, Proposals &proposals);
+  void solveInside(const RecordAt &spot, std::uint64_t end, const RecordAt &inner, std::int64_t lacking,
+                   Proposals &proposals);
+  Word recordsInARow(RecordAt spot, std::uint64_t end);
+  Proposals solve(const RecordAt &spot, std::uint64_t end);
   static void keepBest(Proposals &proposals);
 
-  void readElement(std::size_t list, const Kind &kind, const Reading &before, Word number, Word table_size,
+  void readElement(std::size_t list, const RecordLayout &kind, const Reading &before, Word number, Word table_size,
                    Readings &readings);
-  void readElementTo(std::size_t list, const Spot &spot, const Reading &before, std::uint64_t end, Word table_size,
+  void readElementTo(std::size_t list, const RecordAt &spot, const Reading &before, std::uint64_t end, Word table_size,
                      bool own_size, bool believed, Readings &readings);
-  Readings readElements(std::size_t list, const Kind &kind, Readings before, std::uint64_t table, Word number,
+  Readings readElements(std::size_t list, const RecordLayout &kind, Readings before, std::uint64_t table, Word number,
                         Word most_cost);
   void readNumbered(std::size_t list, const Reading &before, Word first, Word second, Readings &readings);
   bool beginsAsCounted(std::size_t list, std::uint64_t begin) const;

@@ -35,7 +35,7 @@ private:
   bool beginsList(std::size_t list, std::uint64_t at) const;
   bool followChain(std::uint64_t at);
   bool findChain();
-  std::uint64_t endOfElements(const Kind &kind, std::uint64_t at, Word number);
+  std::uint64_t endOfElements(const RecordLayout &kind, std::uint64_t at, Word number);
   bool findElements();
   Rebuilt makeFile(Word version) const;
   bool is20(const Rebuilt &made) const;
@@ -90,7 +90,7 @@ bool Rebuilder::findChain() {
 // --- Elements of a list whose head is gone --------------------------------------------------------------------------
 
 /// @return where the elements end that begin at a place, one with each number; 0 where one is not sound.
-std::uint64_t Rebuilder::endOfElements(const Kind &kind, std::uint64_t at, Word number) {
+std::uint64_t Rebuilder::endOfElements(const RecordLayout &kind, std::uint64_t at, Word number) {
   while (at < chain.begin && isElementTag(kind, file[at]) && file[at + kind.index_at] == number++) {
     Walk walk(file, file.version() == VERSION_2, nullptr, steps_left);
     const std::uint64_t end = walk.over({&kind, at});
@@ -105,7 +105,7 @@ std::uint64_t Rebuilder::endOfElements(const Kind &kind, std::uint64_t at, Word 
 bool Rebuilder::findElements() {
   for (std::uint64_t at = 0; at < std::min(chain.begin, MOST_GONE) && steps_left != 0; ++at)
     for (std::size_t list = 1; list < chain.first; ++list)
-      for (const Kind *const kind : {LAYOUT[list].first, LAYOUT[list].second}) {
+      for (const RecordLayout *const kind : {LAYOUT[list].first, LAYOUT[list].second}) {
         if (kind == nullptr || !isElementTag(*kind, file[at]))
           continue;
         std::uint64_t end = endOfElements(*kind, at, file[at + kind->index_at]);
@@ -160,9 +160,9 @@ bool Rebuilder::is20(const Rebuilt &made) const {
   for (const FoundList &list : locate(FileBytes(bytes)).lists)
     for (const std::size_t second : {std::size_t{0}, std::size_t{1}})
       for (const FoundElement &element : list.elements[second]) {
-        const Kind *const kind = list.list == 0 ? &SCENE
-                                 : second != 0  ? LAYOUT[list.list].second
-                                                : LAYOUT[list.list].first;
+        const RecordLayout *const kind = list.list == 0 ? &SCENE
+                                         : second != 0  ? LAYOUT[list.list].second
+                                                        : LAYOUT[list.list].first;
         if (!element.isFound() || !hasMaker(*kind))
           continue;
         if (!element.whole)

@@ -33,10 +33,10 @@ template <class Form, class Around> class RecordIo;
 /// @tparam Around the fixed words of the record that they are a part of; void: none, they are elements
 /// @tparam HAS_CONTENT whether something follows their fixed words
 template <class Form, class Around = void, bool HAS_CONTENT = true>
-inline constexpr Kind KIND = [] {
+inline constexpr RecordLayout RECORD_LAYOUT = [] {
   using Head = typename Form::Head;
   constexpr bool IS_AUDITED = std::is_void_v<Around> && Form::tag != UNAUDITED_TAG;
-  Kind kind;
+  RecordLayout kind;
   kind.tag = Form::tag;
   kind.fixed = Form::bytes;
   kind.index_at = PLACE_OF<Form::words, Role::own_index>;
@@ -83,17 +83,17 @@ inline constexpr std::uint64_t COUNTS_END = [] {
 template <class Form> struct LengthWords : PassingIo {
   using Head = typename Form::Head;
 
-  struct LengthWord {
+  struct Counted {
     std::uint64_t place;
     std::int32_t unit;
-    const Kind *records;
+    const RecordLayout *records;
   };
 
   const Head &head;
-  std::array<LengthWord, Form::words.WORD_NUM> words = {};
+  std::array<Counted, Form::words.WORD_NUM> words = {};
   std::size_t found = 0;
 
-  void add(std::uint64_t place, std::size_t unit, const Kind *records = nullptr) {
+  void add(std::uint64_t place, std::size_t unit, const RecordLayout *records = nullptr) {
     std::size_t i = 0;
     while (i < found && words[i].place != place)
       ++i;
@@ -103,7 +103,7 @@ template <class Form> struct LengthWords : PassingIo {
     if (records != nullptr)
       words[i].records = records;
   }
-  void addCount(Word Head::*count, std::size_t unit, const Kind *records = nullptr) {
+  void addCount(Word Head::*count, std::size_t unit, const RecordLayout *records = nullptr) {
     add(placeIn(head, head.*count), unit, records);
   }
   void addCount(const Sum<Head> &count, std::size_t unit) {
@@ -121,13 +121,13 @@ template <class Form> struct LengthWords : PassingIo {
   template <class... Arguments> int pairs(const Arguments &...all) { return array(all...); }
   template <class Items, class Array, class Count> int run(Items, Array, Count count) {
     if constexpr (IS_RECORD<Items>)
-      addCount(count, Items::bytes, &KIND<Items, Head, false>);
+      addCount(count, Items::bytes, &RECORD_LAYOUT<Items, Head, false>);
     else
       addCount(count, Items::bytes);
     return 1;
   }
   template <class Items, class Array, class Count> int records(Items, Array, Count count) {
-    addCount(count, Items::bytes, &KIND<Items, Head>);
+    addCount(count, Items::bytes, &RECORD_LAYOUT<Items, Head>);
     return 1;
   }
   int header(Word Head::*member) {
@@ -168,13 +168,13 @@ public:
       : walk(walks), head(fixed_words), begin(begins_at), around(around_it), tile_num(tiles_around) {}
 
   /// Goes over what follows the fixed words of a record.
-  static void goOver(Walk &walk, const Spot &spot) {
+  static void goOver(Walk &walk, const RecordAt &spot) {
     const Head head = walk.image.head<Head>(spot.begin, walk.limit);
     RecordIo(walk, head, spot.begin, spot.around, 1).go();
   }
 
   int go() {
-    if (walk.events != nullptr && walk.events->wants_sites)
+    if (walk.events != nullptr && walk.events->wants_length_words)
       tellLengthWords();
     return content(*this, head);
   }
@@ -191,13 +191,13 @@ public:
   }
   template <class Items, class Array, class Count> int run(Items, Array, Count count) {
     if constexpr (IS_RECORD<Items>)
-      walk.records(static_cast<Word>(numberOf(head, count)), KIND<Items, Head, false>, begin);
+      walk.records(static_cast<Word>(numberOf(head, count)), RECORD_LAYOUT<Items, Head, false>, begin);
     else
       walk.table(numberOf(head, count), {{Items::bytes}});
     return 1;
   }
   template <class Items, class Array, class Count> int records(Items, Array, Count count) {
-    walk.records(static_cast<Word>(numberOf(head, count)), KIND<Items, Head>, begin);
+    walk.records(static_cast<Word>(numberOf(head, count)), RECORD_LAYOUT<Items, Head>, begin);
     return 1;
   }
 
@@ -252,7 +252,7 @@ public:
       if (refForm(head.tri_anim_type, kind) == RefForm::keys) {
         const std::uint64_t at = walk.position;
         const Word keys = walk.next();
-        walk.site(at, ref.key_num, keys, 2 * sizeof(Word));
+        walk.lengthWord(at, ref.key_num, keys, 2 * sizeof(Word));
         walk.table(keys, {{sizeof(Word)}, {sizeof(Word), ref.to}});
       } else {
         const bool frames = refForm(head.tri_anim_type, kind) == RefForm::frames;
@@ -296,8 +296,8 @@ private:
     content(lengths, head);
     for (const auto &word : std::span(lengths.words).first(lengths.found)) {
       const std::size_t position = static_cast<std::size_t>(word.place) / sizeof(Word);
-      walk.site(begin + word.place, WORD_INFOS<Form::words>[position].name.c_str(),
-                std::bit_cast<std::array<Word, Form::words.WORD_NUM>>(head)[position], word.unit, word.records);
+      walk.lengthWord(begin + word.place, WORD_INFOS<Form::words>[position].name.c_str(),
+                      std::bit_cast<std::array<Word, Form::words.WORD_NUM>>(head)[position], word.unit, word.records);
     }
   }
   /// The links of a part of a record, which has no layout of its own.
@@ -313,8 +313,8 @@ private:
   void tellBlocks(std::uint64_t at, Word maker, Word user) {
     if (walk.events == nullptr)
       return;
-    walk.site(at, NAME_OF<WORDS<FileHeaderHead>, Role::van_size>, maker, 1, nullptr, true);
-    walk.site(at + sizeof(Word), NAME_OF<WORDS<FileHeaderHead>, Role::usr_size>, user, 1, nullptr, true);
+    walk.lengthWord(at, NAME_OF<WORDS<FileHeaderHead>, Role::van_size>, maker, 1, nullptr, true);
+    walk.lengthWord(at + sizeof(Word), NAME_OF<WORDS<FileHeaderHead>, Role::usr_size>, user, 1, nullptr, true);
   }
 
   /// Goes over what a maker block begins with, and comes back to where it begins.
@@ -339,8 +339,8 @@ private:
     constexpr std::uint64_t HEADER_AT = PLACE_OF<Form::words, Role::header_size>;
     const Word size = walk.image[begin + SIZE_AT];
     const Word header = walk.image[begin + HEADER_AT];
-    walk.site(begin + SIZE_AT, NAME_OF<Form::words, Role::size>, size, 1);
-    walk.site(begin + HEADER_AT, NAME_OF<Form::words, Role::header_size>, header, -1);
+    walk.lengthWord(begin + SIZE_AT, NAME_OF<Form::words, Role::size>, size, 1);
+    walk.lengthWord(begin + HEADER_AT, NAME_OF<Form::words, Role::header_size>, header, -1);
     walk.doubts += header != Form::bytes;
     return std::int64_t{size} - header;
   }

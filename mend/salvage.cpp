@@ -30,8 +30,8 @@ private:
   void emptyList(std::size_t list);
   void cutScene(std::uint64_t begin);
   void cutList(std::size_t list, std::uint64_t begin);
-  std::uint64_t cutElements(std::size_t list, const Kind &kind, std::uint64_t &at, std::uint64_t table, Word number,
-                            CutElements &cut);
+  std::uint64_t cutElements(std::size_t list, const RecordLayout &kind, std::uint64_t &at, std::uint64_t table,
+                            Word number, CutElements &cut);
   void loseElements(const ListView &view, std::size_t list, bool has_head);
   BlockSizes cutBlocks(std::size_t list, const BlockSizes &blocks, std::uint64_t there);
   void addEmptyGroups(std::size_t list, CutElements &cut);
@@ -111,10 +111,10 @@ void Salvage::cutScene(std::uint64_t begin) {
 }
 
 /// Appends the elements that are left, and their entries in the size table. @return their number.
-std::uint64_t Salvage::cutElements(std::size_t list, const Kind &kind, std::uint64_t &at, std::uint64_t table,
+std::uint64_t Salvage::cutElements(std::size_t list, const RecordLayout &kind, std::uint64_t &at, std::uint64_t table,
                                    Word number, CutElements &cut) {
   const To to = toKind(list, &kind == LAYOUT[list].second);
-  Left &counted = gone[to] = {number, 0};
+  Remaining &counted = gone[to] = {number, 0};
   for (Word i = 0; i < number && at < image.size(); ++i) {
     if (at + kind.fixed <= image.size() && !isElementTag(kind, image[at]))
       break;
@@ -166,7 +166,7 @@ BlockSizes Salvage::cutBlocks(std::size_t list, const BlockSizes &blocks, std::u
 void Salvage::addEmptyGroups(std::size_t list, CutElements &cut) {
   if (LISTS[list].tag != COLOR_LIST_TAG || cut.second >= cut.first)
     return;
-  const Kind &kind = *LAYOUT[list].second;
+  const RecordLayout &kind = *LAYOUT[list].second;
   made.losses.push_back(
       {LISTS[list].name, {}, std::to_string(cut.first - cut.second) + " empty groups of vertex colours", true});
   for (; cut.second < cut.first; ++cut.second) {
@@ -250,7 +250,7 @@ bool Salvage::salvageList(std::size_t list, std::uint64_t begin, std::uint64_t s
 /// @return whether the records of a list of the salvaged file end within it. What was whole can be damaged, too.
 bool isSound(const FileBytes &image, const Claim &span, bool version_2) {
   const ListLayout &layout = LAYOUT[span.list];
-  const auto goOver = [&](const Spot &spot, std::uint64_t &end) {
+  const auto goOver = [&](const RecordAt &spot, std::uint64_t &end) {
     if (spot.begin + spot.kind->fixed > span.end ||
         (spot.kind->tag != 0 && !isElementTag(*spot.kind, image[spot.begin])))
       return false;

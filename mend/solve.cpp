@@ -9,19 +9,19 @@ namespace kova::mend {
 namespace {
 
 /// Takes down the words on which the length of a record depends, without those of the records inside.
-struct Sites : Events {
-  std::vector<Site> sites;
-  std::vector<Spot> series_of; ///< the first of each row of records inside
+struct OwnLengthWords : Events {
+  std::vector<LengthWord> length_words;
+  std::vector<RecordAt> series_of; ///< the first of each row of records inside
   int depth_now = 0;
 
-  Sites() : Events(true) {}
-  void enter(const Spot &, int) override { ++depth_now; }
-  void leave(const Spot &, std::uint64_t, int) override { --depth_now; }
-  void site(const Site &site) override {
+  OwnLengthWords() : Events(true) {}
+  void enter(const RecordAt &, int) override { ++depth_now; }
+  void leave(const RecordAt &, std::uint64_t, int) override { --depth_now; }
+  void lengthWord(const LengthWord &length_word) override {
     if (depth_now == 1)
-      sites.push_back(site);
+      length_words.push_back(length_word);
   }
-  void series(const Spot &first, Word) override {
+  void series(const RecordAt &first, Word) override {
     if (depth_now == 1)
       series_of.push_back(first);
   }
@@ -33,91 +33,93 @@ bool isNumber(std::int64_t value) { return value >= 0 && value <= std::numeric_l
 } // namespace
 
 /// Goes over a record as a part of the search for a wrong word.
-Walk Reader::measure(const FileBytes &file, const Spot &spot, std::uint64_t &end, Events *events) {
+Walk Reader::measure(const FileBytes &file, const RecordAt &spot, std::uint64_t &end, Events *events) {
   Walk walk(file, version_2, events, list_left.search_steps, &known());
   end = walk.over(spot);
   return walk;
 }
 
 /// Proposes `value` for a word if the record then ends at `end`.
-void Reader::tryWord(const Spot &spot, std::uint64_t end, const Site &site, Word value, Proposals &proposals) {
-  if (value == image[site.offset])
+void Reader::tryWord(const RecordAt &spot, std::uint64_t end, const LengthWord &length_word, Word value,
+                     Proposals &proposals) {
+  if (value == image[length_word.offset])
     return;
   std::uint64_t ends_at = 0;
-  const Walk walk = measure(image.with(site.offset, value), spot, ends_at);
+  const Walk walk = measure(image.with(length_word.offset, value), spot, ends_at);
   if (walk.broken || ends_at != end)
     return;
-  proposals.push_back({1 + walk.faults, walk.doubts, true, site, value});
+  proposals.push_back({1 + walk.faults, walk.doubts, true, length_word, value});
 }
 
 /// Proposes values for the words of the record itself.
-void Reader::solveCounts(const Spot &spot, std::uint64_t end, Proposals &proposals) {
-  Sites found;
+void Reader::solveCounts(const RecordAt &spot, std::uint64_t end, Proposals &proposals) {
+  OwnLengthWords found;
   std::uint64_t ends_at = 0;
   const Walk walk = measure(image, spot, ends_at, &found);
   const auto lacking = static_cast<std::int64_t>(end - ends_at);
   // Where the blocks are, too, may be wrong if their sizes do not tell where the record ends.
-  const bool blocks_tell =
-      std::any_of(found.sites.begin(), found.sites.end(), [](const Site &site) { return site.block; });
-  for (const Site &site : found.sites) {
-    if (site.maker) { // changes nothing about the end
+  const bool blocks_tell = std::any_of(found.length_words.begin(), found.length_words.end(),
+                                       [](const LengthWord &length_word) { return length_word.block; });
+  for (const LengthWord &length_word : found.length_words) {
+    if (length_word.maker) { // changes nothing about the end
       if (lacking == 0 && walk.maker_spare < 0 && blocks_tell)
-        growSite(spot, end, site, site.value, walk.maker_spare, proposals);
-    } else if (site.block) {
-      tryWord(spot, end, site, site.value & ~Word{3}, proposals); // no block ends within a word
-      growSite(spot, end, site, site.value & ~Word{3}, lacking, proposals);
-    } else if (site.unit < 0) { // a header size
-      tryWord(spot, end, site, spot.kind->fixed, proposals);
-    } else if (site.unit == 0) {
-      tryWord(spot, end, site, 0, proposals);
+        growWord(spot, end, length_word, length_word.value, walk.maker_spare, proposals);
+    } else if (length_word.block) {
+      tryWord(spot, end, length_word, length_word.value & ~Word{3}, proposals); // no block ends within a word
+      growWord(spot, end, length_word, length_word.value & ~Word{3}, lacking, proposals);
+    } else if (length_word.unit < 0) { // a header size
+      tryWord(spot, end, length_word, spot.kind->fixed, proposals);
+    } else if (length_word.unit == 0) {
+      tryWord(spot, end, length_word, 0, proposals);
     } else if (lacking != 0) {
-      const Word parts = site.unit == 2 ? ~Word{1} : ~Word{0}; // colours stand two to a word
-      growSite(spot, end, site, site.value & parts, lacking, proposals);
-      growSite(spot, end, site, static_cast<Index>(site.value & parts), lacking, proposals);
-      if (spot.kind->size_at != NO_WORD && site.offset == spot.begin + spot.kind->size_at) // texts take up whole words
-        growSite(spot, end, site, site.value & ~Word{3}, lacking, proposals);
-      if (site.records != nullptr)
-        solveRecords(spot, end, site, found.series_of, proposals);
+      const Word parts = length_word.unit == 2 ? ~Word{1} : ~Word{0}; // colours stand two to a word
+      growWord(spot, end, length_word, length_word.value & parts, lacking, proposals);
+      growWord(spot, end, length_word, static_cast<Index>(length_word.value & parts), lacking, proposals);
+      if (spot.kind->size_at != NO_WORD &&
+          length_word.offset == spot.begin + spot.kind->size_at) // texts take up whole words
+        growWord(spot, end, length_word, length_word.value & ~Word{3}, lacking, proposals);
+      if (length_word.records != nullptr)
+        solveRecords(spot, end, length_word, found.series_of, proposals);
       else if (walk.broken || !found.series_of.empty())
-        searchValue(spot, end, site, proposals);
+        searchValue(spot, end, length_word, proposals);
     }
   }
 }
 
 /// Proposes the value with which the record is longer by so many bytes.
-void Reader::growSite(const Spot &spot, std::uint64_t end, const Site &site, std::int64_t from, std::int64_t bytes,
-                      Proposals &proposals) {
-  const std::int64_t value = from + bytes / site.unit;
-  if (bytes % site.unit == 0 && isNumber(value))
-    tryWord(spot, end, site, static_cast<Word>(value), proposals);
+void Reader::growWord(const RecordAt &spot, std::uint64_t end, const LengthWord &length_word, std::int64_t from,
+                      std::int64_t bytes, Proposals &proposals) {
+  const std::int64_t value = from + bytes / length_word.unit;
+  if (bytes % length_word.unit == 0 && isNumber(value))
+    tryWord(spot, end, length_word, static_cast<Word>(value), proposals);
 }
 
 /// Proposes numbers of records, which may be of unequal length: as many as stand in a row; or, where a table with an
 /// entry for each stands before them, as many as that has.
-void Reader::solveRecords(const Spot &spot, std::uint64_t end, const Site &site, std::span<const Spot> series_of,
-                          Proposals &proposals) {
-  for (const Spot &first : series_of)
-    if (first.kind == site.records)
-      tryWord(spot, end, site, recordsInARow(first, end), proposals);
+void Reader::solveRecords(const RecordAt &spot, std::uint64_t end, const LengthWord &length_word,
+                          std::span<const RecordAt> series_of, Proposals &proposals) {
+  for (const RecordAt &first : series_of)
+    if (first.kind == length_word.records)
+      tryWord(spot, end, length_word, recordsInARow(first, end), proposals);
   const std::uint64_t table = spot.begin + spot.kind->fixed;
-  if (site.records->tag != 0)
-    if (const std::uint64_t first = find(table, end, site.records->tag, 0))
-      tryWord(spot, end, site, static_cast<Word>((first - table) / sizeof(Word)), proposals);
+  if (length_word.records->tag != 0)
+    if (const std::uint64_t first = find(table, end, length_word.records->tag, 0))
+      tryWord(spot, end, length_word, static_cast<Word>((first - table) / sizeof(Word)), proposals);
 }
 
 /// Tries one value after the other, where a wrong one hides by how much it is wrong.
-void Reader::searchValue(const Spot &spot, std::uint64_t end, const Site &site, Proposals &proposals) {
+void Reader::searchValue(const RecordAt &spot, std::uint64_t end, const LengthWord &length_word, Proposals &proposals) {
   const std::uint64_t length = end - spot.begin;
-  const std::uint64_t most = length / static_cast<std::uint64_t>(site.unit);
+  const std::uint64_t most = length / static_cast<std::uint64_t>(length_word.unit);
   // As many records as this one could have inside are gone over each time.
   if (most * (1 + length / SMALLEST_INSIDE) > list_left.search_steps / 2)
     return;
   for (Word value = 0; value <= most; ++value)
-    tryWord(spot, end, site, value, proposals);
+    tryWord(spot, end, length_word, value, proposals);
 }
 
 /// @return how many records that raise no doubt stand in a row.
-Word Reader::recordsInARow(Spot spot, std::uint64_t end) {
+Word Reader::recordsInARow(RecordAt spot, std::uint64_t end) {
   Walk walk(image, version_2, nullptr, list_left.search_steps, &known());
   while (spot.begin + spot.kind->fixed <= end) {
     spot.begin = walk.over(spot, 1);
@@ -130,7 +132,7 @@ Word Reader::recordsInARow(Spot spot, std::uint64_t end) {
 
 /// Proposes values for the words of a record inside: it ends where its own size says, where the next one begins, or so
 /// that all is as long as it has to be.
-void Reader::solveInside(const Spot &spot, std::uint64_t end, const Spot &inner, std::int64_t lacking,
+void Reader::solveInside(const RecordAt &spot, std::uint64_t end, const RecordAt &inner, std::int64_t lacking,
                          Proposals &proposals) {
   if (inner.kind == nullptr)
     return;
@@ -146,11 +148,11 @@ void Reader::solveInside(const Spot &spot, std::uint64_t end, const Spot &inner,
     if (to > inner.begin && to <= end && to != inner_end)
       solveCounts(inner, to, inside);
   for (const Proposal &proposal : inside)
-    tryWord(spot, end, proposal.site, proposal.value, proposals);
+    tryWord(spot, end, proposal.length_word, proposal.value, proposals);
 }
 
 /// @return the best ways in which the record can end at `end`: none, one, or several that are equally good.
-Reader::Proposals Reader::solve(const Spot &spot, std::uint64_t end) {
+Reader::Proposals Reader::solve(const RecordAt &spot, std::uint64_t end) {
   Proposals proposals;
   std::uint64_t ends_at = 0;
   const Walk walk = measure(image, spot, ends_at);
@@ -160,7 +162,7 @@ Reader::Proposals Reader::solve(const Spot &spot, std::uint64_t end) {
     solveCounts(spot, end, proposals);
   if (ends_at != end) {
     const auto lacking = static_cast<std::int64_t>(end - ends_at);
-    for (const Spot &inner : {walk.suspect, walk.before})
+    for (const RecordAt &inner : {walk.suspect, walk.before})
       solveInside(spot, end, inner, lacking, proposals);
   }
   if (list_left.search_steps == 0) // there may be others that are as good
@@ -173,15 +175,15 @@ Reader::Proposals Reader::solve(const Spot &spot, std::uint64_t end) {
 void Reader::keepBest(Proposals &proposals) {
   // Whole records are not likely to be anything else.
   const bool records = std::any_of(proposals.begin(), proposals.end(), [](const Proposal &proposal) {
-    return proposal.changes && proposal.site.records != nullptr && proposal.value > 0 && proposal.doubts == 0;
+    return proposal.changes && proposal.length_word.records != nullptr && proposal.value > 0 && proposal.doubts == 0;
   });
   for (Proposal &proposal : proposals)
-    proposal.doubts += records && proposal.changes && proposal.site.records == nullptr;
+    proposal.doubts += records && proposal.changes && proposal.length_word.records == nullptr;
   const auto less = [](const Proposal &a, const Proposal &b) {
     return a.cost != b.cost ? a.cost < b.cost : a.doubts < b.doubts;
   };
   const auto same = [](const Proposal &a, const Proposal &b) {
-    return a.changes == b.changes && a.site.offset == b.site.offset && a.value == b.value;
+    return a.changes == b.changes && a.length_word.offset == b.length_word.offset && a.value == b.value;
   };
   if (proposals.empty())
     return;

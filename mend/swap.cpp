@@ -36,7 +36,7 @@ struct Broken {
   enum class Sort : std::uint8_t { none, head, table, element };
   Sort sort = Sort::none;
   const FoundList *list = nullptr;
-  const Kind *kind = nullptr; ///< of an element
+  const RecordLayout *kind = nullptr; ///< of an element
   std::uint64_t begin = 0;
   std::uint64_t end = 0;
   Word number = 0;
@@ -74,7 +74,7 @@ private:
 
 // --- What is wrong --------------------------------------------------------------------------------------------------
 
-const Kind &kindOf(const FoundList &list, std::size_t second) {
+const RecordLayout &kindOf(const FoundList &list, std::size_t second) {
   return list.list == 0 ? SCENE : second != 0 ? *LAYOUT[list.list].second : *LAYOUT[list.list].first;
 }
 
@@ -126,7 +126,7 @@ bool SwapSearch::isTableRight(const Broken &broken) const {
 }
 
 bool SwapSearch::isElementRight(const Broken &broken) {
-  const Kind &kind = *broken.kind;
+  const RecordLayout &kind = *broken.kind;
   if (!isElementTag(kind, file[broken.begin]) || wholeWords(kind, file[broken.begin + kind.size_at]) != broken.size ||
       (kind.index_at != NO_WORD && file[broken.begin + kind.index_at] != broken.number))
     return false;

@@ -14,10 +14,10 @@ Word Walk::next() {
   return position > limit ? 0 : image[at];
 }
 
-void Walk::site(std::uint64_t offset, const char *field, Word value, std::int32_t unit, const Kind *records,
-                bool block) {
+void Walk::lengthWord(std::uint64_t offset, const char *field, Word value, std::int32_t unit,
+                      const RecordLayout *records, bool block) {
   if (events != nullptr && !broken && offset + sizeof(Word) <= limit && isInMakerBlock(offset))
-    events->site({offset, field, value, unit, records, block, maker_end != 0});
+    events->lengthWord({offset, field, value, unit, records, block, maker_end != 0});
 }
 
 void Walk::table(std::uint64_t entries, std::initializer_list<Column> columns, std::uint64_t count_at) {
@@ -30,7 +30,7 @@ void Walk::table(std::uint64_t entries, std::initializer_list<Column> columns, s
   }
 }
 
-void Walk::records(Word number, const Kind &kind, std::uint64_t around) {
+void Walk::records(Word number, const RecordLayout &kind, std::uint64_t around) {
   if (events != nullptr)
     events->series({&kind, position, 0, around}, number);
   // Else each of many records with such a number would be followed to the end of the file.
@@ -45,7 +45,7 @@ void Walk::records(Word number, const Kind &kind, std::uint64_t around) {
       broken = true;
       return;
     }
-    const Spot spot = {&kind, position, i, around};
+    const RecordAt spot = {&kind, position, i, around};
     const Word doubts_before = doubts;
     over(spot, 1);
     if (suspect.kind != nullptr)
@@ -55,8 +55,8 @@ void Walk::records(Word number, const Kind &kind, std::uint64_t around) {
 }
 
 /// @return whether a word of a record inside is not what it should be, and those of its kind are in this file.
-bool Walk::isOdd(const Spot &spot) const {
-  const Kind &kind = *spot.kind;
+bool Walk::isOdd(const RecordAt &spot) const {
+  const RecordLayout &kind = *spot.kind;
   const auto tells = [&](Own own) { return conventions == nullptr || conventions->follows(kind, own); };
   if (kind.tag != 0 && image[spot.begin] != kind.tag)
     return true;
@@ -65,8 +65,8 @@ bool Walk::isOdd(const Spot &spot) const {
   return kind.size_at != NO_WORD && image[spot.begin + kind.size_at] != position - spot.begin && tells(Own::size);
 }
 
-std::uint64_t Walk::over(const Spot &spot, int depth) {
-  const Kind &kind = *spot.kind;
+std::uint64_t Walk::over(const RecordAt &spot, int depth) {
+  const RecordLayout &kind = *spot.kind;
   position = spot.begin + kind.fixed;
   if (position > limit || (steps != nullptr && *steps == 0)) {
     broken = true;
@@ -86,7 +86,7 @@ std::uint64_t Walk::over(const Spot &spot, int depth) {
   return position;
 }
 
-bool hasMaker(const Kind &kind) {
+bool hasMaker(const RecordLayout &kind) {
   std::vector<unsigned char> zeros(kind.fixed);
   const FileBytes record(zeros);
   Walk walk(record, zeros.size(), true);

@@ -21,33 +21,33 @@ struct Column {
 };
 
 /// A word on which a length depends.
-struct Site {
+struct LengthWord {
   std::uint64_t offset;
   const char *field;
   Word value;
-  std::int32_t unit;   ///< bytes by which the length grows with it, as far as can be said beforehand;
-                       ///< -1: a header size; 0: of what is not stored
-  const Kind *records; ///< what it counts; null if that is no records
-  bool block;          ///< it is the size of a block, not a number of something
-  bool maker;          ///< it stands in a maker block, and says only how much of that is used
+  std::int32_t unit;           ///< bytes by which the length grows with it, as far as can be said beforehand;
+                               ///< -1: a header size; 0: of what is not stored
+  const RecordLayout *records; ///< what it counts; null if that is no records
+  bool block;                  ///< it is the size of a block, not a number of something
+  bool maker;                  ///< it stands in a maker block, and says only how much of that is used
 };
 
 /// What those who follow a walk are told of.
 struct Events {
-  const bool wants_sites; ///< to be told of the words on which a length depends
+  const bool wants_length_words; ///< to be told of the words on which a length depends
 
-  explicit Events(bool sites = false) : wants_sites(sites) {}
+  explicit Events(bool length_words = false) : wants_length_words(length_words) {}
   virtual ~Events() = default;
-  virtual void enter(const Spot & /*spot*/, int /*depth*/) {}
-  virtual void leave(const Spot & /*spot*/, std::uint64_t /*end*/, int /*depth*/) {}
+  virtual void enter(const RecordAt & /*spot*/, int /*depth*/) {}
+  virtual void leave(const RecordAt & /*spot*/, std::uint64_t /*end*/, int /*depth*/) {}
   /// Those of the fixed words come before all that they count.
-  virtual void site(const Site & /*site*/) {}
+  virtual void lengthWord(const LengthWord & /*length_word*/) {}
   /// `entries` entries of each column stand one column behind the other from `begin` on. Their number stands at
   /// `count_at`; 0: it is not a word of the record.
   virtual void table(std::uint64_t /*begin*/, std::uint64_t /*entries*/, std::span<const Column> /*columns*/,
                      std::uint64_t /*count_at*/) {}
   /// Records of a kind begin, one behind the other; `first` is the place of the first one.
-  virtual void series(const Spot & /*first*/, Word /*number*/) {}
+  virtual void series(const RecordAt & /*first*/, Word /*number*/) {}
 };
 
 /// Goes over a record. Nothing beyond `limit` is read; lengths go on in 64 bits.
@@ -62,27 +62,27 @@ public:
         conventions(known) {}
 
   /// @return the end of the record.
-  std::uint64_t over(const Spot &spot, int depth = 0);
+  std::uint64_t over(const RecordAt &spot, int depth = 0);
 
   bool broken = false;          ///< a word that had to be read lies beyond the limit
   Word doubts = 0;              ///< what is unusual: a record inside that has not its own number or size, ...
   Word faults = 0;              ///< what the audit does not accept: a maker block too short for what it holds, ...
   bool has_maker = false;       ///< the record's maker block was gone over
   std::int64_t maker_spare = 0; ///< bytes of it beyond what it holds; negative: it lacks them
-  Spot suspect = {};            ///< the first record inside that raised a doubt
-  Spot before = {};             ///< the record inside before that, or the last one
+  RecordAt suspect = {};        ///< the first record inside that raised a doubt
+  RecordAt before = {};         ///< the record inside before that, or the last one
 
 private:
   template <class Form, class Around> friend class RecordIo;
 
-  bool isOdd(const Spot &spot) const;
+  bool isOdd(const RecordAt &spot) const;
   bool isInMakerBlock(std::uint64_t offset) const { return maker_end == 0 || offset + sizeof(Word) <= maker_end; }
   Word next();
-  void site(std::uint64_t offset, const char *field, Word value, std::int32_t unit, const Kind *records = nullptr,
-            bool block = false);
+  void lengthWord(std::uint64_t offset, const char *field, Word value, std::int32_t unit,
+                  const RecordLayout *records = nullptr, bool block = false);
   /// Columns of as many entries, which are passed.
   void table(std::uint64_t entries, std::initializer_list<Column> columns, std::uint64_t count_at = 0);
-  void records(Word number, const Kind &kind, std::uint64_t around);
+  void records(Word number, const RecordLayout &kind, std::uint64_t around);
   /// Bytes that are not looked at. A negative number comes from sizes that are wrong.
   void pass(std::int64_t bytes) {
     position += static_cast<std::uint64_t>(bytes);
@@ -107,6 +107,6 @@ private:
 };
 
 /// @return whether the maker blocks of a kind of record begin with what version 2.0 describes.
-bool hasMaker(const Kind &kind);
+bool hasMaker(const RecordLayout &kind);
 
 } // namespace kova::mend
