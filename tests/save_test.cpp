@@ -123,7 +123,18 @@ TEST(Save, ANewFileTakesAFreeNameOnly) {
             0);
   EXPECT_EQ(errno, EEXIST);
   EXPECT_EQ(fs::file_size(late), 7U);
-  EXPECT_EQ(folder.files(), 3U);
+  const std::string taken = folder.path + "/taken"; // by a folder, which no file replaces
+  EXPECT_EQ(kvSaveFile(taken.c_str(), Existing::replace, 0600,
+                       [&](std::FILE *) {
+                         for (const fs::directory_entry &entry : fs::directory_iterator(folder.path))
+                           if (const std::string name = entry.path().filename(); name.starts_with('.')) {
+                             EXPECT_EQ(name.size(), std::string(".kova-0123456789abcdef").size()) << name;
+                           }
+                         return fs::create_directory(taken) ? 1 : 0;
+                       }),
+            0);
+  EXPECT_EQ(errno, EISDIR);
+  EXPECT_EQ(folder.files(), 4U);
 }
 
 /// A process that is told to end while it saves ends afterwards: nothing is left beside the target.
