@@ -106,7 +106,8 @@ Hurt strangeBehind(const Bytes &file, Random &random) {
   return around({}, file, strange(1 + below(4096, random), random));
 }
 Hurt aroundIt(const Bytes &file, Random &random) {
-  return around(text(1 + below(2000, random)), file, text(1 + below(500, random)));
+  const Bytes behind = text(1 + below(500, random));
+  return around(text(1 + below(2000, random)), file, behind);
 }
 
 // --- The header -----------------------------------------------------------------------------------------------------
