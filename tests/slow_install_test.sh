@@ -144,9 +144,10 @@ if has pkg-config; then
   consumer "pkg-config" "$scratch/by_pkg_config"
 
   # The project's own driver stands for a program of somebody else: it sees its own headers and the installed ones.
-  mkdir "$scratch/own"
+  mkdir -p "$scratch/own/common"
   cp -r "$SOURCE_DIR/driver" "$scratch/own"
-  run 0 "building the driver" "$CXX" -std=c++20 -I "$scratch/own" "$scratch"/own/driver/*.cpp "${flags[@]}" \
+  cp "$SOURCE_DIR"/common/{memory.h,memory.cpp,new.cpp} "$scratch/own/common"
+  run 0 "building the driver" "$CXX" -std=c++20 -I "$scratch/own" "$scratch"/own/{driver,common}/*.cpp "${flags[@]}" \
     -o "$scratch/own/kbaudit"
   run 0 "the driver" "$scratch/own/kbaudit" "$samples/town.kb"
   cmp "$scratch/out" "$scratch/town.out" || fail "the driver prints something else than kbaudit"
