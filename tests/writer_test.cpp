@@ -189,7 +189,7 @@ TEST(Writer, MakerBlocksShrinkAndGrow) {
   obj->ext->external_obj.pop_back();
   obj->ext->external_obj_num = 1;
   obj->van_ext_blk_size -= 8;
-  kvAdjustListSizeData(edit.kis, 0, static_cast<Word>(-8), OBJ_LIST_TAG + ELEMENT_KIND);
+  kvAdjustListSizeData(edit.kis, 0, -8, OBJ_LIST_TAG + ELEMENT_KIND);
   EXPECT_FALSE(edit.isRefused());
   obj = &edit.kis.obj.element[0];
   const std::span<const Word> van = vanExtBlk(obj->ext_blk);
