@@ -4,7 +4,7 @@
 #include "reader/elements.h"
 
 #include <algorithm>
-#include <new>
+#include <exception>
 
 namespace kova {
 
@@ -36,14 +36,12 @@ int skipRef(Cursor &cursor, const TriGroupHead &group, std::size_t kind) {
 /// which a program may have changed in the head since.
 enum RefRun : std::size_t { refWordNum, refAnimType, refFrameNum, refWords };
 
-/// @return memory for the words of a group's references, with what stands before them; null where it cannot be had.
+/// @return memory for the words of a group's references, with what stands before them. Throws where it cannot be had.
 std::unique_ptr<Index[]> refRun(const TriGroupHead &group, std::size_t words) {
-  std::unique_ptr<Index[]> ref(new (std::nothrow) Index[refWords + words]);
-  if (ref) {
-    ref[refWordNum] = static_cast<Index>(words);
-    ref[refAnimType] = static_cast<Index>(group.tri_anim_type);
-    ref[refFrameNum] = group.tri_anim_frame_num;
-  }
+  std::unique_ptr<Index[]> ref = std::make_unique_for_overwrite<Index[]>(refWords + words);
+  ref[refWordNum] = static_cast<Index>(words);
+  ref[refAnimType] = static_cast<Index>(group.tri_anim_type);
+  ref[refFrameNum] = group.tri_anim_frame_num;
   return ref;
 }
 
@@ -106,8 +104,6 @@ int readRefs(Cursor &cursor, TriGroup &group) {
   const auto words = static_cast<std::size_t>((end.offset - cursor.offset) / sizeof(Word));
   if (words > 0) {
     group.ref = refRun(group, words);
-    if (!group.ref)
-      return refuse(cursor, Fault::no_memory);
     if (!copyBytes(cursor, &group.ref[refWords], words * sizeof(Word))) {
       group.ref.reset();
       return 0;
@@ -138,7 +134,7 @@ std::array<AnimRef, REF_KIND_NUM> kvRefs(const TriGroup &group) {
   return refs;
 }
 
-int kvSetRefs(TriGroup &group, const std::array<AnimRef, REF_KIND_NUM> &refs) {
+int kvSetRefs(TriGroup &group, const std::array<AnimRef, REF_KIND_NUM> &refs) try {
   std::size_t words = 0;
   for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind) {
     if (!hasItsForm(refs[kind], group, kind))
@@ -146,8 +142,6 @@ int kvSetRefs(TriGroup &group, const std::array<AnimRef, REF_KIND_NUM> &refs) {
     words += isKeyed(group, kind) + refs[kind].key.size() + refs[kind].group_index.size();
   }
   std::unique_ptr<Index[]> ref = refRun(group, words);
-  if (!ref)
-    return 0;
   Index *at = &ref[refWords];
   for (std::size_t kind = 0; kind < REF_KIND_NUM; ++kind) {
     if (isKeyed(group, kind))
@@ -157,6 +151,8 @@ int kvSetRefs(TriGroup &group, const std::array<AnimRef, REF_KIND_NUM> &refs) {
   }
   group.ref = std::move(ref);
   return 1;
+} catch (const std::exception &) { // bad_alloc, or length_error where an address space is small
+  return 0;
 }
 
 int kvSetVtx0(VtxList &) { return 1; }
