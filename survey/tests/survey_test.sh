@@ -68,6 +68,7 @@ for resumed in bad/damaged.kb bad; do kbsurvey --resume $resumed good; done
 for option in --name --files-from --json --junit --html --resume --shard --explain; do kbsurvey $option "" good; kbsurvey good $option; done
 kbsurvey good ""
 kbsurvey --jsn
+kbsurvey --hxp
 kbsurvey good --quite --merge
 kbsurvey $'--\e[2J' good
 kbsurvey -qn good
