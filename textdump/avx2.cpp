@@ -61,7 +61,7 @@ namespace {
   const Vector power = lookUp(POWER_OF_DECADE, decade);
   const __m256 low = scaled(_mm256_unpacklo_epi32(zero, magnitude), _mm256_unpacklo_epi32(zero, power));
   const __m256 high = scaled(_mm256_unpackhi_epi32(zero, magnitude), _mm256_unpackhi_epi32(zero, power));
-  _mm256_store_ps(number, _mm256_shuffle_ps(low, high, 0x88)); // the lower halves
+  _mm256_storeu_ps(number, _mm256_shuffle_ps(low, high, 0x88)); // the lower halves
   const Vector kind = _mm256_blendv_epi8(decade, all(ZERO_SHAPE), is_zero);
   const Vector sign = _mm256_srli_epi32(_mm256_xor_si256(bits, given), 31 - SHAPE_SHIFT - 4);
   store(shape, _mm256_or_si256(_mm256_slli_epi32(kind, SHAPE_SHIFT), sign));

@@ -66,10 +66,10 @@ using Vector = __m512i;
   const Vector power = lookUp(POWER_OF_DECADE, decade);
   const __m512 low = scaled(_mm512_unpacklo_epi32(zero, magnitude), _mm512_unpacklo_epi32(zero, power));
   const __m512 high = scaled(_mm512_unpackhi_epi32(zero, magnitude), _mm512_unpackhi_epi32(zero, power));
-  _mm512_store_ps(number, _mm512_shuffle_ps(low, high, 0x88));
+  _mm512_storeu_ps(number, _mm512_shuffle_ps(low, high, 0x88));
   const Vector kind = _mm512_mask_mov_epi32(decade, is_zero, all(ZERO_SHAPE));
   const Vector sign = _mm512_srli_epi32(_mm512_xor_si512(bits, given), 31 - SHAPE_SHIFT - 4);
-  _mm512_store_si512(shape, _mm512_or_si512(_mm512_slli_epi32(kind, SHAPE_SHIFT), sign));
+  _mm512_storeu_si512(shape, _mm512_or_si512(_mm512_slli_epi32(kind, SHAPE_SHIFT), sign));
   return static_cast<__mmask16>(~(is_plain | is_zero));
 }
 
@@ -89,8 +89,8 @@ splitFloats(const float *from, const std::uint32_t *shapes, Digits *to) {
   const Vector third = _mm512_mulhi_epu16(_mm512_mullo_epi16(groups, tenth), ten);
   const Vector firsts_and_seconds = _mm512_or_si512(first, _mm512_slli_epi16(second, 8));
   const Vector thirds_and_shape = _mm512_or_si512(_mm512_madd_epi16(third, all(1 << 24 | 1)), shape);
-  _mm512_store_si512(to, _mm512_unpacklo_epi32(firsts_and_seconds, thirds_and_shape));
-  _mm512_store_si512(to + 8, _mm512_unpackhi_epi32(firsts_and_seconds, thirds_and_shape));
+  _mm512_storeu_si512(to, _mm512_unpacklo_epi32(firsts_and_seconds, thirds_and_shape));
+  _mm512_storeu_si512(to + 8, _mm512_unpackhi_epi32(firsts_and_seconds, thirds_and_shape));
 }
 
 [[gnu::target("avx512bw,avx512cd")]] void convertFloats(FloatBlock &floats, std::size_t count) {
@@ -132,15 +132,15 @@ halveDecimals(Vector integer, std::uint32_t *length, HalvedDecimals &halved, std
   const Vector odd = _mm512_srli_epi64(_mm512_mul_epu32(_mm512_srli_epi64(magnitude, 32), factor), 45 - 32);
   const Vector upper = _mm512_mask_blend_epi32(0xaaaa, even, odd);
   const Vector lower = _mm512_sub_epi32(magnitude, _mm512_madd_epi16(upper, all(10000)));
-  _mm512_store_si512(&halved.halves[at], _mm512_add_epi32(upper, _mm512_slli_epi32(lower, 16)));
+  _mm512_storeu_si512(&halved.halves[at], _mm512_add_epi32(upper, _mm512_slli_epi32(lower, 16)));
   const Vector bits = _mm512_sub_epi32(all(32), _mm512_lzcnt_epi32(magnitude));
   const __mmask16 is_longer = _mm512_cmpgt_epu32_mask(magnitude, lookUpInTwo(LENGTHS.last, bits));
   Vector bytes = lookUpInTwo(LENGTHS.length, bits);
   bytes = _mm512_mask_add_epi32(bytes, is_longer, bytes, all(1));
   bytes = _mm512_mask_add_epi32(bytes, is_negative, bytes, all(1));
-  _mm512_store_si512(length, bytes);
-  _mm512_store_si512(&halved.drop[at], _mm512_sub_epi32(all(64), _mm512_slli_epi32(bytes, 3)));
-  _mm512_store_si512(&halved.sign[at], _mm512_maskz_mov_epi32(is_negative, all('0' - '-')));
+  _mm512_storeu_si512(length, bytes);
+  _mm512_storeu_si512(&halved.drop[at], _mm512_sub_epi32(all(64), _mm512_slli_epi32(bytes, 3)));
+  _mm512_storeu_si512(&halved.sign[at], _mm512_maskz_mov_epi32(is_negative, all('0' - '-')));
   return _mm512_cmpgt_epu32_mask(magnitude, all(MOST_DECIMAL));
 }
 
@@ -152,14 +152,14 @@ halveDecimals(Vector integer, std::uint32_t *length, HalvedDecimals &halved, std
 }
 
 [[gnu::target("avx512bw,avx512cd"), gnu::always_inline]] inline Vector loadWidened(const std::uint32_t *from) {
-  return _mm512_cvtepu32_epi64(_mm256_load_si256(reinterpret_cast<const __m256i *>(from)));
+  return _mm512_cvtepu32_epi64(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(from)));
 }
 
 /// Eight texts.
 [[gnu::target("avx512bw,avx512cd"), gnu::always_inline]] inline void
 putDecimals(Vector digits, const std::uint32_t *drop, const std::uint32_t *sign, void *to) {
   const Vector text = _mm512_srlv_epi64(_mm512_or_si512(digits, _mm512_set1_epi8('0')), loadWidened(drop));
-  _mm512_store_si512(to, _mm512_sub_epi64(text, loadWidened(sign)));
+  _mm512_storeu_si512(to, _mm512_sub_epi64(text, loadWidened(sign)));
 }
 
 [[gnu::target("avx512bw,avx512cd")]] void convertDecimals(DecimalBlock &decimals, std::size_t count) {

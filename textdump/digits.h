@@ -145,16 +145,23 @@ using Rare = std::array<std::uint8_t, NUMBERS_MOST / 8>;
 
 inline bool isRare(const Rare &rare, std::size_t number) { return (rare[number / 8] >> number % 8 & 1) != 0; }
 
+/// Blocks begin at a line of the cache. (The AddressSanitizer of g++ gives local variables no more than 32.)
+#ifdef __SANITIZE_ADDRESS__
+inline constexpr std::size_t BLOCK_ALIGNMENT = 32;
+#else
+inline constexpr std::size_t BLOCK_ALIGNMENT = 64;
+#endif
+
 struct FloatBlock {
-  alignas(64) std::array<std::uint32_t, NUMBERS_MOST> bits;
-  alignas(64) std::array<Digits, NUMBERS_MOST> digits; ///< of a rare one those of 0
-  alignas(64) Rare rare;
+  alignas(BLOCK_ALIGNMENT) std::array<std::uint32_t, NUMBERS_MOST> bits;
+  alignas(BLOCK_ALIGNMENT) std::array<Digits, NUMBERS_MOST> digits; ///< of a rare one those of 0
+  alignas(BLOCK_ALIGNMENT) Rare rare;
 };
 
 /// Floats on their way to digits. Each step is a loop of its own, so that the processor sees more independent work.
 struct ScaledFloats {
-  alignas(64) std::array<float, NUMBERS_MOST> number;        ///< the six digits, added to `UNIT`
-  alignas(64) std::array<std::uint32_t, NUMBERS_MOST> shape; ///< its place, in the upper half
+  alignas(BLOCK_ALIGNMENT) std::array<float, NUMBERS_MOST> number;        ///< the six digits, added to `UNIT`
+  alignas(BLOCK_ALIGNMENT) std::array<std::uint32_t, NUMBERS_MOST> shape; ///< its place, in the upper half
 };
 
 /// From here on floats have no fraction: what is added to it is in the lower bits.
@@ -170,17 +177,18 @@ inline constexpr std::uint32_t MOST_DECIMAL = 9999999; ///< greater magnitudes a
 inline constexpr std::size_t DECIMAL_BYTES = 8;
 
 struct DecimalBlock {
-  alignas(64) std::array<std::uint32_t, NUMBERS_MOST> bits;
-  alignas(64) std::array<std::array<char, DECIMAL_BYTES>, NUMBERS_MOST> text; ///< zeros after it; of a rare one not set
-  alignas(64) std::array<std::uint32_t, NUMBERS_MOST> length;
-  alignas(64) Rare rare;
+  alignas(BLOCK_ALIGNMENT) std::array<std::uint32_t, NUMBERS_MOST> bits;
+  alignas(BLOCK_ALIGNMENT)
+      std::array<std::array<char, DECIMAL_BYTES>, NUMBERS_MOST> text; ///< zeros after it; of a rare one not set
+  alignas(BLOCK_ALIGNMENT) std::array<std::uint32_t, NUMBERS_MOST> length;
+  alignas(BLOCK_ALIGNMENT) Rare rare;
 };
 
 /// Integers on their way to text.
 struct HalvedDecimals {
-  alignas(64) std::array<std::uint32_t, NUMBERS_MOST> halves; ///< four digits each, the upper ones first
-  alignas(64) std::array<std::uint32_t, NUMBERS_MOST> drop;   ///< the bits of leading zeros
-  alignas(64) std::array<std::uint32_t, NUMBERS_MOST> sign;   ///< what makes a leading zero a sign
+  alignas(BLOCK_ALIGNMENT) std::array<std::uint32_t, NUMBERS_MOST> halves; ///< four digits each, the upper ones first
+  alignas(BLOCK_ALIGNMENT) std::array<std::uint32_t, NUMBERS_MOST> drop;   ///< the bits of leading zeros
+  alignas(BLOCK_ALIGNMENT) std::array<std::uint32_t, NUMBERS_MOST> sign;   ///< what makes a leading zero a sign
 };
 
 // --- Converters -----------------------------------------------------------------------------------------------------
