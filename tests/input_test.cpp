@@ -8,11 +8,13 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <thread>
 
 namespace kova::test {
 
@@ -222,7 +224,11 @@ TEST(Input, AFileThatIsReplacedIsToldAndNotMixed) {
        "Input File Has Changed\n"},
       {"longer by a byte", [&](const std::string &path) { fs::resize_file(path, bytes.size() + 1); },
        "Input File Has Changed\n"},
-      {"written again", [&](const std::string &path) { fs::last_write_time(path, fs::file_time_type::min()); },
+      {"written again",
+       [&](const std::string &path) {
+         std::this_thread::sleep_for(std::chrono::milliseconds(20)); // the clock of files goes in steps
+         fs::last_write_time(path, fs::file_time_type::min());
+       },
        "Input File Has Changed\n"},
       {"gone", [](const std::string &path) { fs::remove(path); }, "Input File Open Error\n"},
       {"a pipe that nobody writes to",
