@@ -261,14 +261,8 @@ std::optional<Salvaged> HoleSalvage::salvage(bool sure) {
   append(made.bytes, file, 0, file[header_at::HEADER_SIZE]);
   for (const FoundList &list : found.lists)
     makeList(list);
-  const Claim *before = nullptr;
-  for (Claim &span : spans)
-    if (span.end != 0) {
-      span.before = before;
-      before = &span;
-    }
   FileBytes written(made.bytes);
-  made.changes = changesBefore(applyReading(written, {.claims = before}).changes, copied, file.size());
+  made.changes = changesBefore(applyReading(written, {.claims = linkSpans(spans)}).changes, copied, file.size());
   tellParts();
   if (!cutLinks(written, spans, gone, made.losses))
     return std::nullopt;

@@ -196,4 +196,14 @@ bool cutLinks(FileBytes &image, const Spans &spans, Gone gone, std::vector<Loss>
   return !cutter.is_unclear;
 }
 
+const Claim *linkSpans(Spans &spans) {
+  const Claim *before = nullptr;
+  for (Claim &span : spans)
+    if (span.end != 0) {
+      span.before = before;
+      before = &span;
+    }
+  return before;
+}
+
 } // namespace kova::mend

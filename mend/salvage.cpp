@@ -287,17 +287,11 @@ std::optional<Salvaged> Salvage::salvage() {
   }
   if (begin < image.size())
     lose(LIST_NUM, {}, std::to_string(image.size() - begin) + " bytes behind the last list");
-  const Claim *before = nullptr;
-  for (Claim &span : spans)
-    if (span.end != 0) {
-      span.before = before;
-      before = &span;
-    }
   FileBytes written(made.bytes);
   for (const Claim &span : spans)
     if (span.end != 0 && !isSound(written, span, version_2))
       return std::nullopt;
-  made.changes = changesBefore(applyReading(written, {.claims = before}).changes, copied, image.size());
+  made.changes = changesBefore(applyReading(written, {.claims = linkSpans(spans)}).changes, copied, image.size());
   cutLinks(written, spans, gone, made.losses);
   return std::move(made);
 }
