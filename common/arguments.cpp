@@ -1,9 +1,13 @@
 #include "common/arguments.h"
 
+#include "common/file.h"
+#include "common/terminal.h"
 #include "common/text.h"
 
 #include <algorithm>
 #include <charconv>
+#include <cstdio>
+#include <unistd.h>
 #include <utility>
 
 namespace kova {
@@ -194,6 +198,32 @@ std::string helpText(const HelpText &text, std::span<const Option> options, std:
   help += '\n';
   appendWords(help, text.footer, 0, 0, width);
   return help;
+}
+
+std::optional<int> readCommandLine(const Program &program, std::vector<Option> options,
+                                   std::span<const char *const> arguments,
+                                   const std::function<std::string(const std::vector<std::string> &)> &take) {
+  bool help = false, version = false;
+  std::vector<std::string> others;
+  options.push_back(flagOption('V', "version", "Print the version", version));
+  options.push_back(flagOption('h', "help", "Print this help", help));
+  std::string wrong = readArguments(arguments, options, others);
+  if (wrong.empty() && (help || version)) {
+    std::fputs(help ? helpText(program.help, options, widthOf(STDOUT_FILENO)).c_str()
+                    : (std::string(program.name) + ' ' + program.version + '\n').c_str(),
+               stdout);
+    return 0;
+  }
+  if (wrong.empty())
+    wrong = take(others);
+  if (wrong.empty())
+    return std::nullopt;
+  const std::optional<Identity> told = fileAt(STDERR_FILENO);
+  const bool is_named = told && std::any_of(arguments.begin(), arguments.end(),
+                                            [&](const char *name) { return identityOf(std::string(name)) == told; });
+  if (!is_named)
+    std::fprintf(stderr, "%s: %s.\nTry '%s --help'.\n", program.name, wrong.c_str(), program.name);
+  return WRONG_USAGE;
 }
 
 } // namespace kova

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -47,5 +48,28 @@ struct HelpText {
 
 /// @return the help, in lines of at most `width` characters if the words allow it.
 std::string helpText(const HelpText &text, std::span<const Option> options, std::size_t width);
+
+/// A program, as its command line tells of it.
+struct Program {
+  const char *name;
+  const char *version;
+  HelpText help;
+};
+
+inline constexpr int WRONG_USAGE = 3;
+
+/// Reads the command line of a program. Adds --version and --help to its options, and answers them. What is wrong is
+/// printed on standard error, unless that is one of the files that the arguments name: it may be an input.
+/// @param take takes the arguments that are no options, when all options are read. @return what is wrong, for people;
+/// empty if nothing is
+/// @return the exit status if there is nothing more to do: 0, or `WRONG_USAGE`
+std::optional<int> readCommandLine(const Program &program, std::vector<Option> options,
+                                   std::span<const char *const> arguments,
+                                   const std::function<std::string(const std::vector<std::string> &)> &take);
+
+/// @return the arguments of `main`, without the name of the program.
+inline std::span<const char *const> argumentsOf(int argc, const char *const *argv) {
+  return {argv + (argc > 0 ? 1 : 0), static_cast<std::size_t>(argc > 0 ? argc - 1 : 0)};
+}
 
 } // namespace kova

@@ -41,24 +41,15 @@ bool readHeader(Lexer &in, Document &document, HeaderGiven &given) {
   FileHeaderHead &head = document.kis.file_header;
   Version2Sizes &sizes = document.kis.file_header;
   std::size_t hint = 0;
-  bool first = true;
   given.there = true;
-  if (!take(in, '{', "an object"))
-    return false;
-  while (next(in, '}', first)) {
-    std::string_view key;
-    if (!readKey(in, key))
-      return false;
+  return readObject(in, [&](std::string_view key) {
     std::size_t second_hint = 0;
     const Slot *const word = slotNamed(HEAD, key, hint);
     const Slot *const size = word == nullptr ? slotNamed(SIZES, key, second_hint) : nullptr;
-    const bool ok = word != nullptr   ? readSlotOf(in, HEAD, *word, head, given.words)
-                    : size != nullptr ? readSlotOf(in, SIZES, *size, sizes, given.sizes)
-                                      : readHeaderMember(in, key, document, given);
-    if (!ok)
-      return false;
-  }
-  return in.error.empty();
+    return word != nullptr   ? readSlotOf(in, HEAD, *word, head, given.words)
+           : size != nullptr ? readSlotOf(in, SIZES, *size, sizes, given.sizes)
+                             : readHeaderMember(in, key, document, given);
+  });
 }
 
 bool readList(Lexer &in, Document &document, std::size_t list) {
@@ -146,15 +137,7 @@ bool finishHeader(Lexer &in, Document &document, const HeaderGiven &given) {
 bool readDocument(Lexer &in, Document &document) {
   HeaderGiven given;
   Marks seen;
-  bool first = true;
-  if (!take(in, '{', "an object"))
-    return false;
-  while (next(in, '}', first)) {
-    std::string_view key;
-    if (!readKey(in, key) || !readPart(in, key, document, given, seen))
-      return false;
-  }
-  if (!in.error.empty())
+  if (!readObject(in, [&](std::string_view key) { return readPart(in, key, document, given, seen); }))
     return false;
   if (peek(in) != '\0' || in.at != in.end || std::ferror(in.stream) != 0)
     return fail(in, "expected the end of the document");

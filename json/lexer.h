@@ -87,6 +87,19 @@ inline bool next(Lexer &in, char closing, bool &first) {
 /// Reads the key of the next member, up to the colon. It stays good until something else is read.
 bool readKey(Lexer &in, std::string_view &key);
 
+/// Reads an object. `member` gets each key, and reads its value. @return false after an error
+template <class Member> bool readObject(Lexer &in, Member member) {
+  bool first = true;
+  if (!take(in, '{', "an object"))
+    return false;
+  while (next(in, '}', first)) {
+    std::string_view key;
+    if (!readKey(in, key) || !member(key))
+      return false;
+  }
+  return in.error.empty();
+}
+
 /// Reads a string whole into `text`, as UTF-8.
 bool readString(Lexer &in);
 

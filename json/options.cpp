@@ -1,31 +1,27 @@
 #include "json/options.h"
 
 #include "common/arguments.h"
-#include "common/terminal.h"
 #include "common/text.h"
 #include "kova/version.h"
-
-#include <cstdio>
-#include <unistd.h>
 
 namespace kova::json {
 
 namespace {
 
-constexpr HelpText HELP = {
-    .usage = "Usage: kbjson [OPTION]... SCENE.kb [OUT.json]\n"
-             "       kbjson --to-kb [OPTION]... IN.json OUT.kb\n",
-    .description =
-        "Prints a KOVA scene file as a JSON document, and writes the file that such a document is about. Every file "
-        "comes back byte for byte, also a damaged one. The input is never changed. - is a standard stream.",
-    .footer =
-        "Exit status: 0: done; 1: the document is wrong; 2: the input cannot be read; 3: wrong usage, or an output that "
-        "cannot be written."};
+constexpr Program PROGRAM = {
+    "kbjson",
+    KOVA_VERSION,
+    {.usage = "Usage: kbjson [OPTION]... SCENE.kb [OUT.json]\n"
+              "       kbjson --to-kb [OPTION]... IN.json OUT.kb\n",
+     .description =
+         "Prints a KOVA scene file as a JSON document, and writes the file that such a document is about. Every file "
+         "comes back byte for byte, also a damaged one. The input is never changed. - is a standard stream.",
+     .footer =
+         "Exit status: 0: done; 1: the document is wrong; 2: the input cannot be read; 3: wrong usage, or an output that "
+         "cannot be written."}};
 
 /// What the command line says beyond the options themselves.
 struct Given {
-  bool help = false;
-  bool version = false;
   bool lines = false;
   bool pretty = false;
 };
@@ -55,8 +51,6 @@ std::vector<Option> optionsOf(Options &options, Given &given) {
       flagOption(0, "lines", "Print one element on a line, for jq and grep", given.lines),
       flagOption('p', "pretty", "Print one member on a line, indented", given.pretty),
       flagOption('f', "force", "Replace the output if it exists", options.force),
-      flagOption('V', "version", "Print the version", given.version),
-      flagOption('h', "help", "Print this help", given.help),
   };
 }
 
@@ -83,24 +77,13 @@ std::string takeRest(const std::vector<std::string> &paths, const Given &given, 
 std::optional<Options> readOptions(int argc, const char *const *argv, int &status) {
   Options options;
   Given given;
-  std::vector<std::string> paths;
-  const std::vector<Option> known = optionsOf(options, given);
-  const std::span<const char *const> arguments(argv, static_cast<std::size_t>(argc < 1 ? 1 : argc));
-  std::string wrong = readArguments(arguments.subspan(1), known, paths);
-  if (wrong.empty() && (given.help || given.version)) {
-    status = DONE;
-    std::fputs(given.help ? helpText(HELP, known, widthOf(STDOUT_FILENO)).c_str() : "kbjson " KOVA_VERSION "\n",
-               stdout);
-    return std::nullopt;
-  }
-  if (wrong.empty())
-    wrong = takeRest(paths, given, options);
-  if (!wrong.empty()) {
-    std::fprintf(stderr, "kbjson: %s.\nTry 'kbjson --help'.\n", wrong.c_str());
-    status = FAILED;
-    return std::nullopt;
-  }
-  return options;
+  const std::optional<int> ended =
+      readCommandLine(PROGRAM, optionsOf(options, given), argumentsOf(argc, argv),
+                      [&](const std::vector<std::string> &paths) { return takeRest(paths, given, options); });
+  if (!ended)
+    return options;
+  status = *ended;
+  return std::nullopt;
 }
 
 } // namespace kova::json

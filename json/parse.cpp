@@ -62,20 +62,11 @@ bool readRawMember(Lexer &in, std::string_view key, RawBytes &raw, bool &known) 
 }
 
 bool readRaw(Lexer &in, RawBytes &raw) {
-  bool first = true;
-  if (!take(in, '{', "an object"))
-    return false;
-  while (next(in, '}', first)) {
-    std::string_view key;
+  const auto member = [&](std::string_view key) {
     bool known = false;
-    if (!readKey(in, key))
-      return false;
-    if (key != "raw" && key != "offset" && key != "finding")
-      return unknownKey(in, key);
-    if (!readRawMember(in, key, raw, known))
-      return false;
-  }
-  return in.error.empty() && (raw.given || missing(in, "raw"));
+    return readRawMember(in, key, raw, known) && (known || unknownKey(in, key));
+  };
+  return readObject(in, member) && (raw.given || missing(in, "raw"));
 }
 
 bool readListBytes(Lexer &in, std::string_view key, ListBytes &bytes, bool &known) {

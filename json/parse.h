@@ -281,22 +281,16 @@ bool readRecord(Parsing &from, Record &record, Own own, ListBytes *bytes) {
   Filled filled;
   Head &head = record;
   std::size_t hint = 0;
-  bool first = true;
-  if (!take(in, '{', "an object"))
-    return false;
-  while (next(in, '}', first)) {
-    std::string_view key;
-    if (!readKey(in, key))
-      return false;
+  const auto member = [&](std::string_view key) {
     const Slot *const slot = slotNamed(all, key, hint);
-    if (slot == nullptr && !readMember(from, record, key, filled, bytes))
+    if (slot == nullptr)
+      return readMember(from, record, key, filled, bytes);
+    if (!readSlotOf(in, all, *slot, head, filled.given))
       return false;
-    if (slot != nullptr && !readSlotOf(in, all, *slot, head, filled.given))
-      return false;
-    if (slot != nullptr && filled.has_content && slot->real == 0 && formOf(record) != filled.form)
-      return fail(in, std::string(slot->key) + " chooses the form of the record and has to stand before it");
-  }
-  if (!in.error.empty())
+    const bool fits = !filled.has_content || slot->real != 0 || formOf(record) == filled.form;
+    return fits || fail(in, std::string(slot->key) + " chooses the form of the record and has to stand before it");
+  };
+  if (!readObject(in, member))
     return false;
   if (bytes != nullptr && bytes->raw.given)
     return filled.given.none() && filled.steps.none() ? true : fail(in, "a list has either raw bytes or data");

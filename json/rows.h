@@ -26,22 +26,14 @@ bool readRow(Lexer &in, std::span<const Slot *const> columns, unsigned char *wor
 /// Reads what all rows have in common.
 template <class Head> bool readAll(Lexer &in, std::span<const Slot> slots, Head &head, Marks &given) {
   std::size_t hint = 0;
-  bool first = true;
-  if (!take(in, '{', "an object"))
-    return false;
   enter(in, "all");
-  while (next(in, '}', first)) {
-    std::string_view key;
-    if (!readKey(in, key))
-      return false;
+  const bool ok = readObject(in, [&](std::string_view key) {
     const Slot *const slot = slotNamed(slots, key, hint);
-    if (slot == nullptr)
-      return unknownKey(in, key);
-    if (!readSlotOf(in, slots, *slot, head, given))
-      return false;
-  }
-  leave(in);
-  return in.error.empty();
+    return slot == nullptr ? unknownKey(in, key) : readSlotOf(in, slots, *slot, head, given);
+  });
+  if (ok)
+    leave(in);
+  return ok;
 }
 
 template <class Form, class Item>
@@ -71,26 +63,18 @@ template <class Form, class Item> bool readRows(Lexer &in, std::vector<Item> &it
   const std::span<const Slot> slots = storedSlots<Form::words>(Form::bytes);
   typename Form::Head plain = plainWords<Form>(tag);
   RowHead rows;
-  bool first = true;
-  if (!take(in, '{', "an object"))
-    return false;
-  while (next(in, '}', first)) {
-    std::string_view key;
+  const bool ok = readObject(in, [&](std::string_view key) {
     bool numbered = false;
-    if (!readKey(in, key))
-      return false;
     if (rows.has_rows)
       return fail(in, "\"rows\" come last");
     rows.has_rows = key == "rows";
-    const bool ok = key == "all"     ? readAll(in, slots, plain, rows.given)
-                    : key == "words" ? readColumns(in, slots, rows)
-                    : rows.has_rows  ? areAllThere(in, slots, rows, numbered) &&
-                                          readRowItems<Form>(in, items, plain, rows.columns, !numbered)
-                                    : unknownKey(in, key);
-    if (!ok)
-      return false;
-  }
-  return in.error.empty() && (rows.has_rows || missing(in, "rows"));
+    return key == "all"     ? readAll(in, slots, plain, rows.given)
+           : key == "words" ? readColumns(in, slots, rows)
+           : rows.has_rows
+               ? areAllThere(in, slots, rows, numbered) && readRowItems<Form>(in, items, plain, rows.columns, !numbered)
+               : unknownKey(in, key);
+  });
+  return ok && (rows.has_rows || missing(in, "rows"));
 }
 
 } // namespace kova::json

@@ -2,7 +2,6 @@
 
 #include "common/arguments.h"
 #include "common/file.h"
-#include "common/terminal.h"
 #include "common/text.h"
 #include "kova/version.h"
 
@@ -13,25 +12,21 @@ namespace kova::repair {
 
 namespace {
 
-constexpr HelpText HELP = {
-    .usage = "Usage: kbrepair [OPTION]... INPUT OUTPUT\n"
-             "       kbrepair --dry-run [OPTION]... INPUT [OUTPUT]\n"
-             "       kbrepair --diagnose [--json] INPUT\n",
-    .description =
-        "Mends a damaged KOVA scene file: recomputes the sizes, counts, indices and tags that follow from the rest "
-        "of the file. Prints every word that it changes. INPUT is never changed. OUTPUT - is standard output; then "
-        "the words are printed on standard error.",
-    .footer =
-        "Exit status: 0: OUTPUT audits OK, or would; 1: the file cannot be mended; 2: INPUT cannot be read; 3: wrong usage, or "
-        "an output that cannot be written."};
+constexpr Program PROGRAM = {
+    "kbrepair",
+    KOVA_VERSION,
+    {.usage = "Usage: kbrepair [OPTION]... INPUT OUTPUT\n"
+              "       kbrepair --dry-run [OPTION]... INPUT [OUTPUT]\n"
+              "       kbrepair --diagnose [--json] INPUT\n",
+     .description =
+         "Mends a damaged KOVA scene file: recomputes the sizes, counts, indices and tags that follow from the rest "
+         "of the file. Prints every word that it changes. INPUT is never changed. OUTPUT - is standard output; then "
+         "the words are printed on standard error.",
+     .footer =
+         "Exit status: 0: OUTPUT audits OK, or would; 1: the file cannot be mended; 2: INPUT cannot be read; 3: wrong usage, or "
+         "an output that cannot be written."}};
 
-/// What the command line says beyond the options themselves.
-struct Given {
-  bool help = false;
-  bool version = false;
-};
-
-std::vector<Option> optionsOf(Options &options, Given &given) {
+std::vector<Option> optionsOf(Options &options) {
   return {
       flagOption(0, "salvage", "Of a file that was cut, keep what is whole", options.asked.salvage),
       flagOption(0, "drop", "With --salvage: leave out the elements that lie in a hole, instead of emptying them",
@@ -45,8 +40,6 @@ std::vector<Option> optionsOf(Options &options, Given &given) {
       flagOption(0, "diagnose", "Write nothing; say what seems to have happened to INPUT, where, and what can be done",
                  options.diagnose),
       flagOption(0, "json", "Print JSON, an object for each line", options.json),
-      flagOption('V', "version", "Print the version", given.version),
-      flagOption('h', "help", "Print this help", given.help),
   };
 }
 
@@ -66,42 +59,24 @@ std::string takePaths(const std::vector<std::string> &paths, Options &options) {
 }
 
 /// @return whether a standard stream is INPUT.
-bool isInput(int stream, const std::vector<std::string> &paths) {
+bool isInput(int stream, const Options &options) {
   const std::optional<Identity> file = fileAt(stream);
-  return file && !paths.empty() && identityOf(paths[0]) == file;
-}
-
-/// @return why the paths cannot be taken, with a hint, for people; empty if they can.
-std::string refusalOf(std::string wrong, const std::vector<std::string> &paths, Options &options) {
-  if (wrong.empty())
-    wrong = takePaths(paths, options);
-  if (!wrong.empty())
-    return wrong + ".\nTry 'kbrepair --help'.\n";
-  return isInput(STDOUT_FILENO, paths) ? "standard output is the same file as INPUT, which is never changed.\n" : "";
+  return file && identityOf(options.input) == file;
 }
 
 } // namespace
 
 std::optional<Options> readOptions(int argc, const char *const *argv, int &status) {
   Options options;
-  Given given;
-  std::vector<std::string> paths;
-  const std::vector<Option> known = optionsOf(options, given);
-  const std::span<const char *const> arguments(argv, static_cast<std::size_t>(argc < 1 ? 1 : argc));
-  std::string wrong = readArguments(arguments.subspan(1), known, paths);
-  if (wrong.empty() && (given.help || given.version)) {
-    status = AUDITS_OK;
-    std::fputs(given.help ? helpText(HELP, known, widthOf(STDOUT_FILENO)).c_str() : "kbrepair " KOVA_VERSION "\n",
-               stdout);
+  const std::optional<int> ended =
+      readCommandLine(PROGRAM, optionsOf(options), argumentsOf(argc, argv),
+                      [&](const std::vector<std::string> &paths) { return takePaths(paths, options); });
+  status = ended.value_or(FAILED);
+  if (ended || isInput(STDERR_FILENO, options)) // of the latter nothing can be shown
     return std::nullopt;
-  }
-  status = FAILED;
-  if (isInput(STDERR_FILENO, paths)) // no message can be shown
-    return std::nullopt;
-  wrong = refusalOf(std::move(wrong), paths, options);
-  if (wrong.empty())
+  if (!isInput(STDOUT_FILENO, options))
     return options;
-  std::fprintf(stderr, "kbrepair: %s", wrong.c_str());
+  std::fputs("kbrepair: standard output is the same file as INPUT, which is never changed.\n", stderr);
   return std::nullopt;
 }
 

@@ -51,6 +51,7 @@ refused 3 "none/out.json cannot be written: No such file or directory." town.kb 
 cp town.kb same.kb
 run 3 "output into the input" bash -c 'kbjson same.kb >>same.kb'
 run 3 "messages into the input" bash -c 'kbjson --lean same.kb none/out.json 2>>same.kb'
+run 3 "wrong usage, told into the input" bash -c 'kbjson --loan same.kb 2>>same.kb'
 cmp same.kb town.kb || fail "the input was changed through a standard stream"
 json 0 --force town.kb wrong.json
 json 0 --force --to-kb wrong.json damaged.kb
