@@ -1,5 +1,6 @@
 #include "json/scene.h"
 
+#include "records/parts.h"
 #include "json/parse.h"
 
 #include <limits>

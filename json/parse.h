@@ -1,8 +1,8 @@
 /// From JSON to the model: the steps of `content` that fill the member whose key was read.
 #pragma once
 
-#include "json/derive.h"
-#include "json/maker.h"
+#include "records/derive.h"
+#include "records/maker.h"
 #include "json/pieces.h"
 #include "json/rows.h"
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "format/all.h"
+#include "records/slots.h"
 #include "json/lexer.h"
-#include "json/slots.h"
 
 #include <optional>
 

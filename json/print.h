@@ -3,8 +3,8 @@
 
 #include "common/text.h"
 #include "reader/makerblock.h"
-#include "json/derive.h"
-#include "json/maker.h"
+#include "records/derive.h"
+#include "records/maker.h"
 #include "json/text.h"
 
 namespace kova::json {

@@ -1,7 +1,7 @@
 /// Reading records that stand as rows of numbers.
 #pragma once
 
-#include "json/derive.h"
+#include "records/derive.h"
 #include "json/pieces.h"
 
 namespace kova::json {

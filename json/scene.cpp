@@ -3,8 +3,6 @@
 #include "writer/list.h"
 #include "writer/output.h"
 
-#include <numeric>
-
 namespace kova::json {
 
 void writeContent(std::FILE *stream, const Kis &kis, std::size_t list, std::uint64_t bytes) {
@@ -13,18 +11,6 @@ void writeContent(std::FILE *stream, const Kis &kis, std::size_t list, std::uint
   beginList(out, bytes);
   writeList(out, kis, list);
   endList(out);
-}
-
-FileHeader derivedHeader(const FileHeader &header, std::uint64_t blocks,
-                         const std::array<std::uint64_t, LIST_NUM> &lists, std::uint64_t behind) {
-  FileHeader derived;
-  static_cast<FileHeaderHead &>(derived) = header;
-  for (std::size_t list = 0; list < LIST_NUM; ++list)
-    derived.*LISTS[list].size = static_cast<Word>(lists[list]);
-  derived.header_tag = 0;
-  derived.file_header_num = static_cast<Word>(FILE_HEADER_BYTES + blocks);
-  derived.size = static_cast<Word>(std::accumulate(lists.begin(), lists.end(), FILE_HEADER_BYTES + blocks + behind));
-  return derived;
 }
 
 namespace {

@@ -33,21 +33,7 @@ std::string readScene(std::FILE *stream, Document &document);
 /// Writes the file that a document is about. @return 1; 0 where the stream fails
 int writeScene(std::FILE *stream, const Document &document);
 
-/// Calls `visit` with the row of `LIST_ROWS` of a list.
-template <class Visit> void withList(std::size_t list, Visit visit) {
-  std::size_t number = 0;
-  eachList([&](const auto &row) {
-    if (number++ == list)
-      visit(row);
-  });
-}
-
 /// Writes the content of a list, `bytes` long, whatever its counts say.
 void writeContent(std::FILE *stream, const Kis &kis, std::size_t list, std::uint64_t bytes);
-
-/// The words of the header that follow from the rest of the file.
-/// @param blocks the bytes of the header's blocks
-FileHeader derivedHeader(const FileHeader &header, std::uint64_t blocks,
-                         const std::array<std::uint64_t, LIST_NUM> &lists, std::uint64_t behind);
 
 } // namespace kova::json

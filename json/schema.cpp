@@ -1,6 +1,6 @@
 /// Writes the JSON Schema of the documents of kbjson, which is made of what the format says.
 #include "kova/kb.h"
-#include "json/derive.h"
+#include "records/derive.h"
 
 #include <string>
 #include <utility>

@@ -1,7 +1,7 @@
 /// Writing JSON: brackets, commas, line ends and the words of records, through one buffer to a stream.
 #pragma once
 
-#include "json/slots.h"
+#include "records/slots.h"
 
 #include <charconv>
 #include <vector>

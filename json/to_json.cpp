@@ -3,21 +3,14 @@
 #include "kova/findings.h"
 #include "reader/byte_order.h"
 #include "reader/file.h"
+#include "records/parts.h"
 #include "json/print.h"
 
 #include <algorithm>
 
 namespace kova::json {
 
-std::string nameText(std::span<const Word> words) {
-  std::string bytes;
-  for (const Word word : words)
-    for (const int shift : {24, 16, 8, 0})
-      bytes += static_cast<char>(word >> shift & 0xff);
-  for (std::size_t i = 0; i < sizeof(Word) - 1 && bytes.ends_with('\0'); ++i)
-    bytes.pop_back();
-  return escaped(bytes);
-}
+std::string nameText(std::span<const Word> words) { return escaped(textBytes(words)); }
 
 namespace {
 
@@ -48,48 +41,11 @@ bool comesBack(const Kis &kis, std::size_t list, std::span<const unsigned char> 
   return comparison.equal && comparison.expected.empty();
 }
 
-/// The parts of a file, in bytes.
-struct Parts {
-  std::span<const unsigned char> file;
-  std::uint64_t blocks = 0;
-  std::array<std::uint64_t, LIST_NUM> lists = {};
-  std::uint64_t behind = 0;
-  bool has_sizes = false;
-  bool whole_words = false; ///< whether the header's blocks are there and are words
-};
-
-/// Reads the header and finds out what part of the file is what. @return false for a file of another kind
-bool takeApart(Parts &parts, FileHeader &header) {
-  const std::uint64_t length = parts.file.size();
-  if (length < FILE_HEADER_BYTES)
-    return false;
-  FileHeaderHead &head = header;
-  copyConverted(&head, parts.file.data(), sizeof head);
-  const Word version = kvKOVAver(header);
-  if (version != VERSION_1 && version != VERSION_2)
-    return false;
-  const std::uint64_t stated = Word{header.van_ext_blk_size + header.usr_ext_blk_size};
-  parts.blocks = std::min(stated, length - FILE_HEADER_BYTES);
-  parts.whole_words = parts.blocks == std::uint64_t{header.van_ext_blk_size} + header.usr_ext_blk_size &&
-                      header.van_ext_blk_size % sizeof(Word) == 0 && header.usr_ext_blk_size % sizeof(Word) == 0;
-  parts.has_sizes = parts.whole_words && version == VERSION_2 && header.van_ext_blk_size >= VERSION_2_SIZES_BYTES;
-  if (parts.has_sizes) {
-    Version2Sizes &sizes = header;
-    copyConverted(&sizes, parts.file.data() + FILE_HEADER_BYTES, sizeof sizes);
-  }
-  std::uint64_t left = length - FILE_HEADER_BYTES - parts.blocks;
-  for (std::size_t list = 0; list < (parts.has_sizes ? LIST_NUM : VERSION_1_LIST_NUM); ++list) {
-    parts.lists[list] = std::min<std::uint64_t>(left, header.*LISTS[list].size);
-    left -= parts.lists[list];
-  }
-  parts.behind = left;
-  return true;
-}
-
 struct SceneOut {
   Text &out;
   const Shape &shape;
-  Parts parts;
+  std::span<const unsigned char> file;
+  Parts parts = {};
   FileHeader header = {};
 };
 
@@ -134,7 +90,7 @@ void printHeader(SceneOut &to) {
   if (to.parts.has_sizes)
     printWords<WORDS<Version2Sizes>, Version2Sizes>(printing, header, sizeof(Version2Sizes),
                                                     lean ? &expected_sizes : nullptr);
-  const auto blocks = to.parts.file.subspan(FILE_HEADER_BYTES, static_cast<std::size_t>(to.parts.blocks));
+  const auto blocks = to.file.subspan(FILE_HEADER_BYTES, static_cast<std::size_t>(to.parts.blocks));
   if (to.parts.whole_words) {
     printBlock(printing, "van",
                wordsOf(blocks.first(header.van_ext_blk_size).subspan(static_cast<std::size_t>(sizes))));
@@ -165,14 +121,14 @@ void printData(SceneOut &to, List &list, std::size_t number, std::span<const uns
 /// Prints a list: as data if that gives the same bytes, else raw.
 void printList(SceneOut &to, std::size_t list, std::uint64_t offset) {
   const auto size = static_cast<std::size_t>(to.parts.lists[list]);
-  const auto bytes = to.parts.file.subspan(static_cast<std::size_t>(offset), size);
+  const auto bytes = to.file.subspan(static_cast<std::size_t>(offset), size);
   const char *finding = nullptr;
   const auto kis = std::make_unique<Kis>();
   int ok = 0;
   {
     const FindingReceiver receiver(
         [&](const Finding &found) { finding = finding != nullptr ? finding : found.row->id; });
-    Input input = {nullptr, to.parts.file, offset};
+    Input input = {nullptr, to.file, offset};
     ok = readListAt(input, to.header.*LISTS[list].size, *kis, list);
   }
   putKey(to.out, LISTS[list].name);
@@ -198,7 +154,7 @@ void printParts(SceneOut &to) {
   if (to.parts.behind == 0 || to.shape.only.any())
     return;
   putKey(to.out, "behind");
-  printRaw(to.out, to.parts.file.subspan(static_cast<std::size_t>(offset)), offset, "file-size");
+  printRaw(to.out, to.file.subspan(static_cast<std::size_t>(offset)), offset, "file-size");
 }
 
 } // namespace
@@ -209,7 +165,7 @@ bool printScene(std::FILE *stream, std::span<const unsigned char> file, const Sh
   open(out, '{');
   putKey(out, "kbjson");
   put(out, '1');
-  if (takeApart(to.parts, to.header)) {
+  if (takeApart(file, file.size(), to.parts, to.header)) {
     printParts(to);
   } else {
     putKey(out, "file");

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "format/content.h"
-#include "json/slots.h"
+#include "records/slots.h"
 
-namespace kova::json {
+namespace kova {
 
 /// Appends what follows the fixed words of a decoded maker block.
 template <class Ext> struct Encoder : PassingIo {
@@ -40,4 +40,4 @@ template <class Head, class Ext> Words encoded(const Ext &ext) {
   return words;
 }
 
-} // namespace kova::json
+} // namespace kova

@@ -5,9 +5,9 @@
 #pragma once
 
 #include "format/all.h"
-#include "json/slots.h"
+#include "records/slots.h"
 
-namespace kova::json {
+namespace kova {
 
 /// Goes over what follows the fixed words of a record, or of a list.
 template <class Io, class Record> int goOver(Io &io, const Record &record) {
@@ -256,4 +256,4 @@ inline std::optional<Words> derivedTable(const CollGroup &group, Words CollGroup
   return sizesOf<WORDS<CollHead>>(group.coll);
 }
 
-} // namespace kova::json
+} // namespace kova

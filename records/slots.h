@@ -9,7 +9,7 @@
 #include <bitset>
 #include <cstring>
 
-namespace kova::json {
+namespace kova {
 
 struct Slot {
   WordName key = {};
@@ -152,4 +152,4 @@ template <class Head> bool sameSlot(const Slot &slot, const Head &a, const Head 
                      slot.words * sizeof(Word)) == 0;
 }
 
-} // namespace kova::json
+} // namespace kova
