@@ -1,5 +1,5 @@
 /// The lists of a KOVA file in the order in which they stand in it: the one place that knows this order, their names,
-/// their tags and the words of the header with their sizes.
+/// their tags, the words of the header with their sizes, and what they are called as targets of links.
 ///
 /// Whoever does the same for every list goes over them with `eachList`. Whoever does something of its own for every
 /// list has a table with one row for each, built by `inListOrder`, so that a list that is missing, doubled or out of
@@ -75,10 +75,59 @@ inline constexpr std::size_t VERSION_1_LIST_NUM = LIST_NUM - VERSION_2_LIST_NUM;
 /// Beside the sizes of the lists, the header has its version, size, tag, own size and two block sizes.
 static_assert(VERSION_1_LIST_NUM == FILE_HEADER_BYTES / sizeof(Word) - 6, "one list for each size word of the header");
 
-/// @return the rows of a table that has one for each list, each with the list's name as `list`. Rows that are not those
-/// of `LISTS`, in their order, do not compile.
+/// What a link leads to: an element of a list; one of the second kind of group in the two lists that have such; what
+/// the groups of a triangle or a part hold.
+enum class To : std::uint8_t {
+  nothing, ///< it is no link
+  env,     ///< up to `external_name` by the place of the list in the file
+  cam,
+  light,
+  obj,
+  shape,
+  vtx,
+  tri,
+  tri_color,
+  tri_nv,
+  st,
+  part,
+  mat,
+  tex,
+  teximg,
+  anim,
+  coll,
+  switch_,
+  name,
+  ci_img,
+  color_palette,
+  envelope,
+  cluster,
+  weight,
+  chain_root,
+  joint,
+  effector,
+  external_name,
+  vtx_color,
+  vtx_nv,
+  image,   ///< of either list of images
+  any,     ///< of a list that is not known here: the kind or type beside the link says which
+  own_vtx, ///< of the groups that a triangle belongs to; from here on in the order of `RefKind`
+  own_tri_color,
+  own_vtx_color,
+  own_tri_nv,
+  own_vtx_nv,
+  own_st,
+  own_weight,
+  own_tri,    ///< of the triangle group of a part
+  own_part,   ///< of the envelope around
+  own_cluster ///< of the cluster shape around
+};
+inline constexpr std::size_t TO_NUM = static_cast<std::size_t>(To::own_cluster) + 1;
+static_assert(static_cast<std::size_t>(To::external_name) == LIST_NUM - 1, "a target for each list but the scene");
+
+/// @return the rows of a table that has one for each list, or for each of version 1.0, each with the list's name as
+/// `list`. Rows that are not those of `LISTS`, in their order, do not compile.
 template <class Row, std::size_t N> consteval std::array<Row, N> inListOrder(const Row (&rows)[N]) {
-  static_assert(N == LIST_NUM, "one row for each list");
+  static_assert(N == LIST_NUM || N == VERSION_1_LIST_NUM, "one row for each list");
   std::array<Row, N> table{};
   for (std::size_t i = 0; i < N; ++i) {
     if (std::string_view(rows[i].list) != LISTS[i].name)

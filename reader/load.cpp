@@ -1,7 +1,8 @@
 #include "kova/kova.h"
 
-#include "format/lists.h"
+#include "format/all.h"
 #include "reader/cursor.h"
+#include "reader/elements.h"
 #include "reader/file.h"
 #include "reader/findings.h"
 #include "reader/window.h"
@@ -90,66 +91,51 @@ template <class First, class Second> auto &sizeTable(TwoKindList<First, Second> 
 template <class First, class Second> auto &elements(TwoKindList<First, Second> &list) { return list.tri_group; }
 
 /// Adds to the size of an element: in its own word, in the size table and in the size of the list.
-template <class Record, class Element>
-bool resizeElement(Record &list, Word Element::*element_size, Word index, Word delta) {
+template <class List> bool resizeElement(List &list, Word index, Word delta) {
+  using Form = std::remove_cvref_t<decltype(ListFormat<List>::elements)>;
+  constexpr std::size_t SIZE_AT = wordWith(Form::words, Role::size) * sizeof(Word);
   if (index >= elements(list).size() || index >= sizeTable(list).size())
     return false;
+  typename Form::Head &head = elements(list)[index];
+  unsigned char *const size = reinterpret_cast<unsigned char *>(&head) + SIZE_AT;
+  Word bytes;
+  std::memcpy(&bytes, size, sizeof bytes);
+  bytes += delta;
+  std::memcpy(size, &bytes, sizeof bytes);
   sizeTable(list)[index] += delta;
-  elements(list)[index].*element_size += delta;
   listSize(list) += delta;
   return true;
 }
+/// The scene has no elements.
+bool resizeElement(Scene &, Word, Word) { return false; }
 
 /// What the loader and the size bookkeeping do with a list.
 struct ListReader {
-  const char *list;
   int (*read)(Cursor &, Kis &);
-  int (*clear)(Kis &);
+  void (*clear)(Kis &);
   void (*resizeList)(Kis &, Word delta);
   bool (*resizeElement)(Kis &, Word index, Word delta); ///< false for an index that no element has
 };
 
-/// Of the record in the handle, its reader and clearer, and the size word of its elements (none for the scene, which
-/// has no elements).
-template <auto RECORD, auto READ, auto CLEAR, auto... ELEMENT_SIZE> constexpr ListReader listReader(const char *list) {
-  return {list, [](Cursor &cursor, Kis &kis) { return READ(cursor, kis.*RECORD); },
-          [](Kis &kis) { return CLEAR(kis.*RECORD); }, [](Kis &kis, Word delta) { listSize(kis.*RECORD) += delta; },
-          []([[maybe_unused]] Kis &kis, [[maybe_unused]] Word index, [[maybe_unused]] Word delta) {
-            return (resizeElement(kis.*RECORD, ELEMENT_SIZE, index, delta) || ...);
-          }};
+template <std::size_t LIST> inline constexpr auto &ROW = std::get<LIST>(LIST_ROWS);
+
+template <std::size_t LIST> constexpr ListReader listReader() {
+  using List = std::remove_cvref_t<decltype(std::declval<Kis &>().*ROW<LIST>.list)>;
+  // Of names, there is one reader: it takes the tags of both of their lists, and tells of the first.
+  constexpr Word TAG_OF_LIST = std::is_same_v<List, NameList> ? NAME_LIST_TAG : ROW<LIST>.tag;
+  return {[](Cursor &cursor, Kis &kis) { return readList(cursor, kis.*ROW<LIST>.list, TAG_OF_LIST); },
+          []([[maybe_unused]] Kis &kis) {
+            if constexpr (LIST >= VERSION_1_LIST_NUM)
+              (kis.*ROW<LIST>.list).num = 0;
+          },
+          [](Kis &kis, Word delta) { listSize(kis.*ROW<LIST>.list) += delta; },
+          [](Kis &kis, Word index, Word delta) { return resizeElement(kis.*ROW<LIST>.list, index, delta); }};
 }
 
-constexpr auto READERS = inListOrder({
-    listReader<&Kis::scene, kvSetupSceneList, kvSetScene0>("SceneList"),
-    listReader<&Kis::env, kvSetupEnvList, kvSetEnv0, &Env::env_size>("EnvList"),
-    listReader<&Kis::cam, kvSetupCamList, kvSetCam0, &Cam::cam_size>("CamList"),
-    listReader<&Kis::light, kvSetupLightList, kvSetLight0, &Light::light_size>("LightList"),
-    listReader<&Kis::obj, kvSetupObjList, kvSetObj0, &Obj::obj_size>("ObjList"),
-    listReader<&Kis::shape, kvSetupShapeList, kvSetShape0, &Shape::shape_size>("ShapeList"),
-    listReader<&Kis::vtx, kvSetupVtxList, kvSetVtx0, &VtxGroup::vtx_group_size>("VtxList"),
-    listReader<&Kis::tri, kvSetupTriList, kvSetTri0, &TriGroup::tri_group_size>("TriList"),
-    listReader<&Kis::color, kvSetupColorList, kvSetColor0, &TriColorGroup::tri_color_group_size>("ColorList"),
-    listReader<&Kis::vector, kvSetupVectorList, kvSetVector0, &TriNvGroup::tri_nv_group_size>("VectorList"),
-    listReader<&Kis::st, kvSetupStList, kvSetSt0, &StGroup::st_group_size>("StList"),
-    listReader<&Kis::part, kvSetupPartList, kvSetPart0, &Part::part_size>("PartList"),
-    listReader<&Kis::mat, kvSetupMatList, kvSetMat0, &Mat::mat_size>("MatList"),
-    listReader<&Kis::tex, kvSetupTexList, kvSetTex0, &Tex::tex_size>("TexList"),
-    listReader<&Kis::teximg, kvSetupTeximgList, kvSetTeximg0, &Teximg::tex_img_size>("TeximgList"),
-    listReader<&Kis::anim, kvSetupAnimList, kvSetAnim0, &AnimGroup::anim_group_size>("AnimList"),
-    listReader<&Kis::coll, kvSetupCollList, kvSetColl0, &CollGroup::coll_group_size>("CollList"),
-    listReader<&Kis::switch_, kvSetupSwitchList, kvSetSwitch0, &Switch::switch_size>("SwitchList"),
-    listReader<&Kis::name, kvSetupNameList, kvSetName0, &Name::name_size>("NameList"),
-    listReader<&Kis::ci_img, kvSetupCiimgList, kvSetCiimg0, &CiImg::size>("CiImgList"),
-    listReader<&Kis::color_palette, kvSetupColorPaletteList, kvSetColorPalette0, &ColorPalette::size>(
-        "ColorPaletteList"),
-    listReader<&Kis::envelope, kvSetupEnvelopeList, kvSetEnvelope0, &Envelope::size>("EnvelopeList"),
-    listReader<&Kis::cluster, kvSetupClusterList, kvSetCluster0, &ClusterShape::size>("ClusterList"),
-    listReader<&Kis::weight, kvSetupWeightList, kvSetWeight0, &WeightGroup::size>("WeightList"),
-    listReader<&Kis::chain_root, kvSetupChainRootList, kvSetChainRoot0, &ChainRoot::size>("ChainRootList"),
-    listReader<&Kis::joint, kvSetupJointList, kvSetJoint0, &Joint::size>("JointList"),
-    listReader<&Kis::effector, kvSetupEffectorList, kvSetEffector0, &Effector::size>("EffectorList"),
-    listReader<&Kis::external_name, kvSetupExternalNameList, kvSetExternalName0, &Name::name_size>("ExternalNameList"),
-});
+constexpr auto READERS = []<std::size_t... LIST>(std::index_sequence<LIST...>) {
+  return std::array{listReader<LIST>()...};
+}
+(std::make_index_sequence<LIST_NUM>());
 
 /// The place at which the reader of a list stopped, which is not past its end; without an offset if the file ends
 /// there.
@@ -283,7 +269,7 @@ int readBoth(Input &input, Kis &kis) {
 
 int readListAt(Input &input, Word size, Kis &kis, std::size_t list) {
   if (size == 0)
-    return READERS[list].clear(kis);
+    return READERS[list].clear(kis), 1;
   const char *const name = LISTS[list].name;
   try {
     ListWindow window = windowFor(input, size);

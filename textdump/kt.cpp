@@ -14,7 +14,7 @@ namespace {
 /// How the section of a list is written.
 struct SectionRow {
   const char *list;
-  void (*version1)(Text &, const Kis &); ///< in a 1.0 dump; null for a list of version 2.0
+  void (*version1)(Text &, const Kis &); ///< in a 1.0 dump
   void (*version2)(Text &, const Kis &); ///< in a 2.0 dump
 };
 
@@ -22,15 +22,8 @@ template <auto RECORD, auto VERSION1, auto VERSION2> constexpr SectionRow sectio
   return {list, [](Text &text, const Kis &kis) { VERSION1(text, kis.*RECORD); },
           [](Text &text, const Kis &kis) { VERSION2(text, kis.*RECORD); }};
 }
-template <auto RECORD, auto VERSION2> constexpr SectionRow section(const char *list) {
-  return {list, nullptr, [](Text &text, const Kis &kis) { VERSION2(text, kis.*RECORD); }};
-}
 
-/// A list of version 2.0 that has the common form.
-template <auto RECORD, Format NAME> constexpr SectionRow version2Section() {
-  return {NAME.text, nullptr, [](Text &text, const Kis &kis) { writeVersion2Section(text, kis.*RECORD, NAME.text); }};
-}
-
+/// Those of version 1.0.
 constexpr auto SECTIONS = inListOrder({
     section<&Kis::scene, kvWriteKtSceneList1, kvWriteKtSceneList>("SceneList"),
     section<&Kis::env, kvWriteKtEnvList1, kvWriteKtEnvList>("EnvList"),
@@ -51,24 +44,35 @@ constexpr auto SECTIONS = inListOrder({
     section<&Kis::coll, kvWriteKtCollList1, kvWriteKtCollList>("CollList"),
     section<&Kis::switch_, kvWriteKtSwitchList1, kvWriteKtSwitchList>("SwitchList"),
     section<&Kis::name, kvWriteKtNameList1, kvWriteKtNameList>("NameList"),
-    version2Section<&Kis::ci_img, "CiImgList">(),
-    version2Section<&Kis::color_palette, "ColorPaletteList">(),
-    version2Section<&Kis::envelope, "EnvelopeList">(),
-    version2Section<&Kis::cluster, "ClusterList">(),
-    version2Section<&Kis::weight, "WeightList">(),
-    version2Section<&Kis::chain_root, "ChainRootList">(),
-    version2Section<&Kis::joint, "JointList">(),
-    version2Section<&Kis::effector, "EffectorList">(),
-    section<&Kis::external_name, kvWriteKtExternalNameList>("ExternalNameList"),
 });
+
+/// Whether the elements of a list have the words of version 2, and so one section for all such lists.
+template <class List>
+concept Version2List = requires(const List &list) {
+  list.element[0].this_index;
+};
+
+/// The external names print as the names, under their own opener and closer.
+void writeSection2(Text &text, const Kis &kis, std::size_t at) {
+  std::size_t list = 0;
+  eachList([&](const auto &row) {
+    if (list++ != at)
+      return;
+    const auto &records = kis.*row.list;
+    if constexpr (std::is_same_v<decltype(records), const NameList &>)
+      kvWriteKtExternalNameList(text, records);
+    else if constexpr (Version2List<std::remove_cvref_t<decltype(records)>>)
+      writeVersion2Section(text, records, row.name);
+  });
+}
 
 /// Writes the section of a list. The lists of version 1.0 always print, the others only in a 2.0 dump of a file that
 /// has them.
 void writeList(Text &text, const Kis &kis, Word version, std::size_t list) {
-  if (list >= VERSION_1_LIST_NUM && (version == VERSION_1 || kis.file_header.*LISTS[list].size == 0))
-    return;
-  const SectionRow &section = SECTIONS[list];
-  version == VERSION_1 ? section.version1(text, kis) : section.version2(text, kis);
+  if (list < VERSION_1_LIST_NUM)
+    (version == VERSION_1 ? SECTIONS[list].version1 : SECTIONS[list].version2)(text, kis);
+  else if (version != VERSION_1 && kis.file_header.*LISTS[list].size != 0)
+    writeSection2(text, kis, list);
 }
 
 /// @return the version of the dump of a file.
