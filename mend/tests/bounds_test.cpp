@@ -77,7 +77,7 @@ TEST(Bounds, TimeOfMending) {
     const samples::File file = fileOf(row);
     const double megabytes = static_cast<double>(file.bytes.size()) / (1 << 20);
     for (const auto &[name, places] : countsOf(file, row))
-      for (const std::size_t unit : {4, 20, 76, 84, 0}) {
+      for (const std::size_t unit : {4U, 20U, 76U, 84U, 0U}) {
         Bytes damaged = file.bytes;
         for (const std::size_t at : places)
           setWordAt(damaged, at, unit != 0 ? static_cast<Word>((damaged.size() - at) / unit - 8) : 0x7fffffff);

@@ -103,7 +103,7 @@ TEST(Hostile, MemoryAndTimeDependOnTheSizeAlone) {
     const Word element = LISTS[list].tag + 0x100;
     for (const std::vector<Word> &words :
          {std::vector<Word>{~0U}, {0}, {1}, {element}, {element, 0}, {element, 1, 8, 8}, {0x1000}, {0x40000}}) {
-      for (const std::size_t cut : {0, 5}) {
+      for (const std::size_t cut : {0U, 5U}) {
         Bytes file = monotonous(version, list, SIZE, words);
         file.resize(SIZE - cut);
         const std::size_t held = test::allocations.held;
