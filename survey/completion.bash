@@ -19,7 +19,7 @@ _kbsurvey() {
       return ;;
     --shard | --name) return ;;
   esac
-  if [[ $word == -* && ! $before =~ ^--(|json|junit|html|resume|files-from)$ ]]; then
+  if [[ $word == -* && ! $before =~ ^--(|json|junit|html|resume|baseline|files-from)$ ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$("${COMP_WORDS[0]}" --help 2>/dev/null | grep -o -e '--[a-z0-9-]*' | sort -u)" -- "$word")
   else
     compopt -o filenames 2>/dev/null

@@ -38,6 +38,18 @@ inline constexpr const char *REPAIR_NAMES[] = {"", "", "mended", "salvaged", "no
 inline constexpr const char *REPAIR_TEXTS[] = {
     "", "", "can be mended", "can be salvaged", "cannot be mended", "unknown whether it can be mended"};
 
+/// What has become of a file since an earlier survey, the baseline.
+enum class Since : std::uint8_t { not_asked, same, fresh, worse, changed, better, gone };
+inline constexpr const char *SINCE_NAMES[] = {"", "same", "new", "worse", "changed", "better", "gone"};
+
+struct Compared {
+  Since since = Since::not_asked;
+  Verdict verdict = Verdict::ok; ///< what it was; not of a new file
+  std::uint64_t findings = 0;    ///< that it had
+
+  bool operator==(const Compared &) const = default;
+};
+
 inline constexpr const char *STAGE_NAMES[] = {"load", "check"};
 inline constexpr const char *SEVERITY_NAMES[] = {"error", "warning"};
 
@@ -80,6 +92,7 @@ struct FileResult {
                                                 ///< as kbrepair prints it
   std::vector<KeptFinding> findings = {};
   std::map<std::string, std::uint64_t> counts = {}; ///< of all findings by id, also of those not kept
+  Compared compared = {};                           ///< no part of a report's line
 
   bool operator==(const FileResult &) const = default;
 };
@@ -92,6 +105,16 @@ void keepFinding(FileResult &result, KeptFinding &&finding);
 
 /// @return the number of findings, also of those not kept.
 std::uint64_t findingCount(const FileResult &result);
+
+/// @return whether a file is worth a line: without a baseline if it is not OK.
+inline bool isTold(Verdict verdict, Since since) {
+  return since <= Since::fresh ? verdict != Verdict::ok && since != Since::same : true;
+}
+
+/// @return whether a file makes the survey fail if it is not OK: with a baseline only if it is new or worse.
+inline bool countsForStatus(Since since) {
+  return since == Since::not_asked || since == Since::fresh || since == Since::worse;
+}
 
 /// @return whether there is something to mend: only in a file of the format, whatever its version, that was read.
 inline bool needsRepair(const FileResult &result) {

@@ -64,6 +64,8 @@ std::vector<Option> optionsOf(Options &options, Given &given) {
       textOption(0, "html", "FILE", "Write a page to look at", options.html),
       textOption(0, "resume", "FILE", "Take over what this JSON report says of files that have not changed",
                  options.resume),
+      textOption(0, "baseline", "FILE",
+                 "Compare with this earlier JSON report: tell and fail only what has changed since", options.baseline),
       textOption(0, "shard", "I/N", "Audit only the I-th of N parts of the files", given.shard),
       flagOption(0, "merge", "Make one report of several JSON reports; audit nothing", given.merge),
       flagOption(0, "list-findings", "List all kinds of findings", given.list_findings),

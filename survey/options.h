@@ -23,6 +23,7 @@ struct Options {
   std::string junit = {};
   std::string html = {};
   std::string resume = {};
+  std::string baseline = {};
   Shard shard = {};
   std::string explained = {}; ///< the id of a finding
 };

@@ -40,6 +40,8 @@ struct Page {
   std::size_t shown;     ///< findings of a file, at most
   std::string json = {}; ///< what is not written yet
   Numbers folders = {}, ids = {}, lists = {};
+  std::size_t files = 0;             ///< written until now
+  std::string since = {}, gone = {}; ///< what has become of files since the baseline: members of arrays
 };
 
 void put(Page &page, std::string_view text) { write(page.to, text); }
@@ -160,6 +162,23 @@ void appendHelp(std::string &json, const std::string &id) {
   json += ']';
 }
 
+/// Appends to a list of what has become of files: [number, since, what it was], or for one that is gone [path, what it
+/// was].
+void appendCompared(Page &page, const FileResult &file) {
+  const bool gone = file.compared.since == Since::gone;
+  std::string &json = gone ? page.gone : page.since;
+  json += json.empty() ? "[" : ",[";
+  if (gone)
+    appendString(json, file.path);
+  else {
+    appendCell(json, page.files);
+    appendNumber(json, static_cast<std::uint64_t>(file.compared.since));
+  }
+  json += ',';
+  appendString(json, file.compared.since == Since::fresh ? "" : wasText(file.compared));
+  json += ']';
+}
+
 // --- The members of the data ----------------------------------------------------------------------------------------
 
 void appendKey(std::string &json, std::string_view key) {
@@ -224,18 +243,33 @@ void appendTotals(Page &page, const Tally &tally) {
 /// @return whether the results could be read
 int appendFiles(Page &page, const EachResult &each) {
   constexpr std::size_t AT_ONCE = 64 * 1024;
-  bool first = true;
   appendKey(page.json, "files");
   page.json += '[';
   const int ok = each([&](const FileResult &file) {
-    page.json += first ? "" : ",";
+    if (file.compared.since > Since::same)
+      appendCompared(page, file);
+    if (file.compared.since == Since::gone)
+      return;
+    page.json += page.files++ == 0 ? "" : ",";
     appendFile(page, file);
-    first = false;
     if (page.json.size() >= AT_ONCE)
       flush(page);
   });
   page.json += ']';
   return ok;
+}
+
+/// Appends what has become of the files since the baseline, if there is one.
+void appendSince(Page &page, const PageHead &head, const Tally &tally) {
+  if (head.baseline.empty())
+    return;
+  std::string &json = page.json;
+  json += ",\"since\":{";
+  appendKey(json, "baseline");
+  appendString(json, head.baseline);
+  appendNames(json, "names", SINCE_NAMES);
+  appendNumbers(json, "counts", tally.by_since);
+  json += ",\"files\":[" + page.since + "],\"gone\":[" + page.gone + "]}";
 }
 
 /// Appends the texts that the rows before have by their numbers.
@@ -273,6 +307,7 @@ int writePage(std::FILE *to, const PageHead &head, const Tally &tally, const Sho
   appendTotals(page, tally);
   if (appendFiles(page, each) == 0)
     return 0;
+  appendSince(page, head, tally);
   appendNumbered(page);
   page.json += '}';
   flush(page);

@@ -22,6 +22,7 @@ void count(ShownFindings &shown, const FileResult &result);
 struct PageHead {
   std::vector<std::string> command = {}; ///< behind the name of the program
   std::vector<std::string> paths = {};   ///< that were surveyed; none for merged reports
+  std::string baseline = {};             ///< the report that it was compared with; empty if there is none
   std::optional<double> seconds = {};    ///< how long it took; none for what was not audited now
 };
 

@@ -61,6 +61,13 @@ const files = data.files.map(([folder, name, bytes, version, verdict, reason = 0
 // Bad files come first, then those with remarks.
 for (const file of files) file.rank = file.verdict === 1 ? 0 : file.verdict === 2 ? 1 : file.count ? 2 : 3;
 
+// What has become of files since the baseline, if there is one: of a file that is not named it is the same as there.
+const since = data.since ?? { names: [], counts: [], files: [], gone: [] };
+const SAME = since.names.indexOf("same");
+for (const file of files) Object.assign(file, { since: SAME, was: "" });
+for (const [i, name, was] of since.files) Object.assign(files[i], { since: name, was });
+const sinceText = file => since.names[file.since] + (file.was && ", " + file.was);
+
 // Whether files can be mended is shown only if that was asked, and of those that are not in order.
 const repairAsked = data.totals.repairs.some((count, i) => i && count);
 const repairCounts = ({ words, undone }) => [undone && counted(undone, "transformation", "transformations"), words > undone && counted(words - undone, "word", "words")].filter(Boolean);
@@ -112,6 +119,7 @@ const showHead = () => {
   if (date) about.push(new Date(date * 1000).toISOString().replace("T", " ").slice(0, 16) + " UTC");
   if (seconds !== undefined && seconds !== null) about.push(seconds.toFixed(2) + " s");
   if (version) about.push("kbsurvey " + version);
+  if (data.since) about.push("compared with " + visible(since.baseline));
   byId("about").textContent = about.join(" \u00b7 ");
   if (command.length) byId("about").after(copyable(["kbsurvey", ...command].map(quoted).join(" "), "the command"));
 };
@@ -119,11 +127,14 @@ const showHead = () => {
 // --- Filters --------------------------------------------------------------------------------------------------------
 
 // The name of a filter is that of its control, and of its part of the address.
-const FILTERS = ["path", "verdict", "repair", "finding", "folder"];
+const FILTERS = ["path", "verdict", "since", "repair", "finding", "folder"];
+const AT_FIRST = { since: data.since ? "any" : "" };
+const atFirst = name => AT_FIRST[name] ?? "";
 const control = name => byId(name + "-filter");
 const matchers = {
   path: text => file => (file.shown ??= visible(file.path).toLowerCase()).includes(text),
   verdict: verdict => file => verdict === "bad" ? file.verdict !== 0 : data.verdicts[file.verdict] === verdict,
+  since: text => file => text === "any" ? file.since !== SAME : since.names[file.since] === text,
   repair: text => file => data.repairs[file.repair] === text,
   finding: name => file => file.ids.some(id => data.ids[id][0] === name),
   folder: folder => file => data.folders[file.folder].startsWith(folder),
@@ -148,7 +159,7 @@ const filterButton = (className, text, name, value) => {
     const on = control(name).value === value;
     setFilter(name, on ? "" : value);
     update();
-    if (!on && name !== "verdict" && name !== "repair") byId("files").scrollIntoView();
+    if (!on && !["verdict", "since", "repair"].includes(name)) byId("files").scrollIntoView();
   });
   filterButtons.push([made, name, value]);
   return made;
@@ -156,7 +167,7 @@ const filterButton = (className, text, name, value) => {
 
 const readAddress = () => {
   const given = new URLSearchParams(location.hash.slice(1));
-  for (const name of FILTERS) setFilter(name, given.get(name) ?? "");
+  for (const name of FILTERS) setFilter(name, given.get(name) ?? atFirst(name));
   const [key, down] = (given.get("order") ?? "").split("-");
   sorting = ORDERS[key] ? { key, down: down === "down" } : { key: "rank", down: false };
   update();
@@ -164,7 +175,7 @@ const readAddress = () => {
 
 const writeAddress = () => {
   const given = new URLSearchParams();
-  for (const name of FILTERS) if (control(name).value) given.set(name, control(name).value);
+  for (const name of FILTERS) if (control(name).value !== atFirst(name)) given.set(name, control(name).value);
   if (sorting.key !== "rank") given.set("order", sorting.key + (sorting.down ? "-down" : ""));
   history.replaceState(null, "", "#" + given);
 };
@@ -189,6 +200,7 @@ const showTotals = () => {
   add(verdicts[1], "ERR", "v1", "verdict", data.verdicts[1]);
   add(verdicts[2], "without verdict", "v2", "verdict", data.verdicts[2], why.join(", "));
   add(verdicts[0], "OK", "v0", "verdict", data.verdicts[0]);
+  since.counts.forEach((count, i) => count && i !== SAME && since.names[i] !== "gone" && add(count, since.names[i] + " since the baseline", "", "since", since.names[i]));
   repairs.forEach((count, i) => count && data.repairs[i] && add(count, data.repairs[i], "", "repair", data.repairs[i]));
 };
 
@@ -286,6 +298,17 @@ const showFolders = () => {
   for (const path of data.folders.slice(0, 500)) if (path) addOption(control("folder"), visible(path), path);
 };
 
+// --- Files that are gone ---------------------------------------------------------------------------------------------
+
+const showGone = () => {
+  if (!since.gone.length) return;
+  const list = element("ul", "tree");
+  const more = addFirst(list, since.gone, KINDS_AT_FIRST, "file", ([path, was]) =>
+    element("li", "", ...pathParts(path), " ", element("small", "quiet", was)));
+  byId("gone").append(list, ...(more ? [more] : []));
+  byId("gone").hidden = false;
+};
+
 // --- One file -------------------------------------------------------------------------------------------------------
 
 const place = ([, list, number, offset]) => {
@@ -323,6 +346,7 @@ const details = file => {
   const cell = element("td", "", copyable(quotedPath(file.path), "the path"));
   cell.colSpan = 5 + repairAsked;
   if (file.reason) cell.append(element("p", "", "No verdict: " + data.reasons[file.reason] + (file.detail ? ": " + visible(file.detail) : "")));
+  if (file.since !== SAME) cell.append(element("p", "", "Since the baseline: " + sinceText(file)));
   if (repairText(file)) cell.append(...mending(file));
   const kinds = new Map();
   for (const finding of file.findings) kinds.set(finding[0], [...kinds.get(finding[0]) ?? [], finding]);
@@ -342,8 +366,9 @@ const fileRow = file => {
   const row = element("tr", "", path, element("td", "v" + file.verdict, data.verdicts[file.verdict]), labelled("version", "", file.version),
                       labelled("bytes", "number", file.bytes.toLocaleString("en")), labelled("findings", "number", file.count.toLocaleString("en")));
   if (repairAsked) row.append(labelled("repair", "", repairText(file)));
+  const become = file.since === SAME ? [] : [element("div", "quiet", sinceText(file))];
   if (!file.count && !file.reason) {
-    path.append(...pathParts(file.path));
+    path.append(...pathParts(file.path), ...become);
     return row;
   }
   const open = button("plain path", pathParts(file.path), () => {
@@ -353,7 +378,7 @@ const fileRow = file => {
     open.setAttribute("aria-expanded", !isOpen);
   });
   open.setAttribute("aria-expanded", false);
-  path.append(open);
+  path.append(open, ...become);
   return row;
 };
 
@@ -418,6 +443,8 @@ const setUpTable = () => {
 
 const setUpFilters = () => {
   for (const name of data.verdicts) addOption(control("verdict"), name, name);
+  for (const name of since.names) if (name && name !== "gone") addOption(control("since"), name, name);
+  byId("since-label").hidden = !data.since;
   for (const name of data.repairs) if (name) addOption(control("repair"), name, name);
   for (const [id] of data.histogram) addOption(control("finding"), visible(data.ids[id][0]), data.ids[id][0]);
   byId("repair-label").hidden = !repairAsked;
@@ -438,6 +465,7 @@ setUpFilters();
 showTotals();
 showHistogram();
 showFolders();
+showGone();
 setUpTable();
 readAddress();
 })();

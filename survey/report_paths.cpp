@@ -51,6 +51,7 @@ std::vector<Given> readPaths(const Options &options) {
   };
   add(options.files_from);
   add(options.resume);
+  add(options.baseline);
   if (options.task == Task::merge)
     std::for_each(options.paths.begin(), options.paths.end(), add);
   return read;

@@ -27,12 +27,12 @@ bool goesToStore(const Results &results, const FileResult &result) {
   return !results.json.target.empty() || (listsAll(results) && !isPlain(result));
 }
 
-/// @return the line of a file that is not OK; with --print0, only a folder has one.
+/// @return the line of a file that is told; with --print0, only a folder has one.
 std::string printedLine(const Results &results, const FileResult &result) {
-  if (result.verdict == Verdict::ok)
+  if (!isTold(result.verdict, result.compared.since))
     return "";
   if (!results.print0)
-    return badLine(result, results.style);
+    return fileLine(result, results.style);
   return result.reason == Reason::unreadable_folder ? printable(result.path) + ": " + whatIsWrong(result) : "";
 }
 
@@ -43,7 +43,8 @@ Listed listedOf(const Results &results, const FileResult &result) {
           .version = result.version,
           .verdict = result.verdict,
           .plain = isPlain(result),
-          .folder = result.reason == Reason::unreadable_folder};
+          .folder = result.reason == Reason::unreadable_folder,
+          .compared = result.compared};
 }
 
 /// Counts a result and keeps what is needed of it. What can fail comes first: then nothing was done. There is room in
@@ -52,7 +53,7 @@ void list(Results &results, FileResult &&result, Listed &&listed) {
   count(results.tally, result);
   if (isWanted(results.html))
     count(results.shown, result);
-  if (!listsAll(results) && result.verdict == Verdict::ok)
+  if (!listsAll(results) && !isTold(result.verdict, result.compared.since))
     return;
   listed.path = std::move(result.path);
   results.listed.push_back(std::move(listed));
@@ -86,11 +87,13 @@ void giveUp(FileResult &result) {
 /// Takes what is left of a result. Needs no memory, unless the path is longer than one of the system.
 void takeGivenUp(Results &results, FileResult &&result) {
   giveUp(result);
+  if (!results.baseline.path.empty())
+    result.compared.since = Since::worse;
   const std::lock_guard lock(results.mutex);
   try {
     results.spare.clear();
     const std::size_t first_findings = appendLine(results.spare, result);
-    Listed listed{.path = {}, .bytes = result.bytes};
+    Listed listed{.path = {}, .bytes = result.bytes, .compared = result.compared};
     writeAndList(results, std::move(result), std::move(listed), results.spare, first_findings);
   } catch (const std::exception &) {
     ++results.lost;
@@ -116,6 +119,8 @@ bool openStore(Results &results, Keeping keeping) {
   return results.store.error == 0;
 }
 
+bool isGone(const Listed &listed) { return listed.compared.since == Since::gone; }
+
 /// Reads the line of a file, or of a long one as much as has its first findings. @return 1; 0 with a reason in `errno`
 int readLine(Results &results, Place place, bool first_findings, std::string &line) {
   if (first_findings)
@@ -131,17 +136,22 @@ int readLine(Results &results, Place place, bool first_findings, std::string &li
 int forEach(Results &results, bool first_findings, const TakeEach &take) {
   std::string line;
   for (const Listed &listed : results.listed) {
-    if (listed.plain) {
-      take({.path = listed.path, .bytes = listed.bytes, .version = listed.version, .verdict = listed.verdict});
+    if (listed.plain || isGone(listed)) {
+      take({.path = listed.path,
+            .bytes = listed.bytes,
+            .version = listed.version,
+            .verdict = listed.verdict,
+            .compared = listed.compared});
       continue;
     }
     if (readLine(results, listed.place, first_findings, line) == 0)
       return 0;
-    const std::optional<FileResult> result = resultOf(line);
+    std::optional<FileResult> result = resultOf(line);
     if (!result) {
       errno = EIO; // somebody else has changed the store
       return 0;
     }
+    result->compared = listed.compared;
     take(*result);
   }
   return 1;
@@ -151,8 +161,8 @@ int forEach(Results &results, bool first_findings, const TakeEach &take) {
 int writeJson(Results &results, std::FILE *to) {
   std::string line;
   for (const Listed &listed : results.listed)
-    if (readLine(results, listed.place, false, line) == 0 ||
-        std::fwrite(line.data(), 1, line.size(), to) != line.size())
+    if (!isGone(listed) && (readLine(results, listed.place, false, line) == 0 ||
+                            std::fwrite(line.data(), 1, line.size(), to) != line.size()))
       return 0;
   return 1;
 }
@@ -193,27 +203,44 @@ bool saveReports(Results &results) {
 
 std::string lineOf(const Listed &file, const Style &style) {
   // What was found in it is given up, and there was no memory for a line.
-  return !file.line.empty() ? file.line : badLine({.path = file.path, .reason = Reason::no_memory}, style);
+  return !file.line.empty()
+             ? file.line
+             : fileLine({.path = file.path, .reason = Reason::no_memory, .compared = file.compared}, style);
 }
 
 void printResults(Results &results, std::optional<double> seconds) {
   for (const Listed &file : results.listed)
-    if (file.verdict == Verdict::ok)
+    if (!isTold(file.verdict, file.compared.since))
       continue;
     else if (!results.print0)
       write(results.print, lineOf(file, results.style));
+    else if (file.verdict == Verdict::ok || isGone(file))
+      continue;
     else if (file.folder) // what is done with the files of the list would be done with all that it holds
       std::fprintf(stderr, "kbsurvey: %s.\n", file.line.c_str());
     else
       write(results.print, file.path + '\0');
   if (!results.print0)
-    write(results.print, summary(results.tally, seconds));
+    write(results.print, summary(results.tally, seconds, results.baseline.path));
+}
+
+/// Adds the files of the baseline that are not there any more. @return whether all were; a failure is told
+bool addGone(Results &results) {
+  const bool ok = eachGone(results.baseline, [&](FileResult &&result) {
+    ++results.tally.by_since[static_cast<std::size_t>(Since::gone)];
+    results.listed.push_back(listedOf(results, result));
+    results.listed.back().path = std::move(result.path);
+  });
+  if (!ok)
+    std::fprintf(stderr, "kbsurvey: the baseline cannot be read again: %s.\n",
+                 std::strerror(results.baseline.store.error));
+  return ok;
 }
 
 Status statusOf(const Tally &tally) {
-  if (tally.files == 0 || tally.of(Verdict::none) != 0)
+  if (tally.files == 0 || tally.failing[static_cast<std::size_t>(Verdict::none)] != 0)
     return SOME_WITHOUT_VERDICT;
-  return tally.of(Verdict::err) != 0 ? SOME_ERR : ALL_OK;
+  return tally.failing[static_cast<std::size_t>(Verdict::err)] != 0 ? SOME_ERR : ALL_OK;
 }
 
 } // namespace
@@ -223,6 +250,13 @@ bool openResults(Results &results, const Options &options, Keeping keeping) {
   results.head = {.command = options.command,
                   .paths = options.task == Task::survey ? options.paths : std::vector<std::string>()};
   results.spare.reserve(SPARE_BYTES);
+  results.baseline.path = results.head.baseline = options.baseline;
+  results.baseline.shard = options.shard;
+  results.baseline.merged = options.task == Task::merge;
+  if (const std::string wrong = openBaseline(results.baseline); !wrong.empty()) {
+    std::fprintf(stderr, "kbsurvey: %s.\n", wrong.c_str());
+    return false;
+  }
   bool ok = openReport(results.json, options.json);
   ok = openReport(results.junit, options.junit) && ok;
   ok = openReport(results.html, options.html) && ok;
@@ -239,6 +273,7 @@ void reserveResults(Results &results, std::size_t files) { results.listed.reserv
 
 void take(Results &results, FileResult &&result) {
   try {
+    compare(results.baseline, result);
     Listed listed = listedOf(results, result);
     std::string line;
     std::size_t first_findings = 0;
@@ -252,6 +287,7 @@ void take(Results &results, FileResult &&result) {
 }
 
 void takeStored(Results &results, FileResult &&result, Place place) {
+  compare(results.baseline, result);
   Listed listed = listedOf(results, result);
   listed.place = place;
   if (results.json.stream.stream != nullptr) {
@@ -263,13 +299,14 @@ void takeStored(Results &results, FileResult &&result, Place place) {
 }
 
 Status finishResults(Results &results, std::optional<double> seconds) {
+  bool ok = addGone(results);
   std::sort(results.listed.begin(), results.listed.end(),
             [](const Listed &a, const Listed &b) { return a.path < b.path; });
   results.head.seconds = seconds;
-  bool ok = results.lost == 0;
-  if (!ok)
+  if (results.lost != 0)
     std::fprintf(stderr, "kbsurvey: not enough memory for the results of %llu files.\n",
                  static_cast<unsigned long long>(results.lost));
+  ok = results.lost == 0 && ok;
   ok = saveReports(results) && ok;
   ok = removeJournal(results.store) && ok;
   printResults(results, seconds); // a reader that hangs up ends the program here

@@ -1,6 +1,7 @@
 /// What comes of a survey: the reports, and what is printed.
 #pragma once
 
+#include "survey/baseline.h"
 #include "survey/line_store.h"
 #include "survey/options.h"
 #include "survey/page.h"
@@ -21,6 +22,7 @@ struct Listed {
   Verdict verdict = Verdict::none;
   bool plain = false;  ///< nothing was found: this is all that there is to know
   bool folder = false; ///< it is a folder that cannot be read
+  Compared compared = {};
 };
 
 struct Results {
@@ -31,11 +33,12 @@ struct Results {
   Style style = {};                 ///< of what is printed
   LineStore store = {};             ///< if a report is made in the end
   std::vector<LineStore> left = {}; ///< journals of runs that were killed: the JSON report replaces them, too
-  std::string spare = {};           ///< room for a line when there is no memory
+  Baseline baseline = {};
+  std::string spare = {}; ///< room for a line when there is no memory
   Tally tally = {};
   PageHead head = {};
   ShownFindings shown = {};
-  std::vector<Listed> listed = {}; ///< all files if a report is made in the end, else those that are not OK
+  std::vector<Listed> listed = {}; ///< all files if a report is made in the end, else those with a line
   std::uint64_t lost = 0;          ///< files for which there was no memory at all
 };
 

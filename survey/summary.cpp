@@ -11,6 +11,9 @@ namespace {
 
 constexpr std::size_t FREQUENT = 10;
 
+/// Verdicts as they are printed.
+constexpr const char *PRINTED_VERDICTS[] = {"OK", "ERR", "NONE"};
+
 std::string counted(std::uint64_t number, const char *one, const char *many) {
   return std::to_string(number) + (number == 1 ? one : many);
 }
@@ -22,6 +25,15 @@ std::string reasons(const Tally &tally) {
     if (tally.by_reason[i] != 0)
       text += (text.empty() ? " (" : ", ") + std::to_string(tally.by_reason[i]) + ' ' + REASON_TEXTS[i];
   return text.empty() ? text : text + ')';
+}
+
+/// @return "since old.json: 2 worse, 1 better, 97 same", of what occurs, as a line.
+std::string changes(const Tally &tally, const std::string &baseline) {
+  std::string text;
+  for (const Since since : {Since::worse, Since::changed, Since::better, Since::fresh, Since::gone, Since::same})
+    if (const std::uint64_t number = tally.by_since[static_cast<std::size_t>(since)]; number != 0)
+      text += (text.empty() ? "" : ", ") + std::to_string(number) + ' ' + SINCE_NAMES[static_cast<std::size_t>(since)];
+  return "since " + printable(baseline) + ": " + (text.empty() ? "nothing to compare" : text) + '\n';
 }
 
 /// @return "to repair: 3 can be mended, 1 cannot be mended", of the answers that occur, as a line; empty if there are
@@ -68,6 +80,8 @@ struct Wrong {
 };
 
 Wrong wrongOf(const FileResult &result, Show show) {
+  if (result.verdict == Verdict::ok && result.counts.empty())
+    return {""};
   if (result.verdict == Verdict::none)
     return {repairText(result) + REASON_TEXTS[static_cast<std::size_t>(result.reason)] +
             (result.detail.empty() ? "" : ": " + show(result.detail))};
@@ -81,6 +95,26 @@ Wrong wrongOf(const FileResult &result, Show show) {
   return wrong;
 }
 
+/// @return a word, coloured if it has a colour, and blanks up to a width.
+std::string column(const Style &style, const char *colour, std::string_view word, std::size_t width) {
+  return (colour == nullptr ? std::string(word) : coloured(style, colour, word)) +
+         std::string(width - word.size(), ' ');
+}
+
+/// @return what a line begins with: what has become of the file, if that was asked, and its verdict.
+std::string firstColumns(const FileResult &result, const Style &style) {
+  constexpr std::size_t SINCE_WIDTH = 8, VERDICT_WIDTH = 6;
+  constexpr const char *COLOURS[] = {nullptr, RED, YELLOW};
+  const auto verdict = static_cast<std::size_t>(result.verdict);
+  const Since since = result.compared.since;
+  std::string text;
+  if (since != Since::not_asked)
+    text =
+        column(style, since == Since::worse ? RED : nullptr, SINCE_NAMES[static_cast<std::size_t>(since)], SINCE_WIDTH);
+  return text + (since == Since::gone ? column(style, nullptr, "-", VERDICT_WIDTH)
+                                      : column(style, COLOURS[verdict], PRINTED_VERDICTS[verdict], VERDICT_WIDTH));
+}
+
 } // namespace
 
 void count(Tally &tally, const FileResult &result) {
@@ -91,6 +125,8 @@ void count(Tally &tally, const FileResult &result) {
   ++tally.by_verdict[static_cast<std::size_t>(result.verdict)];
   ++tally.by_reason[static_cast<std::size_t>(result.reason)];
   ++tally.by_repair[static_cast<std::size_t>(result.repair)];
+  ++tally.by_since[static_cast<std::size_t>(result.compared.since)];
+  tally.failing[static_cast<std::size_t>(result.verdict)] += countsForStatus(result.compared.since);
   for (const auto &[id, number] : result.counts) {
     Frequency &frequency = tally.by_finding[id];
     frequency.findings += number;
@@ -117,12 +153,19 @@ std::string whatIsWrong(const FileResult &result) {
   return wrong.finding.empty() ? wrong.text : wrong.text + ": " + wrong.finding;
 }
 
-std::string badLine(const FileResult &result, const Style &style) {
-  const bool err = result.verdict == Verdict::err;
+std::string wasText(const Compared &compared) {
+  return std::string("was ") + PRINTED_VERDICTS[static_cast<std::size_t>(compared.verdict)] +
+         (compared.findings == 0 ? "" : ", " + counted(compared.findings, " finding", " findings"));
+}
+
+std::string fileLine(const FileResult &result, const Style &style) {
   const Show show = showOf(style);
   const Wrong wrong = wrongOf(result, show);
-  std::string line = coloured(style, err ? RED : YELLOW, err ? "ERR" : "NONE") + (err ? "   " : "  ") +
-                     show(result.path) + "  " + wrong.text;
+  std::string line = firstColumns(result, style) + show(result.path);
+  if (!wrong.text.empty())
+    line += "  " + wrong.text;
+  if (result.compared.since > Since::fresh)
+    line += (wrong.text.empty() ? "  (" : " (") + wasText(result.compared) + ')';
   if (!wrong.finding.empty() && !style.terminal)
     line += ": " + wrong.finding;
   else if (!wrong.finding.empty())
@@ -133,7 +176,7 @@ std::string badLine(const FileResult &result, const Style &style) {
   return line + '\n';
 }
 
-std::string summary(const Tally &tally, std::optional<double> seconds) {
+std::string summary(const Tally &tally, std::optional<double> seconds, const std::string &baseline) {
   std::string text = counted(tally.files, " file: ", " files: ") + std::to_string(tally.of(Verdict::ok)) + " OK, " +
                      std::to_string(tally.of(Verdict::err)) + " ERR, " + std::to_string(tally.of(Verdict::none)) +
                      " without verdict" + reasons(tally) + "; " + bytesText(tally.bytes);
@@ -142,7 +185,7 @@ std::string summary(const Tally &tally, std::optional<double> seconds) {
     std::snprintf(time, sizeof time, " in %.2f s", *seconds);
     text += time;
   }
-  text += '\n' + repairs(tally);
+  text += '\n' + (baseline.empty() ? "" : changes(tally, baseline)) + repairs(tally);
   const auto list = mostFrequent(tally);
   if (!list.empty())
     text += list.size() > FREQUENT ? "most frequent findings:\n" : "findings:\n";

@@ -27,6 +27,8 @@ struct Tally {
   std::array<std::uint64_t, std::size(VERDICT_NAMES)> by_verdict = {};
   std::array<std::uint64_t, std::size(REASON_NAMES)> by_reason = {};
   std::array<std::uint64_t, std::size(REPAIR_NAMES)> by_repair = {};
+  std::array<std::uint64_t, std::size(SINCE_NAMES)> by_since = {};
+  std::array<std::uint64_t, std::size(VERDICT_NAMES)> failing = {}; ///< the files that `countsForStatus`, by verdict
   std::map<std::string, Frequency> by_finding = {};
 
   std::uint64_t of(Verdict verdict) const { return by_verdict[static_cast<std::size_t>(verdict)]; }
@@ -44,12 +46,16 @@ std::vector<std::pair<std::string, Frequency>> mostFrequent(const Tally &tally);
 /// findings and the first one, or why there is no verdict.
 std::string whatIsWrong(const FileResult &result);
 
-/// @return the line of a file that is not OK, with its line break. On a terminal, its first finding stands below it.
-std::string badLine(const FileResult &result, const Style &style = {});
+/// @return what a file was in the baseline: "was ERR, 3 findings".
+std::string wasText(const Compared &compared);
+
+/// @return the line of a file that is told, with its line break. On a terminal, its first finding stands below it.
+std::string fileLine(const FileResult &result, const Style &style = {});
 
 /// @return the lines of the summary.
 /// @param seconds how long it took; none for what was not audited now
-std::string summary(const Tally &tally, std::optional<double> seconds);
+/// @param baseline the report that it was compared with; empty if there is none
+std::string summary(const Tally &tally, std::optional<double> seconds, const std::string &baseline = {});
 
 /// @return a number of bytes as people read it: "12.3 MB".
 std::string bytesText(std::uint64_t bytes);

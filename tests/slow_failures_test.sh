@@ -179,6 +179,7 @@ if [ -n "${KBSURVEY-}" ]; then
   all_reports() { echo "--json $1.json --junit $1.xml --html $1.html"; }
   for options in "$(all_reports new) in" "$(all_reports more) in" "--json more.json --resume more.json in more" \
     "--json new.json --resume more.json in more" "--merge --json in.json in.json more.json" \
+    "--json new.json --baseline more.json in more" \
     "--merge --html new.html in.json" "--json - --deep --repairable in" "--junit - in" "--html - in" \
     "--print0 --files-from list" "--list-findings" "--explain tag" "--version"; do
     read -ra options <<<"$options"

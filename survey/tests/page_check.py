@@ -213,6 +213,12 @@ def check_policy(tab):
     same("requests that the policy refuses", ["page.html"], [os.path.basename(url) for url in tab.requests.values()])
 
 
+def violations(tab, what):
+    if AXE:
+        tab.evaluate(open(AXE[0]).read() + "; 0")
+        same("violations " + what, [], tab.evaluate("axe.run().then(found => found.violations.map(v => [v.id, v.nodes[0].html, v.nodes[0].failureSummary]))"))
+
+
 def check_access(tab):
     """At each width and in both colours: no violation that axe-core finds, nothing beside the screen, columns that stay."""
     for width, colours, address in ((1400, "light", ""), (1400, "dark", "#verdict=ERR"), (800, "light", ""), (390, "light", ""),
@@ -233,8 +239,7 @@ def check_access(tab):
         if AXE:
             tab.open(FOLDER + "/page.html" + address)
             tab.evaluate("document.querySelector('#table tbody button')?.click()")
-            tab.evaluate(open(AXE[0]).read() + "; 0")
-            same("violations " + what, [], tab.evaluate("axe.run().then(found => found.violations.map(v => [v.id, v.nodes[0].html, v.nodes[0].failureSummary]))"))
+            violations(tab, what)
     tab.show(1280, "light")
 
 
@@ -247,6 +252,24 @@ def check_paper(tab, records):
     same("controls on paper", 0, tab.evaluate("[...document.querySelectorAll('form, #more, .rest, .copied button, #skip')].filter(e => e.checkVisibility()).length"))
     same("heads on paper", "table-header-group", tab.evaluate("getComputedStyle(document.querySelector('#table > thead')).display"))
     tab.call("Emulation.setEmulatedMedia", media="")
+
+
+def check_baseline(tab, records):
+    """Against a baseline only what is new or changed is shown at first; cards show the rest; what is gone has a list."""
+    new, same_as, worse, gone = [record for record in records if record["verdict"] == "ERR"][:4]
+    was_ok = {**next(record for record in records if record["verdict"] == "OK"), "path": worse["path"]}
+    for name, some in (("old", [same_as, was_ok, gone]), ("new", [new, same_as, worse])):
+        with open(f"{FOLDER}/{name}.json", "w") as report:
+            report.writelines(json.dumps(record) + "\n" for record in some)
+    subprocess.run([KBSURVEY, "--merge", FOLDER + "/new.json", "--baseline", FOLDER + "/old.json", "--html",
+                    FOLDER + "/page.html"], stdout=subprocess.DEVNULL)
+    tab.open(FOLDER + "/page.html")
+    same("changed since the baseline", ["new", "worse, was OK"], sorted(re.sub(".*[.]kb", "", row[0], flags=re.S) for row in rows(tab)))
+    for card, number in (("1 worse since the baseline", 1), ("3 files", 3)):
+        tab.click(labelled(card))
+        same(f"files of the card '{card}'", number, shown(tab))
+    violations(tab, "of a page with a baseline")
+    same("files that are gone", 1, tab.evaluate("document.querySelectorAll('#gone li').length"))
 
 
 def check_many(tab):
@@ -285,6 +308,7 @@ def main():
         check_policy(tab)
         check_access(tab)
         check_paper(tab, records)
+        check_baseline(tab, records)
         check_many(tab)
     finally:
         tab.close()

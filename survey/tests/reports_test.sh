@@ -160,7 +160,8 @@ perl -e 'my $groups = 1120; my $list = 24 + 28 * $groups; my @sizes = (0) x 21; 
          for my $i (1 .. 310) { open my $to, ">", $i <= 10 ? "wrong/some/$i.kb" : "wrong/$i.kb"; print $to $file }'
 if ! KBAUDIT=$KBSURVEY sanitized; then
   survey 1 --json before.json wrong
-  for tried in "--html w.html" "--junit w.xml" "--json w.json" "--json w.json --resume before.json"; do
+  for tried in "--html w.html" "--junit w.xml" "--json w.json" "--json w.json --resume before.json" \
+    "--json w.json --baseline before.json"; do
     # shellcheck disable=SC2086 # several words
     bytes=$(growth $tried)
     [ "$bytes" -le 8192 ] || fail "kbsurvey $tried: $bytes bytes for each file"

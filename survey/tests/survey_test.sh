@@ -49,6 +49,22 @@ mkdir "$scratch"/{before,before/empty}
 cp -r good bad samples "$scratch/before"
 printf 'this is no scene, but it is longer than the header of one: %0100d' 0 >not.kb
 cp not.kb "$scratch/before"
+# What was surveyed once, and what has become of it: for --baseline.
+mkdir -p "$scratch"/before/{once,later}/scenes
+mkdir states
+cp samples/version.kb states/none
+for state in ok= obj1=1164=9 obj2=1252=9 both="1164=9 1252=9" link=1144=99; do # the own indices of two objects, and a link
+  cp samples/town.kb "states/${state%%=*}"
+  # shellcheck disable=SC2086 # several words
+  set_words "states/${state%%=*}" ${state#*=}
+done
+for name in obj1-obj1 ok-obj1 obj1-both both-obj1 obj1-ok obj1-none none-obj1 obj1-obj2 ok-link ok-ok obj1- ok- -obj1 -ok; do
+  [ -z "${name%-*}" ] || cp "states/${name%-*}" "$scratch/before/once/scenes/$name.kb"
+  [ -z "${name#*-}" ] || cp "states/${name#*-}" "$scratch/before/later/scenes/$name.kb"
+done
+(cd "$scratch/before/once" && "$KBSURVEY" -q --json ../old.json scenes >../old.txt || :)
+(cd "$scratch/before/once" && "$KBSURVEY" -q --deep --json ../old-deep.json scenes >../old.txt || :)
+(cd "$scratch/before/later" && "$KBSURVEY" -q --json ../new.json scenes >../new.txt || :)
 transcript "$SOURCE_DIR/survey/tests/golden/commands.out" <<'END'
 kbsurvey good
 kbsurvey good bad
@@ -90,6 +106,20 @@ kbsurvey -q --deep --repairable --junit - samples
 kbsurvey -q -j1 --deep --repairable --html - samples | grep '{"survey"' | sed 's/"date":[0-9]*,"seconds":[0-9.]*/T/'
 kbsurvey -j1 --deep --repairable samples
 kbsurvey -j1 -q --color=always --deep samples
+cd once && kbsurvey -q -j1 --baseline ../old.json scenes
+cd later && kbsurvey -q -j1 --baseline ../old.json scenes
+cd later && kbsurvey -q -j1 --baseline ../old.json --color=always scenes
+cd later && mv ../old.json x; kbsurvey -q -j1 --baseline x --json x scenes >told; kbsurvey --baseline x scenes; mv x ../old.json; rm told ../old.json
+cd later && for deep in ../old.json ../old-deep.json; do kbsurvey -q -j1 --deep --baseline $deep scenes | grep -e '^since' -e link; done
+cd later && kbsurvey -q -j1 --baseline ../old-deep.json scenes | grep -e '^since' -e link
+cd later && kbsurvey -q -j1 --baseline ../old.json --print0 scenes | tr '\0' '\n'
+cd later && kbsurvey -q -j1 --baseline ../old.json --junit - scenes
+cd later && kbsurvey -q -j1 --baseline ../old.json --html - scenes | grep -o '"since":{.*}' | sed 's/,"ids".*//'
+cd later && for shard in 1/2 2/2; do kbsurvey -q --shard $shard --baseline ../old.json scenes | grep -e gone -e since; done
+kbsurvey --merge new.json --baseline old.json | grep -e gone -e since
+cd later && kbsurvey -q -j1 --baseline ../old.json scenes/*-ok.kb
+for old in missing good bad/damaged.kb; do kbsurvey --baseline $old good; done
+for report in html junit; do kbsurvey --baseline old.json --$report old.json good; done
 kbsurvey --list-findings | while read -r id _; do kbsurvey --explain $id | grep '^Next step:  .' >/dev/null || echo $id; done
 END
 "$KBSURVEY" --list-findings | cut -d ' ' -f 1 | xargs -n 1 "$KBSURVEY" --explain | sed -n 's/^Example:  *\([^;]*\).*/\1/p' >examples

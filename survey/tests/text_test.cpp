@@ -99,8 +99,8 @@ TEST(SurveyText, WhatIsWrongTellsTheFirstErrorAndItsList) {
   result.findings = {{.id = "w", .severity = Severity::warning, .list = "ObjList", .text = "a warning\n"},
                      {.id = "e", .severity = Severity::error, .list = "EnvList", .text = "size is wrong\n"}};
   result.counts = {{"w", 2000}, {"e", 1}};
-  EXPECT_EQ(badLine(result), "ERR   a\\x0aOK.kb  2001 findings: EnvList: size is wrong\n");
-  EXPECT_EQ(badLine({.path = "b", .reason = Reason::unreadable, .detail = "gone\r"}),
+  EXPECT_EQ(fileLine(result), "ERR   a\\x0aOK.kb  2001 findings: EnvList: size is wrong\n");
+  EXPECT_EQ(fileLine({.path = "b", .reason = Reason::unreadable, .detail = "gone\r"}),
             "NONE  b  cannot be read: gone\\x0d\n");
   std::vector<FileResult> results;
   for (const Repair repair : {Repair::needless, Repair::unknown})
