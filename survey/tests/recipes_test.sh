@@ -4,7 +4,7 @@ set -euo pipefail
 # shellcheck source=tests/lib.sh
 . "$SOURCE_DIR/tests/lib.sh"
 tools "$KBSURVEY"
-scripts_of survey.md 9
+scripts_of survey.md 10
 
 fresh_folder() {
   cd "$scratch"
@@ -26,13 +26,25 @@ rm "scenes/version.kb"
 recipe 0 2
 same "script 2, again" '1 OK, 2 ERR, 0 without verdict' "$(verdicts survey.txt)"
 recipe 0 4
-same "line that is shown" "$(awk '/^```text$/ { out = 1; next } /^```/ { out = 0 } out' "$SOURCE_DIR/docs/survey.md")" \
-  "$(grep damaged "$scratch/out")"
+awk '/^```text$/ { out = 1; next } /^```/ { out = 0 } out' "$SOURCE_DIR/docs/survey.md" >"$scratch/texts"
+same "line that is shown" "$(grep '^ERR' "$scratch/texts")" "$(grep damaged "$scratch/out")"
 grep '"repairs":\[0,1,2,' survey.html >/dev/null || fail "script 4: a page without its answers"
 recipe 1 5
 grep 'failures="2"' survey.xml >/dev/null || fail "script 5: no JUnit report"
+cp "$SOURCE_DIR/samples/figure.kb" scenes
 recipe 0 6
-same "script 6" $'scenes/a\\x0a\\x1b\\xe2\\x80\\xaeb.kb\nscenes/damaged.kb' "$(cat "$scratch/out")"
+same "script 6, nothing new" "" "$(grep scenes "$scratch/out")"
+rm scenes/figure.kb
+mv scenes/town.kb ok.kb
+mv scenes/damaged.kb scenes/town.kb
+mv ok.kb scenes/damaged.kb
+recipe 0 6
+same "script 6" "$(grep -v '^ERR' "$scratch/texts")" "$(grep scenes "$scratch/out")"
+mv scenes/damaged.kb ok.kb
+mv scenes/town.kb scenes/damaged.kb
+mv ok.kb scenes/town.kb
+recipe 0 7
+same "script 7" $'scenes/a\\x0a\\x1b\\xe2\\x80\\xaeb.kb\nscenes/damaged.kb' "$(cat "$scratch/out")"
 
 # Whatever is moved away is there afterwards, also files of one name, and those of a second time. A folder that cannot be
 # read, here because its path is too long for the system, stays, and so do the files in it.
@@ -55,11 +67,11 @@ same "the second one" scenes/x/same.kb "$(cd quarantine && find . -name same.kb 
 
 fresh_folder
 for task in $(seq 2 16) 3; do # one is requeued
-  SLURM_ARRAY_TASK_ID=$task SLURM_ARRAY_TASK_COUNT=16 SLURM_CPUS_PER_TASK=2 recipe 0 8
+  SLURM_ARRAY_TASK_ID=$task SLURM_ARRAY_TASK_COUNT=16 SLURM_CPUS_PER_TASK=2 recipe 0 9
 done
-recipe 1 9 # one has not run
-SLURM_ARRAY_TASK_ID=1 SLURM_ARRAY_TASK_COUNT=16 SLURM_CPUS_PER_TASK=2 recipe 0 8
-recipe 0 9
+recipe 1 10 # one has not run
+SLURM_ARRAY_TASK_ID=1 SLURM_ARRAY_TASK_COUNT=16 SLURM_CPUS_PER_TASK=2 recipe 0 9
+recipe 0 10
 same "parts of an array" "$all" "$(verdicts "$scratch/out")"
 
 # --- Two machines ---
@@ -107,12 +119,12 @@ if [ -x /usr/sbin/sshd ] && [ "$(id -u)" -eq 0 ] && has ssh-keygen && parallel -
   export PARALLEL_HOME=$scratch/parallel
   if start_server first "$port" && start_server second "$((port + 1))"; then
     fresh_folder
-    recipe 0 7
+    recipe 0 8
     same "two machines" "$all" "$(verdicts "$scratch/out")"
     same "machines that have worked" $'first\nsecond' "$(awk 'NR > 1 { print $2 }' parts.log | sort -u)"
     kill "$(cat "$scratch/second.pid")"
     rm -f "$scratch/second.pid"
-    recipe 1 7
+    recipe 1 8
     same "with a machine down" "parts are missing" "$(tail -n 1 "$scratch/err")"
   else
     fail "no ssh server on the loopback address"

@@ -62,9 +62,10 @@ for name in obj1-obj1 ok-obj1 obj1-both both-obj1 obj1-ok obj1-none none-obj1 ob
   [ -z "${name%-*}" ] || cp "states/${name%-*}" "$scratch/before/once/scenes/$name.kb"
   [ -z "${name#*-}" ] || cp "states/${name#*-}" "$scratch/before/later/scenes/$name.kb"
 done
-(cd "$scratch/before/once" && "$KBSURVEY" -q --json ../old.json scenes >../old.txt || :)
-(cd "$scratch/before/once" && "$KBSURVEY" -q --deep --json ../old-deep.json scenes >../old.txt || :)
-(cd "$scratch/before/later" && "$KBSURVEY" -q --json ../new.json scenes >../new.txt || :)
+for options in "once old.json" "once old-deep.json --deep" "later new.json"; do
+  read -r state report options <<<"$options"
+  (cd "$scratch/before/$state" && run 2 "report of $state" "$KBSURVEY" -q ${options:+"$options"} --json "../$report" scenes)
+done
 transcript "$SOURCE_DIR/survey/tests/golden/commands.out" <<'END'
 kbsurvey good
 kbsurvey good bad
