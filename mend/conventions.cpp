@@ -18,14 +18,14 @@ struct Inside : Events {
 
   explicit Inside(const FileBytes &walked) : file(walked) {}
 
-  void leave(const RecordAt &spot, std::uint64_t end, int depth) override {
-    const RecordLayout &kind = *spot.kind;
+  void leave(const RecordAt &record, std::uint64_t end, int depth) override {
+    const RecordLayout &kind = *record.kind;
     if (depth == 0)
       return;
     if (kind.index_at != NO_WORD)
-      counted.count(kind, Own::index, file[spot.begin + kind.index_at] == spot.number);
+      counted.count(kind, Own::index, file[record.begin + kind.index_at] == record.number);
     if (kind.size_at != NO_WORD)
-      counted.count(kind, Own::size, file[spot.begin + kind.size_at] == end - spot.begin);
+      counted.count(kind, Own::size, file[record.begin + kind.size_at] == end - record.begin);
   }
 };
 

@@ -28,7 +28,7 @@ struct Habit {
 /// Goes over the file as it was read, and sets what follows.
 class Deriver : public Events {
 public:
-  Deriver(FileBytes &file, const Reading &reading) : image(file), version_2(file.version() == VERSION_2) {
+  Deriver(FileBytes &bytes, const Reading &reading) : file(bytes), version_2(file.version() == VERSION_2) {
     for (const Claim *claim = reading.claims; claim != nullptr; claim = claim->before) {
       if (claim->sort == Claim::Sort::list)
         spans[claim->list] = claim;
@@ -45,7 +45,7 @@ private:
   void set(std::uint64_t offset, std::string field, Word value, const char *why);
   void expect(const RecordLayout &kind, const char *habit, std::uint64_t offset, std::string field, Word value,
               const char *why);
-  void leave(const RecordAt &spot, std::uint64_t end, int depth) override;
+  void leave(const RecordAt &record, std::uint64_t end, int depth) override;
   void countMaker(const Walk &walk);
   void mergeChanges();
   void deriveHeader();
@@ -55,7 +55,7 @@ private:
   void deriveElement(const RecordLayout &kind, std::uint64_t begin, std::uint64_t end, Word number,
                      std::uint64_t table_word, const char *table_name);
 
-  FileBytes &image;
+  FileBytes &file;
   bool version_2;
   std::array<const Claim *, LIST_NUM> spans = {};
   std::unordered_map<std::uint64_t, std::uint64_t> unsolved = {};
@@ -74,11 +74,11 @@ constexpr const char *BY_PARTS = "the sum of its parts";
 constexpr const char *BY_PLACE = "the list's place in the file";
 
 void Deriver::set(std::uint64_t offset, std::string field, Word value, const char *why) {
-  const Word old = image[offset];
+  const Word old = file[offset];
   ++looked_at;
   if (old == value)
     return;
-  image.set(offset, value);
+  file.set(offset, value);
   changes.push_back({offset, listName(list_now), element_now, std::move(field), old, value, why});
 }
 
@@ -89,32 +89,32 @@ void Deriver::expect(const RecordLayout &kind, const char *habit_name, std::uint
                             [&](const Habit &other) { return other.kind == &kind && other.field == habit_name; });
   if (habit == habits.end())
     habit = habits.insert(habit, {&kind, habit_name});
-  if (image[offset] == value)
+  if (file[offset] == value)
     ++habit->follow;
   else if (habit->others.size() * WITNESSES_EACH <= habit->follow + 64) // else it is no habit
-    habit->others.push_back({offset, listName(list_now), element_now, std::move(field), image[offset], value, why});
+    habit->others.push_back({offset, listName(list_now), element_now, std::move(field), file[offset], value, why});
 }
 
 /// The words of the records inside.
-void Deriver::leave(const RecordAt &spot, std::uint64_t end, int depth) {
-  const RecordLayout &kind = *spot.kind;
+void Deriver::leave(const RecordAt &record, std::uint64_t end, int depth) {
+  const RecordLayout &kind = *record.kind;
   if (depth == 0)
     return;
   if (kind.tag != 0)
-    set(spot.begin, kind.tag_name, kind.tag, "the place of the record");
-  const auto size = static_cast<Word>(end - spot.begin);
+    set(record.begin, kind.tag_name, kind.tag, "the place of the record");
+  const auto size = static_cast<Word>(end - record.begin);
   const bool has_size = kind.size_at != NO_WORD;
   const bool has_index = kind.index_at != NO_WORD;
   if (has_size && kind.size_checked)
-    set(spot.begin + kind.size_at, kind.size_name, size, BY_PARTS);
+    set(record.begin + kind.size_at, kind.size_name, size, BY_PARTS);
   // A record with no word as expected may be none.
-  if (has_size && has_index && image[spot.begin + kind.size_at] != size &&
-      image[spot.begin + kind.index_at] != spot.number)
+  if (has_size && has_index && file[record.begin + kind.size_at] != size &&
+      file[record.begin + kind.index_at] != record.number)
     return;
   if (has_size && !kind.size_checked)
-    expect(kind, kind.size_name, spot.begin + kind.size_at, kind.size_name, size, BY_PARTS);
+    expect(kind, kind.size_name, record.begin + kind.size_at, kind.size_name, size, BY_PARTS);
   if (has_index)
-    expect(kind, kind.index_name, spot.begin + kind.index_at, kind.index_name, spot.number, BY_POSITION);
+    expect(kind, kind.index_name, record.begin + kind.index_at, kind.index_name, record.number, BY_POSITION);
 }
 
 void Deriver::countMaker(const Walk &walk) {
@@ -124,19 +124,19 @@ void Deriver::countMaker(const Walk &walk) {
 
 void Deriver::deriveElement(const RecordLayout &kind, std::uint64_t begin, std::uint64_t end, Word number,
                             std::uint64_t table_word, const char *table_name) {
-  if (!isElementTag(kind, image[begin]))
+  if (!isElementTag(kind, file[begin]))
     set(begin, kind.tag_name, kind.tag, "the place of the element");
   const auto size = static_cast<Word>(end - begin);
   const std::string entry = std::string(table_name) + '[' + std::to_string(number) + ']';
   const std::uint64_t size_word = begin + kind.size_at;
-  const bool other_size = image[size_word] != size && (!kind.size_in_bytes || (image[size_word] & ~Word{3}) != size);
+  const bool other_size = file[size_word] != size && (!kind.size_in_bytes || (file[size_word] & ~Word{3}) != size);
   if (other_size)
     set(size_word, kind.size_name, size, BY_PARTS);
   if (kind.index_checked)
     set(begin + kind.index_at, kind.index_name, number, BY_POSITION);
   else
     expect(kind, kind.index_name, begin + kind.index_at, kind.index_name, number, BY_POSITION);
-  const Word own_size = image[size_word];
+  const Word own_size = file[size_word];
   if (kind.size_checked || other_size)
     set(table_word, entry, own_size, "the size of the element");
   else
@@ -152,9 +152,9 @@ void Deriver::deriveElements(const RecordLayout &kind, std::uint64_t &at, std::u
       at = skipped->second;
       continue;
     }
-    Walk walk(image, image.size(), version_2, this);
-    const std::uint64_t end = at + kind.fixed <= image.size() ? walk.over({&kind, at, i}) : image.size() + 1;
-    if (walk.broken || end > image.size())
+    Walk walk(file, file.size(), version_2, this);
+    const std::uint64_t end = at + kind.fixed <= file.size() ? walk.over({&kind, at, i}) : file.size() + 1;
+    if (walk.broken || end > file.size())
       return; // no reading is like this; the audit will say what is wrong
     countMaker(walk);
     deriveElement(kind, at, end, i, table + std::uint64_t{i} * sizeof(Word), table_name);
@@ -166,19 +166,19 @@ void Deriver::deriveElements(const RecordLayout &kind, std::uint64_t &at, std::u
 void Deriver::deriveList() {
   const Claim &span = *spans[list_now];
   const ListLayout &layout = LAYOUT[list_now];
-  if (!isListTag(list_now, image[span.begin]))
+  if (!isListTag(list_now, file[span.begin]))
     set(span.begin, layout.tag_name, LISTS[list_now].tag, BY_PLACE);
   set(span.begin + list_at::SIZE, layout.size_name, static_cast<Word>(span.end - span.begin),
       layout.first == nullptr ? BY_PARTS : "where the list ends");
   if (layout.first == nullptr) {
-    Walk walk(image, image.size(), version_2);
+    Walk walk(file, file.size(), version_2);
     walk.over({&SCENE, span.begin});
     countMaker(walk);
     return;
   }
   if (unsolved.contains(span.begin))
     return;
-  const ListView view(image, list_now, span.begin);
+  const ListView view(file, list_now, span.begin);
   std::uint64_t at = view.elements();
   deriveElements(*layout.first, at, view.entry(0), layout.table_name, static_cast<Word>(view.first));
   if (layout.second != nullptr)
@@ -187,11 +187,11 @@ void Deriver::deriveList() {
 }
 
 void Deriver::deriveHeader() {
-  set(header_at::SIZE, "size", static_cast<Word>(image.size()), "the length of the file");
+  set(header_at::SIZE, "size", static_cast<Word>(file.size()), "the length of the file");
   set(header_at::TAG, "header_tag", 0, "the place in the file");
   set(header_at::HEADER_SIZE, "file_header_num",
-      Word{FILE_HEADER_BYTES} + image[header_at::BLOCKS] + image[header_at::BLOCKS + 4], BY_PARTS);
-  const std::size_t lists = hasVersion2Lists(image) ? LIST_NUM : VERSION_1_LIST_NUM;
+      Word{FILE_HEADER_BYTES} + file[header_at::BLOCKS] + file[header_at::BLOCKS + 4], BY_PARTS);
+  const std::size_t lists = hasVersion2Lists(file) ? LIST_NUM : VERSION_1_LIST_NUM;
   for (std::size_t list = 0; list < lists; ++list) {
     const Claim *const span = spans[list];
     set(LAYOUT[list].header_word_at, LAYOUT[list].header_word,
@@ -233,7 +233,7 @@ Applied Deriver::derive() {
     if (habit.follow < FEWEST_WITNESSES || habit.others.size() * WITNESSES_EACH > habit.follow)
       continue;
     for (const Change &change : habit.others) {
-      image.set(change.offset, change.new_value);
+      file.set(change.offset, change.new_value);
       changes.push_back(change);
     }
   }
@@ -245,13 +245,13 @@ Applied Deriver::derive() {
 
 } // namespace
 
-Applied applyReading(FileBytes &image, const Reading &reading) { return Deriver(image, reading).derive(); }
+Applied applyReading(FileBytes &file, const Reading &reading) { return Deriver(file, reading).derive(); }
 
-std::vector<Change> changesOf(const FileBytes &image, const Claim *claims) {
+std::vector<Change> changesOf(const FileBytes &file, const Claim *claims) {
   std::vector<Change> changes;
   for (; claims != nullptr; claims = claims->before)
     if (claims->sort == Claim::Sort::word)
-      changes.push_back({claims->begin, listName(claims->list), claims->element, claims->field, image[claims->begin],
+      changes.push_back({claims->begin, listName(claims->list), claims->element, claims->field, file[claims->begin],
                          claims->value, claims->why});
   std::sort(changes.begin(), changes.end(), [](const Change &a, const Change &b) { return a.offset < b.offset; });
   return changes;

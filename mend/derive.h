@@ -17,9 +17,9 @@ struct Applied {
 };
 
 /// Writes what a reading says into the file: the words that it changes, and all that follow from them.
-Applied applyReading(FileBytes &image, const Reading &reading);
+Applied applyReading(FileBytes &file, const Reading &reading);
 
 /// @return the words that a reading changes by itself.
-std::vector<Change> changesOf(const FileBytes &image, const Claim *claims);
+std::vector<Change> changesOf(const FileBytes &file, const Claim *claims);
 
 } // namespace kova::mend

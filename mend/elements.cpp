@@ -7,20 +7,20 @@ namespace kova::mend {
 
 /// Follows one end of an element, of which the size table gives the size. @param own_size whether the element's own
 /// size says so, too. @param believed whether the end holds even if nothing explains it.
-void Reader::readElementTo(std::size_t list, const RecordAt &spot, const Reading &before, std::uint64_t end,
+void Reader::readElementTo(std::size_t list, const RecordAt &record, const Reading &before, std::uint64_t end,
                            Word table_size, bool own_size, bool believed, Readings &readings) {
-  Proposals proposals = solve(spot, end);
-  const std::uint64_t size_word = spot.begin + spot.kind->size_at;
+  Proposals proposals = solve(record, end);
+  const std::uint64_t size_word = record.begin + record.kind->size_at;
   std::erase_if(proposals, [&](const Proposal &proposal) { // a new size has to say so, too
     return proposal.changes && proposal.length_word.offset == size_word &&
-           spot.begin + wholeWords(*spot.kind, proposal.value) != end;
+           record.begin + wholeWords(*record.kind, proposal.value) != end;
   });
   Reading reading = before;
   reading.at = end;
   for (const Proposal &proposal : proposals) {
     reading.cost = before.cost + proposal.cost;
     const bool changes_size = proposal.changes && proposal.length_word.offset == size_word;
-    const bool in_table = changes_size && spot.begin + wholeWords(*spot.kind, table_size) == end;
+    const bool in_table = changes_size && record.begin + wholeWords(*record.kind, table_size) == end;
     const bool ends_in_word = changes_size && !in_table && proposal.value % sizeof(Word) != 0;
     reading.doubts = before.doubts + proposal.doubts + Word{ends_in_word};
     reading.claims = before.claims;
@@ -30,7 +30,7 @@ void Reader::readElementTo(std::size_t list, const RecordAt &spot, const Reading
       reading.claims =
           claim({.begin = proposal.length_word.offset,
                  .list = list,
-                 .element = spot.number,
+                 .element = record.number,
                  .field = proposal.length_word.field,
                  .value = in_table ? table_size : proposal.value,
                  .maker = proposal.length_word.maker,
@@ -41,9 +41,9 @@ void Reader::readElementTo(std::size_t list, const RecordAt &spot, const Reading
   if (proposals.empty() && believed) {
     reading.cost = before.cost + cost::UNSOLVED;
     reading.doubts = before.doubts;
-    reading.claims =
-        claim({.sort = Claim::Sort::unsolved, .begin = spot.begin, .end = end, .list = list, .element = spot.number},
-              before.claims);
+    reading.claims = claim(
+        {.sort = Claim::Sort::unsolved, .begin = record.begin, .end = end, .list = list, .element = record.number},
+        before.claims);
     add(readings, reading);
   }
 }
@@ -52,19 +52,19 @@ void Reader::readElementTo(std::size_t list, const RecordAt &spot, const Reading
 void Reader::readElement(std::size_t list, const RecordLayout &kind, const Reading &before, Word number,
                          Word table_size, Readings &readings) {
   const std::uint64_t begin = before.at;
-  if (begin + kind.fixed > image.size())
+  if (begin + kind.fixed > file.size())
     return;
-  const RecordAt spot = {&kind, begin, number};
+  const RecordAt record = {&kind, begin, number};
   std::uint64_t by_words = 0;
-  const Walk walk = read(spot, by_words);
-  const std::uint64_t by_size = begin + wholeWords(kind, image[begin + kind.size_at]);
+  const Walk walk = read(record, by_words);
+  const std::uint64_t by_size = begin + wholeWords(kind, file[begin + kind.size_at]);
   const std::uint64_t by_table = begin + wholeWords(kind, table_size);
-  const bool other_index = image[begin + kind.index_at] != number;
+  const bool other_index = file[begin + kind.index_at] != number;
   Reading inner = before;
-  inner.cost += Word{!isElementTag(kind, image[begin])} + Word{other_index && kind.index_checked};
+  inner.cost += Word{!isElementTag(kind, file[begin])} + Word{other_index && kind.index_checked};
   inner.doubts += other_index && !kind.index_checked && tells(kind, Own::index);
   const bool table_tells = by_size == by_table || tells(kind, Own::table_entry);
-  const bool as_in_table = by_size == by_table || (!table_tells && findNext(spot, list_end) == by_words);
+  const bool as_in_table = by_size == by_table || (!table_tells && findNext(record, list_end) == by_words);
   if (by_words == by_size && as_in_table && !walk.broken && walk.faults == 0) {
     inner.at = by_words;
     inner.doubts += walk.doubts;
@@ -76,14 +76,14 @@ void Reader::readElement(std::size_t list, const RecordLayout &kind, const Readi
   addEnd(ends, by_size);
   addEnd(ends, by_table);
   if (ends.size() == 3 || (ends.size() == 2 && walk.broken) || !table_tells)
-    addEnd(ends, findNext(spot, list_end));
+    addEnd(ends, findNext(record, list_end));
   for (const std::uint64_t end : ends) {
-    if (end < begin + kind.fixed || end > image.size())
+    if (end < begin + kind.fixed || end > file.size())
       continue;
     const bool other_in_table = end != by_table && table_tells;
     Reading ended = inner;
     (kind.size_checked ? ended.cost : ended.doubts) += other_in_table;
-    readElementTo(list, spot, ended, end, table_size, end == by_size, end == by_size && !other_in_table, readings);
+    readElementTo(list, record, ended, end, table_size, end == by_size, end == by_size && !other_in_table, readings);
   }
 }
 
@@ -91,7 +91,7 @@ void Reader::readElement(std::size_t list, const RecordLayout &kind, const Readi
 Reader::Readings Reader::readElements(std::size_t list, const RecordLayout &kind, Readings before, std::uint64_t table,
                                       Word number, Word most_cost) {
   for (Word i = 0; i < number && !before.empty(); ++i) {
-    const Word table_size = image[table + std::uint64_t{i} * sizeof(Word)];
+    const Word table_size = file[table + std::uint64_t{i} * sizeof(Word)];
     Readings after;
     for (const Reading &reading : before)
       readElement(list, kind, reading, i, table_size, after);

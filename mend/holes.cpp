@@ -14,9 +14,9 @@ namespace {
 struct NoLinks : Events {
   explicit NoLinks(FileBytes &of) : file(of) {}
 
-  void enter(const RecordAt &spot, int) override {
-    for (const Link &link : spot.kind->links)
-      file.set(spot.begin + link.at, NO_LINK);
+  void enter(const RecordAt &record, int) override {
+    for (const Link &link : record.kind->links)
+      file.set(record.begin + link.at, NO_LINK);
   }
   void table(std::uint64_t begin, std::uint64_t entries, std::span<const Column> columns, std::uint64_t) override {
     for (const Column &column : columns) {
@@ -104,11 +104,11 @@ bool HoleSalvage::makeCut(const FoundList &list, const RecordLayout &kind, To to
   CutRecord record = cutRecord(cut, kind, 0, number, version_2);
   FileBytes left_of(record.bytes);
   Walk again(left_of, record.bytes.size(), version_2);
-  if (!record.kept || again.over({&kind, 0, number}) != record.bytes.size() || again.broken || again.faults != 0)
+  if (!record.is_record || again.over({&kind, 0, number}) != record.bytes.size() || again.broken || again.faults != 0)
     return false;
   made.bytes.insert(made.bytes.end(), record.bytes.begin(), record.bytes.end());
   lose(list.list, list.list == 0 ? std::nullopt : std::optional(number),
-       "it reaches into the hole: " + (record.told.empty() ? "what is behind its fixed words is gone" : record.told));
+       "it reaches into the hole: " + (record.what.empty() ? "what is behind its fixed words is gone" : record.what));
   gone.cut.push_back({to, number, record.entries});
   return true;
 }
@@ -119,13 +119,13 @@ bool HoleSalvage::makeElement(const FoundList &list, bool second, Word number) {
   const RecordLayout &kind = list.list == 0 ? SCENE : second ? *layout.second : *layout.first;
   const To to = list.list == 0 ? To::nothing : toKind(list.list, second);
   const FoundElement &element = list.elements[second][number];
-  const std::optional<Word> told = list.list == 0 ? std::nullopt : std::optional(number);
+  const std::optional<Word> named = list.list == 0 ? std::nullopt : std::optional(number);
   if (element.stray != 0)
-    lose(list.list, told,
+    lose(list.list, named,
          std::to_string(element.stray) + (element.stray == 1 ? " byte" : " bytes") +
              " too many stood in it or behind it: left out behind it");
   if (element.doubtful)
-    lose(list.list, told, "its end may lie in the hole");
+    lose(list.list, named, "its end may lie in the hole");
   if (element.whole) {
     copy(element.begin, element.begin + element.size);
     return true;
@@ -133,12 +133,12 @@ bool HoleSalvage::makeElement(const FoundList &list, bool second, Word number) {
   if (element.isFound() && makeCut(list, kind, to, number, element))
     return true;
   if (drop && list.list != 0 && layout.second == nullptr) {
-    lose(list.list, told, "it lies in the hole: left out");
+    lose(list.list, named, "it lies in the hole: left out");
     return false;
   }
   const Bytes empty = emptyRecord(kind, number, version_2);
   made.bytes.insert(made.bytes.end(), empty.begin(), empty.end());
-  lose(list.list, told, "it lies in the hole: now empty");
+  lose(list.list, named, "it lies in the hole: now empty");
   if (to != To::nothing)
     gone.cut.push_back({to, number, {UNKNOWN, 0}});
   return true;
@@ -195,7 +195,7 @@ void HoleSalvage::makeBlocks(const FoundList &list, std::uint64_t head) {
   written.set(head + blocks_at, 0);
   written.set(head + blocks_at + 4, 0);
   if (maker + user != 0)
-    lose(list.list, {}, leftOf({maker + user, 0}, "bytes of the blocks"));
+    lose(list.list, {}, remainingText({maker + user, 0}, "bytes of the blocks"));
 }
 
 /// Appends the head of a list, and room for its size table.

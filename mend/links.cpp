@@ -34,7 +34,8 @@ using Reaches = std::array<Reach, std::size(GROUPS)>;
 /// Sets the links into what is gone to none.
 class LinkCutter : public Events {
 public:
-  LinkCutter(FileBytes &file, Gone &what, std::vector<Loss> &told) : image(file), gone(what), losses(told) {
+  LinkCutter(FileBytes &bytes, Gone &what, std::vector<Loss> &all_losses)
+      : file(bytes), gone(what), losses(all_losses) {
     for (const CutElement &element : gone.cut)
       cut[{element.to, element.number}] = element.entries;
   }
@@ -55,16 +56,16 @@ public:
     count = 0;
   }
 
-  void enter(const RecordAt &spot, int depth) override {
-    const std::span<const Link> links = spot.kind->links;
+  void enter(const RecordAt &record, int depth) override {
+    const std::span<const Link> links = record.kind->links;
     in_part = depth != 0 && std::any_of(links.begin(), links.end(), [](const Link &link) { return link.to == To::st; });
     if (in_part) {
-      parts.resize(std::max<std::size_t>(parts.size(), spot.number + std::size_t{1}));
-      current = &parts[spot.number];
+      parts.resize(std::max<std::size_t>(parts.size(), record.number + std::size_t{1}));
+      current = &parts[record.number];
       has_weights = false;
     }
     for (const Link &link : links)
-      follow(spot.begin + link.at, link.to);
+      follow(record.begin + link.at, link.to);
   }
   void leave(const RecordAt &, std::uint64_t, int) override {
     if (in_part && !has_weights) { // what its corners say of weights is nowhere laid down
@@ -77,7 +78,7 @@ public:
   void table(std::uint64_t begin, std::uint64_t entries, std::span<const Column> columns, std::uint64_t) override {
     for (const Column &column : columns) {
       if (column.to != To::nothing)
-        for (std::uint64_t i = 0; i < entries && begin + 4 * i + 4 <= image.size(); ++i)
+        for (std::uint64_t i = 0; i < entries && begin + 4 * i + 4 <= file.size(); ++i)
           follow(begin + 4 * i, column.to);
       begin += entries * column.bytes;
     }
@@ -92,7 +93,7 @@ private:
   static_assert(GROUPS[WEIGHTS] == To::weight);
 
   void follow(std::uint64_t at, To to) {
-    const Word index = image[at];
+    const Word index = file[at];
     if (to == To::own_part || to == To::own_cluster) {
       current = index < parts.size() ? &parts[index] : &own;
     } else if (slot(to) >= slot(To::own_vtx)) {
@@ -108,11 +109,11 @@ private:
       if (is_gone)
         none(at);
       else if (number != index)
-        image.set(at, number);
+        file.set(at, number);
     }
   }
   void none(std::uint64_t at) {
-    image.set(at, NO_LINK);
+    file.set(at, NO_LINK);
     ++count;
   }
   /// Takes down what the triangles that refer to a group can use of it.
@@ -136,7 +137,7 @@ private:
     }
   }
 
-  FileBytes &image;
+  FileBytes &file;
   Gone &gone;
   std::map<std::pair<To, Word>, Remaining> cut = {};
   std::vector<Loss> &losses;
@@ -171,25 +172,25 @@ To toKind(std::size_t list, bool second) {
   return LISTS[list].tag == COLOR_LIST_TAG ? To::vtx_color : To::vtx_nv;
 }
 
-bool cutLinks(FileBytes &image, const Spans &spans, Gone gone, std::vector<Loss> &losses) {
+bool cutLinks(FileBytes &file, const Spans &spans, Gone gone, std::vector<Loss> &losses) {
   joinLists(gone);
-  const bool version_2 = image.version() == VERSION_2;
-  LinkCutter cutter(image, gone, losses);
+  const bool version_2 = file.version() == VERSION_2;
+  LinkCutter cutter(file, gone, losses);
   for (std::size_t list = 0; list < LIST_NUM; ++list) {
     const Claim &span = spans[list];
     if (span.end == 0)
       continue;
     if (LAYOUT[list].first == nullptr) {
       cutter.startElement(LISTS[list].name, {});
-      Walk(image, image.size(), version_2, &cutter).over({&SCENE, span.begin});
+      Walk(file, file.size(), version_2, &cutter).over({&SCENE, span.begin});
       continue;
     }
-    const ListView view(image, list, span.begin);
+    const ListView view(file, list, span.begin);
     std::uint64_t at = view.elements();
     for (std::uint64_t i = 0; i < view.number() && at < span.end; ++i) {
       const RecordAt element = view.element(i, at);
       cutter.startElement(LISTS[list].name, element.number);
-      at = Walk(image, image.size(), version_2, &cutter).over(element);
+      at = Walk(file, file.size(), version_2, &cutter).over(element);
     }
   }
   cutter.finish();

@@ -1,7 +1,7 @@
 /// Links into what a salvage has taken out of a file.
 #pragma once
 
-#include "mend/left.h"
+#include "mend/cut_record.h"
 #include "mend/mend.h"
 #include "mend/reading.h"
 
@@ -36,6 +36,6 @@ To toKind(std::size_t list, bool second);
 
 /// Sets the links into what is gone to none, and tells of them. Those to elements with another number are renumbered.
 /// @return false where that cannot be done: a link may lead into several lists, of which one has lost elements.
-bool cutLinks(FileBytes &image, const Spans &spans, Gone gone, std::vector<Loss> &losses);
+bool cutLinks(FileBytes &file, const Spans &spans, Gone gone, std::vector<Loss> &losses);
 
 } // namespace kova::mend

@@ -12,16 +12,16 @@ constexpr int MOST_BEGINNINGS = 3;
 /// Follows every end that something gives for a list of which the elements were read.
 void Reader::closeList(std::size_t list, std::uint64_t begin, const Reading &inner, Readings &readings) {
   const std::uint64_t sizes_at = begin + LAYOUT[list].blocks_at;
-  const std::uint64_t by_words = inner.at + blockSizes(image, sizes_at).sum();
-  const std::uint64_t by_size = begin + image[begin + list_at::SIZE];
+  const std::uint64_t by_words = inner.at + blockSizes(file, sizes_at).sum();
+  const std::uint64_t by_size = begin + file[begin + list_at::SIZE];
   const std::uint64_t by_header = begin + declared(list);
   std::vector<std::uint64_t> ends = {by_words};
   addEnd(ends, by_size);
   addEnd(ends, by_header);
   // Where no size says so, the list ends by its words only if none of them is doubted.
-  const bool sound = isListTag(list, image[begin]) && (inner.claims == nullptr || inner.claims->begin < begin);
+  const bool sound = isListTag(list, file[begin]) && (inner.claims == nullptr || inner.claims->begin < begin);
   for (const std::uint64_t end : ends) {
-    if (end < inner.at || end > image.size() || !(sound || end == by_size || end == by_header))
+    if (end < inner.at || end > file.size() || !(sound || end == by_size || end == by_header))
       continue;
     Reading reading = inner;
     reading.at = end;
@@ -39,7 +39,7 @@ void Reader::closeList(std::size_t list, std::uint64_t begin, const Reading &inn
 Reader::Readings Reader::closeBlocks(std::size_t list, std::uint64_t sizes_at, std::uint64_t begin,
                                      const Reading &reading) {
   const std::uint64_t room = reading.at - begin;
-  const std::uint64_t sizes[] = {image[sizes_at], image[sizes_at + 4]};
+  const std::uint64_t sizes[] = {file[sizes_at], file[sizes_at + 4]};
   if (sizes[0] + sizes[1] == room)
     return {reading};
   Readings readings;
@@ -67,7 +67,7 @@ void Reader::readNumbered(std::size_t list, const Reading &before, Word first, W
   const std::uint64_t second_table = table + std::uint64_t{first} * sizeof(Word);
   Reading reading = before;
   reading.at = second_table + std::uint64_t{second} * sizeof(Word);
-  if (reading.at > image.size())
+  if (reading.at > file.size())
     return;
   // What costs more than a list that nothing explains is not worth the memory.
   const Word most_cost = before.cost + cost::UNSOLVED_LIST + cost::MOST_BEHIND;
@@ -81,17 +81,17 @@ void Reader::readNumbered(std::size_t list, const Reading &before, Word first, W
 
 /// @return whether the first element of the list at `begin` is where the counts say.
 bool Reader::beginsAsCounted(std::size_t list, std::uint64_t begin) const {
-  const ListView view(image, list, begin);
+  const ListView view(file, list, begin);
   const std::uint64_t at = view.elements();
   const RecordLayout &kind = view.first != 0 || view.second == 0 ? *view.layout.first : *view.layout.second;
-  return at + 8 <= image.size() && isElementTag(kind, image[at]) && image[at + 4] == 0;
+  return at + 8 <= file.size() && isElementTag(kind, file[at]) && file[at + 4] == 0;
 }
 
 /// @return how many of so many elements are of the first kind by their tags, which are found by the size table.
 Word Reader::firstByTags(std::size_t list, std::uint64_t table, std::uint64_t at, Word number) {
   Word first = 0;
-  while (first < number && isElementTag(*LAYOUT[list].first, image[at]) && list_left.read_steps != 0) {
-    at += image[table + std::uint64_t{first++} * sizeof(Word)];
+  while (first < number && isElementTag(*LAYOUT[list].first, file[at]) && list_left.read_steps != 0) {
+    at += file[table + std::uint64_t{first++} * sizeof(Word)];
     --list_left.read_steps;
   }
   return first;
@@ -102,8 +102,8 @@ void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings 
   const ListLayout &layout = LAYOUT[list];
   const std::uint64_t begin = before.at;
   const std::uint64_t table = begin + layout.head_bytes;
-  const Word first = image[begin + list_at::COUNT];
-  const Word second = layout.second != nullptr ? image[begin + list_at::SECOND_COUNT] : 0;
+  const Word first = file[begin + list_at::COUNT];
+  const Word second = layout.second != nullptr ? file[begin + list_at::SECOND_COUNT] : 0;
   const auto follow = [&](Word new_first, Word new_second) {
     if (new_first == first && new_second == second)
       return;
@@ -144,10 +144,10 @@ void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings 
 void Reader::readScene(const Reading &before, Readings &readings) {
   constexpr std::size_t SCENE_LIST = 0;
   const std::uint64_t begin = before.at;
-  const RecordAt spot = {&SCENE, begin};
+  const RecordAt record = {&SCENE, begin};
   std::uint64_t by_words = 0;
-  const Walk walk = read(spot, by_words);
-  const std::uint64_t by_size = begin + image[begin + SCENE.size_at];
+  const Walk walk = read(record, by_words);
+  const std::uint64_t by_size = begin + file[begin + SCENE.size_at];
   const std::uint64_t by_header = begin + declared(SCENE_LIST);
   std::vector<std::uint64_t> ends;
   if (!walk.broken)
@@ -157,20 +157,20 @@ void Reader::readScene(const Reading &before, Readings &readings) {
   for (const std::uint64_t end : ends) {
     Reading ended = before;
     ended.cost += end != by_header;
-    if (end >= begin + SCENE.fixed && end <= image.size())
-      readElementTo(SCENE_LIST, spot, ended, end, 0, end == by_size, false, readings);
+    if (end >= begin + SCENE.fixed && end <= file.size())
+      readElementTo(SCENE_LIST, record, ended, end, 0, end == by_size, false, readings);
   }
 }
 
 /// Passes a list without looking into it.
 void Reader::passList(std::size_t list, const Reading &before, Readings &readings) {
   const std::uint64_t begin = before.at;
-  for (const Word size : {image[begin + list_at::SIZE], declared(list)}) {
-    if (size < LAYOUT[list].head_bytes || begin + size > image.size())
+  for (const Word size : {file[begin + list_at::SIZE], declared(list)}) {
+    if (size < LAYOUT[list].head_bytes || begin + size > file.size())
       continue;
     Reading reading = before;
     reading.at = begin + size;
-    reading.cost += cost::UNSOLVED_LIST + Word{size != image[begin + list_at::SIZE]} + Word{size != declared(list)};
+    reading.cost += cost::UNSOLVED_LIST + Word{size != file[begin + list_at::SIZE]} + Word{size != declared(list)};
     reading.claims =
         claim({.sort = Claim::Sort::unsolved, .begin = begin, .end = reading.at, .list = list}, before.claims);
     add(readings, reading);
@@ -180,16 +180,16 @@ void Reader::passList(std::size_t list, const Reading &before, Readings &reading
 /// Reads a list that is there.
 void Reader::readListAt(const Reading &before, std::size_t list, Readings &readings) {
   const std::uint64_t begin = before.at;
-  list_end = std::min(image.size(), begin + std::max(image[begin + list_at::SIZE], declared(list)));
+  list_end = std::min(file.size(), begin + std::max(file[begin + list_at::SIZE], declared(list)));
   beginList(list_end - begin);
   Reading inside = before;
-  inside.cost += Word{!isListTag(list, image[begin])};
+  inside.cost += Word{!isListTag(list, file[begin])};
   Readings ends;
   if (LAYOUT[list].first == nullptr) {
     readScene(inside, ends);
   } else {
-    const Word second = LAYOUT[list].second != nullptr ? image[begin + list_at::SECOND_COUNT] : 0;
-    readNumbered(list, inside, image[begin + list_at::COUNT], second, ends);
+    const Word second = LAYOUT[list].second != nullptr ? file[begin + list_at::SECOND_COUNT] : 0;
+    readNumbered(list, inside, file[begin + list_at::COUNT], second, ends);
     if ((ends.empty() || ends.front().cost > inside.cost) && !beginsAsCounted(list, begin))
       readOtherNumbers(list, inside, ends);
   }
@@ -206,12 +206,12 @@ void Reader::readListAt(const Reading &before, std::size_t list, Readings &readi
 void Reader::readList(std::size_t list, const Reading &before, Readings &readings) {
   const bool is_declared = declared(list) != 0;
   const std::uint64_t head = LAYOUT[list].first != nullptr ? LAYOUT[list].head_bytes : SCENE.fixed;
-  const bool has_head = before.at + head <= image.size();
-  const bool has_tag = has_head && isListTag(list, image[before.at]);
+  const bool has_head = before.at + head <= file.size();
+  const bool has_tag = has_head && isListTag(list, file[before.at]);
   if (has_head && (is_declared || has_tag))
     readListAt(before, list, readings);
   // What the header promises behind the end of a file that is cut was there once.
-  const bool is_cut_off = is_declared && before.at == image.size() && image[header_at::SIZE] > image.size();
+  const bool is_cut_off = is_declared && before.at == file.size() && file[header_at::SIZE] > file.size();
   if (!has_tag && !is_cut_off) {
     Reading absent = before;
     absent.cost += is_declared ? cost::ABSENT : 0;

@@ -49,9 +49,9 @@ std::string withoutLineEnd(std::string text) {
 }
 
 /// Sets the words of changes to their old or their new values.
-void setWords(FileBytes &image, const std::vector<Change> &changes, Word Change::*value) {
+void setWords(FileBytes &file, const std::vector<Change> &changes, Word Change::*value) {
   for (const Change &change : changes)
-    image.set(change.offset, change.*value);
+    file.set(change.offset, change.*value);
 }
 
 /// @return whether a reading moves a place, or leaves one open.
@@ -78,27 +78,27 @@ Result hopeless(std::string reason) { return {.outcome = Outcome::hopeless, .rea
 
 /// @return whether the header is right and promises more than there is: its sizes add up to the size that it states.
 /// Words that are wrong hardly agree like that, so the file was cut.
-bool isCut(const FileBytes &image) {
-  const bool version_2_lists = hasVersion2Lists(image);
-  if (image.size() < FILE_HEADER_BYTES + (version_2_lists ? Word{VERSION_2_SIZES_BYTES} : 0))
+bool isCut(const FileBytes &file) {
+  const bool version_2_lists = hasVersion2Lists(file);
+  if (file.size() < FILE_HEADER_BYTES + (version_2_lists ? Word{VERSION_2_SIZES_BYTES} : 0))
     return true;
-  std::uint64_t sum = image[header_at::HEADER_SIZE];
+  std::uint64_t sum = file[header_at::HEADER_SIZE];
   for (std::size_t list = 0; list < (version_2_lists ? LIST_NUM : VERSION_1_LIST_NUM); ++list)
-    sum += image[LAYOUT[list].header_word_at];
-  return sum > image.size() && sum == image[header_at::SIZE];
+    sum += file[LAYOUT[list].header_word_at];
+  return sum > file.size() && sum == file[header_at::SIZE];
 }
 
 /// Mends a file as a reading has it. @return `hopeless` if it does not audit OK then.
-Result mendAs(const std::vector<unsigned char> &bytes, FileBytes &image, const Reading &reading, bool salvage) {
+Result mendAs(const std::vector<unsigned char> &bytes, FileBytes &file, const Reading &reading, bool salvage) {
   const bool moves = changesStructure(reading);
   Bytes original = moves ? bytes : Bytes();
-  Applied applied = applyReading(image, reading);
+  Applied applied = applyReading(file, reading);
   Result result = {.changes = std::move(applied.changes)};
   if (applied.checked_words || reading.cost != 0) { // then what the audit accepts stays as it is
-    setWords(image, result.changes, &Change::old_value);
+    setWords(file, result.changes, &Change::old_value);
     if (auditBytes(bytes).ok)
       return {};
-    setWords(image, result.changes, &Change::new_value);
+    setWords(file, result.changes, &Change::new_value);
   }
   if (applied.doubtful_maker) {
     result.outcome = Outcome::hopeless;
@@ -106,13 +106,13 @@ Result mendAs(const std::vector<unsigned char> &bytes, FileBytes &image, const R
     return result;
   }
   const auto withdraw = [&](std::string reason) { // changes of which none is sure
-    setWords(image, result.changes, &Change::old_value);
+    setWords(file, result.changes, &Change::old_value);
     return hopeless(std::move(reason));
   };
-  if (std::string strange = strangeness(image, result.changes, applied.looked_at); !strange.empty())
+  if (std::string strange = strangeness(file, result.changes, applied.looked_at); !strange.empty())
     return withdraw(std::move(strange));
   if (moves)
-    result.losses = lossesOf(FileBytes(original), image, reading);
+    result.losses = lossesOf(FileBytes(original), file, reading);
   const Audit audit = auditBytes(bytes);
   if (!result.losses.empty() && (!salvage || !audit.ok))
     return withdraw(result.losses.front().list + std::string(": ") + result.losses.front().what);
@@ -154,37 +154,37 @@ Result mendAsEither(std::vector<unsigned char> &bytes, const Reading &reading, s
     if (asked == 2 - i) // it is the other one
       continue;
     files[i] = bytes;
-    FileBytes image(files[i]);
-    results[i] = mendAs(files[i], image, readings[i], false);
+    FileBytes file(files[i]);
+    results[i] = mendAs(files[i], file, readings[i], false);
   }
   const bool first_good = isMended(results[0]);
   const std::size_t taken = asked != 0 ? asked - 1 : first_good ? 0 : 1;
-  const FileBytes image(bytes);
-  const bool decided = first_good != isMended(results[1]) && !standInZeros(image, results[taken].changes);
+  const FileBytes file(bytes);
+  const bool decided = first_good != isMended(results[1]) && !standInZeros(file, results[taken].changes);
   if (asked == 0 && !decided)
     return {.outcome = Outcome::ambiguous,
-            .changes = changesOf(image, readings[0].claims),
-            .alternative = changesOf(image, readings[1].claims)};
+            .changes = changesOf(file, readings[0].claims),
+            .alternative = changesOf(file, readings[1].claims)};
   std::copy(files[taken].begin(), files[taken].end(), bytes.begin()); // others look at these bytes
   return std::move(results[taken]);
 }
 
 /// Mends a file whose lists are all there.
 Result mendWhole(std::vector<unsigned char> &bytes, const Asked &asked) {
-  FileBytes image(bytes);
-  if (isCut(image))
-    return hopeless("it is cut: " + std::to_string(image.size()) + " of " + std::to_string(image[header_at::SIZE]) +
+  FileBytes file(bytes);
+  if (isCut(file))
+    return hopeless("it is cut: " + std::to_string(file.size()) + " of " + std::to_string(file[header_at::SIZE]) +
                     " bytes are left");
-  Reader reader(image);
+  Reader reader(file);
   const std::optional<Reading> reading = reader.readFile();
   if (!reading)
     return auditBytes(bytes).ok ? Result{} : hopeless(OTHER_END);
   // What the audit accepts has no other structure than the one that it sees.
   if ((changesStructure(*reading) || reading->has_rival) && auditBytes(bytes).ok)
     return {};
-  if (reading->has_rival && changesOf(image, reading->claims) != changesOf(image, reading->rival))
+  if (reading->has_rival && changesOf(file, reading->claims) != changesOf(file, reading->rival))
     return mendAsEither(bytes, *reading, asked.reading);
-  return mendAs(bytes, image, *reading, asked.salvage);
+  return mendAs(bytes, file, *reading, asked.salvage);
 }
 
 /// Makes a file of what is left of one that was cut.
@@ -258,29 +258,29 @@ std::optional<Result> salvageHoled(std::vector<unsigned char> &bytes, bool sure,
 /// Mends a file as it is.
 Result mendAsIs(std::vector<unsigned char> &bytes, const Asked &asked) {
   const bool salvage = asked.salvage;
-  FileBytes image(bytes);
-  if (image.size() < sizeof(Word))
+  FileBytes file(bytes);
+  if (file.size() < sizeof(Word))
     return hopeless("it is too short even for a version");
-  const Word version = image.version();
+  const Word version = file.version();
   if (version != VERSION_1 && version != VERSION_2)
     return hopeless("it is of no version that is known");
-  const bool has_header = image.size() >= FILE_HEADER_BYTES;
-  const std::uint64_t stated = has_header ? image[header_at::SIZE] : image.size() + 1;
+  const bool has_header = file.size() >= FILE_HEADER_BYTES;
+  const std::uint64_t stated = has_header ? file[header_at::SIZE] : file.size() + 1;
   Result result = has_header ? mendWhole(bytes, asked) : hopeless("it is shorter than a header");
   if (!salvage || (result.outcome != Outcome::ambiguous && result.outcome != Outcome::hopeless))
     return result;
-  if (result.outcome == Outcome::ambiguous && stated > image.size())
+  if (result.outcome == Outcome::ambiguous && stated > file.size())
     return salvageCut(bytes);
   if (result.outcome == Outcome::ambiguous)
-    return standInZeros(image, result.changes) ? salvageHoled(bytes, false, asked.drop).value_or(result) : result;
+    return standInZeros(file, result.changes) ? salvageHoled(bytes, false, asked.drop).value_or(result) : result;
   if (salvageShort(bytes, result))
     return result;
-  setWords(image, result.changes, &Change::old_value);
+  setWords(file, result.changes, &Change::old_value);
   if (std::optional<Result> holed = salvageHoled(bytes, false, asked.drop))
     return std::move(*holed);
-  if (stated > image.size())
+  if (stated > file.size())
     return salvageCut(bytes);
-  setWords(image, result.changes, &Change::new_value);
+  setWords(file, result.changes, &Change::new_value);
   return result;
 }
 

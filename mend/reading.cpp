@@ -21,8 +21,8 @@ bool sameClaims(const Claim *a, const Claim *b) {
 
 } // namespace
 
-bool hasVersion2Lists(const FileBytes &image) {
-  return image.version() == VERSION_2 && image[header_at::BLOCKS] >= VERSION_2_SIZES_BYTES;
+bool hasVersion2Lists(const FileBytes &file) {
+  return file.version() == VERSION_2 && file[header_at::BLOCKS] >= VERSION_2_SIZES_BYTES;
 }
 
 const Claim *Reader::claim(const Claim &made, const Claim *before) {
@@ -66,11 +66,11 @@ void Reader::prune(Readings &readings) const {
 /// @return the first place at which a record with that tag, and with that number, could begin; 0 if there is none or no
 /// more may be searched.
 std::uint64_t Reader::find(std::uint64_t from, std::uint64_t to, Word tag, std::optional<Word> number) {
-  to = std::min(to, image.size());
+  to = std::min(to, file.size());
   const std::uint64_t room = to >= from + 8 ? to - from - 4 : 0;
   to = from + std::min(room, list_left.scan_bytes) / sizeof(Word) * sizeof(Word);
   std::uint64_t at = from;
-  while (at < to && (image[at] != tag || (number && image[at + 4] != *number)))
+  while (at < to && (file[at] != tag || (number && file[at + 4] != *number)))
     at += sizeof(Word);
   list_left.scan_bytes -= at - from;
   return at < to ? at : 0;
@@ -87,22 +87,22 @@ void Reader::beginList(std::uint64_t bytes) {
 }
 
 /// Goes over a record as it is.
-Walk Reader::read(const RecordAt &spot, std::uint64_t &end) {
-  Walk walk(image, version_2, nullptr, list_left.read_steps);
-  end = walk.over(spot);
+Walk Reader::read(const RecordAt &record, std::uint64_t &end) {
+  Walk walk(file, version_2, nullptr, list_left.read_steps);
+  end = walk.over(record);
   return walk;
 }
 
 /// The first place behind the fixed words of a record at which the next one of its kind could begin.
-std::uint64_t Reader::findNext(const RecordAt &spot, std::uint64_t to) {
-  const bool by_number = spot.kind->index_at != NO_WORD && tells(*spot.kind, Own::index);
-  return find(spot.begin + spot.kind->fixed, to, spot.kind->tag,
-              by_number ? std::optional(spot.number + 1) : std::nullopt);
+std::uint64_t Reader::findNext(const RecordAt &record, std::uint64_t to) {
+  const bool by_number = record.kind->index_at != NO_WORD && tells(*record.kind, Own::index);
+  return find(record.begin + record.kind->fixed, to, record.kind->tag,
+              by_number ? std::optional(record.number + 1) : std::nullopt);
 }
 
 const Conventions &Reader::known() {
   if (!conventions)
-    conventions.emplace(image);
+    conventions.emplace(file);
   return *conventions;
 }
 
@@ -115,7 +115,7 @@ bool Reader::tells(const RecordLayout &kind, Own own) {
 Word Reader::declared(std::size_t list) const {
   if (list >= VERSION_1_LIST_NUM && !version_2_lists)
     return 0;
-  return image[LAYOUT[list].header_word_at];
+  return file[LAYOUT[list].header_word_at];
 }
 
 // --- The file -------------------------------------------------------------------------------------------------------
@@ -123,22 +123,22 @@ Word Reader::declared(std::size_t list) const {
 /// Follows every place that the header, or the tag of the scene, gives for its end.
 void Reader::readHeader(Readings &readings) {
   const std::uint64_t by_words =
-      FILE_HEADER_BYTES + std::uint64_t{image[header_at::BLOCKS]} + image[header_at::BLOCKS + 4];
-  const std::uint64_t by_size = image[header_at::HEADER_SIZE];
-  beginList(image.size());
+      FILE_HEADER_BYTES + std::uint64_t{file[header_at::BLOCKS]} + file[header_at::BLOCKS + 4];
+  const std::uint64_t by_size = file[header_at::HEADER_SIZE];
+  beginList(file.size());
   std::vector<std::uint64_t> ends = {by_words};
   addEnd(ends, by_size);
   if (ends.size() == 2)
-    addEnd(ends, find(FILE_HEADER_BYTES, image.size(), LISTS[0].tag, SCENE.fixed));
+    addEnd(ends, find(FILE_HEADER_BYTES, file.size(), LISTS[0].tag, SCENE.fixed));
   for (const std::uint64_t end : ends)
-    if (end >= FILE_HEADER_BYTES && end <= image.size())
+    if (end >= FILE_HEADER_BYTES && end <= file.size())
       for (const Reading &closed :
            closeBlocks(LIST_NUM, header_at::BLOCKS, FILE_HEADER_BYTES, {.at = end, .cost = Word{end != by_size}}))
         readings.push_back(closed);
 }
 
 std::optional<Reading> Reader::readFile() {
-  if (image.size() < FILE_HEADER_BYTES)
+  if (file.size() < FILE_HEADER_BYTES)
     return std::nullopt;
   Readings headers;
   readHeader(headers);
@@ -147,7 +147,7 @@ std::optional<Reading> Reader::readFile() {
     // The size words of the version-2 lists are there only if the header's maker block is.
     const Claim *const changed = header.claims;
     const bool changes_maker = changed != nullptr && changed->begin == header_at::BLOCKS;
-    const Word maker = changes_maker ? changed->value : image[header_at::BLOCKS];
+    const Word maker = changes_maker ? changed->value : file[header_at::BLOCKS];
     version_2_lists = version_2 && maker >= VERSION_2_SIZES_BYTES;
     Readings readings = {header};
     if (version_2 && maker == 0) // no file of version 2.0 lacks the block
@@ -161,7 +161,7 @@ std::optional<Reading> Reader::readFile() {
       readings = std::move(after);
     }
     for (const Reading &reading : readings)
-      if (reading.at == image.size())
+      if (reading.at == file.size())
         add(whole, reading);
   }
   return whole.empty() ? std::nullopt : std::optional(whole.front());

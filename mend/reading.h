@@ -67,8 +67,8 @@ inline void addEnd(std::vector<std::uint64_t> &ends, std::uint64_t end) {
 /// Reads a file in all ways that are worth it.
 class Reader {
 public:
-  explicit Reader(const FileBytes &file)
-      : image(file), version_2(file.version() == VERSION_2), file_left(budgetOf(file.size(), FILE_SHARES)) {}
+  explicit Reader(const FileBytes &bytes)
+      : file(bytes), version_2(file.version() == VERSION_2), file_left(budgetOf(file.size(), FILE_SHARES)) {}
 
   /// @return the best reading of the file, whose last list ends where the file ends; none if there is no such reading.
   std::optional<Reading> readFile();
@@ -108,30 +108,30 @@ private:
   void beginList(std::uint64_t bytes);
   std::uint64_t find(std::uint64_t from, std::uint64_t to, Word tag, std::optional<Word> number);
 
-  std::uint64_t findNext(const RecordAt &spot, std::uint64_t to);
+  std::uint64_t findNext(const RecordAt &record, std::uint64_t to);
   const Conventions &known();
   bool tells(const RecordLayout &kind, Own own);
 
-  Walk read(const RecordAt &spot, std::uint64_t &end);
-  Walk measure(const FileBytes &file, const RecordAt &spot, std::uint64_t &end, Events *events = nullptr);
-  void tryWord(const RecordAt &spot, std::uint64_t end, const LengthWord &length_word, Word value,
+  Walk read(const RecordAt &record, std::uint64_t &end);
+  Walk measure(const FileBytes &tried, const RecordAt &record, std::uint64_t &end, Events *events = nullptr);
+  void tryWord(const RecordAt &record, std::uint64_t end, const LengthWord &length_word, Word value,
                Proposals &proposals);
-  void solveCounts(const RecordAt &spot, std::uint64_t end, Proposals &proposals);
-  void growWord(const RecordAt &spot, std::uint64_t end, const LengthWord &length_word, std::int64_t from,
+  void solveCounts(const RecordAt &record, std::uint64_t end, Proposals &proposals);
+  void growWord(const RecordAt &record, std::uint64_t end, const LengthWord &length_word, std::int64_t from,
                 std::int64_t bytes, Proposals &proposals);
-  void solveRecords(const RecordAt &spot, std::uint64_t end, const LengthWord &length_word,
+  void solveRecords(const RecordAt &record, std::uint64_t end, const LengthWord &length_word,
                     std::span<const RecordAt> series_of, Proposals &proposals);
-  void searchValue(const RecordAt &spot, std::uint64_t end, const LengthWord &length_word, Proposals &proposals);
-  void solveInside(const RecordAt &spot, std::uint64_t end, const RecordAt &inner, std::int64_t lacking,
+  void searchValue(const RecordAt &record, std::uint64_t end, const LengthWord &length_word, Proposals &proposals);
+  void solveInside(const RecordAt &record, std::uint64_t end, const RecordAt &inner, std::int64_t lacking,
                    Proposals &proposals);
-  Word recordsInARow(RecordAt spot, std::uint64_t end);
-  Proposals solve(const RecordAt &spot, std::uint64_t end);
+  Word recordsInARow(RecordAt record, std::uint64_t end);
+  Proposals solve(const RecordAt &record, std::uint64_t end);
   static void keepBest(Proposals &proposals);
 
   void readElement(std::size_t list, const RecordLayout &kind, const Reading &before, Word number, Word table_size,
                    Readings &readings);
-  void readElementTo(std::size_t list, const RecordAt &spot, const Reading &before, std::uint64_t end, Word table_size,
-                     bool own_size, bool believed, Readings &readings);
+  void readElementTo(std::size_t list, const RecordAt &record, const Reading &before, std::uint64_t end,
+                     Word table_size, bool own_size, bool believed, Readings &readings);
   Readings readElements(std::size_t list, const RecordLayout &kind, Readings before, std::uint64_t table, Word number,
                         Word most_cost);
   void readNumbered(std::size_t list, const Reading &before, Word first, Word second, Readings &readings);
@@ -148,7 +148,7 @@ private:
 
   Word declared(std::size_t list) const;
 
-  const FileBytes &image;
+  const FileBytes &file;
   bool version_2;
   bool version_2_lists = false;
   std::uint64_t list_end = 0; ///< the latest end that something gives for the list that is read
@@ -159,6 +159,6 @@ private:
 };
 
 /// @return whether a file with such a header has version-2 lists.
-bool hasVersion2Lists(const FileBytes &image);
+bool hasVersion2Lists(const FileBytes &file);
 
 } // namespace kova::mend

@@ -168,9 +168,9 @@ public:
       : walk(walks), head(fixed_words), begin(begins_at), around(around_it), tile_num(tiles_around) {}
 
   /// Goes over what follows the fixed words of a record.
-  static void goOver(Walk &walk, const RecordAt &spot) {
-    const Head head = walk.image.head<Head>(spot.begin, walk.limit);
-    RecordIo(walk, head, spot.begin, spot.around, 1).go();
+  static void goOver(Walk &walk, const RecordAt &record) {
+    const Head head = walk.file.head<Head>(record.begin, walk.limit);
+    RecordIo(walk, head, record.begin, record.around, 1).go();
   }
 
   int go() {
@@ -204,7 +204,7 @@ public:
   /// A part of the record that has no number and size of its own.
   template <class Items, class Array> int inner(Items, Array) {
     const std::uint64_t part = walk.position;
-    const auto words = walk.image.head<typename Items::Head>(part, walk.limit);
+    const auto words = walk.file.head<typename Items::Head>(part, walk.limit);
     tellLinks<Items::words>();
     if constexpr (std::is_same_v<typename Items::Head, TexTilesHead>)
       tile_num = words.tex_tile_img_num;
@@ -230,8 +230,8 @@ public:
   }
   template <class Array> int blocksAround(Array) {
     const std::uint64_t at = around + PLACE_OF<WORDS<Around>, Role::van_size>;
-    tellBlocks(at, walk.image[at], walk.image[at + sizeof(Word)]);
-    walk.passBlocks(walk.image[at], walk.image[at + sizeof(Word)]);
+    tellBlocks(at, walk.file[at], walk.file[at + sizeof(Word)]);
+    walk.passBlocks(walk.file[at], walk.file[at + sizeof(Word)]);
     return 1;
   }
 
@@ -323,7 +323,7 @@ private:
     const std::uint64_t block = walk.position;
     walk.maker_end = std::max<std::uint64_t>(std::min(block + bytes, walk.limit), 1);
     walk.maker_not_counted = 0;
-    const Ext words = walk.image.head<Ext>(block, walk.maker_end);
+    const Ext words = walk.file.head<Ext>(block, walk.maker_end);
     tellLinks<Items::words>();
     RecordIo<Items, Head>(walk, words, block, begin, tile_num).go();
     const std::uint64_t taken = walk.position - block;
@@ -337,8 +337,8 @@ private:
   std::int64_t bytesBySize() {
     constexpr std::uint64_t SIZE_AT = PLACE_OF<Form::words, Role::size>;
     constexpr std::uint64_t HEADER_AT = PLACE_OF<Form::words, Role::header_size>;
-    const Word size = walk.image[begin + SIZE_AT];
-    const Word header = walk.image[begin + HEADER_AT];
+    const Word size = walk.file[begin + SIZE_AT];
+    const Word header = walk.file[begin + HEADER_AT];
     walk.lengthWord(begin + SIZE_AT, NAME_OF<Form::words, Role::size>, size, 1);
     walk.lengthWord(begin + HEADER_AT, NAME_OF<Form::words, Role::header_size>, header, -1);
     walk.doubts += header != Form::bytes;

@@ -20,7 +20,7 @@ struct CutElements {
 
 class Salvage {
 public:
-  explicit Salvage(const FileBytes &file) : image(file), version_2(file.version() == VERSION_2) {}
+  explicit Salvage(const FileBytes &bytes) : file(bytes), version_2(file.version() == VERSION_2) {}
 
   std::optional<Salvaged> salvage();
 
@@ -40,9 +40,9 @@ private:
     made.losses.push_back({list < LIST_NUM ? LISTS[list].name : "FileHeader", element, std::move(what)});
   }
   void copy(std::uint64_t begin, std::uint64_t end, std::uint64_t from) { copied.push_back({begin, end, from}); }
-  Word headerWord(std::uint64_t at) const { return at + 4 <= image.size() ? image[at] : 0; }
+  Word headerWord(std::uint64_t at) const { return at + 4 <= file.size() ? file[at] : 0; }
 
-  const FileBytes &image;
+  const FileBytes &file;
   bool version_2;
   std::uint64_t lists_begin = FILE_HEADER_BYTES; ///< in the cut file
   std::uint64_t whole_end = 0;                   ///< of the elements of the list that are whole
@@ -55,28 +55,28 @@ private:
 /// The header, with what is left of its blocks. The sizes of the version-2 lists have to be there.
 void Salvage::salvageHeader() {
   Bytes &bytes = made.bytes;
-  append(bytes, image, 0, std::min<std::uint64_t>(image.size() & ~std::uint64_t{3}, FILE_HEADER_BYTES));
+  append(bytes, file, 0, std::min<std::uint64_t>(file.size() & ~std::uint64_t{3}, FILE_HEADER_BYTES));
   bytes.resize(FILE_HEADER_BYTES);
   const std::uint64_t maker = headerWord(header_at::BLOCKS);
   const std::uint64_t user = headerWord(header_at::BLOCKS + 4);
   lists_begin = FILE_HEADER_BYTES + maker + user;
-  const std::uint64_t there = image.size() > FILE_HEADER_BYTES ? image.size() - FILE_HEADER_BYTES : 0;
+  const std::uint64_t there = file.size() > FILE_HEADER_BYTES ? file.size() - FILE_HEADER_BYTES : 0;
   const auto whole_words = [](std::uint64_t size) { return size & ~std::uint64_t{3}; };
-  const std::uint64_t kept_maker = maker <= there ? maker : whole_words(there);
-  const std::uint64_t kept_user = maker <= there ? std::min(user, whole_words(there - maker)) : 0;
-  const std::uint64_t filled = version_2 ? std::max<std::uint64_t>(kept_maker, VERSION_2_SIZES_BYTES) : kept_maker;
-  if (kept_maker != 0)
-    append(bytes, image, FILE_HEADER_BYTES, FILE_HEADER_BYTES + kept_maker);
+  const std::uint64_t maker_left = maker <= there ? maker : whole_words(there);
+  const std::uint64_t user_left = maker <= there ? std::min(user, whole_words(there - maker)) : 0;
+  const std::uint64_t filled = version_2 ? std::max<std::uint64_t>(maker_left, VERSION_2_SIZES_BYTES) : maker_left;
+  if (maker_left != 0)
+    append(bytes, file, FILE_HEADER_BYTES, FILE_HEADER_BYTES + maker_left);
   bytes.resize(FILE_HEADER_BYTES + static_cast<std::size_t>(filled));
-  if (kept_user != 0)
-    append(bytes, image, FILE_HEADER_BYTES + maker, FILE_HEADER_BYTES + maker + kept_user);
+  if (user_left != 0)
+    append(bytes, file, FILE_HEADER_BYTES + maker, FILE_HEADER_BYTES + maker + user_left);
   FileBytes(bytes).set(header_at::BLOCKS, static_cast<Word>(filled));
-  FileBytes(bytes).set(header_at::BLOCKS + 4, static_cast<Word>(kept_user));
-  copy(8, kept_maker == maker && filled == maker && kept_user == user ? 16 : 12, 8);
-  if (image.size() < FILE_HEADER_BYTES)
-    lose(LIST_NUM, {}, leftOf({FILE_HEADER_BYTES, image.size()}, "bytes"));
-  else if (kept_maker < maker || kept_user < user)
-    lose(LIST_NUM, {}, leftOf({maker + user, kept_maker + kept_user}, "bytes of the blocks"));
+  FileBytes(bytes).set(header_at::BLOCKS + 4, static_cast<Word>(user_left));
+  copy(8, maker_left == maker && filled == maker && user_left == user ? 16 : 12, 8);
+  if (file.size() < FILE_HEADER_BYTES)
+    lose(LIST_NUM, {}, remainingText({FILE_HEADER_BYTES, file.size()}, "bytes"));
+  else if (maker_left < maker || user_left < user)
+    lose(LIST_NUM, {}, remainingText({maker + user, maker_left + user_left}, "bytes of the blocks"));
 }
 
 /// A list without elements, or a scene without links.
@@ -101,13 +101,13 @@ void Salvage::emptyList(std::size_t list) {
 }
 
 void Salvage::cutScene(std::uint64_t begin) {
-  const CutRecord scene = cutRecord(image, SCENE, begin, 0, version_2);
-  if (!scene.kept) {
+  const CutRecord scene = cutRecord(file, SCENE, begin, 0, version_2);
+  if (!scene.is_record) {
     lose(0, {}, "the scene is gone");
     return emptyList(0);
   }
   made.bytes.insert(made.bytes.end(), scene.bytes.begin(), scene.bytes.end());
-  lose(0, {}, scene.told);
+  lose(0, {}, scene.what);
 }
 
 /// Appends the elements that are left, and their entries in the size table. @return their number.
@@ -115,31 +115,31 @@ std::uint64_t Salvage::cutElements(std::size_t list, const RecordLayout &kind, s
                                    Word number, CutElements &cut) {
   const To to = toKind(list, &kind == LAYOUT[list].second);
   Remaining &counted = gone[to] = {number, 0};
-  for (Word i = 0; i < number && at < image.size(); ++i) {
-    if (at + kind.fixed <= image.size() && !isElementTag(kind, image[at]))
+  for (Word i = 0; i < number && at < file.size(); ++i) {
+    if (at + kind.fixed <= file.size() && !isElementTag(kind, file[at]))
       break;
-    Walk walk(image, image.size(), version_2);
-    const std::uint64_t end = at + kind.fixed <= image.size() ? walk.over({&kind, at, i}) : UNKNOWN;
-    if (end <= image.size() && !walk.broken) {
-      append(cut.bytes, image, at, end);
-      const Word entry = image[table + std::uint64_t{i} * sizeof(Word)];
-      cut.sizes.push_back((entry & ~Word{3}) == end - at ? entry : image[at + kind.size_at]);
+    Walk walk(file, file.size(), version_2);
+    const std::uint64_t end = at + kind.fixed <= file.size() ? walk.over({&kind, at, i}) : UNKNOWN;
+    if (end <= file.size() && !walk.broken) {
+      append(cut.bytes, file, at, end);
+      const Word entry = file[table + std::uint64_t{i} * sizeof(Word)];
+      cut.sizes.push_back((entry & ~Word{3}) == end - at ? entry : file[at + kind.size_at]);
       at = whole_end = end;
       ++counted.now;
       continue;
     }
-    const CutRecord record = cutRecord(image, kind, at, i, version_2);
-    if (record.kept) {
+    const CutRecord record = cutRecord(file, kind, at, i, version_2);
+    if (record.is_record) {
       cut.bytes.insert(cut.bytes.end(), record.bytes.begin(), record.bytes.end());
       cut.sizes.push_back(static_cast<Word>(record.bytes.size()));
       ++counted.now;
-      lose(list, i, record.told);
+      lose(list, i, record.what);
       gone.cut.push_back({to, i, record.entries});
     }
-    at = image.size();
+    at = file.size();
   }
   if (counted.now < counted.before)
-    lose(list, {}, leftOf(counted, "elements"));
+    lose(list, {}, remainingText(counted, "elements"));
   return counted.now;
 }
 
@@ -148,18 +148,18 @@ void Salvage::loseElements(const ListView &view, std::size_t list, bool has_head
   gone[toKind(list, false)] = {has_head ? view.first : UNKNOWN, 0};
   if (view.layout.second != nullptr)
     gone[toKind(list, true)] = {has_head ? view.second : UNKNOWN, 0};
-  lose(list, {}, has_head ? leftOf({view.number(), 0}, "elements") : "the list is gone");
+  lose(list, {}, has_head ? remainingText({view.number(), 0}, "elements") : "the list is gone");
   emptyList(list);
 }
 
 /// @return what is left of the blocks of a list of which so many bytes are there behind the elements.
 BlockSizes Salvage::cutBlocks(std::size_t list, const BlockSizes &blocks, std::uint64_t there) {
-  const BlockSizes kept = blocks.trimmed(there);
-  if (kept.sum() < blocks.sum())
-    lose(list, {}, leftOf({blocks.sum(), kept.sum()}, "bytes of the blocks"));
+  const BlockSizes blocks_left = blocks.trimmed(there);
+  if (blocks_left.sum() < blocks.sum())
+    lose(list, {}, remainingText({blocks.sum(), blocks_left.sum()}, "bytes of the blocks"));
   if (there > blocks.sum())
     lose(list, {}, std::to_string(there - blocks.sum()) + " bytes behind the blocks");
-  return kept;
+  return blocks_left;
 }
 
 /// Files are read as if there were as many groups of vertex colours as there are of triangle colours.
@@ -181,7 +181,7 @@ void Salvage::addEmptyGroups(std::size_t list, CutElements &cut) {
 /// Appends the header and the size table of a list of which elements are left.
 void Salvage::appendHead(const ListView &view, const CutElements &cut, const BlockSizes &blocks) {
   const std::uint64_t head = made.bytes.size();
-  append(made.bytes, image, view.begin, view.entry(0));
+  append(made.bytes, file, view.begin, view.entry(0));
   FileBytes written(made.bytes);
   written.set(head + list_at::COUNT, static_cast<Word>(cut.first));
   if (view.layout.second != nullptr)
@@ -193,10 +193,10 @@ void Salvage::appendHead(const ListView &view, const CutElements &cut, const Blo
 }
 
 void Salvage::cutList(std::size_t list, std::uint64_t begin) {
-  const ListView view(image, list, begin);
-  const bool has_head = view.entry(0) <= image.size();
+  const ListView view(file, list, begin);
+  const bool has_head = view.entry(0) <= file.size();
   std::uint64_t at = view.elements();
-  if (!has_head || at > image.size())
+  if (!has_head || at > file.size())
     return loseElements(view, list, has_head);
   whole_end = at;
   CutElements cut;
@@ -205,32 +205,32 @@ void Salvage::cutList(std::size_t list, std::uint64_t begin) {
     cut.second =
         cutElements(list, *view.layout.second, at, view.entry(view.first), static_cast<Word>(view.second), cut);
   const bool whole = cut.first == view.first && cut.second == view.second && gone.cut.empty();
-  const BlockSizes blocks = blockSizes(image, begin + view.layout.blocks_at);
-  const BlockSizes kept = cutBlocks(list, blocks, whole ? image.size() - at : 0);
+  const BlockSizes blocks = blockSizes(file, begin + view.layout.blocks_at);
+  const BlockSizes blocks_left = cutBlocks(list, blocks, whole ? file.size() - at : 0);
   addEmptyGroups(list, cut);
-  appendHead(view, cut, kept);
+  appendHead(view, cut, blocks_left);
   Bytes &bytes = made.bytes;
   copy(bytes.size(), bytes.size() + whole_end - view.elements(), view.elements());
   bytes.insert(bytes.end(), cut.bytes.begin(), cut.bytes.end());
-  append(bytes, image, at, at + kept.maker);
-  if (kept.user != 0)
-    append(bytes, image, at + blocks.maker, at + blocks.maker + kept.user);
+  append(bytes, file, at, at + blocks_left.maker);
+  if (blocks_left.user != 0)
+    append(bytes, file, at + blocks.maker, at + blocks.maker + blocks_left.user);
 }
 
 /// @return false where the list does not stand where it should.
 bool Salvage::salvageList(std::size_t list, std::uint64_t begin, std::uint64_t size) {
   const ListLayout &layout = LAYOUT[list];
   const std::uint64_t made_begin = made.bytes.size();
-  if (begin + 4 <= image.size() && !isListTag(list, image[begin]))
+  if (begin + 4 <= file.size() && !isListTag(list, file[begin]))
     return false;
-  if (begin + size <= image.size()) {
-    append(made.bytes, image, begin, begin + size);
+  if (begin + size <= file.size()) {
+    append(made.bytes, file, begin, begin + size);
     copy(made_begin, made.bytes.size(), begin);
     if (layout.first != nullptr && size >= layout.head_bytes)
-      gone[toKind(list, false)] = {image[begin + list_at::COUNT], image[begin + list_at::COUNT]};
+      gone[toKind(list, false)] = {file[begin + list_at::COUNT], file[begin + list_at::COUNT]};
     if (layout.second != nullptr && size >= layout.head_bytes)
-      gone[toKind(list, true)] = {image[begin + list_at::SECOND_COUNT], image[begin + list_at::SECOND_COUNT]};
-  } else if (begin < image.size()) {
+      gone[toKind(list, true)] = {file[begin + list_at::SECOND_COUNT], file[begin + list_at::SECOND_COUNT]};
+  } else if (begin < file.size()) {
     layout.first == nullptr ? cutScene(begin) : cutList(list, begin);
   } else {
     if (layout.first != nullptr) {
@@ -248,14 +248,14 @@ bool Salvage::salvageList(std::size_t list, std::uint64_t begin, std::uint64_t s
 }
 
 /// @return whether the records of a list of the salvaged file end within it. What was whole can be damaged, too.
-bool isSound(const FileBytes &image, const Claim &span, bool version_2) {
+bool isSound(const FileBytes &file, const Claim &span, bool version_2) {
   const ListLayout &layout = LAYOUT[span.list];
-  const auto goOver = [&](const RecordAt &spot, std::uint64_t &end) {
-    if (spot.begin + spot.kind->fixed > span.end ||
-        (spot.kind->tag != 0 && !isElementTag(*spot.kind, image[spot.begin])))
+  const auto goOver = [&](const RecordAt &record, std::uint64_t &end) {
+    if (record.begin + record.kind->fixed > span.end ||
+        (record.kind->tag != 0 && !isElementTag(*record.kind, file[record.begin])))
       return false;
-    Walk walk(image, span.end, version_2);
-    end = walk.over(spot);
+    Walk walk(file, span.end, version_2);
+    end = walk.over(record);
     return !walk.broken && end <= span.end;
   };
   std::uint64_t at = span.begin;
@@ -263,12 +263,12 @@ bool isSound(const FileBytes &image, const Claim &span, bool version_2) {
     return goOver({&SCENE, at}, at) && at == span.end;
   if (at + layout.head_bytes > span.end)
     return false;
-  const ListView view(image, span.list, at);
+  const ListView view(file, span.list, at);
   at = view.elements();
   for (std::uint64_t i = 0; i < view.number(); ++i)
     if (!goOver(view.element(i, at), at))
       return false;
-  return at + blockSizes(image, span.begin + layout.blocks_at).sum() == span.end;
+  return at + blockSizes(file, span.begin + layout.blocks_at).sum() == span.end;
 }
 
 std::optional<Salvaged> Salvage::salvage() {
@@ -277,21 +277,21 @@ std::optional<Salvaged> Salvage::salvage() {
   std::uint64_t begin = lists_begin;
   for (std::size_t list = 0; list < (has_version_2_lists ? LIST_NUM : VERSION_1_LIST_NUM); ++list) {
     const std::uint64_t word = LAYOUT[list].header_word_at;
-    const bool has_word = word + sizeof(Word) <= image.size();
-    const std::uint64_t size = has_word ? image[word] : 0;
+    const bool has_word = word + sizeof(Word) <= file.size();
+    const std::uint64_t size = has_word ? file[word] : 0;
     if (has_word && size == 0)
       continue; // it had no such list
-    if (!salvageList(list, has_word ? begin : std::max<std::uint64_t>(begin, image.size()), size))
+    if (!salvageList(list, has_word ? begin : std::max<std::uint64_t>(begin, file.size()), size))
       return std::nullopt;
     begin += size;
   }
-  if (begin < image.size())
-    lose(LIST_NUM, {}, std::to_string(image.size() - begin) + " bytes behind the last list");
+  if (begin < file.size())
+    lose(LIST_NUM, {}, std::to_string(file.size() - begin) + " bytes behind the last list");
   FileBytes written(made.bytes);
   for (const Claim &span : spans)
     if (span.end != 0 && !isSound(written, span, version_2))
       return std::nullopt;
-  made.changes = changesBefore(applyReading(written, {.claims = linkSpans(spans)}).changes, copied, image.size());
+  made.changes = changesBefore(applyReading(written, {.claims = linkSpans(spans)}).changes, copied, file.size());
   cutLinks(written, spans, gone, made.losses);
   return std::move(made);
 }
@@ -300,7 +300,7 @@ std::optional<Salvaged> Salvage::salvage() {
 
 std::vector<Change> changesBefore(std::vector<Change> changes, const std::vector<Copied> &copied,
                                   std::uint64_t size_before) {
-  std::vector<Change> told;
+  std::vector<Change> before;
   for (Change &change : changes) {
     // Parts are copied in the order of the new file.
     auto part = std::upper_bound(copied.begin(), copied.end(), change.offset,
@@ -309,9 +309,9 @@ std::vector<Change> changesBefore(std::vector<Change> changes, const std::vector
       continue;
     change.offset += part->from - part->begin;
     if (change.offset + sizeof(Word) <= size_before)
-      told.push_back(std::move(change));
+      before.push_back(std::move(change));
   }
-  return told;
+  return before;
 }
 
 std::optional<Salvaged> salvageFile(const FileBytes &cut) {

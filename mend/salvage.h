@@ -29,6 +29,6 @@ std::optional<Salvaged> salvageFile(const FileBytes &cut);
 
 /// Fills up with zeros the maker blocks of a whole 2.0 file that are too short for what they hold.
 /// @return the file; none where there is no such block, or something else is wrong.
-std::optional<Salvaged> fillMakerBlocks(const FileBytes &image);
+std::optional<Salvaged> fillMakerBlocks(const FileBytes &file);
 
 } // namespace kova::mend

@@ -11,7 +11,7 @@ Word Walk::next() {
   if (!isInMakerBlock(at))
     return 0;
   broken |= position > limit;
-  return position > limit ? 0 : image[at];
+  return position > limit ? 0 : file[at];
 }
 
 void Walk::lengthWord(std::uint64_t offset, const char *field, Word value, std::int32_t unit,
@@ -45,29 +45,29 @@ void Walk::records(Word number, const RecordLayout &kind, std::uint64_t around) 
       broken = true;
       return;
     }
-    const RecordAt spot = {&kind, position, i, around};
+    const RecordAt record = {&kind, position, i, around};
     const Word doubts_before = doubts;
-    over(spot, 1);
+    over(record, 1);
     if (suspect.kind != nullptr)
       continue;
-    (doubts == doubts_before ? before : suspect) = spot;
+    (doubts == doubts_before ? before : suspect) = record;
   }
 }
 
 /// @return whether a word of a record inside is not what it should be, and those of its kind are in this file.
-bool Walk::isOdd(const RecordAt &spot) const {
-  const RecordLayout &kind = *spot.kind;
+bool Walk::isOdd(const RecordAt &record) const {
+  const RecordLayout &kind = *record.kind;
   const auto tells = [&](Own own) { return conventions == nullptr || conventions->follows(kind, own); };
-  if (kind.tag != 0 && image[spot.begin] != kind.tag)
+  if (kind.tag != 0 && file[record.begin] != kind.tag)
     return true;
-  if (kind.index_at != NO_WORD && image[spot.begin + kind.index_at] != spot.number && tells(Own::index))
+  if (kind.index_at != NO_WORD && file[record.begin + kind.index_at] != record.number && tells(Own::index))
     return true;
-  return kind.size_at != NO_WORD && image[spot.begin + kind.size_at] != position - spot.begin && tells(Own::size);
+  return kind.size_at != NO_WORD && file[record.begin + kind.size_at] != position - record.begin && tells(Own::size);
 }
 
-std::uint64_t Walk::over(const RecordAt &spot, int depth) {
-  const RecordLayout &kind = *spot.kind;
-  position = spot.begin + kind.fixed;
+std::uint64_t Walk::over(const RecordAt &record, int depth) {
+  const RecordLayout &kind = *record.kind;
+  position = record.begin + kind.fixed;
   if (position > limit || (steps != nullptr && *steps == 0)) {
     broken = true;
     return position;
@@ -75,14 +75,14 @@ std::uint64_t Walk::over(const RecordAt &spot, int depth) {
   if (steps != nullptr)
     --*steps;
   if (events != nullptr)
-    events->enter(spot, depth);
+    events->enter(record, depth);
   if (kind.content != nullptr)
-    kind.content(*this, spot);
+    kind.content(*this, record);
   broken |= went_back;
-  if (depth > 0 && isOdd(spot))
+  if (depth > 0 && isOdd(record))
     ++doubts;
   if (events != nullptr)
-    events->leave(spot, position, depth);
+    events->leave(record, position, depth);
   return position;
 }
 

@@ -38,8 +38,8 @@ struct Events {
 
   explicit Events(bool length_words = false) : wants_length_words(length_words) {}
   virtual ~Events() = default;
-  virtual void enter(const RecordAt & /*spot*/, int /*depth*/) {}
-  virtual void leave(const RecordAt & /*spot*/, std::uint64_t /*end*/, int /*depth*/) {}
+  virtual void enter(const RecordAt & /*record*/, int /*depth*/) {}
+  virtual void leave(const RecordAt & /*record*/, std::uint64_t /*end*/, int /*depth*/) {}
   /// Those of the fixed words come before all that they count.
   virtual void lengthWord(const LengthWord & /*length_word*/) {}
   /// `entries` entries of each column stand one column behind the other from `begin` on. Their number stands at
@@ -54,15 +54,15 @@ struct Events {
 class Walk {
 public:
   Walk(const FileBytes &walked, std::uint64_t end_of_bytes, bool is_version_2, Events *follower = nullptr)
-      : image(walked), limit(end_of_bytes), version_2(is_version_2), events(follower) {}
+      : file(walked), limit(end_of_bytes), version_2(is_version_2), events(follower) {}
   /// The same over no more records than `steps_left` says, which counts down.
   Walk(const FileBytes &walked, bool is_version_2, Events *follower, std::uint64_t &steps_left,
        const Conventions *known = nullptr)
-      : image(walked), limit(walked.size()), version_2(is_version_2), events(follower), steps(&steps_left),
+      : file(walked), limit(walked.size()), version_2(is_version_2), events(follower), steps(&steps_left),
         conventions(known) {}
 
   /// @return the end of the record.
-  std::uint64_t over(const RecordAt &spot, int depth = 0);
+  std::uint64_t over(const RecordAt &record, int depth = 0);
 
   bool broken = false;          ///< a word that had to be read lies beyond the limit
   Word doubts = 0;              ///< what is unusual: a record inside that has not its own number or size, ...
@@ -75,7 +75,7 @@ public:
 private:
   template <class Form, class Around> friend class RecordIo;
 
-  bool isOdd(const RecordAt &spot) const;
+  bool isOdd(const RecordAt &record) const;
   bool isInMakerBlock(std::uint64_t offset) const { return maker_end == 0 || offset + sizeof(Word) <= maker_end; }
   Word next();
   void lengthWord(std::uint64_t offset, const char *field, Word value, std::int32_t unit,
@@ -94,7 +94,7 @@ private:
     position += std::uint64_t{user} - user % sizeof(Word);
   }
 
-  const FileBytes &image;
+  const FileBytes &file;
   std::uint64_t limit;
   bool version_2;
   Events *events;

@@ -22,20 +22,20 @@ struct Remaining {
 };
 
 /// @return "12 of 20 elements are left".
-std::string leftOf(const Remaining &left, const char *what);
+std::string remainingText(const Remaining &left, const char *what);
 
-void append(Bytes &bytes, const FileBytes &image, std::uint64_t begin, std::uint64_t end);
+void append(Bytes &bytes, const FileBytes &file, std::uint64_t begin, std::uint64_t end);
 void appendWords(Bytes &bytes, std::initializer_list<Word> words);
 
 /// A record of which the end is missing, with the counts of what is left of it.
 struct CutRecord {
-  bool kept = false; ///< it is a record still
+  bool is_record = false; ///< it is still a record
   Bytes bytes = {};
-  std::string told = {};
+  std::string what = {};  ///< is missing, for people
   Remaining entries = {}; ///< of the table that is cut
 };
 
 /// Cuts a record where the file ends.
-CutRecord cutRecord(const FileBytes &image, const RecordLayout &kind, std::uint64_t begin, Word number, bool version_2);
+CutRecord cutRecord(const FileBytes &file, const RecordLayout &kind, std::uint64_t begin, Word number, bool version_2);
 
 } // namespace kova::mend

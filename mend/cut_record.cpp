@@ -1,4 +1,4 @@
-#include "mend/left.h"
+#include "mend/cut_record.h"
 
 #include "mend/list_view.h"
 
@@ -6,14 +6,14 @@
 
 namespace kova::mend {
 
-std::string leftOf(const Remaining &left, const char *what) {
+std::string remainingText(const Remaining &left, const char *what) {
   if (left.before == UNKNOWN)
     return std::to_string(left.now) + ' ' + what + " are left";
   return std::to_string(left.now) + " of " + std::to_string(left.before) + ' ' + what + " are left";
 }
 
-void append(Bytes &bytes, const FileBytes &image, std::uint64_t begin, std::uint64_t end) {
-  const std::span<const unsigned char> part = image.between(begin, end);
+void append(Bytes &bytes, const FileBytes &file, std::uint64_t begin, std::uint64_t end) {
+  const std::span<const unsigned char> part = file.between(begin, end);
   bytes.insert(bytes.end(), part.begin(), part.end());
 }
 
@@ -67,16 +67,16 @@ struct Runs : Events {
 /// Keeps what is left of a record.
 class Cutter {
 public:
-  Cutter(const FileBytes &file, const RecordLayout &kind_of_record, std::uint64_t begins_at, Word number,
+  Cutter(const FileBytes &whole, const RecordLayout &kind_of_record, std::uint64_t begins_at, Word number,
          bool is_version_2)
-      : image(file), kind(kind_of_record), begin(begins_at), version_2(is_version_2) {
-    if (begin + kind.fixed > image.size() || (kind.tag != 0 && !isElementTag(kind, image[begin])))
+      : file(whole), kind(kind_of_record), begin(begins_at), version_2(is_version_2) {
+    if (begin + kind.fixed > file.size() || (kind.tag != 0 && !isElementTag(kind, file[begin])))
       return;
-    Walk walk(image, image.size(), false, &found);
+    Walk walk(file, file.size(), false, &found);
     const std::uint64_t end = walk.over({&kind, begin, number});
     if (!found.runs.empty() && found.runs.front().begin < begin + kind.fixed)
       return; // a header size that puts them upon the fixed words
-    cut.kept = keepRuns(end) && keepBlocks() && isWhole();
+    cut.is_record = keepRuns(end) && keepBlocks() && isWhole();
   }
 
   CutRecord cut = {};
@@ -88,13 +88,13 @@ private:
   bool keepBlocks();
   bool isWhole();
 
-  const FileBytes &image;
+  const FileBytes &file;
   const RecordLayout &kind;
   std::uint64_t begin;
   bool version_2;
   Runs found;
   Bytes &bytes = cut.bytes;
-  std::string &told = cut.told;
+  std::string &what = cut.what;
   bool cut_before_blocks = false;
   BlockSizes blocks = {};
 };
@@ -103,16 +103,16 @@ private:
 bool Cutter::keepRuns(std::uint64_t end) {
   const bool has_blocks = kind.blocks_at != NO_WORD;
   if (has_blocks)
-    blocks = blockSizes(image, begin + kind.blocks_at);
-  append(bytes, image, begin, begin + kind.fixed);
+    blocks = blockSizes(file, begin + kind.blocks_at);
+  append(bytes, file, begin, begin + kind.fixed);
   for (const Run &run : found.runs)
     if (!keepRun(run))
       return false;
   const std::uint64_t content_end = end - blocks.sum();
   if (!cut_before_blocks && content_end >= begin + kind.fixed &&
-      content_end <= image.size()) { // also what is no run, as the size of an image
+      content_end <= file.size()) { // also what is no run, as the size of an image
     bytes.clear();
-    append(bytes, image, begin, content_end);
+    append(bytes, file, begin, content_end);
     return true;
   }
   return cut_before_blocks;
@@ -122,8 +122,8 @@ bool Cutter::keepRuns(std::uint64_t end) {
 std::uint64_t Cutter::wholeRecords(const Run &run, std::uint64_t &end) const {
   RecordAt record = run.first;
   while (record.number < run.number) {
-    const std::uint64_t next = Walk(image, image.size(), false).over(record, 1);
-    if (next <= record.begin || next > image.size())
+    const std::uint64_t next = Walk(file, file.size(), false).over(record, 1);
+    if (next <= record.begin || next > file.size())
       break;
     record.begin = end = next;
     ++record.number;
@@ -135,10 +135,10 @@ bool Cutter::keepRun(const Run &run) {
   std::uint64_t keep = 0;
   std::uint64_t keep_end = run.begin;
   if (!cut_before_blocks) {
-    if (run.begin > image.size()) // something before it that is no run is cut
+    if (run.begin > file.size()) // something before it that is no run is cut
       return false;
     if (run.bytes != 0) {
-      keep = std::min(run.number, (image.size() - run.begin) / run.bytes);
+      keep = std::min(run.number, (file.size() - run.begin) / run.bytes);
       keep_end += keep * run.bytes;
     } else {
       keep = wholeRecords(run, keep_end);
@@ -148,7 +148,7 @@ bool Cutter::keepRun(const Run &run) {
     return true;
   if (!cut_before_blocks) {
     bytes.clear();
-    append(bytes, image, begin, std::min(keep_end, image.size()));
+    append(bytes, file, begin, std::min(keep_end, file.size()));
   }
   cut_before_blocks = true;
   if (run.number == 0)
@@ -161,9 +161,9 @@ bool Cutter::keepRun(const Run &run) {
   FileBytes(bytes).set(run.count_at - begin, static_cast<Word>(keep));
   if (run.bytes == 0 || cut.entries.before == 0) // links lead into records rather than tables
     cut.entries = {run.number, keep};
-  if (!told.empty())
-    told += ", ";
-  told += leftOf({run.number, keep}, run.bytes != 0 ? "entries" : "records");
+  if (!what.empty())
+    what += ", ";
+  what += remainingText({run.number, keep}, run.bytes != 0 ? "entries" : "records");
   return true;
 }
 
@@ -172,33 +172,33 @@ bool Cutter::keepBlocks() {
   if (kind.blocks_at == NO_WORD)
     return true;
   const std::uint64_t blocks_begin = begin + bytes.size();
-  const std::uint64_t there = cut_before_blocks ? 0 : image.size() - blocks_begin;
-  const BlockSizes kept = blocks.trimmed(there);
-  const auto kept_maker = static_cast<Word>(kept.maker);
-  const auto kept_user = static_cast<Word>(kept.user);
-  FileBytes(bytes).set(kind.blocks_at, kept_maker);
+  const std::uint64_t there = cut_before_blocks ? 0 : file.size() - blocks_begin;
+  const BlockSizes left = blocks.trimmed(there);
+  const auto maker_left = static_cast<Word>(left.maker);
+  const auto user_left = static_cast<Word>(left.user);
+  FileBytes(bytes).set(kind.blocks_at, maker_left);
   FileBytes(bytes).set(Word{kind.blocks_at} + 4, 0);
-  append(bytes, image, blocks_begin, blocks_begin + kept_maker);
+  append(bytes, file, blocks_begin, blocks_begin + maker_left);
   FileBytes made(bytes);
   made.set(kind.size_at, static_cast<Word>(bytes.size())); // the size of an image follows from it
   Walk walk(made, bytes.size(), version_2);
   walk.over({&kind, 0});
   const std::uint64_t lacking = walk.maker_spare < 0 ? static_cast<std::uint64_t>(-walk.maker_spare) : 0;
-  if (lacking > image.size())
+  if (lacking > file.size())
     return false;
   bytes.resize(bytes.size() + static_cast<std::size_t>(lacking));
-  FileBytes(bytes).set(kind.blocks_at, kept_maker + static_cast<Word>(lacking));
-  FileBytes(bytes).set(Word{kind.blocks_at} + 4, kept_user);
-  if (kept_user != 0)
-    append(bytes, image, blocks_begin + blocks.maker, blocks_begin + blocks.maker + kept_user);
+  FileBytes(bytes).set(kind.blocks_at, maker_left + static_cast<Word>(lacking));
+  FileBytes(bytes).set(Word{kind.blocks_at} + 4, user_left);
+  if (user_left != 0)
+    append(bytes, file, blocks_begin + blocks.maker, blocks_begin + blocks.maker + user_left);
   FileBytes(bytes).set(kind.size_at, static_cast<Word>(bytes.size()));
-  const auto tell = [&](const std::string &what) { told += (told.empty() ? "" : ", ") + what; };
+  const auto tell = [&](const std::string &text) { what += (what.empty() ? "" : ", ") + text; };
   if (lacking != 0)
     tell("the maker block is filled up with " + std::to_string(lacking) + " bytes of zeros");
-  if (kept_maker < blocks.maker && lacking == 0)
-    tell(leftOf({blocks.maker, kept_maker}, "bytes of the maker block"));
-  if (kept_user < blocks.user)
-    tell(leftOf({blocks.user, kept_user}, "bytes of the user block"));
+  if (maker_left < blocks.maker && lacking == 0)
+    tell(remainingText({blocks.maker, maker_left}, "bytes of the maker block"));
+  if (user_left < blocks.user)
+    tell(remainingText({blocks.user, user_left}, "bytes of the user block"));
   return true;
 }
 
@@ -211,9 +211,8 @@ bool Cutter::isWhole() {
 
 } // namespace
 
-CutRecord cutRecord(const FileBytes &image, const RecordLayout &kind, std::uint64_t begin, Word number,
-                    bool version_2) {
-  return Cutter(image, kind, begin, number, version_2).cut;
+CutRecord cutRecord(const FileBytes &file, const RecordLayout &kind, std::uint64_t begin, Word number, bool version_2) {
+  return Cutter(file, kind, begin, number, version_2).cut;
 }
 
 } // namespace kova::mend
