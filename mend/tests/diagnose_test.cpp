@@ -53,10 +53,10 @@ TEST(Diagnose, KnowsOtherKinds) {
     return std::string(kind != nullptr ? kind->name : "");
   };
   using namespace std::string_view_literals;
-  EXPECT_EQ(kindOf("\x89PNG\r\n\x1a\n\0\0"sv), "a PNG file");
+  EXPECT_EQ(kindOf("\x89PNG\r\n\x1a\n\0\0"sv), "a PNG image");
   EXPECT_EQ(kindOf(std::string(257, '\0') + "ustar"), "a tar archive");
   EXPECT_EQ(kindOf("BM, a remark of twenty letters\n"sv), "a text");
-  EXPECT_EQ(kindOf("BM\x36\0\0\0\0\0\0\0\x36\0\0\0"sv), "a BMP file");
+  EXPECT_EQ(kindOf("BM\x36\0\0\0\0\0\0\0\x36\0\0\0"sv), "a BMP image");
   EXPECT_EQ(kindOf("\0\0\1\0\0\0\0\0\0\0\0\0\0\0\0\x64"sv), "");
 }
 
