@@ -174,12 +174,9 @@ bool Cutter::keepBlocks() {
   const std::uint64_t blocks_begin = begin + bytes.size();
   const std::uint64_t there = cut_before_blocks ? 0 : file.size() - blocks_begin;
   const BlockSizes left = blocks.trimmed(there);
-  const auto maker_left = static_cast<Word>(left.maker);
-  const auto user_left = static_cast<Word>(left.user);
-  FileBytes(bytes).set(kind.blocks_at, maker_left);
-  FileBytes(bytes).set(Word{kind.blocks_at} + 4, 0);
-  append(bytes, file, blocks_begin, blocks_begin + maker_left);
+  append(bytes, file, blocks_begin, blocks_begin + left.maker);
   FileBytes made(bytes);
+  setBlockSizes(made, kind.blocks_at, {left.maker, 0});
   made.set(kind.size_at, static_cast<Word>(bytes.size())); // the size of an image follows from it
   Walk walk(made, bytes.size(), version_2);
   walk.over({&kind, 0});
@@ -187,18 +184,18 @@ bool Cutter::keepBlocks() {
   if (lacking > file.size())
     return false;
   bytes.resize(bytes.size() + static_cast<std::size_t>(lacking));
-  FileBytes(bytes).set(kind.blocks_at, maker_left + static_cast<Word>(lacking));
-  FileBytes(bytes).set(Word{kind.blocks_at} + 4, user_left);
-  if (user_left != 0)
-    append(bytes, file, blocks_begin + blocks.maker, blocks_begin + blocks.maker + user_left);
-  FileBytes(bytes).set(kind.size_at, static_cast<Word>(bytes.size()));
+  if (left.user != 0)
+    append(bytes, file, blocks_begin + blocks.maker, blocks_begin + blocks.maker + left.user);
+  made = FileBytes(bytes);
+  setBlockSizes(made, kind.blocks_at, {left.maker + lacking, left.user});
+  made.set(kind.size_at, static_cast<Word>(bytes.size()));
   const auto tell = [&](const std::string &text) { what += (what.empty() ? "" : ", ") + text; };
   if (lacking != 0)
     tell("the maker block is filled up with " + std::to_string(lacking) + " bytes of zeros");
-  if (maker_left < blocks.maker && lacking == 0)
-    tell(remainingText({blocks.maker, maker_left}, "bytes of the maker block"));
-  if (user_left < blocks.user)
-    tell(remainingText({blocks.user, user_left}, "bytes of the user block"));
+  if (left.maker < blocks.maker && lacking == 0)
+    tell(remainingText({blocks.maker, left.maker}, "bytes of the maker block"));
+  if (left.user < blocks.user)
+    tell(remainingText({blocks.user, left.user}, "bytes of the user block"));
   return true;
 }
 

@@ -187,10 +187,12 @@ void Deriver::deriveList() {
 }
 
 void Deriver::deriveHeader() {
-  set(header_at::SIZE, "size", static_cast<Word>(file.size()), "the length of the file");
-  set(header_at::TAG, "header_tag", 0, "the place in the file");
-  set(header_at::HEADER_SIZE, "file_header_num",
-      Word{FILE_HEADER_BYTES} + file[header_at::BLOCKS] + file[header_at::BLOCKS + 4], BY_PARTS);
+  const auto set_word = [&](std::uint64_t at, std::uint64_t value, const char *why) {
+    set(at, headerWordName(at), static_cast<Word>(value), why);
+  };
+  set_word(header_at::SIZE, file.size(), "the length of the file");
+  set_word(header_at::TAG, 0, "the place in the file");
+  set_word(header_at::HEADER_SIZE, headerEnd(file), BY_PARTS);
   const std::size_t lists = hasVersion2Lists(file) ? LIST_NUM : VERSION_1_LIST_NUM;
   for (std::size_t list = 0; list < lists; ++list) {
     const Claim *const span = spans[list];

@@ -1,5 +1,6 @@
 /// Records of version 2.0 whose maker blocks are shorter than what they hold.
 #include "mend/derive.h"
+#include "mend/links.h"
 #include "mend/list_view.h"
 #include "mend/salvage.h"
 
@@ -46,7 +47,7 @@ bool Filler::fillRecord(std::size_t list, const RecordAt &record, std::uint64_t 
   if (filled > file.size())
     return false;
   const Word blocks_at = record.kind->blocks_at;
-  const std::uint64_t user = file[record.begin + blocks_at + 4] & ~Word{3};
+  const std::uint64_t user = blockSizes(file, record.begin + blocks_at).user;
   const std::uint64_t made_at = made.bytes.size();
   copy(record.begin, end - user);
   made.bytes.resize(made.bytes.size() + static_cast<std::size_t>(lacking));
@@ -76,15 +77,13 @@ bool Filler::fillList(const Claim &span) {
 }
 
 std::optional<Salvaged> Filler::fill(const Reading &reading) {
-  std::array<Claim, LIST_NUM> spans = {};
+  Spans spans = {};
   for (const Claim *claim = reading.claims; claim != nullptr; claim = claim->before) {
     if (claim->sort != Claim::Sort::list)
       return std::nullopt;
     spans[claim->list] = *claim;
   }
-  copy(0, std::min<std::uint64_t>(
-              FILE_HEADER_BYTES + std::uint64_t{file[header_at::BLOCKS]} + file[header_at::BLOCKS + 4], file.size()));
-  const Claim *before = nullptr;
+  copy(0, std::min(headerEnd(file), file.size()));
   for (Claim &span : spans) {
     if (span.end == 0)
       continue;
@@ -93,13 +92,11 @@ std::optional<Salvaged> Filler::fill(const Reading &reading) {
       return std::nullopt;
     span.begin = begin;
     span.end = made.bytes.size();
-    span.before = before;
-    before = &span;
   }
   if (filled == 0)
     return std::nullopt;
   FileBytes written(made.bytes);
-  applyReading(written, {.claims = before});
+  applyReading(written, {.claims = linkSpans(spans)});
   return std::move(made);
 }
 

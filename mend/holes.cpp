@@ -2,6 +2,7 @@
 
 #include "mend/derive.h"
 #include "mend/links.h"
+#include "mend/list_view.h"
 #include "mend/locate.h"
 
 #include <algorithm>
@@ -36,9 +37,8 @@ Bytes emptyRecord(const RecordLayout &kind, Word number, bool version_2) {
   record.set(0, kind.tag);
   if (kind.index_at != NO_WORD)
     record.set(kind.index_at, number);
-  const bool has_header_size = kind.size_at == 12 || kind.index_at == NO_WORD;
-  if (has_header_size)
-    record.set(kind.size_at - sizeof(Word), kind.fixed);
+  if (kind.header_size_at != NO_WORD)
+    record.set(kind.header_size_at, kind.fixed);
   record.set(kind.size_at, kind.fixed);
   // What has no count is there in any case.
   for (int i = 0; i < 2; ++i) {
@@ -115,8 +115,7 @@ bool HoleSalvage::makeCut(const FoundList &list, const RecordLayout &kind, To to
 
 /// Appends an element, or what is left of it. @return false if it is left out.
 bool HoleSalvage::makeElement(const FoundList &list, bool second, Word number) {
-  const ListLayout &layout = LAYOUT[list.list];
-  const RecordLayout &kind = list.list == 0 ? SCENE : second ? *layout.second : *layout.first;
+  const RecordLayout &kind = elementLayout(list.list, second);
   const To to = list.list == 0 ? To::nothing : toKind(list.list, second);
   const FoundElement &element = list.elements[second][number];
   const std::optional<Word> named = list.list == 0 ? std::nullopt : std::optional(number);
@@ -132,7 +131,7 @@ bool HoleSalvage::makeElement(const FoundList &list, bool second, Word number) {
   }
   if (element.isFound() && makeCut(list, kind, to, number, element))
     return true;
-  if (drop && list.list != 0 && layout.second == nullptr) {
+  if (drop && list.list != 0 && LAYOUT[list.list].second == nullptr) {
     lose(list.list, named, "it lies in the hole: left out");
     return false;
   }
@@ -161,7 +160,7 @@ void HoleSalvage::leaveOut(const FoundList &list, std::uint64_t table, const std
 
 /// Appends the elements of one kind, and sets their entries in the size table.
 void HoleSalvage::makeElements(const FoundList &list, bool second, std::uint64_t table) {
-  const RecordLayout &kind = second ? *LAYOUT[list.list].second : *LAYOUT[list.list].first;
+  const RecordLayout &kind = elementLayout(list.list, second);
   std::vector<Word> numbers;
   Word left = 0;
   for (std::size_t i = 0; i < list.elements[second].size(); ++i) {
@@ -183,8 +182,7 @@ void HoleSalvage::makeElements(const FoundList &list, bool second, std::uint64_t
 void HoleSalvage::makeBlocks(const FoundList &list, std::uint64_t head) {
   const Word blocks_at = LAYOUT[list.list].blocks_at;
   FileBytes written(made.bytes);
-  const std::uint64_t maker = written[head + blocks_at] & ~Word{3};
-  const std::uint64_t user = written[head + blocks_at + 4] & ~Word{3};
+  const auto [maker, user] = blockSizes(written, head + blocks_at);
   const std::vector<FoundElement> &elements = list.elements[list.elements[1].empty() ? 0 : 1];
   const std::uint64_t begin = list.end - std::min(list.end, maker + user);
   const bool whole =
@@ -192,8 +190,7 @@ void HoleSalvage::makeBlocks(const FoundList &list, std::uint64_t head) {
       (elements.empty() || (elements.back().whole && elements.back().begin + elements.back().size <= begin));
   if (whole)
     return copy(begin, list.end);
-  written.set(head + blocks_at, 0);
-  written.set(head + blocks_at + 4, 0);
+  setBlockSizes(written, head + blocks_at, {});
   if (maker + user != 0)
     lose(list.list, {}, remainingText({maker + user, 0}, "bytes of the blocks"));
 }
@@ -209,9 +206,9 @@ void HoleSalvage::makeHead(const FoundList &list) {
     appendWords(made.bytes, {LISTS[list.list].tag, layout.head_bytes, 0, 0, 0, 0});
   made.bytes.resize(static_cast<std::size_t>(head) + layout.head_bytes + (numbers[0] + numbers[1]) * sizeof(Word));
   FileBytes written(made.bytes);
-  written.set(head + 12, static_cast<Word>(numbers[0]));
+  written.set(head + list_at::COUNT, static_cast<Word>(numbers[0]));
   if (layout.second != nullptr)
-    written.set(head + 16, static_cast<Word>(numbers[1]));
+    written.set(head + list_at::SECOND_COUNT, static_cast<Word>(numbers[1]));
   if (!list.isFound())
     lose(list.list, {}, numbers[0] + numbers[1] != 0 ? "its head lies in the hole" : "the list is gone");
   else if (!list.table_whole)

@@ -67,12 +67,21 @@ constexpr const RecordLayout &EXTERNAL_NAME = *kindOf<EXTERNAL_NAME_FORM>();
 constexpr RecordLayout SCENE = *kindOf<SCENE_FORM>();
 constexpr std::array<ListLayout, LIST_NUM> LAYOUT = layouts();
 
+const char *headerWordName(std::uint64_t at) {
+  return WORD_INFOS<WORDS<FileHeaderHead>>[static_cast<std::size_t>(at / sizeof(Word))].name.c_str();
+}
+
 bool isListTag(std::size_t list, Word tag) {
   return tag == LISTS[list].tag || (LAYOUT[list].first == &NAME && tag == EXTERNAL_NAME_LIST_TAG);
 }
 
 bool isElementTag(const RecordLayout &kind, Word tag) {
   return tag == kind.tag || (&kind == &NAME && tag == EXTERNAL_NAME.tag);
+}
+
+const RecordLayout &elementLayout(std::size_t list, bool second) {
+  const ListLayout &layout = LAYOUT[list];
+  return layout.first == nullptr ? SCENE : second ? *layout.second : *layout.first;
 }
 
 } // namespace kova::mend

@@ -22,9 +22,16 @@ namespace header_at {
 inline constexpr std::uint64_t SIZE = PLACE_OF<WORDS<FileHeaderHead>, Role::size>;
 inline constexpr std::uint64_t TAG = PLACE_OF<WORDS<FileHeaderHead>, Role::tag>;
 inline constexpr std::uint64_t HEADER_SIZE = PLACE_OF<WORDS<FileHeaderHead>, Role::header_size>;
-/// The size of the maker block; that of the user block follows.
+/// The size of the maker block.
 inline constexpr std::uint64_t BLOCKS = PLACE_OF<WORDS<FileHeaderHead>, Role::van_size>;
 } // namespace header_at
+
+/// @return the name of the word of the file's header that stands at a place.
+const char *headerWordName(std::uint64_t at);
+
+/// @return where the size of a user block stands: behind that of the maker block.
+constexpr std::uint64_t userSizeAt(std::uint64_t blocks_at) { return blocks_at + sizeof(Word); }
+static_assert(userSizeAt(header_at::BLOCKS) == PLACE_OF<WORDS<FileHeaderHead>, Role::usr_size>);
 
 /// Where words of the header of a list stand.
 namespace list_at {
@@ -65,7 +72,7 @@ struct RecordLayout {
   std::uint16_t index_at = NO_WORD;       ///< byte offsets of words
   std::uint16_t header_size_at = NO_WORD; ///< of the word that says how long the fixed words are
   std::uint16_t size_at = NO_WORD;        ///< of the word that says how long the record is
-  std::uint16_t blocks_at = NO_WORD;      ///< of the size of the maker block; that of the user block follows
+  std::uint16_t blocks_at = NO_WORD;      ///< of the size of the maker block
   const char *tag_name = "";
   const char *index_name = "";
   const char *size_name = "";
@@ -87,7 +94,7 @@ struct ListLayout {
   const char *second_count_name = nullptr;
   const char *second_table_name = nullptr;
   Word head_bytes = 0;
-  Word blocks_at = 0;                ///< of the size of the maker block; that of the user block follows
+  Word blocks_at = 0;                ///< of the size of the maker block
   const char *header_word = nullptr; ///< the word of the file's header, or of its maker block, with the list's size
   std::uint64_t header_word_at = 0;
 };
@@ -98,5 +105,11 @@ extern const std::array<ListLayout, LIST_NUM> LAYOUT;
 /// @return whether the word is a tag of the list or, of an element, one that its reader takes.
 bool isListTag(std::size_t list, Word tag);
 bool isElementTag(const RecordLayout &kind, Word tag);
+
+/// @return the elements of a list, of its second kind or else of the first; the scene is its own only element.
+const RecordLayout &elementLayout(std::size_t list, bool second);
+
+/// @return the bytes that a record of that size takes up.
+inline Word wholeWords(const RecordLayout &kind, Word size) { return kind.size_in_bytes ? size & ~Word{3} : size; }
 
 } // namespace kova::mend

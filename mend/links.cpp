@@ -78,8 +78,8 @@ public:
   void table(std::uint64_t begin, std::uint64_t entries, std::span<const Column> columns, std::uint64_t) override {
     for (const Column &column : columns) {
       if (column.to != To::nothing)
-        for (std::uint64_t i = 0; i < entries && begin + 4 * i + 4 <= file.size(); ++i)
-          follow(begin + 4 * i, column.to);
+        for (std::uint64_t i = 0; i < entries && file.holds(begin + i * sizeof(Word)); ++i)
+          follow(begin + i * sizeof(Word), column.to);
       begin += entries * column.bytes;
     }
   }

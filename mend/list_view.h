@@ -5,6 +5,35 @@
 
 namespace kova::mend {
 
+/// Bytes of a maker block and of the user block behind it.
+struct BlockSizes {
+  std::uint64_t maker = 0;
+  std::uint64_t user = 0;
+
+  std::uint64_t sum() const { return maker + user; }
+  /// @return what is left of the blocks where so many bytes are there: whole words.
+  BlockSizes trimmed(std::uint64_t there) const {
+    const auto whole = [](std::uint64_t bytes) { return bytes & ~std::uint64_t{3}; };
+    return {std::min(maker, whole(there)), there > maker ? std::min(user, whole(there - maker)) : 0};
+  }
+};
+
+/// @return the sizes that stand at a place.
+inline BlockSizes statedBlockSizes(const FileBytes &file, std::uint64_t at) { return {file[at], file[userSizeAt(at)]}; }
+/// @return the same, of the whole words that a block takes up.
+inline BlockSizes blockSizes(const FileBytes &file, std::uint64_t at) {
+  return {file[at] & ~Word{3}, file[userSizeAt(at)] & ~Word{3}};
+}
+inline void setBlockSizes(FileBytes &file, std::uint64_t at, const BlockSizes &sizes) {
+  file.set(at, static_cast<Word>(sizes.maker));
+  file.set(userSizeAt(at), static_cast<Word>(sizes.user));
+}
+
+/// @return where the file's header ends by the sizes of its blocks.
+inline std::uint64_t headerEnd(const FileBytes &file) {
+  return FILE_HEADER_BYTES + statedBlockSizes(file, header_at::BLOCKS).sum();
+}
+
 /// A list that has elements.
 struct ListView {
   const ListLayout &layout;
@@ -26,24 +55,15 @@ struct ListView {
   RecordAt element(std::uint64_t i, std::uint64_t at) const {
     return {&kind(i), at, static_cast<Word>(i < first ? i : i - first)};
   }
-};
-
-/// Bytes of a maker block and of the user block behind it.
-struct BlockSizes {
-  std::uint64_t maker = 0;
-  std::uint64_t user = 0;
-
-  std::uint64_t sum() const { return maker + user; }
-  /// @return what is left of the blocks where so many bytes are there: whole words.
-  BlockSizes trimmed(std::uint64_t there) const {
-    const auto whole = [](std::uint64_t bytes) { return bytes & ~std::uint64_t{3}; };
-    return {std::min(maker, whole(there)), there > maker ? std::min(user, whole(there - maker)) : 0};
+  /// @return whether the list is so long by its size table and its blocks.
+  bool addsUpTo(const FileBytes &file, std::uint64_t size) const {
+    if (number() > size / sizeof(Word))
+      return false;
+    std::uint64_t sum = entry(number()) - begin + blockSizes(file, begin + layout.blocks_at).sum();
+    for (std::uint64_t i = 0; i < number(); ++i)
+      sum += wholeWords(kind(i), file[entry(i)]);
+    return sum == size;
   }
 };
-
-/// @return the sizes that stand at a place. A block takes up whole words.
-inline BlockSizes blockSizes(const FileBytes &file, std::uint64_t at) {
-  return {file[at] & ~Word{3}, file[at + sizeof(Word)] & ~Word{3}};
-}
 
 } // namespace kova::mend

@@ -39,21 +39,24 @@ void Reader::closeList(std::size_t list, std::uint64_t begin, const Reading &inn
 Reader::Readings Reader::closeBlocks(std::size_t list, std::uint64_t sizes_at, std::uint64_t begin,
                                      const Reading &reading) {
   const std::uint64_t room = reading.at - begin;
-  const std::uint64_t sizes[] = {file[sizes_at], file[sizes_at + 4]};
+  const auto [maker, user] = statedBlockSizes(file, sizes_at);
+  const std::uint64_t sizes[] = {maker, user};
   if (sizes[0] + sizes[1] == room)
     return {reading};
   Readings readings;
   for (const std::size_t i : {std::size_t{0}, std::size_t{1}}) {
-    if (room < sizes[1 - i] || room % 4 != 0 || sizes[1 - i] % 4 != 0)
+    if (room < sizes[1 - i] || room % sizeof(Word) != 0 || sizes[1 - i] % sizeof(Word) != 0)
       continue;
     Reading changed = reading;
     ++changed.cost;
-    changed.claims = claim({.begin = sizes_at + 4 * i,
-                            .list = list,
-                            .field = i == 0 ? "van_ext_blk_size" : "usr_ext_blk_size",
-                            .value = static_cast<Word>(room - sizes[1 - i]),
-                            .why = list < LIST_NUM ? "where the list ends" : "where the header ends"},
-                           reading.claims);
+    changed.claims =
+        claim({.begin = sizes_at + i * sizeof(Word),
+               .list = list,
+               .field = headerWordName(header_at::BLOCKS + i * sizeof(Word)), // all blocks have these names
+
+               .value = static_cast<Word>(room - sizes[1 - i]),
+               .why = list < LIST_NUM ? "where the list ends" : "where the header ends"},
+              reading.claims);
     readings.push_back(changed);
   }
   return readings;
@@ -84,7 +87,7 @@ bool Reader::beginsAsCounted(std::size_t list, std::uint64_t begin) const {
   const ListView view(file, list, begin);
   const std::uint64_t at = view.elements();
   const RecordLayout &kind = view.first != 0 || view.second == 0 ? *view.layout.first : *view.layout.second;
-  return at + 8 <= file.size() && isElementTag(kind, file[at]) && file[at + 4] == 0;
+  return file.holds(at + kind.index_at) && isElementTag(kind, file[at]) && file[at + kind.index_at] == 0;
 }
 
 /// @return how many of so many elements are of the first kind by their tags, which are found by the size table.
@@ -123,7 +126,7 @@ void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings 
   for (const RecordLayout *const kind : {layout.first, layout.second}) {
     std::uint64_t at = table;
     for (int i = 0; kind != nullptr && i < MOST_BEGINNINGS && (at = find(at, list_end, kind->tag, 0)) != 0;
-         ++i, at += 4) {
+         ++i, at += sizeof(Word)) {
       const auto together = static_cast<Word>((at - table) / sizeof(Word));
       if (together >= second)
         follow(together - second, second);
@@ -205,8 +208,7 @@ void Reader::readListAt(const Reading &before, std::size_t list, Readings &readi
 /// Reads a list, or passes it if it is not there.
 void Reader::readList(std::size_t list, const Reading &before, Readings &readings) {
   const bool is_declared = declared(list) != 0;
-  const std::uint64_t head = LAYOUT[list].first != nullptr ? LAYOUT[list].head_bytes : SCENE.fixed;
-  const bool has_head = before.at + head <= file.size();
+  const bool has_head = before.at + LAYOUT[list].head_bytes <= file.size();
   const bool has_tag = has_head && isListTag(list, file[before.at]);
   if (has_head && (is_declared || has_tag))
     readListAt(before, list, readings);

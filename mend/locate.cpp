@@ -61,7 +61,7 @@ int Locator::headAgreement(const FoundList &list, std::uint64_t at) const {
 
 /// @return whether a list that was not found is not near its place, either, where wrong sizes in the header put it.
 bool Locator::isStrange(const FoundList &list) const {
-  const Word head_bytes = list.list == 0 ? SCENE.fixed : LAYOUT[list.list].head_bytes;
+  const Word head_bytes = LAYOUT[list.list].head_bytes;
   if (list.size < head_bytes || file[list.was_at + list_at::HEADER_SIZE] == head_bytes)
     return false;
   for (std::int64_t by = -MOST_SHIFTS; by <= MOST_SHIFTS; ++by)
@@ -123,7 +123,7 @@ bool Locator::isElement(const RecordLayout &kind, std::uint64_t at, Word number,
     return false;
   Walk walk(file, version_2, nullptr, steps_left);
   const std::uint64_t by_words = walk.over({&kind, at, number});
-  return by_words == at + (wholeWords(kind, size));
+  return by_words == at + wholeWords(kind, size);
 }
 
 /// @return whether something that nothing confirms is not even like what stood there, with some words wrong.
@@ -169,27 +169,15 @@ void Locator::findInTable(const FoundList &list, const RecordLayout &kind, std::
 
 /// @return false where the size table is not whole.
 bool Locator::findByTable(FoundList &list) {
-  const ListLayout &layout = LAYOUT[list.list];
-  const std::uint64_t table = list.begin + layout.head_bytes;
   const ListView view(file, list.list, list.begin);
-  const std::uint64_t numbers[] = {view.first, view.second};
-  std::uint64_t sum = layout.head_bytes + blockSizes(file, list.begin + layout.blocks_at).sum();
-  if (numbers[0] + numbers[1] > list.size / sizeof(Word))
+  if (!view.addsUpTo(file, list.size))
     return false;
-  for (std::uint64_t i = 0; i < numbers[0] + numbers[1]; ++i) {
-    const Word size = file[table + i * sizeof(Word)];
-    const RecordLayout &kind = i < numbers[0] ? *layout.first : *layout.second;
-    sum += sizeof(Word) + (wholeWords(kind, size));
-  }
-  if (sum != list.size)
-    return false;
-  std::uint64_t was_at = list.was_at + layout.head_bytes + (numbers[0] + numbers[1]) * sizeof(Word);
-  for (const std::size_t i : {std::size_t{0}, std::size_t{1}}) {
-    list.elements[i].resize(static_cast<std::size_t>(numbers[i]));
-    if (numbers[i] != 0)
-      findInTable(list, i == 0 ? *layout.first : *layout.second, table + i * numbers[0] * sizeof(Word), was_at,
-                  list.elements[i]);
-  }
+  std::uint64_t was_at = list.was_at + (view.elements() - view.begin);
+  list.elements[0].resize(static_cast<std::size_t>(view.first));
+  list.elements[1].resize(static_cast<std::size_t>(view.second));
+  findInTable(list, elementLayout(list.list, false), view.entry(0), was_at, list.elements[0]);
+  if (view.second != 0)
+    findInTable(list, elementLayout(list.list, true), view.entry(view.first), was_at, list.elements[1]);
   list.numbers_known = list.table_whole = true;
   return true;
 }
@@ -247,12 +235,11 @@ std::uint64_t Locator::blocksOf(const FoundList &list) const {
 
 /// An element is whole if it ends by its own words where its size says, and if nothing else begins before that.
 void Locator::judge(FoundList &list) {
-  const ListLayout &layout = LAYOUT[list.list];
   bool next_found = list.next_found;
   std::uint64_t next = list.end - blocksOf(list);
   for (const std::size_t i : {std::size_t{1}, std::size_t{0}}) {
-    const RecordLayout *const kind = layout.first == nullptr ? &SCENE : i == 0 ? layout.first : layout.second;
     for (std::size_t number = list.elements[i].size(); number-- > 0;) {
+      const RecordLayout &kind = elementLayout(list.list, i != 0);
       FoundElement &element = list.elements[i][number];
       found.whole &= element.isFound();
       if (!element.isFound()) {
@@ -260,7 +247,7 @@ void Locator::judge(FoundList &list) {
         continue;
       }
       Walk walk(file, version_2, nullptr, steps_left);
-      const std::uint64_t end = walk.over({kind, element.begin, static_cast<Word>(number)});
+      const std::uint64_t end = walk.over({&kind, element.begin, static_cast<Word>(number)});
       element.whole = !walk.broken && walk.faults == 0 && end == element.begin + element.size && end <= next;
       element.doubtful = element.whole && !next_found;
       if (element.whole && next_found && moved > 0)

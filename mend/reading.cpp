@@ -2,6 +2,8 @@
 /// readings that come to the same place are compared.
 #include "mend/reading.h"
 
+#include "mend/list_view.h"
+
 #include <algorithm>
 
 namespace kova::mend {
@@ -63,14 +65,14 @@ void Reader::prune(Readings &readings) const {
     readings.resize(MOST_READINGS);
 }
 
-/// @return the first place at which a record with that tag, and with that number, could begin; 0 if there is none or no
-/// more may be searched.
-std::uint64_t Reader::find(std::uint64_t from, std::uint64_t to, Word tag, std::optional<Word> number) {
+/// @return the first place at which a record with that tag, and with that word behind it, could begin; 0 if there is
+/// none or no more may be searched.
+std::uint64_t Reader::find(std::uint64_t from, std::uint64_t to, Word tag, std::optional<Word> behind) {
   to = std::min(to, file.size());
-  const std::uint64_t room = to >= from + 8 ? to - from - 4 : 0;
+  const std::uint64_t room = to >= from + 2 * sizeof(Word) ? to - from - sizeof(Word) : 0;
   to = from + std::min(room, list_left.scan_bytes) / sizeof(Word) * sizeof(Word);
   std::uint64_t at = from;
-  while (at < to && (file[at] != tag || (number && file[at + 4] != *number)))
+  while (at < to && (file[at] != tag || (behind && file[at + sizeof(Word)] != *behind)))
     at += sizeof(Word);
   list_left.scan_bytes -= at - from;
   return at < to ? at : 0;
@@ -122,8 +124,7 @@ Word Reader::declared(std::size_t list) const {
 
 /// Follows every place that the header, or the tag of the scene, gives for its end.
 void Reader::readHeader(Readings &readings) {
-  const std::uint64_t by_words =
-      FILE_HEADER_BYTES + std::uint64_t{file[header_at::BLOCKS]} + file[header_at::BLOCKS + 4];
+  const std::uint64_t by_words = headerEnd(file);
   const std::uint64_t by_size = file[header_at::HEADER_SIZE];
   beginList(file.size());
   std::vector<std::uint64_t> ends = {by_words};

@@ -55,9 +55,6 @@ inline constexpr Word SWALLOWED = 32; ///< a block that takes in what looks like
 inline constexpr Word MOST_BEHIND = UNSOLVED_LIST + 8;
 } // namespace cost
 
-/// @return the bytes that a record of that size takes up.
-inline Word wholeWords(const RecordLayout &kind, Word size) { return kind.size_in_bytes ? size & ~Word{3} : size; }
-
 /// Adds a place, once.
 inline void addEnd(std::vector<std::uint64_t> &ends, std::uint64_t end) {
   if (std::find(ends.begin(), ends.end(), end) == ends.end())
@@ -106,8 +103,7 @@ private:
   void prune(Readings &readings) const;
 
   void beginList(std::uint64_t bytes);
-  std::uint64_t find(std::uint64_t from, std::uint64_t to, Word tag, std::optional<Word> number);
-
+  std::uint64_t find(std::uint64_t from, std::uint64_t to, Word tag, std::optional<Word> behind);
   std::uint64_t findNext(const RecordAt &record, std::uint64_t to);
   const Conventions &known();
   bool tells(const RecordLayout &kind, Own own);

@@ -1,5 +1,6 @@
 #include "mend/rebuild.h"
 
+#include "mend/list_view.h"
 #include "mend/locate.h"
 #include "mend/reading.h"
 
@@ -48,7 +49,7 @@ private:
 
 // --- Lists ----------------------------------------------------------------------------------------------------------
 
-Word headBytes(std::size_t list) { return list == 0 ? SCENE.fixed : LAYOUT[list].head_bytes; }
+Word headBytes(std::size_t list) { return LAYOUT[list].head_bytes; }
 
 bool Rebuilder::beginsList(std::size_t list, std::uint64_t at) const {
   const Word size = file[at + list_at::SIZE];
@@ -146,8 +147,7 @@ Rebuilt Rebuilder::makeFile(Word version) const {
   written.set(header_at::SIZE, static_cast<Word>(made.bytes.size()));
   written.set(header_at::TAG, 0);
   written.set(header_at::HEADER_SIZE, static_cast<Word>(header));
-  written.set(header_at::BLOCKS, static_cast<Word>(header - FILE_HEADER_BYTES));
-  written.set(header_at::BLOCKS + 4, 0);
+  setBlockSizes(written, header_at::BLOCKS, {header - FILE_HEADER_BYTES, 0});
   for (std::size_t list = 0; list < (hasVersion2Lists(written) ? LIST_NUM : VERSION_1_LIST_NUM); ++list)
     written.set(LAYOUT[list].header_word_at, sizes[list]);
   return made;
@@ -160,10 +160,7 @@ bool Rebuilder::is20(const Rebuilt &made) const {
   for (const FoundList &list : locate(FileBytes(bytes)).lists)
     for (const std::size_t second : {std::size_t{0}, std::size_t{1}})
       for (const FoundElement &element : list.elements[second]) {
-        const RecordLayout *const kind = list.list == 0 ? &SCENE
-                                         : second != 0  ? LAYOUT[list.list].second
-                                                        : LAYOUT[list.list].first;
-        if (!element.isFound() || !hasMaker(*kind))
+        if (!element.isFound() || !hasMaker(elementLayout(list.list, second != 0)))
           continue;
         if (!element.whole)
           return false;

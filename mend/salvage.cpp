@@ -40,7 +40,6 @@ private:
     made.losses.push_back({list < LIST_NUM ? LISTS[list].name : "FileHeader", element, std::move(what)});
   }
   void copy(std::uint64_t begin, std::uint64_t end, std::uint64_t from) { copied.push_back({begin, end, from}); }
-  Word headerWord(std::uint64_t at) const { return at + 4 <= file.size() ? file[at] : 0; }
 
   const FileBytes &file;
   bool version_2;
@@ -57,9 +56,8 @@ void Salvage::salvageHeader() {
   Bytes &bytes = made.bytes;
   append(bytes, file, 0, std::min<std::uint64_t>(file.size() & ~std::uint64_t{3}, FILE_HEADER_BYTES));
   bytes.resize(FILE_HEADER_BYTES);
-  const std::uint64_t maker = headerWord(header_at::BLOCKS);
-  const std::uint64_t user = headerWord(header_at::BLOCKS + 4);
-  lists_begin = FILE_HEADER_BYTES + maker + user;
+  const auto [maker, user] = statedBlockSizes(file, header_at::BLOCKS);
+  lists_begin = headerEnd(file);
   const std::uint64_t there = file.size() > FILE_HEADER_BYTES ? file.size() - FILE_HEADER_BYTES : 0;
   const auto whole_words = [](std::uint64_t size) { return size & ~std::uint64_t{3}; };
   const std::uint64_t maker_left = maker <= there ? maker : whole_words(there);
@@ -70,9 +68,10 @@ void Salvage::salvageHeader() {
   bytes.resize(FILE_HEADER_BYTES + static_cast<std::size_t>(filled));
   if (user_left != 0)
     append(bytes, file, FILE_HEADER_BYTES + maker, FILE_HEADER_BYTES + maker + user_left);
-  FileBytes(bytes).set(header_at::BLOCKS, static_cast<Word>(filled));
-  FileBytes(bytes).set(header_at::BLOCKS + 4, static_cast<Word>(user_left));
-  copy(8, maker_left == maker && filled == maker && user_left == user ? 16 : 12, 8);
+  FileBytes written(bytes);
+  setBlockSizes(written, header_at::BLOCKS, {filled, user_left});
+  const bool keeps_size = maker_left == maker && filled == maker && user_left == user;
+  copy(header_at::TAG, header_at::HEADER_SIZE + (keeps_size ? sizeof(Word) : 0), header_at::TAG);
   if (file.size() < FILE_HEADER_BYTES)
     lose(LIST_NUM, {}, remainingText({FILE_HEADER_BYTES, file.size()}, "bytes"));
   else if (maker_left < maker || user_left < user)
@@ -186,8 +185,7 @@ void Salvage::appendHead(const ListView &view, const CutElements &cut, const Blo
   written.set(head + list_at::COUNT, static_cast<Word>(cut.first));
   if (view.layout.second != nullptr)
     written.set(head + list_at::SECOND_COUNT, static_cast<Word>(cut.second));
-  written.set(head + view.layout.blocks_at, static_cast<Word>(blocks.maker));
-  written.set(head + view.layout.blocks_at + sizeof(Word), static_cast<Word>(blocks.user));
+  setBlockSizes(written, head + view.layout.blocks_at, blocks);
   for (const Word size : cut.sizes)
     appendWords(made.bytes, {size});
 }
@@ -221,7 +219,7 @@ void Salvage::cutList(std::size_t list, std::uint64_t begin) {
 bool Salvage::salvageList(std::size_t list, std::uint64_t begin, std::uint64_t size) {
   const ListLayout &layout = LAYOUT[list];
   const std::uint64_t made_begin = made.bytes.size();
-  if (begin + 4 <= file.size() && !isListTag(list, file[begin]))
+  if (file.holds(begin) && !isListTag(list, file[begin]))
     return false;
   if (begin + size <= file.size()) {
     append(made.bytes, file, begin, begin + size);
@@ -273,12 +271,12 @@ bool isSound(const FileBytes &file, const Claim &span, bool version_2) {
 
 std::optional<Salvaged> Salvage::salvage() {
   salvageHeader();
-  const bool has_version_2_lists = version_2 && headerWord(header_at::BLOCKS) >= VERSION_2_SIZES_BYTES;
+  const bool has_version_2_lists = version_2 && file[header_at::BLOCKS] >= VERSION_2_SIZES_BYTES;
   std::uint64_t begin = lists_begin;
   for (std::size_t list = 0; list < (has_version_2_lists ? LIST_NUM : VERSION_1_LIST_NUM); ++list) {
     const std::uint64_t word = LAYOUT[list].header_word_at;
-    const bool has_word = word + sizeof(Word) <= file.size();
-    const std::uint64_t size = has_word ? file[word] : 0;
+    const bool has_word = file.holds(word);
+    const std::uint64_t size = file[word];
     if (has_word && size == 0)
       continue; // it had no such list
     if (!salvageList(list, has_word ? begin : std::max<std::uint64_t>(begin, file.size()), size))

@@ -1,5 +1,6 @@
 #include "mend/swap.h"
 
+#include "mend/list_view.h"
 #include "mend/locate.h"
 #include "mend/mend.h"
 #include "mend/reading.h"
@@ -74,10 +75,6 @@ private:
 
 // --- What is wrong --------------------------------------------------------------------------------------------------
 
-const RecordLayout &kindOf(const FoundList &list, std::size_t second) {
-  return list.list == 0 ? SCENE : second != 0 ? *LAYOUT[list.list].second : *LAYOUT[list.list].first;
-}
-
 Broken SwapSearch::firstBrokenElement(const FoundList &list) const {
   const std::uint64_t numbers = list.elements[0].size() + list.elements[1].size();
   std::uint64_t at = list.was_at;
@@ -87,7 +84,7 @@ Broken SwapSearch::firstBrokenElement(const FoundList &list) const {
     for (std::size_t i = 0; i < list.elements[second].size(); ++i) {
       const FoundElement &element = list.elements[second][i];
       if (!element.whole)
-        return {Broken::Sort::element, &list,       &kindOf(list, second), at, at + element.size,
+        return {Broken::Sort::element, &list,       &elementLayout(list.list, second != 0), at, at + element.size,
                 static_cast<Word>(i),  element.size};
       at += element.size;
     }
@@ -96,7 +93,7 @@ Broken SwapSearch::firstBrokenElement(const FoundList &list) const {
 
 Broken SwapSearch::firstBroken(const Found &found) const {
   for (const FoundList &list : found.lists) {
-    const std::uint64_t head = list.list == 0 ? SCENE.fixed : LAYOUT[list.list].head_bytes;
+    const std::uint64_t head = LAYOUT[list.list].head_bytes;
     if (!isListTag(list.list, file[list.was_at]) || file[list.was_at + list_at::SIZE] != list.size)
       return {.sort = Broken::Sort::head, .list = &list, .begin = list.was_at, .end = list.was_at + head};
     const std::uint64_t numbers = file[list.was_at + list_at::COUNT];
@@ -113,16 +110,7 @@ Broken SwapSearch::firstBroken(const Found &found) const {
 
 /// @return whether the size table of a list says how long the list is.
 bool SwapSearch::isTableRight(const Broken &broken) const {
-  const ListLayout &layout = LAYOUT[broken.list->list];
-  const std::uint64_t numbers[] = {file[broken.begin + 12], layout.second != nullptr ? file[broken.begin + 16] : 0};
-  std::uint64_t sum = layout.head_bytes + (file[broken.begin + layout.blocks_at] & ~Word{3}) +
-                      std::uint64_t{file[broken.begin + layout.blocks_at + 4] & ~Word{3}};
-  if (numbers[0] + numbers[1] > broken.list->size / sizeof(Word))
-    return false;
-  for (std::uint64_t i = 0; i < numbers[0] + numbers[1]; ++i)
-    sum += sizeof(Word) + wholeWords(i < numbers[0] ? *layout.first : *layout.second,
-                                     file[broken.begin + layout.head_bytes + i * sizeof(Word)]);
-  return sum == broken.list->size;
+  return ListView(file, broken.list->list, broken.begin).addsUpTo(file, broken.list->size);
 }
 
 bool SwapSearch::isElementRight(const Broken &broken) {
