@@ -77,28 +77,9 @@ template <const auto &TABLE, class Head, class Record> bool countsFit(const Reco
          });
 }
 
-/// Whether a record has anything behind its fixed words but blocks.
-struct HasMore : PassingIo {
-  bool more = false;
-  template <class... Arguments> int array(const Arguments &...) { return more = true; }
-  template <class... Arguments> int pairs(const Arguments &...) { return more = true; }
-};
-
 /// @return whether records can stand as rows: they are no elements and have nothing but fixed words.
 template <class Item> bool areRows(const std::vector<Item> &items) {
-  if constexpr (
-      requires(Item item) { item.offset; } || requires(Item item) { item.group_ext_blk; })
-    return false;
-  if (items.size() < FEWEST_ROWS)
-    return false;
-  if constexpr (requires(Item item) { item.ext_blk; }) {
-    HasMore io;
-    content(io, items[0]);
-    for (const Item &item : items)
-      if (io.more || item.ext_blk.words)
-        return false;
-  }
-  return true;
+  return items.size() >= FEWEST_ROWS && haveWordsAlone(items);
 }
 
 /// The columns of records that stand as rows.

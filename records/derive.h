@@ -101,6 +101,30 @@ template <class Record> std::uint64_t bytesOf(const Record &record, std::size_t 
   return measure.bytes;
 }
 
+// --- Records without content ----------------------------------------------------------------------------------------
+
+/// Whether a record has anything behind its fixed words but blocks.
+struct HasMore : PassingIo {
+  bool more = false;
+  template <class... Arguments> int array(const Arguments &...) { return more = true; }
+  template <class... Arguments> int pairs(const Arguments &...) { return more = true; }
+};
+
+/// @return whether records are no elements and have nothing but their fixed words.
+template <class Item> bool haveWordsAlone(const std::vector<Item> &items) {
+  if constexpr (
+      requires(Item item) { item.offset; } || requires(Item item) { item.group_ext_blk; })
+    return false;
+  if constexpr (requires(Item item) { item.ext_blk; }) {
+    HasMore io;
+    if (!items.empty())
+      content(io, items[0]);
+    return !io.more &&
+           std::none_of(items.begin(), items.end(), [](const Item &item) { return item.ext_blk.words != nullptr; });
+  }
+  return true;
+}
+
 // --- Counts ---------------------------------------------------------------------------------------------------------
 
 /// Sets the counts of a record to what is held.

@@ -1,0 +1,54 @@
+/// kbdiff: what is different between two KOVA scene files.
+
+#include "common/file.h"
+#include "diff/diff.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <unistd.h>
+
+namespace kova::diff {
+
+namespace {
+
+/// Ends standard output. `std::fclose` would leave the C++ streams, which flush it once more at the end, a closed one.
+int endOutput(int status) {
+  const bool written = std::ferror(stdout) == 0;
+  if (std::fflush(stdout) == 0 && ::close(STDOUT_FILENO) == 0 && written)
+    return status;
+  std::fprintf(stderr, "kbdiff: standard output cannot be written: %s.\n", std::strerror(errno != 0 ? errno : EIO));
+  return TROUBLE;
+}
+
+int run(int argc, char **argv) {
+  int status = TROUBLE;
+  const std::optional<Options> options = readOptions(argc, argv, status);
+  if (!options)
+    return endOutput(status);
+  Printer printer = {.look = options->look,
+                     .style = styleOf(STDOUT_FILENO, options->colour),
+                     .path_a = options->a,
+                     .path_b = options->b};
+  std::string reason;
+  status = diffFiles(options->rules, printer, reason);
+  errno = 0;
+  std::fwrite(printer.text.data(), 1, printer.text.size(), stdout);
+  if (status == TROUBLE)
+    std::fprintf(stderr, "kbdiff: %s.\n", reason.c_str());
+  return endOutput(status);
+}
+
+} // namespace
+
+} // namespace kova::diff
+
+int main(int argc, char **argv) {
+  try {
+    kova::occupyStandardStreams();
+    return kova::diff::run(argc, argv);
+  } catch (const std::exception &) {
+    std::fputs("kbdiff: not enough memory.\n", stderr);
+    return kova::diff::TROUBLE;
+  }
+}
