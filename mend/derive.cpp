@@ -18,7 +18,7 @@ constexpr std::size_t FEWEST_WITNESSES = 3;
 constexpr std::size_t WITNESSES_EACH = 4;
 
 /// What one unchecked word of the records of a kind is like in this file.
-struct Habit {
+struct UncheckedWord {
   const RecordLayout *kind;
   const char *field;
   std::size_t follow = 0;
@@ -29,13 +29,13 @@ struct Habit {
 class Deriver : public Events {
 public:
   Deriver(FileBytes &bytes, const Reading &reading) : file(bytes), version_2(file.version() == VERSION_2) {
-    for (const Claim *claim = reading.claims; claim != nullptr; claim = claim->before) {
-      if (claim->sort == Claim::Sort::list)
-        spans[claim->list] = claim;
-      else if (claim->sort == Claim::Sort::unsolved)
-        unsolved.emplace(claim->begin, claim->end);
+    for (const Decision *decision = reading.decisions; decision != nullptr; decision = decision->before) {
+      if (decision->sort == Decision::Sort::list)
+        spans[decision->list] = decision;
+      else if (decision->sort == Decision::Sort::unsolved)
+        unsolved.emplace(decision->begin, decision->end);
       else
-        applied.push_back(claim);
+        applied.push_back(decision);
     }
   }
 
@@ -43,7 +43,7 @@ public:
 
 private:
   void set(std::uint64_t offset, std::string field, Word value, const char *why);
-  void expect(const RecordLayout &kind, const char *habit, std::uint64_t offset, std::string field, Word value,
+  void expect(const RecordLayout &kind, const char *group, std::uint64_t offset, std::string field, Word value,
               const char *why);
   void leave(const RecordAt &record, std::uint64_t end, int depth) override;
   void countMaker(const Walk &walk);
@@ -57,11 +57,11 @@ private:
 
   FileBytes &file;
   bool version_2;
-  std::array<const Claim *, LIST_NUM> spans = {};
+  std::array<const Decision *, LIST_NUM> spans = {};
   std::unordered_map<std::uint64_t, std::uint64_t> unsolved = {};
-  std::vector<const Claim *> applied = {};
+  std::vector<const Decision *> applied = {};
   std::vector<Change> changes = {};
-  std::vector<Habit> habits = {};
+  std::vector<UncheckedWord> unchecked_words = {};
   std::size_t looked_at = 0;
   std::size_t used_up_blocks = 0; ///< maker blocks that hold just what their counts call for
   std::size_t longer_blocks = 0;
@@ -83,16 +83,16 @@ void Deriver::set(std::uint64_t offset, std::string field, Word value, const cha
 }
 
 /// Takes down whether a word is as the others of its kind may be.
-void Deriver::expect(const RecordLayout &kind, const char *habit_name, std::uint64_t offset, std::string field,
-                     Word value, const char *why) {
-  auto habit = std::find_if(habits.begin(), habits.end(),
-                            [&](const Habit &other) { return other.kind == &kind && other.field == habit_name; });
-  if (habit == habits.end())
-    habit = habits.insert(habit, {&kind, habit_name});
+void Deriver::expect(const RecordLayout &kind, const char *group, std::uint64_t offset, std::string field, Word value,
+                     const char *why) {
+  auto word = std::find_if(unchecked_words.begin(), unchecked_words.end(),
+                           [&](const UncheckedWord &other) { return other.kind == &kind && other.field == group; });
+  if (word == unchecked_words.end())
+    word = unchecked_words.insert(word, {&kind, group});
   if (file[offset] == value)
-    ++habit->follow;
-  else if (habit->others.size() * WITNESSES_EACH <= habit->follow + 64) // else it is no habit
-    habit->others.push_back({offset, listName(list_now), element_now, std::move(field), file[offset], value, why});
+    ++word->follow;
+  else if (word->others.size() * WITNESSES_EACH <= word->follow + 64) // else none of them is meant to follow
+    word->others.push_back({offset, listName(list_now), element_now, std::move(field), file[offset], value, why});
 }
 
 /// The words of the records inside.
@@ -164,7 +164,7 @@ void Deriver::deriveElements(const RecordLayout &kind, std::uint64_t &at, std::u
 }
 
 void Deriver::deriveList() {
-  const Claim &span = *spans[list_now];
+  const Decision &span = *spans[list_now];
   const ListLayout &layout = LAYOUT[list_now];
   if (!isListTag(list_now, file[span.begin]))
     set(span.begin, layout.tag_name, LISTS[list_now].tag, BY_PLACE);
@@ -195,7 +195,7 @@ void Deriver::deriveHeader() {
   set_word(header_at::HEADER_SIZE, headerEnd(file), BY_PARTS);
   const std::size_t lists = hasVersion2Lists(file) ? LIST_NUM : VERSION_1_LIST_NUM;
   for (std::size_t list = 0; list < lists; ++list) {
-    const Claim *const span = spans[list];
+    const Decision *const span = spans[list];
     set(LAYOUT[list].header_word_at, LAYOUT[list].header_word,
         span != nullptr ? static_cast<Word>(span->end - span->begin) : 0, "where the list ends");
   }
@@ -219,10 +219,10 @@ void Deriver::mergeChanges() {
 }
 
 Applied Deriver::derive() {
-  for (const Claim *const claim : applied) {
-    list_now = claim->list;
-    element_now = claim->element;
-    set(claim->begin, claim->field, claim->value, claim->why);
+  for (const Decision *const decision : applied) {
+    list_now = decision->list;
+    element_now = decision->element;
+    set(decision->begin, decision->field, decision->value, decision->why);
   }
   list_now = LIST_NUM;
   element_now.reset();
@@ -231,17 +231,17 @@ Applied Deriver::derive() {
     if (spans[list_now] != nullptr)
       deriveList();
   const bool checked_words = !changes.empty();
-  for (const Habit &habit : habits) {
-    if (habit.follow < FEWEST_WITNESSES || habit.others.size() * WITNESSES_EACH > habit.follow)
+  for (const UncheckedWord &word : unchecked_words) {
+    if (word.follow < FEWEST_WITNESSES || word.others.size() * WITNESSES_EACH > word.follow)
       continue;
-    for (const Change &change : habit.others) {
+    for (const Change &change : word.others) {
       file.set(change.offset, change.new_value);
       changes.push_back(change);
     }
   }
   mergeChanges();
   const bool changes_maker =
-      std::any_of(applied.begin(), applied.end(), [](const Claim *claim) { return claim->maker; });
+      std::any_of(applied.begin(), applied.end(), [](const Decision *decision) { return decision->maker; });
   return {std::move(changes), looked_at, checked_words, changes_maker && (longer_blocks != 0 || used_up_blocks < 2)};
 }
 
@@ -249,12 +249,12 @@ Applied Deriver::derive() {
 
 Applied applyReading(FileBytes &file, const Reading &reading) { return Deriver(file, reading).derive(); }
 
-std::vector<Change> changesOf(const FileBytes &file, const Claim *claims) {
+std::vector<Change> changesOf(const FileBytes &file, const Decision *decisions) {
   std::vector<Change> changes;
-  for (; claims != nullptr; claims = claims->before)
-    if (claims->sort == Claim::Sort::word)
-      changes.push_back({claims->begin, listName(claims->list), claims->element, claims->field, file[claims->begin],
-                         claims->value, claims->why});
+  for (; decisions != nullptr; decisions = decisions->before)
+    if (decisions->sort == Decision::Sort::word)
+      changes.push_back({decisions->begin, listName(decisions->list), decisions->element, decisions->field,
+                         file[decisions->begin], decisions->value, decisions->why});
   std::sort(changes.begin(), changes.end(), [](const Change &a, const Change &b) { return a.offset < b.offset; });
   return changes;
 }

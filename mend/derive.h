@@ -20,6 +20,6 @@ struct Applied {
 Applied applyReading(FileBytes &file, const Reading &reading);
 
 /// @return the words that a reading changes by itself.
-std::vector<Change> changesOf(const FileBytes &file, const Claim *claims);
+std::vector<Change> changesOf(const FileBytes &file, const Decision *decisions);
 
 } // namespace kova::mend

@@ -23,27 +23,27 @@ void Reader::readElementTo(std::size_t list, const RecordAt &record, const Readi
     const bool in_table = changes_size && record.begin + wholeWords(*record.kind, table_size) == end;
     const bool ends_in_word = changes_size && !in_table && proposal.value % sizeof(Word) != 0;
     reading.doubts = before.doubts + proposal.doubts + Word{ends_in_word};
-    reading.claims = before.claims;
+    reading.decisions = before.decisions;
     if (!own_size && !changes_size)
       ++reading.cost;
     if (proposal.changes)
-      reading.claims =
-          claim({.begin = proposal.length_word.offset,
-                 .list = list,
-                 .element = record.number,
-                 .field = proposal.length_word.field,
-                 .value = in_table ? table_size : proposal.value,
-                 .maker = proposal.length_word.maker,
-                 .why = proposal.length_word.maker ? "the size of the maker block" : "where the record ends"},
-                before.claims);
+      reading.decisions =
+          decide({.begin = proposal.length_word.offset,
+                  .list = list,
+                  .element = record.number,
+                  .field = proposal.length_word.field,
+                  .value = in_table ? table_size : proposal.value,
+                  .maker = proposal.length_word.maker,
+                  .why = proposal.length_word.maker ? "the size of the maker block" : "where the record ends"},
+                 before.decisions);
     add(readings, reading);
   }
   if (proposals.empty() && believed) {
     reading.cost = before.cost + cost::UNSOLVED;
     reading.doubts = before.doubts;
-    reading.claims = claim(
-        {.sort = Claim::Sort::unsolved, .begin = record.begin, .end = end, .list = list, .element = record.number},
-        before.claims);
+    reading.decisions = decide(
+        {.sort = Decision::Sort::unsolved, .begin = record.begin, .end = end, .list = list, .element = record.number},
+        before.decisions);
     add(readings, reading);
   }
 }

@@ -18,7 +18,7 @@ public:
 private:
   void copy(std::uint64_t begin, std::uint64_t end);
   bool fillRecord(std::size_t list, const RecordAt &record, std::uint64_t &end);
-  bool fillList(const Claim &span);
+  bool fillList(const Decision &span);
 
   const FileBytes &file;
   std::uint64_t filled = 0; ///< bytes of zeros
@@ -60,7 +60,7 @@ bool Filler::fillRecord(std::size_t list, const RecordAt &record, std::uint64_t 
   return true;
 }
 
-bool Filler::fillList(const Claim &span) {
+bool Filler::fillList(const Decision &span) {
   std::uint64_t at = span.begin;
   if (LAYOUT[span.list].first == nullptr)
     return fillRecord(span.list, {&SCENE, at}, at);
@@ -78,13 +78,13 @@ bool Filler::fillList(const Claim &span) {
 
 std::optional<Salvaged> Filler::fill(const Reading &reading) {
   Spans spans = {};
-  for (const Claim *claim = reading.claims; claim != nullptr; claim = claim->before) {
-    if (claim->sort != Claim::Sort::list)
+  for (const Decision *decision = reading.decisions; decision != nullptr; decision = decision->before) {
+    if (decision->sort != Decision::Sort::list)
       return std::nullopt;
-    spans[claim->list] = *claim;
+    spans[decision->list] = *decision;
   }
   copy(0, std::min(headerEnd(file), file.size()));
-  for (Claim &span : spans) {
+  for (Decision &span : spans) {
     if (span.end == 0)
       continue;
     const std::uint64_t begin = made.bytes.size();
@@ -96,7 +96,7 @@ std::optional<Salvaged> Filler::fill(const Reading &reading) {
   if (filled == 0)
     return std::nullopt;
   FileBytes written(made.bytes);
-  applyReading(written, {.claims = linkSpans(spans)});
+  applyReading(written, {.decisions = linkSpans(spans)});
   return std::move(made);
 }
 

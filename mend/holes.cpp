@@ -232,7 +232,7 @@ void HoleSalvage::makeList(const FoundList &list) {
       makeElements(list, true, table + list.elements[0].size() * sizeof(Word));
     makeBlocks(list, head);
   }
-  spans[list.list] = {.sort = Claim::Sort::list, .begin = head, .end = made.bytes.size(), .list = list.list};
+  spans[list.list] = {.sort = Decision::Sort::list, .begin = head, .end = made.bytes.size(), .list = list.list};
 }
 
 /// Tells of the elements of which neighbouring words were made again. What is between them cannot be known.
@@ -259,7 +259,7 @@ std::optional<Salvaged> HoleSalvage::salvage(bool sure) {
   for (const FoundList &list : found.lists)
     makeList(list);
   FileBytes written(made.bytes);
-  made.changes = changesBefore(applyReading(written, {.claims = linkSpans(spans)}).changes, copied, file.size());
+  made.changes = changesBefore(applyReading(written, {.decisions = linkSpans(spans)}).changes, copied, file.size());
   tellParts();
   if (!cutLinks(written, spans, gone, made.losses))
     return std::nullopt;

@@ -177,7 +177,7 @@ bool cutLinks(FileBytes &file, const Spans &spans, Gone gone, std::vector<Loss> 
   const bool version_2 = file.version() == VERSION_2;
   LinkCutter cutter(file, gone, losses);
   for (std::size_t list = 0; list < LIST_NUM; ++list) {
-    const Claim &span = spans[list];
+    const Decision &span = spans[list];
     if (span.end == 0)
       continue;
     if (LAYOUT[list].first == nullptr) {
@@ -197,9 +197,9 @@ bool cutLinks(FileBytes &file, const Spans &spans, Gone gone, std::vector<Loss> 
   return !cutter.is_unclear;
 }
 
-const Claim *linkSpans(Spans &spans) {
-  const Claim *before = nullptr;
-  for (Claim &span : spans)
+const Decision *linkSpans(Spans &spans) {
+  const Decision *before = nullptr;
+  for (Decision &span : spans)
     if (span.end != 0) {
       span.before = before;
       before = &span;

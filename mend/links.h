@@ -8,10 +8,10 @@
 namespace kova::mend {
 
 /// Where the lists of a file are; those that are not there end at 0.
-using Spans = std::array<Claim, LIST_NUM>;
+using Spans = std::array<Decision, LIST_NUM>;
 
 /// Links the spans of the lists that there are, each to the one before it. @return the last one; null if there is none.
-const Claim *linkSpans(Spans &spans);
+const Decision *linkSpans(Spans &spans);
 
 /// An element that is there in part, and how much its table held.
 struct CutElement {

@@ -19,7 +19,7 @@ void Reader::closeList(std::size_t list, std::uint64_t begin, const Reading &inn
   addEnd(ends, by_size);
   addEnd(ends, by_header);
   // Where no size says so, the list ends by its words only if none of them is doubted.
-  const bool sound = isListTag(list, file[begin]) && (inner.claims == nullptr || inner.claims->begin < begin);
+  const bool sound = isListTag(list, file[begin]) && (inner.decisions == nullptr || inner.decisions->begin < begin);
   for (const std::uint64_t end : ends) {
     if (end < inner.at || end > file.size() || !(sound || end == by_size || end == by_header))
       continue;
@@ -27,7 +27,7 @@ void Reader::closeList(std::size_t list, std::uint64_t begin, const Reading &inn
     reading.at = end;
     reading.cost += Word{end != by_size} + Word{end != by_header};
     for (Reading &closed : closeBlocks(list, sizes_at, inner.at, reading)) {
-      if (closed.claims != inner.claims && find(inner.at, end, LAYOUT[list].first->tag, std::nullopt) != 0)
+      if (closed.decisions != inner.decisions && find(inner.at, end, LAYOUT[list].first->tag, std::nullopt) != 0)
         closed.cost += cost::SWALLOWED;
       add(readings, closed);
     }
@@ -49,14 +49,14 @@ Reader::Readings Reader::closeBlocks(std::size_t list, std::uint64_t sizes_at, s
       continue;
     Reading changed = reading;
     ++changed.cost;
-    changed.claims =
-        claim({.begin = sizes_at + i * sizeof(Word),
-               .list = list,
-               .field = headerWordName(header_at::BLOCKS + i * sizeof(Word)), // all blocks have these names
+    changed.decisions =
+        decide({.begin = sizes_at + i * sizeof(Word),
+                .list = list,
+                .field = headerWordName(header_at::BLOCKS + i * sizeof(Word)), // all blocks have these names
 
-               .value = static_cast<Word>(room - sizes[1 - i]),
-               .why = list < LIST_NUM ? "where the list ends" : "where the header ends"},
-              reading.claims);
+                .value = static_cast<Word>(room - sizes[1 - i]),
+                .why = list < LIST_NUM ? "where the list ends" : "where the header ends"},
+               reading.decisions);
     readings.push_back(changed);
   }
   return readings;
@@ -113,9 +113,9 @@ void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings 
     Reading reading = before;
     const auto change = [&](std::uint64_t at, const char *field, Word value) {
       ++reading.cost;
-      reading.claims =
-          claim({.begin = begin + at, .list = list, .field = field, .value = value, .why = "where the elements begin"},
-                reading.claims);
+      reading.decisions =
+          decide({.begin = begin + at, .list = list, .field = field, .value = value, .why = "where the elements begin"},
+                 reading.decisions);
     };
     if (new_first != first)
       change(list_at::COUNT, layout.count_name, new_first);
@@ -174,8 +174,8 @@ void Reader::passList(std::size_t list, const Reading &before, Readings &reading
     Reading reading = before;
     reading.at = begin + size;
     reading.cost += cost::UNSOLVED_LIST + Word{size != file[begin + list_at::SIZE]} + Word{size != declared(list)};
-    reading.claims =
-        claim({.sort = Claim::Sort::unsolved, .begin = begin, .end = reading.at, .list = list}, before.claims);
+    reading.decisions =
+        decide({.sort = Decision::Sort::unsolved, .begin = begin, .end = reading.at, .list = list}, before.decisions);
     add(readings, reading);
   }
 }
@@ -200,7 +200,7 @@ void Reader::readListAt(const Reading &before, std::size_t list, Readings &readi
     passList(list, inside, ends);
   prune(ends);
   for (Reading &end : ends) {
-    end.claims = claim({.sort = Claim::Sort::list, .begin = begin, .end = end.at, .list = list}, end.claims);
+    end.decisions = decide({.sort = Decision::Sort::list, .begin = begin, .end = end.at, .list = list}, end.decisions);
     add(readings, end);
   }
 }

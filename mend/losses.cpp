@@ -11,9 +11,9 @@ namespace {
 
 /// A list as the reading has it.
 struct ListRead {
-  const Claim *span = nullptr;
-  const Claim *counts[2] = {}; ///< of its first and second kind, where they are changed
-  bool changes_blocks = false; ///< its own
+  const Decision *span = nullptr;
+  const Decision *counts[2] = {}; ///< of its first and second kind, where they are changed
+  bool changes_blocks = false;    ///< its own
   bool changes_lengths = false;
 
   Word number(const FileBytes &file, int kind) const {
@@ -26,21 +26,21 @@ using ListsRead = std::array<ListRead, LIST_NUM>;
 
 ListsRead listsOf(const Reading &reading) {
   ListsRead lists = {};
-  for (const Claim *claim = reading.claims; claim != nullptr; claim = claim->before)
-    if (claim->list < LIST_NUM && claim->sort == Claim::Sort::list)
-      lists[claim->list].span = claim;
-  for (const Claim *claim = reading.claims; claim != nullptr; claim = claim->before) {
-    if (claim->list >= LIST_NUM || claim->sort != Claim::Sort::word)
+  for (const Decision *decision = reading.decisions; decision != nullptr; decision = decision->before)
+    if (decision->list < LIST_NUM && decision->sort == Decision::Sort::list)
+      lists[decision->list].span = decision;
+  for (const Decision *decision = reading.decisions; decision != nullptr; decision = decision->before) {
+    if (decision->list >= LIST_NUM || decision->sort != Decision::Sort::word)
       continue;
-    ListRead &list = lists[claim->list];
-    const ListLayout &layout = LAYOUT[claim->list];
+    ListRead &list = lists[decision->list];
+    const ListLayout &layout = LAYOUT[decision->list];
     list.changes_lengths = true;
-    if (claim->element || layout.first == nullptr || list.span == nullptr)
+    if (decision->element || layout.first == nullptr || list.span == nullptr)
       continue;
-    if (claim->begin == list.span->begin + list_at::COUNT)
-      list.counts[0] = claim;
-    else if (layout.second != nullptr && claim->begin == list.span->begin + list_at::SECOND_COUNT)
-      list.counts[1] = claim;
+    if (decision->begin == list.span->begin + list_at::COUNT)
+      list.counts[0] = decision;
+    else if (layout.second != nullptr && decision->begin == list.span->begin + list_at::SECOND_COUNT)
+      list.counts[1] = decision;
     else
       list.changes_blocks = true;
   }

@@ -56,8 +56,8 @@ void setWords(FileBytes &file, const std::vector<Change> &changes, Word Change::
 
 /// @return whether a reading moves a place, or leaves one open.
 bool changesStructure(const Reading &reading) {
-  for (const Claim *claim = reading.claims; claim != nullptr; claim = claim->before)
-    if (claim->sort != Claim::Sort::list)
+  for (const Decision *decision = reading.decisions; decision != nullptr; decision = decision->before)
+    if (decision->sort != Decision::Sort::list)
       return true;
   return false;
 }
@@ -65,10 +65,10 @@ bool changesStructure(const Reading &reading) {
 /// @return what of the file has no reading, for people; empty if all has.
 std::string unsolvedPart(const Reading &reading) {
   std::string text;
-  for (const Claim *claim = reading.claims; claim != nullptr; claim = claim->before)
-    if (claim->sort == Claim::Sort::unsolved)
-      text = std::string("nothing explains where ") + LISTS[claim->list].name +
-             (claim->element ? '[' + std::to_string(*claim->element) + ']' : "") + " ends";
+  for (const Decision *decision = reading.decisions; decision != nullptr; decision = decision->before)
+    if (decision->sort == Decision::Sort::unsolved)
+      text = std::string("nothing explains where ") + LISTS[decision->list].name +
+             (decision->element ? '[' + std::to_string(*decision->element) + ']' : "") + " ends";
   return text;
 }
 
@@ -146,7 +146,7 @@ bool standInZeros(const FileBytes &file, const std::vector<Change> &changes) {
 /// Mends a file of two readings: as the one that is asked for, or else as the one that leads to a good file, if the
 /// other does not.
 Result mendAsEither(std::vector<unsigned char> &bytes, const Reading &reading, std::size_t asked) {
-  std::deque<Claim> store;
+  std::deque<Decision> store;
   const std::array<Reading, 2> readings = {reading, rivalOf(reading, store)};
   std::array<Bytes, 2> files;
   std::array<Result, 2> results;
@@ -163,8 +163,8 @@ Result mendAsEither(std::vector<unsigned char> &bytes, const Reading &reading, s
   const bool decided = first_good != isMended(results[1]) && !standInZeros(file, results[taken].changes);
   if (asked == 0 && !decided)
     return {.outcome = Outcome::ambiguous,
-            .changes = changesOf(file, readings[0].claims),
-            .alternative = changesOf(file, readings[1].claims)};
+            .changes = changesOf(file, readings[0].decisions),
+            .alternative = changesOf(file, readings[1].decisions)};
   std::copy(files[taken].begin(), files[taken].end(), bytes.begin()); // others look at these bytes
   return std::move(results[taken]);
 }
@@ -182,7 +182,7 @@ Result mendWhole(std::vector<unsigned char> &bytes, const Asked &asked) {
   // What the audit accepts has no other structure than the one that it sees.
   if ((changesStructure(*reading) || reading->has_rival) && auditBytes(bytes).ok)
     return {};
-  if (reading->has_rival && changesOf(file, reading->claims) != changesOf(file, reading->rival))
+  if (reading->has_rival && changesOf(file, reading->decisions) != changesOf(file, reading->rival))
     return mendAsEither(bytes, *reading, asked.reading);
   return mendAs(bytes, file, *reading, asked.salvage);
 }

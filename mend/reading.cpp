@@ -13,7 +13,7 @@ namespace {
 /// More readings than these are never followed at a time: a true one does not fall so far behind.
 constexpr std::size_t MOST_READINGS = 6;
 
-bool sameClaims(const Claim *a, const Claim *b) {
+bool sameClaims(const Decision *a, const Decision *b) {
   for (; a != b; a = a->before, b = b->before)
     if (a == nullptr || b == nullptr || a->sort != b->sort || a->begin != b->begin || a->end != b->end ||
         a->value != b->value)
@@ -27,10 +27,10 @@ bool hasVersion2Lists(const FileBytes &file) {
   return file.version() == VERSION_2 && file[header_at::BLOCKS] >= VERSION_2_SIZES_BYTES;
 }
 
-const Claim *Reader::claim(const Claim &made, const Claim *before) {
-  claims.push_back(made);
-  claims.back().before = before;
-  return &claims.back();
+const Decision *Reader::decide(const Decision &made, const Decision *before) {
+  decisions.push_back(made);
+  decisions.back().before = before;
+  return &decisions.back();
 }
 
 bool Reader::isBetter(const Reading &a, const Reading &b) {
@@ -44,9 +44,9 @@ void Reader::add(Readings &readings, const Reading &reading) const {
       continue;
     if (isBetter(reading, other))
       other = reading;
-    else if (!isBetter(other, reading) && !other.has_rival && !sameClaims(reading.claims, other.claims)) {
-      other.rival = reading.claims;
-      other.rivals_at = other.claims;
+    else if (!isBetter(other, reading) && !other.has_rival && !sameClaims(reading.decisions, other.decisions)) {
+      other.rival = reading.decisions;
+      other.rivals_at = other.decisions;
       other.has_rival = true;
     }
     return;
@@ -146,7 +146,7 @@ std::optional<Reading> Reader::readFile() {
   Readings whole;
   for (const Reading &header : headers) {
     // The size words of the version-2 lists are there only if the header's maker block is.
-    const Claim *const changed = header.claims;
+    const Decision *const changed = header.decisions;
     const bool changes_maker = changed != nullptr && changed->begin == header_at::BLOCKS;
     const Word maker = changes_maker ? changed->value : file[header_at::BLOCKS];
     version_2_lists = version_2 && maker >= VERSION_2_SIZES_BYTES;
@@ -168,15 +168,15 @@ std::optional<Reading> Reader::readFile() {
   return whole.empty() ? std::nullopt : std::optional(whole.front());
 }
 
-Reading rivalOf(const Reading &reading, std::deque<Claim> &store) {
-  std::vector<const Claim *> shared;
-  for (const Claim *claim = reading.claims; claim != reading.rivals_at; claim = claim->before)
-    shared.push_back(claim);
-  Reading rival = {.at = reading.at, .cost = reading.cost, .doubts = reading.doubts, .claims = reading.rival};
-  for (auto claim = shared.rbegin(); claim != shared.rend(); ++claim) {
-    store.push_back(**claim);
-    store.back().before = rival.claims;
-    rival.claims = &store.back();
+Reading rivalOf(const Reading &reading, std::deque<Decision> &store) {
+  std::vector<const Decision *> shared;
+  for (const Decision *decision = reading.decisions; decision != reading.rivals_at; decision = decision->before)
+    shared.push_back(decision);
+  Reading rival = {.at = reading.at, .cost = reading.cost, .doubts = reading.doubts, .decisions = reading.rival};
+  for (auto decision = shared.rbegin(); decision != shared.rend(); ++decision) {
+    store.push_back(**decision);
+    store.back().before = rival.decisions;
+    rival.decisions = &store.back();
   }
   return rival;
 }

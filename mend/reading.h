@@ -10,8 +10,8 @@
 
 namespace kova::mend {
 
-/// What a reading says beyond the bytes. Readings that have a beginning in common share it.
-struct Claim {
+/// What a reading decides beyond what the bytes say. Readings that have a beginning in common share it.
+struct Decision {
   enum class Sort : std::uint8_t {
     word,    ///< the word at `begin` should be `value`
     list,    ///< the list `list` reaches from `begin` to `end`
@@ -26,7 +26,7 @@ struct Claim {
   Word value = 0;
   bool maker = false; ///< the word says how much of a maker block is used
   const char *why = "";
-  const Claim *before = nullptr;
+  const Decision *before = nullptr;
 };
 
 /// A reading of the file up to a place.
@@ -34,15 +34,15 @@ struct Reading {
   std::uint64_t at = 0;
   Word cost = 0;   ///< words that would have to be changed
   Word doubts = 0; ///< what is unusual; tells apart readings of the same cost
-  const Claim *claims = nullptr;
-  const Claim *rival = nullptr;     ///< those of another reading that is as good up to a place; null: it has none
-  const Claim *rivals_at = nullptr; ///< its own up to there
+  const Decision *decisions = nullptr;
+  const Decision *rival = nullptr;     ///< those of another reading that is as good up to a place; null: it has none
+  const Decision *rivals_at = nullptr; ///< its own up to there
   bool has_rival = false;
 };
 
 /// @return the other reading of two: to where both meet as its rival, and from there on as it. @param store for the
-/// claims from there on
-Reading rivalOf(const Reading &reading, std::deque<Claim> &store);
+/// decisions from there on
+Reading rivalOf(const Reading &reading, std::deque<Decision> &store);
 
 /// What counts like so many wrong words.
 namespace cost {
@@ -98,7 +98,7 @@ private:
   using Proposals = std::vector<Proposal>;
 
   static bool isBetter(const Reading &a, const Reading &b);
-  const Claim *claim(const Claim &made, const Claim *before);
+  const Decision *decide(const Decision &made, const Decision *before);
   void add(Readings &readings, const Reading &reading) const;
   void prune(Readings &readings) const;
 
@@ -151,7 +151,7 @@ private:
   Budget file_left;           ///< without what the list has
   Budget list_left = {};
   std::optional<Conventions> conventions = {}; ///< of this file, once they are asked for
-  std::deque<Claim> claims;
+  std::deque<Decision> decisions;
 };
 
 /// @return whether a file with such a header has version-2 lists.

@@ -241,12 +241,12 @@ bool Salvage::salvageList(std::size_t list, std::uint64_t begin, std::uint64_t s
       emptyList(list);
   }
   if (made.bytes.size() != made_begin)
-    spans[list] = {.sort = Claim::Sort::list, .begin = made_begin, .end = made.bytes.size(), .list = list};
+    spans[list] = {.sort = Decision::Sort::list, .begin = made_begin, .end = made.bytes.size(), .list = list};
   return true;
 }
 
 /// @return whether the records of a list of the salvaged file end within it. What was whole can be damaged, too.
-bool isSound(const FileBytes &file, const Claim &span, bool version_2) {
+bool isSound(const FileBytes &file, const Decision &span, bool version_2) {
   const ListLayout &layout = LAYOUT[span.list];
   const auto goOver = [&](const RecordAt &record, std::uint64_t &end) {
     if (record.begin + record.kind->fixed > span.end ||
@@ -286,10 +286,10 @@ std::optional<Salvaged> Salvage::salvage() {
   if (begin < file.size())
     lose(LIST_NUM, {}, std::to_string(file.size() - begin) + " bytes behind the last list");
   FileBytes written(made.bytes);
-  for (const Claim &span : spans)
+  for (const Decision &span : spans)
     if (span.end != 0 && !isSound(written, span, version_2))
       return std::nullopt;
-  made.changes = changesBefore(applyReading(written, {.claims = linkSpans(spans)}).changes, copied, file.size());
+  made.changes = changesBefore(applyReading(written, {.decisions = linkSpans(spans)}).changes, copied, file.size());
   cutLinks(written, spans, gone, made.losses);
   return std::move(made);
 }
