@@ -94,6 +94,8 @@ Damage damageOf(const Gap &gap, BytesView file) {
   const bool to_end = zeros.end == file.size();
   if (zeros.size() >= MANY_ZEROS || (to_end && zeros.size() != 0)) {
     damage.kind = to_end ? "cut-padded" : "zeros";
+    if (!to_end && zeros.size() < (gap.end - gap.begin) / 2) // what is damaged may have held zeros
+      damage.sure = Sure::possible;
     damage.begin = zeros.begin;
     damage.end = zeros.end;
     damage.what = counted(zeros.size(), "zero stands", "zeros stand") +

@@ -58,9 +58,10 @@ Bytes emptyRecord(const RecordLayout &kind, Word number, bool version_2) {
 
 class HoleSalvage {
 public:
-  HoleSalvage(const FileBytes &bytes, bool drops) : file(bytes), version_2(bytes.version() == VERSION_2), drop(drops) {}
+  HoleSalvage(const FileBytes &bytes, const HolesAsked &what)
+      : file(bytes), version_2(bytes.version() == VERSION_2), asked(what) {}
 
-  std::optional<Salvaged> salvage(bool sure);
+  std::optional<Salvaged> salvage();
 
 private:
   void lose(std::size_t list, std::optional<Word> element, std::string what) {
@@ -78,7 +79,7 @@ private:
 
   const FileBytes &file;
   bool version_2;
-  bool drop;
+  HolesAsked asked;
   Spans spans = {};
   Gone gone = {};
   Salvaged made = {};
@@ -129,9 +130,9 @@ bool HoleSalvage::makeElement(const FoundList &list, bool second, Word number) {
     copy(element.begin, element.begin + element.size);
     return true;
   }
-  if (element.isFound() && makeCut(list, kind, to, number, element))
+  if (asked.parts && element.isFound() && makeCut(list, kind, to, number, element))
     return true;
-  if (drop && list.list != 0 && LAYOUT[list.list].second == nullptr) {
+  if (asked.drop && list.list != 0 && LAYOUT[list.list].second == nullptr) {
     lose(list.list, named, "it lies in the hole: left out");
     return false;
   }
@@ -185,14 +186,17 @@ void HoleSalvage::makeBlocks(const FoundList &list, std::uint64_t head) {
   const auto [maker, user] = blockSizes(written, head + blocks_at);
   const std::vector<FoundElement> &elements = list.elements[list.elements[1].empty() ? 0 : 1];
   const std::uint64_t begin = list.end - std::min(list.end, maker + user);
+  const bool last_whole = !elements.empty() && elements.back().whole;
+  const std::uint64_t behind = last_whole ? elements.back().begin + elements.back().size : NOWHERE;
   const bool whole =
-      list.isFound() && list.table_whole &&
-      (elements.empty() || (elements.back().whole && elements.back().begin + elements.back().size <= begin));
+      list.isFound() && (list.table_whole ? elements.empty() || behind <= begin : maker + user != 0 && behind == begin);
   if (whole)
     return copy(begin, list.end);
   setBlockSizes(written, head + blocks_at, {});
   if (maker + user != 0)
     lose(list.list, {}, remainingText({maker + user, 0}, "bytes of the blocks"));
+  else if (!list.isFound() && last_whole && behind < list.end)
+    lose(list.list, {}, std::to_string(list.end - behind) + " bytes behind its last element, which may be its blocks");
 }
 
 /// Appends the head of a list, and room for its size table.
@@ -251,9 +255,9 @@ void HoleSalvage::tellParts() {
     lose(LIST_NUM, {}, "bytes that follow from others were missing or too many: made again");
 }
 
-std::optional<Salvaged> HoleSalvage::salvage(bool sure) {
+std::optional<Salvaged> HoleSalvage::salvage() {
   const Found found = locate(file);
-  if ((found.whole && !sure) || (file.size() < file[header_at::SIZE] && !found.behind)) // else it was cut
+  if ((found.whole && !asked.sure) || (file.size() < file[header_at::SIZE] && !found.behind)) // else it was cut
     return std::nullopt;
   append(made.bytes, file, 0, file[header_at::HEADER_SIZE]);
   for (const FoundList &list : found.lists)
@@ -268,9 +272,12 @@ std::optional<Salvaged> HoleSalvage::salvage(bool sure) {
 
 } // namespace
 
-std::optional<Salvaged> salvageHoles(const FileBytes &file, bool sure, bool drop) {
-  std::optional<Salvaged> made = HoleSalvage(file, drop).salvage(sure);
-  return made || !drop ? std::move(made) : HoleSalvage(file, false).salvage(sure);
+std::optional<Salvaged> salvageHoles(const FileBytes &file, HolesAsked asked) {
+  std::optional<Salvaged> made = HoleSalvage(file, asked).salvage();
+  if (made || !asked.drop)
+    return made;
+  asked.drop = false;
+  return HoleSalvage(file, asked).salvage();
 }
 
 } // namespace kova::mend

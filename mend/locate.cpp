@@ -80,16 +80,19 @@ void Locator::findHeads() {
     was_at += list.size;
     if (list.size == 0)
       continue;
+    const auto isAt = [&](std::int64_t tried, int enough) {
+      if (headAgreement(list, shifted(list.was_at, tried)) < enough)
+        return false;
+      list.begin = shifted(list.was_at, tried);
+      shift = tried;
+      found.behind |= tried != 0;
+      return true;
+    };
+    // One word that agrees may be chance: the two sizes of an empty list are the same.
     const std::int64_t step = moved < shift ? -1 : 1;
-    const std::uint64_t places = static_cast<std::uint64_t>((moved - shift) * step);
-    for (std::uint64_t i = 0; i <= places && !list.isFound(); ++i) {
-      const std::int64_t tried = i == 1 ? moved : shift + step * static_cast<std::int64_t>(i - (i > 1));
-      if (headAgreement(list, shifted(list.was_at, tried)) >= (i == 0 ? 1 : 2)) {
-        list.begin = shifted(list.was_at, tried);
-        shift = tried;
-        found.behind |= tried != 0;
-      }
-    }
+    bool is_found = isAt(shift, 2) || isAt(moved, 2) || isAt(shift, 1);
+    for (std::int64_t tried = shift; !is_found && tried != moved; tried += step)
+      is_found = isAt(tried, 2);
     found.lists.push_back(std::move(list));
   }
 }
@@ -195,7 +198,10 @@ void Locator::findByTags(FoundList &list) {
                               (numbers[1] != 0 ? numbers[1] * (layout.second->fixed + sizeof(Word)) : 0);
   list.numbers_known = list.isFound() && file[list.begin + list_at::HEADER_SIZE] == layout.head_bytes &&
                        layout.head_bytes + least <= list.size && (least != 0 || list.size == layout.head_bytes);
-  std::uint64_t at = list.isFound() ? list.begin + layout.head_bytes : shifted(list.was_at, std::min(shift, moved));
+  const std::uint64_t gone = static_cast<std::uint64_t>(-std::min({shift, moved, std::int64_t{0}}));
+  std::uint64_t at = list.isFound()        ? list.begin + layout.head_bytes
+                     : list.was_at >= gone ? shifted(list.was_at, std::min(shift, moved))
+                                           : 0; // so much is gone that it may begin anywhere
   for (const std::size_t i : {std::size_t{0}, std::size_t{1}}) {
     std::vector<FoundElement> &elements = list.elements[i];
     while (kinds[i] != nullptr && at + kinds[i]->fixed <= list.end) {

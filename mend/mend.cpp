@@ -129,18 +129,44 @@ Result mendAs(const std::vector<unsigned char> &bytes, FileBytes &file, const Re
 
 bool isMended(const Result &result) { return result.outcome == Outcome::good || result.outcome == Outcome::mended; }
 
+/// So many zeros around a word that is 0 and should not be are hardly its record's own.
+constexpr std::uint64_t MANY_ZEROS = 32;
+/// The same of a word that nothing else but a zero contradicts.
+constexpr std::uint64_t VERY_MANY_ZEROS = 128;
+
+/// The row of zeros that a word stands in, from byte to byte; not more of it than `most` bytes or so on either side.
+struct ZeroRow {
+  std::uint64_t begin;
+  std::uint64_t end;
+
+  ZeroRow(const FileBytes &file, std::uint64_t at, std::uint64_t most) : begin(at), end(at) {
+    while (begin >= sizeof(Word) && at - begin < most && file[begin - sizeof(Word)] == 0)
+      begin -= sizeof(Word);
+    while (end < file.size() && end - at < most && file[end] == 0)
+      end += sizeof(Word);
+  }
+  std::uint64_t size() const { return end - begin; }
+};
+
 /// @return whether a word that would be changed stands among so many zeros that they are not its record's own.
 bool standInZeros(const FileBytes &file, const std::vector<Change> &changes) {
-  constexpr std::uint64_t MANY = 32;
   return std::any_of(changes.begin(), changes.end(), [&](const Change &change) {
-    std::uint64_t begin = change.offset;
-    std::uint64_t end = change.offset;
-    while (begin >= sizeof(Word) && end - begin < MANY && file[begin - sizeof(Word)] == 0)
-      begin -= sizeof(Word);
-    while (end < file.size() && end - begin < MANY && file[end] == 0)
-      end += sizeof(Word);
-    return change.old_value == 0 && end - begin >= MANY;
+    return change.old_value == 0 && ZeroRow(file, change.offset, MANY_ZEROS).size() >= MANY_ZEROS;
   });
+}
+
+/// @return whether words that would be changed lie in a hole of zeros: two of them in one row, or one in a long one.
+/// The header can hold many zeros.
+bool lieInZeros(const FileBytes &file, const std::vector<Change> &changes) {
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    if (changes[i].old_value != 0 || changes[i].offset < file[header_at::HEADER_SIZE])
+      continue;
+    const ZeroRow row(file, changes[i].offset, VERY_MANY_ZEROS);
+    const bool has_two = i + 1 < changes.size() && changes[i + 1].offset < row.end;
+    if (row.size() >= (has_two ? MANY_ZEROS : VERY_MANY_ZEROS))
+      return true;
+  }
+  return false;
 }
 
 /// Mends a file of two readings: as the one that is asked for, or else as the one that leads to a good file, if the
@@ -157,6 +183,11 @@ Result mendAsEither(std::vector<unsigned char> &bytes, const Reading &reading, s
     FileBytes file(files[i]);
     results[i] = mendAs(files[i], file, readings[i], false);
   }
+  const auto is_withdrawn = [](const Result &result) {
+    return result.outcome == Outcome::hopeless && result.changes.empty();
+  };
+  if (asked == 0 && is_withdrawn(results[0]) && is_withdrawn(results[1]))
+    return std::move(results[0]);
   const bool first_good = isMended(results[0]);
   const std::size_t taken = asked != 0 ? asked - 1 : first_good ? 0 : 1;
   const FileBytes file(bytes);
@@ -223,16 +254,19 @@ bool hasHoles(std::vector<unsigned char> &bytes) {
   return found.behind || (found.strange && facts.stated == bytes.size());
 }
 
-/// @return whether the words that would be changed are neighbours, as in a hole and hardly else: four in a row, or two
-/// of three zeros in a row.
+/// @return whether the words that would be changed are neighbours, as in a hole and hardly else: four in a row, two of
+/// three in a row that are the same, or such as lie among zeros.
 bool areHole(std::vector<unsigned char> &bytes, const std::vector<Change> &changes) {
   const FileBytes file(bytes);
+  if (lieInZeros(file, changes))
+    return true;
   std::size_t row = 1;
   for (std::size_t i = 1; i < changes.size(); ++i) {
     const std::uint64_t at = changes[i - 1].offset;
+    const Word old = changes[i].old_value;
     row = changes[i].offset == at + sizeof(Word) ? row + 1 : 1;
-    const bool zeros = row > 1 && changes[i - 1].old_value == 0 && changes[i].old_value == 0;
-    if (row == 4 || (zeros && (file[at - 4] == 0 || file[at + 8] == 0)))
+    const bool same = row > 1 && changes[i - 1].old_value == old;
+    if (row == 4 || (same && (file[at - sizeof(Word)] == old || file[at + 2 * sizeof(Word)] == old)))
       return true;
   }
   return false;
@@ -240,19 +274,23 @@ bool areHole(std::vector<unsigned char> &bytes, const std::vector<Change> &chang
 
 constexpr const char *HOLED = "bytes in the middle of it are missing, strange or too many";
 
-/// Makes a file of what is left of one with holes. @param sure, drop whether there is one, also if all is in its place;
-/// whether elements in it are left out
-/// @return none if there is none, or if it would not audit OK.
-std::optional<Result> salvageHoled(std::vector<unsigned char> &bytes, bool sure, bool drop) {
+/// Makes a file of what is left of one with holes. @return none if there is none, or if it would not audit OK.
+std::optional<Result> salvageHoled(std::vector<unsigned char> &bytes, HolesAsked asked) {
   const HeaderFacts facts = headerFacts({bytes});
   if (facts.holding < HEADER_FACTS - 2 || facts.sum != facts.stated)
     return std::nullopt;
-  std::optional<Salvaged> salvaged = salvageHoles(FileBytes(bytes), sure, drop);
-  if (!salvaged || salvaged->losses.empty() || !auditBytes(salvaged->bytes).ok)
-    return std::nullopt;
-  bytes = std::move(salvaged->bytes);
-  return Result{
-      .outcome = Outcome::salvaged, .changes = std::move(salvaged->changes), .losses = std::move(salvaged->losses)};
+  for (const bool parts : {true, false}) { // words in a part can be wrong, too
+    asked.parts = parts;
+    std::optional<Salvaged> salvaged = salvageHoles(FileBytes(bytes), asked);
+    if (!salvaged || salvaged->losses.empty())
+      return std::nullopt;
+    if (!auditBytes(salvaged->bytes).ok)
+      continue;
+    bytes = std::move(salvaged->bytes);
+    return Result{
+        .outcome = Outcome::salvaged, .changes = std::move(salvaged->changes), .losses = std::move(salvaged->losses)};
+  }
+  return std::nullopt;
 }
 
 /// Mends a file as it is.
@@ -272,11 +310,13 @@ Result mendAsIs(std::vector<unsigned char> &bytes, const Asked &asked) {
   if (result.outcome == Outcome::ambiguous && stated > file.size())
     return salvageCut(bytes);
   if (result.outcome == Outcome::ambiguous)
-    return standInZeros(file, result.changes) ? salvageHoled(bytes, false, asked.drop).value_or(result) : result;
+    return standInZeros(file, result.changes)
+               ? salvageHoled(bytes, {.sure = false, .drop = asked.drop}).value_or(result)
+               : result;
   if (salvageShort(bytes, result))
     return result;
   setWords(file, result.changes, &Change::old_value);
-  if (std::optional<Result> holed = salvageHoled(bytes, false, asked.drop))
+  if (std::optional<Result> holed = salvageHoled(bytes, {.sure = false, .drop = asked.drop}))
     return std::move(*holed);
   if (stated > file.size())
     return salvageCut(bytes);
@@ -293,7 +333,7 @@ std::optional<Result> salvageHeaderless(std::vector<unsigned char> &bytes, const
   Result result = mendAsIs(made, {});
   if (!isMended(result)) {
     made = std::move(rebuilt->bytes);
-    std::optional<Result> holed = salvageHoled(made, true, asked.drop);
+    std::optional<Result> holed = salvageHoled(made, {.sure = true, .drop = asked.drop});
     if (!holed)
       return std::nullopt;
     result = std::move(*holed);
@@ -302,7 +342,10 @@ std::optional<Result> salvageHeaderless(std::vector<unsigned char> &bytes, const
     change.offset -= static_cast<std::uint64_t>(rebuilt->moved);
     return change.offset < rebuilt->gone || change.offset >= bytes.size();
   });
-  result.losses.insert(result.losses.begin(), {"FileHeader", {}, "it is gone: made again from what its lists say"});
+  std::string told = "it is gone: made again from what its lists say";
+  if (rebuilt->first != 0)
+    told += std::string("; nothing is left of the lists in front of ") + LISTS[rebuilt->first].name;
+  result.losses.insert(result.losses.begin(), {"FileHeader", {}, std::move(told)});
   result.outcome = Outcome::salvaged;
   result.header_gone = std::max<std::uint64_t>(rebuilt->gone, 1);
   bytes = std::move(made);
@@ -377,7 +420,8 @@ Result mendBytes(std::vector<unsigned char> &bytes, const Asked &asked) {
   const bool holed =
       !good && asked.reading == 0 && (hasHoles(bytes) || (isMended(result) && areHole(bytes, result.changes)));
   if (holed)
-    return asked.salvage ? salvageHoled(bytes, true, asked.drop).value_or(hopeless(HOLED)) : hopeless(HOLED);
+    return asked.salvage ? salvageHoled(bytes, {.sure = true, .drop = asked.drop}).value_or(hopeless(HOLED))
+                         : hopeless(HOLED);
   if (!isMended(result)) {
     if (const std::vector<Undoing> steps = findMendable(bytes); !steps.empty())
       return undoAndMend(bytes, steps, {});

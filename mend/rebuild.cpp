@@ -53,8 +53,7 @@ Word headBytes(std::size_t list) { return LAYOUT[list].head_bytes; }
 
 bool Rebuilder::beginsList(std::size_t list, std::uint64_t at) const {
   const Word size = file[at + list_at::SIZE];
-  return isListTag(list, file[at]) && file[at + list_at::HEADER_SIZE] == headBytes(list) && size >= headBytes(list) &&
-         size <= file.size() - at;
+  return isListTag(list, file[at]) && size >= headBytes(list) && size <= file.size() - at;
 }
 
 /// Follows the lists from one on. @return whether the last one ends with the file.
@@ -77,13 +76,14 @@ bool Rebuilder::followChain(std::uint64_t at) {
 }
 
 bool Rebuilder::findChain() {
-  std::array<Word, LIST_NUM> heads = {};
-  for (std::size_t list = 0; list < LIST_NUM; ++list)
-    heads[list] = headBytes(list);
-  const Word longest = *std::max_element(heads.begin(), heads.end());
-  const Word shortest = *std::min_element(heads.begin(), heads.end());
+  constexpr Word NOT_IN_TAGS = [] {
+    Word bits = 0;
+    for (const ListRow &list : LISTS)
+      bits |= list.tag;
+    return ~bits;
+  }();
   for (std::uint64_t at = 0; file.holds(at); ++at)
-    if (file[at + list_at::HEADER_SIZE] >= shortest && file[at + list_at::HEADER_SIZE] <= longest && followChain(at))
+    if (const Word tag = file[at]; tag != 0 && (tag & NOT_IN_TAGS) == 0 && followChain(at))
       return true;
   return false;
 }
@@ -102,7 +102,8 @@ std::uint64_t Rebuilder::endOfElements(const RecordLayout &kind, std::uint64_t a
   return at;
 }
 
-/// Looks for the elements between what is gone and the chain. They belong to one list in front of it.
+/// Looks for the elements between what is gone and the chain. They belong to one list in front of it, whose blocks may
+/// stand behind them.
 bool Rebuilder::findElements() {
   for (std::uint64_t at = 0; at < std::min(chain.begin, MOST_GONE) && steps_left != 0; ++at)
     for (std::size_t list = 1; list < chain.first; ++list)
@@ -112,7 +113,7 @@ bool Rebuilder::findElements() {
         std::uint64_t end = endOfElements(*kind, at, file[at + kind->index_at]);
         if (end != 0 && end < chain.begin && kind == LAYOUT[list].first && LAYOUT[list].second != nullptr)
           end = endOfElements(*LAYOUT[list].second, end, 0);
-        if (end != chain.begin)
+        if (end == 0)
           continue;
         chain.sizes[list] = headBytes(list) + static_cast<Word>(chain.begin - at);
         chain.first = list;
@@ -136,7 +137,7 @@ Rebuilt Rebuilder::makeFile(Word version) const {
     room += sizes[list] = headBytes(list);
   const bool lacks_head = !has_scene && !beginsList(chain.first, chain.begin);
   room += lacks_head ? headBytes(chain.first) : 0;
-  Rebuilt made = {.gone = chain.begin, .moved = static_cast<std::int64_t>(room - chain.begin)};
+  Rebuilt made = {.gone = chain.begin, .first = chain.first, .moved = static_cast<std::int64_t>(room - chain.begin)};
   if (header == chain.begin)
     made.bytes.assign(copy.begin(), copy.begin() + static_cast<std::ptrdiff_t>(header));
   made.bytes.resize(static_cast<std::size_t>(room));

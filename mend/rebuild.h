@@ -12,6 +12,7 @@ namespace kova::mend {
 struct Rebuilt {
   Bytes bytes = {};
   std::uint64_t gone = 0; ///< up to here nothing of the damaged file is left
+  std::size_t first = 0;  ///< list of which something is left
   std::int64_t moved = 0; ///< how far the rest has moved
 };
 

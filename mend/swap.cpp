@@ -53,8 +53,9 @@ public:
   std::vector<Undoing> find();
 
 private:
-  Broken firstBroken(const Found &found) const;
-  Broken firstBrokenElement(const FoundList &list) const;
+  Broken firstBroken(const Found &found);
+  Broken firstBrokenElement(const FoundList &list);
+  bool isSound(const RecordAt &spot, std::uint64_t end);
   bool isRight(const Broken &broken);
   bool isTableRight(const Broken &broken) const;
   bool isElementRight(const Broken &broken);
@@ -66,7 +67,8 @@ private:
   Bytes scratch;
   FileBytes file;
   bool version_2;
-  std::uint64_t left; ///< of what may be read
+  std::uint64_t left;  ///< of what may be read
+  bool strict = false; ///< records inside are looked at, too, as far as the words that are doubtful show them
   std::size_t tried = 0;
   std::optional<Undoing> found_way = {};
   Bytes original = {};
@@ -75,7 +77,14 @@ private:
 
 // --- What is wrong --------------------------------------------------------------------------------------------------
 
-Broken SwapSearch::firstBrokenElement(const FoundList &list) const {
+/// @return whether a record is whole, and its words agree with each other.
+bool SwapSearch::isSound(const RecordAt &spot, std::uint64_t end) {
+  std::uint64_t steps = end - spot.begin;
+  Walk walk(file, version_2, nullptr, steps);
+  return walk.over(spot) == end && !walk.broken && walk.faults == 0 && (!strict || walk.doubts == 0);
+}
+
+Broken SwapSearch::firstBrokenElement(const FoundList &list) {
   const std::uint64_t numbers = list.elements[0].size() + list.elements[1].size();
   std::uint64_t at = list.was_at;
   if (list.list != 0)
@@ -83,15 +92,16 @@ Broken SwapSearch::firstBrokenElement(const FoundList &list) const {
   for (const std::size_t second : {std::size_t{0}, std::size_t{1}})
     for (std::size_t i = 0; i < list.elements[second].size(); ++i) {
       const FoundElement &element = list.elements[second][i];
-      if (!element.whole)
-        return {Broken::Sort::element, &list,       &elementLayout(list.list, second != 0), at, at + element.size,
-                static_cast<Word>(i),  element.size};
+      const RecordLayout &kind = elementLayout(list.list, second != 0);
+      const bool whole = element.whole && (!strict || isSound({&kind, at, static_cast<Word>(i)}, at + element.size));
+      if (!whole)
+        return {Broken::Sort::element, &list, &kind, at, at + element.size, static_cast<Word>(i), element.size};
       at += element.size;
     }
   return {};
 }
 
-Broken SwapSearch::firstBroken(const Found &found) const {
+Broken SwapSearch::firstBroken(const Found &found) {
   for (const FoundList &list : found.lists) {
     const std::uint64_t head = LAYOUT[list.list].head_bytes;
     if (!isListTag(list.list, file[list.was_at]) || file[list.was_at + list_at::SIZE] != list.size)
@@ -119,10 +129,7 @@ bool SwapSearch::isElementRight(const Broken &broken) {
       (kind.index_at != NO_WORD && file[broken.begin + kind.index_at] != broken.number))
     return false;
   left -= std::min(left, broken.size / sizeof(Word));
-  std::uint64_t steps = broken.size;
-  Walk walk(file, version_2, nullptr, steps);
-  const std::uint64_t end = walk.over({&kind, broken.begin, broken.number});
-  return !walk.broken && walk.faults == 0 && end == broken.end;
+  return isSound({&kind, broken.begin, broken.number}, broken.end);
 }
 
 bool SwapSearch::isRight(const Broken &broken) {
@@ -172,7 +179,11 @@ void SwapSearch::tryAll(const Broken &broken, std::uint64_t block) {
 
 std::vector<Undoing> SwapSearch::find() {
   const Found found = locate(file);
-  const Broken broken = firstBroken(found);
+  Broken broken = firstBroken(found);
+  if (broken.sort == Broken::Sort::none) { // but perhaps what is in an element
+    strict = true;
+    broken = firstBroken(found);
+  }
   for (const std::uint64_t block : BLOCKS)
     if (broken.sort != Broken::Sort::none)
       tryAll(broken, block);

@@ -219,7 +219,7 @@ constexpr DamageKind KINDS[] = {
     {"block-doubled", Remedy::undone, 98, blockDoubled},
     {"blocks-swapped", Remedy::undone, 80, blocksSwapped},
     {"padded-cut", Remedy::salvaged, 98, paddedCut},
-    {"zero-block", Remedy::salvaged, 92, zeroBlock},
+    {"zero-block", Remedy::salvaged, 97, zeroBlock},
     {"strange-block", Remedy::salvaged, 92, strangeBlock},
     {"block-missing", Remedy::salvaged, 97, blockMissing},
     {"byte-dropped", Remedy::salvaged, 98, bytesDropped<1>},

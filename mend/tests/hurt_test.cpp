@@ -1,6 +1,7 @@
 /// Damage as it happens to whole files: how often the original comes back, or everything outside the hole.
 
 #include "samples/hurt.h"
+#include "mend/diagnose.h"
 #include "mend/tests/elements.h"
 
 #include <cstdio>
@@ -28,12 +29,13 @@ Bytes anyScene(std::uint32_t seed) {
   };
   const Word version = seed % 2 == 0 ? VERSION_1 : VERSION_2;
   std::string text = "SceneList CamList" + some("Cam ", 3) + "LightList" + some("Light { DirLight0*2 } ", 2) +
-                     "ObjList" + some("Obj obj_child_num=% ", 12) + "ShapeList" + some("Shape shape_part_num=% ", 6) +
-                     "VtxList" + some("VtxGroup vtx_num=% ", 8) + "TriList" + some("TriGroup { Tri*% } ", 5) +
-                     "VectorList" + some("TriNvGroup tri_nv_num=% ", 3) + "StList" + some("StGroup st_num=% ", 4) +
-                     "PartList" + some("Part part_tri_num=% ", 6) + "MatList" + some("Mat tex_num=2 ", 6) + "TexList" +
-                     some("Tex { TexStill } ", 4) + "TeximgList" + some("Teximg texels=16 ", 4) + "AnimList" +
-                     some("AnimGroup { AnimStep*% } ", 3) + "NameList" + some("Name text=part~number~% ", 12);
+                     (seed % 3 == 0 ? "ObjList U=8" : "ObjList") + some("Obj obj_child_num=% ", 12) + "ShapeList" +
+                     some("Shape shape_part_num=% ", 6) + "VtxList" + some("VtxGroup vtx_num=% ", 8) + "TriList" +
+                     some("TriGroup { Tri*% } ", 5) + "VectorList" + some("TriNvGroup tri_nv_num=% ", 3) + "StList" +
+                     some("StGroup st_num=% ", 4) + "PartList" + some("Part part_tri_num=% ", 6) + "MatList" +
+                     some("Mat tex_num=2 ", 6) + "TexList" + some("Tex { TexStill } ", 4) + "TeximgList" +
+                     some("Teximg texels=16 ", 4) + "AnimList" + some("AnimGroup { AnimStep*% } ", 3) + "NameList" +
+                     some("Name text=part~number~% ", 12);
   if (seed % 4 == 1)
     text += "EnvelopeList" + some("Envelope { WeightedPart affected_node_num=% EnvelopeTri*% } ", 2) + "WeightList" +
             some("WeightGroup weight_num=% ", 4) + "ExternalNameList" + some("Name text=other.kb ", 3);
@@ -44,6 +46,10 @@ Bytes anyScene(std::uint32_t seed) {
         const auto number = static_cast<Word>(0x3f000000 + random() % 0x2000000 + (random() % 2 << 31));
         harness::setWordAt(file.bytes, word.offset, random() % 200 == 0 ? 0x3f0d0a00 + (number & 0xff) : number);
       }
+  for (const samples::NamedWord &word : file.words)
+    if (seed % 5 == 2 && word.field == "list_header_size") // some programs count the size table in
+      harness::setWordAt(file.bytes, word.offset,
+                         harness::wordAt(file.bytes, word.offset) + 4 * harness::wordAt(file.bytes, word.offset + 8));
   return file.bytes;
 }
 
@@ -55,9 +61,25 @@ std::vector<Bytes> scenes() {
   return files;
 }
 
+/// @return a damage that is told of a file with a hole and cannot be: it is elsewhere, or of another kind.
+std::string falselyTold(const Bytes &original, const Hurt &hurt) {
+  constexpr std::size_t NEAR = 16; // words that agree by chance
+  const bool shorter = hurt.bytes.size() < original.size();
+  const bool longer = hurt.bytes.size() > original.size();
+  for (const Damage &damage : diagnose(hurt.bytes).damages) {
+    const std::string_view kind = damage.kind;
+    const bool is_near = damage.begin <= hurt.hole_end + NEAR && hurt.hole_begin <= damage.end + NEAR;
+    const bool is_placed = kind == "missing" || kind == "too-many" || kind == "zeros" || kind == "strange";
+    if ((is_placed && !is_near && damage.sure != Sure::possible) || (kind == "missing" && !shorter) ||
+        (kind == "too-many" && !longer))
+      return textOf(damage);
+  }
+  return "";
+}
+
 /// What became of the files with one kind of damage.
 struct Rate {
-  int total = 0, exact = 0, salvaged = 0, other = 0;
+  int total = 0, exact = 0, salvaged = 0, other = 0, falsely_told = 0;
 
   void count(const Bytes &original, const Hurt &hurt) {
     const Mending mending = mendAndCheck(hurt.bytes, true);
@@ -70,12 +92,14 @@ struct Rate {
       ++salvaged;
     else
       other += mending.result.outcome == Outcome::salvaged || mending.result.outcome == Outcome::mended;
+    if (hurt.hole_begin != 0)
+      falsely_told += !falselyTold(original, hurt).empty();
   }
 };
 
 TEST(Hurt, ComesBack) {
   const std::vector<Bytes> files = scenes();
-  std::printf("%-16s %8s %8s %8s %8s\n", "kind", "total", "exact", "salvaged", "other");
+  std::printf("%-16s %8s %8s %8s %8s %12s\n", "kind", "total", "exact", "salvaged", "other", "falsely told");
   for (const DamageKind &kind : samples::damageKinds()) {
     SCOPED_TRACE(kind.name);
     std::mt19937 random(7);
@@ -86,7 +110,9 @@ TEST(Hurt, ComesBack) {
         if (!auditsOk(hurt.bytes))
           rate.count(file, hurt);
       }
-    std::printf("%-16s %8d %8d %8d %8d\n", kind.name, rate.total, rate.exact, rate.salvaged, rate.other);
+    std::printf("%-16s %8d %8d %8d %8d %12d\n", kind.name, rate.total, rate.exact, rate.salvaged, rate.other,
+                rate.falsely_told);
+    EXPECT_LE(rate.falsely_told, rate.total / 50);
     EXPECT_GT(rate.total, 50);
     EXPECT_GE(rate.exact + (kind.remedy == Remedy::salvaged ? rate.salvaged : 0), kind.percent * rate.total / 100);
   }
