@@ -145,7 +145,8 @@ void compareRecords(Comparison &to, std::size_t list) {
     compareElements(to, secondSpaceOf(list), derives);
   found.changes.clear();
   if (!against.rules.ignore_gaps)
-    compareBytes(found, against, "", a.rest, a.begin + a.bytes - a.rest, b.rest, b.begin + b.bytes - b.rest);
+    to.is_wrong |=
+        compareBytes(found, against, "", a.rest, a.begin + a.bytes - a.rest, b.rest, b.begin + b.bytes - b.rest);
   tell(to, {nameOfList(list)}, std::move(found.changes));
 }
 

@@ -211,7 +211,7 @@ Matching spacesOf(const Matcher &from, const Side &a, const Side &b) {
 /// @return whether a link into a list leads to the same. Of a list that is cut the number counts, too.
 bool leadsToSame(const Space &space, Word a, Word b) {
   const bool is_in_a = a < space.to_b.size(), is_in_b = b < space.to_a.size();
-  return (is_in_a && space.to_b[a] == b) || (a == b && ((!is_in_a && !is_in_b) || space.is_cut));
+  return (is_in_a && is_in_b && space.to_b[a] == b) || (a == b && ((!is_in_a && !is_in_b) || space.is_cut));
 }
 
 } // namespace

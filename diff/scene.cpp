@@ -109,9 +109,11 @@ void loadLists(Side &side) {
     side.lists[list] = {.begin = at, .bytes = side.parts.lists[list]};
     at += side.parts.lists[list];
     const Word size = static_cast<Word>(side.parts.lists[list]);
+    const Word stated = side.is_led ? size : side.kis.file_header.*LISTS[list].size;
     if (size > 0)
-      loadList(side, input, list, side.is_led ? size : side.kis.file_header.*LISTS[list].size);
+      loadList(side, input, list, stated);
     measure(side, list);
+    side.failed += size == 0 && stated > 0;
   }
   if (side.version == VERSION_2)
     decodeMakers(side.kis);
@@ -188,8 +190,10 @@ void loadSide(Side &side, const std::string &path) {
 
 void loadLike(Side &damaged, const Side &good) {
   const bool is_like = good.is_scene && damaged.source.size == good.source.size && good.failed == 0;
-  const bool is_damaged = !damaged.is_scene || damaged.failed > 0 || damaged.parts.behind != good.parts.behind;
-  if (!is_like || !is_damaged || (damaged.is_scene && damaged.parts.lists == good.parts.lists))
+  const bool is_damaged = !damaged.is_scene || damaged.failed > 0 || !damaged.parts.whole_words ||
+                          damaged.parts.behind != good.parts.behind;
+  const bool is_there = damaged.parts.blocks == good.parts.blocks && damaged.parts.lists == good.parts.lists;
+  if (!is_like || !is_damaged || (damaged.is_scene && is_there))
     return;
   Side again = {
       .parts = good.parts, .version = good.version, .van_bytes = good.van_bytes, .is_scene = true, .is_led = true};

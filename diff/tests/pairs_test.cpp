@@ -1,0 +1,103 @@
+/// Every edit is told, and nothing else; what holds of all pairs of files holds of damaged ones.
+#include "diff/tests/edits.h"
+#include "mend/mend.h"
+#include "mend/tests/damage.h"
+#include "samples/made.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace kova::diff {
+namespace {
+
+/// Scenes without damage.
+const std::vector<Bytes> &scenes() {
+  static const std::vector<Bytes> SCENES = [] {
+    std::vector<Bytes> found;
+    for (const samples::File &file : mend::madeFiles())
+      found.push_back(file.bytes);
+    for (const samples::Made &made : samples::madeSamples()) {
+      const FindingReceiver receiver([](const Finding &) {});
+      if (const auto kis = kvNewKis(); kvOpenKbMemory(made.bytes, "", *kis))
+        found.push_back(made.bytes);
+    }
+    return found;
+  }();
+  return SCENES;
+}
+
+std::string joined(const std::vector<std::string> &lines) {
+  std::string text;
+  for (const std::string &line : lines)
+    text += line + '\n';
+  return text;
+}
+
+/// @return a changed word as kbrepair has it: without the record inside of the element that it stands in.
+std::string wordsOf(const Seen &seen) {
+  const auto number = [](const std::string &text) {
+    const bool hex = text.starts_with("0x");
+    return std::to_string(static_cast<Word>(std::stoll(hex ? text.substr(2) : text, nullptr, hex ? 16 : 10)));
+  };
+  const std::string &field = seen.change.field;
+  if (seen.change.what != What::value)
+    return seen.place.list + (' ' + field);
+  return seen.place.list + (' ' + field.substr(field.rfind('.') + 1)) + ' ' + number(seen.change.old_value) + " -> " +
+         number(seen.change.new_value);
+}
+
+void expectEdits(std::uint32_t first, std::uint32_t number) {
+  for (std::uint32_t seed = first; seed < first + number; ++seed) {
+    const EditedPair pair = editedPair(scenes()[seed % scenes().size()], seed);
+    const SeenAll forth = differencesOf(pair.a, pair.b);
+    ASSERT_EQ(joined(toldBy(forth)), joined(pair.expected)) << "pair " << seed;
+    SeenAll back = differencesOf(pair.b, pair.a);
+    for (Seen &seen : back)
+      seen = mirrored(seen);
+    ASSERT_EQ(linesOf(forth), linesOf(back)) << "pair " << seed << ", exchanged";
+  }
+}
+
+TEST(Pairs, everyEditIsToldAndNothingElse) { expectEdits(0, 300); }
+TEST(SlowPairs, everyEditIsToldAndNothingElse) { expectEdits(300, 10'000); }
+
+/// Any two files: damaged ones, and each with the one that it was made of.
+void expectWhole(std::uint32_t first, std::uint32_t number) {
+  for (std::uint32_t seed = first; seed < first + number; ++seed) {
+    const Bytes a = mend::damagedFile(seed),
+                b = seed % 3 == 0 ? mend::damagedFile(seed + 1) : scenes()[seed % scenes().size()];
+    ASSERT_EQ(brokenPair(a, b), "") << "pair " << seed;
+  }
+}
+
+TEST(Pairs, holdOfDamagedFiles) { expectWhole(0, 300); }
+TEST(SlowPairs, holdOfDamagedFiles) { expectWhole(300, 10'000); }
+
+/// What kbrepair changes is what is different: the same words, no more.
+void expectMended(std::uint32_t first, std::uint32_t number) {
+  std::size_t mended_files = 0;
+  for (std::uint32_t seed = first; seed < first + number; ++seed) {
+    const Bytes damaged = mend::damagedFile(seed);
+    Bytes mended = damaged;
+    const mend::Result result = mend::mendBytes(mended, {});
+    if (result.outcome != mend::Outcome::mended || !result.undone.empty())
+      continue;
+    ++mended_files;
+    std::vector<std::string> changed, told;
+    for (const mend::Change &change : result.changes)
+      changed.push_back(change.list + (' ' + change.field) + ' ' + std::to_string(change.old_value) + " -> " +
+                        std::to_string(change.new_value));
+    for (const Seen &seen : differencesOf(damaged, mended))
+      told.push_back(wordsOf(seen));
+    std::sort(changed.begin(), changed.end());
+    std::sort(told.begin(), told.end());
+    ASSERT_EQ(joined(told), joined(changed)) << "file " << seed;
+  }
+  EXPECT_GT(mended_files, number / 10);
+}
+
+TEST(Pairs, nameTheWordsThatWereMended) { expectMended(0, 500); }
+TEST(SlowPairs, nameTheWordsThatWereMended) { expectMended(500, 10'000); }
+
+} // namespace
+} // namespace kova::diff
