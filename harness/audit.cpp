@@ -70,6 +70,55 @@ std::size_t fitSizes(Bytes &file, std::span<const ListRow> lists, std::size_t le
   return left;
 }
 
+/// @param number of tiles, times 2; odd: the texture is animated
+void giveTiles(Tex &tex, Word number) {
+  tex.tex_anim = number % 2;
+  tex.tiles.tex_tile_img_num = tex.tex_anim * (number / 2);
+  tex.tiles.tex_tile_img_key.resize(tex.tiles.tex_tile_img_num);
+  tex.tiles.tex_tile_img_index.resize(tex.tiles.tex_tile_img_num);
+}
+
+/// Gives the records of one kind their blocks, and decodes these.
+void decodeExtension(Kis &kis, std::span<const unsigned char> input, const auto &give, const auto &giveAll) {
+  switch (input[0] % 8) {
+  case 0:
+    give(kis.scene);
+    kvSetupSceneListExt(kis.scene);
+    break;
+  case 1:
+    giveAll(kis.cam);
+    kvSetupCamExt(kis.cam);
+    break;
+  case 2:
+    giveAll(kis.obj);
+    kvSetupObjExt(kis.obj);
+    break;
+  case 3:
+    giveAll(kis.shape);
+    kvSetupShapeExt(kis.shape);
+    break;
+  case 4:
+    giveAll(kis.mat);
+    kvSetupMatExt(kis.mat);
+    break;
+  case 5:
+    giveAll(kis.tex);
+    for (Tex &tex : kis.tex.element)
+      giveTiles(tex, input[1] / 16);
+    kvSetupTexExt(kis.tex);
+    break;
+  case 6:
+    giveAll(kis.teximg);
+    for (Teximg &image : kis.teximg.element)
+      image.tex_img_size = image.van_ext_blk_size; // no texels
+    kvSetupTeximgExt(kis.teximg);
+    break;
+  default:
+    giveAll(kis.anim);
+    kvSetupAnimGroupExt(kis.anim);
+  }
+}
+
 } // namespace
 
 std::string auditFile(std::span<const unsigned char> input) {
@@ -119,47 +168,7 @@ std::string auditExtension(std::span<const unsigned char> input) {
     for (auto &element : list.element)
       give(element, &element == &list.element.back());
   };
-  switch (input[0] % 8) {
-  case 0:
-    give(kis.scene);
-    kvSetupSceneListExt(kis.scene);
-    break;
-  case 1:
-    giveAll(kis.cam);
-    kvSetupCamExt(kis.cam);
-    break;
-  case 2:
-    giveAll(kis.obj);
-    kvSetupObjExt(kis.obj);
-    break;
-  case 3:
-    giveAll(kis.shape);
-    kvSetupShapeExt(kis.shape);
-    break;
-  case 4:
-    giveAll(kis.mat);
-    kvSetupMatExt(kis.mat);
-    break;
-  case 5:
-    giveAll(kis.tex);
-    for (Tex &tex : kis.tex.element) {
-      tex.tex_anim = input[1] / 16 % 2;
-      tex.tiles.tex_tile_img_num = tex.tex_anim * (input[1] / 32);
-      tex.tiles.tex_tile_img_key.resize(tex.tiles.tex_tile_img_num);
-      tex.tiles.tex_tile_img_index.resize(tex.tiles.tex_tile_img_num);
-    }
-    kvSetupTexExt(kis.tex);
-    break;
-  case 6:
-    giveAll(kis.teximg);
-    for (Teximg &image : kis.teximg.element)
-      image.tex_img_size = image.van_ext_blk_size; // no texels
-    kvSetupTeximgExt(kis.teximg);
-    break;
-  default:
-    giveAll(kis.anim);
-    kvSetupAnimGroupExt(kis.anim);
-  }
+  decodeExtension(kis, input, give, giveAll);
   return checkAndDump(kis);
 }
 

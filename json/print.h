@@ -109,6 +109,20 @@ template <class Form, class Item> Columns columnsOf(const Printing &to, const st
   return {stored & ~derived & ~constant, constant & ~derived};
 }
 
+/// Prints words of a record as [...].
+template <class Head> void printRow(Text &out, const Head &head, const std::vector<const Slot *> &shown) {
+  char *const begin = room(out, sizeof head / sizeof(Word) * (WORD_CHARACTERS + 3) + 2);
+  char *at = begin;
+  *at++ = '[';
+  for (const Slot *const slot : shown) {
+    if (slot != shown[0])
+      *at++ = ',';
+    at = writeSlot(at, *slot, reinterpret_cast<const unsigned char *>(&head) + slot->first * sizeof(Word));
+  }
+  *at++ = ']';
+  out.used += static_cast<std::size_t>(at - begin);
+}
+
 /// Prints records as {"all": {...}, "words": [...], "rows": [[...], ...]}.
 template <class Form, class Item> void printRows(Printing &to, const std::vector<Item> &items) {
   constexpr auto &ALL = SLOTS<Form::words>;
@@ -137,16 +151,7 @@ template <class Form, class Item> void printRows(Printing &to, const std::vector
   open(to.out, '[');
   for (const typename Form::Head &head : items) {
     nextItem(to.out);
-    char *const begin = room(to.out, sizeof head / sizeof(Word) * (WORD_CHARACTERS + 3) + 2);
-    char *at = begin;
-    *at++ = '[';
-    for (const Slot *const slot : shown) {
-      if (slot != shown[0])
-        *at++ = ',';
-      at = writeSlot(at, *slot, reinterpret_cast<const unsigned char *>(&head) + slot->first * sizeof(Word));
-    }
-    *at++ = ']';
-    to.out.used += static_cast<std::size_t>(at - begin);
+    printRow(to.out, head, shown);
   }
   close(to.out, ']');
   close(to.out, '}');

@@ -102,11 +102,10 @@ Word Reader::firstByTags(std::size_t list, std::uint64_t table, std::uint64_t at
 
 /// Reads a list whose count is wrong: its first element tells how long the size table is.
 void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings &readings) {
-  const ListLayout &layout = LAYOUT[list];
   const std::uint64_t begin = before.at;
-  const std::uint64_t table = begin + layout.head_bytes;
-  const Word first = file[begin + list_at::COUNT];
-  const Word second = layout.second != nullptr ? file[begin + list_at::SECOND_COUNT] : 0;
+  const ListView view(file, list, begin);
+  const std::uint64_t table = view.entry(0);
+  const auto first = static_cast<Word>(view.first), second = static_cast<Word>(view.second);
   const auto follow = [&](Word new_first, Word new_second) {
     if (new_first == first && new_second == second)
       return;
@@ -118,19 +117,19 @@ void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings 
                  reading.decisions);
     };
     if (new_first != first)
-      change(list_at::COUNT, layout.count_name, new_first);
+      change(list_at::COUNT, view.layout.count_name, new_first);
     if (new_second != second)
-      change(list_at::SECOND_COUNT, layout.second_count_name, new_second);
+      change(list_at::SECOND_COUNT, view.layout.second_count_name, new_second);
     readNumbered(list, reading, new_first, new_second, readings);
   };
-  for (const RecordLayout *const kind : {layout.first, layout.second}) {
+  for (const RecordLayout *const kind : {view.layout.first, view.layout.second}) {
     std::uint64_t at = table;
     for (int i = 0; kind != nullptr && i < MOST_BEGINNINGS && (at = find(at, list_end, kind->tag, 0)) != 0;
          ++i, at += sizeof(Word)) {
       const auto together = static_cast<Word>((at - table) / sizeof(Word));
       if (together >= second)
         follow(together - second, second);
-      if (layout.second == nullptr)
+      if (view.layout.second == nullptr)
         continue;
       if (together >= first)
         follow(first, together - first);
@@ -139,7 +138,7 @@ void Reader::readOtherNumbers(std::size_t list, const Reading &before, Readings 
     }
   }
   follow(0, second);
-  if (layout.second != nullptr)
+  if (view.layout.second != nullptr)
     follow(first, 0);
 }
 

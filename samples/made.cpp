@@ -180,52 +180,49 @@ void add(File &file, const std::string &kind, std::size_t number, const std::str
   setWord(file, kind, number, field, getWord(file, kind, number, field) + delta);
 }
 
-const std::vector<Damage> &damages() {
-  static const std::vector<Damage> DAMAGES = {
-      {"cut", 0x100, [](File &file) { file.bytes.resize(file.bytes.size() / 2); }},
-      {"extra", 0x100, [](File &file) { file.bytes.resize(file.bytes.size() + 12); }},
-      {"header-size", 0x100, [](File &file) { add(file, "FileHeader", 0, "file_header_num", 4); }},
-      {"list-size", 0x100, [](File &file) { add(file, "FileHeader", 0, "mat_list_num", 4); }},
-      {"list-tag", 0x100, [](File &file) { setWord(file, "ShapeList", 0, "list_tag", 0x00020000); }},
-      {"element-tag", 0x100, [](File &file) { setWord(file, "Obj", 1, "obj_tag", 0x00030100); }},
-      {"index", 0x100, [](File &file) { setWord(file, "Obj", 2, "this_obj_index", 7); }},
-      {"count", 0x100, [](File &file) { setWord(file, "Part", 0, "part_tri_num", 1000); }},
-      {"size-table", 0x100, [](File &file) { add(file, "MatList", 0, "num_byte[1]", 8); }},
-      {"light-type", 0x100, [](File &file) { setWord(file, "Light", 1, "light_type", 3); }},
-      {"object-size", 0x100,
-       [](File &file) {
-         add(file, "ObjList", 0, "num_byte[0]", 4); // the sizes of the list agree, the object's content does not
-         add(file, "ObjList", 0, "num_byte[1]", ~Word{3});
-         add(file, "Obj", 0, "obj_size", 4);
-         add(file, "Obj", 1, "obj_size", ~Word{3});
-       }},
-      {"triangle-count", 0x100, [](File &file) { add(file, "Tri", 1, "usr_ext_blk_size", 3); }},
-      {"version", 0x300, [](File &) {}},
-      {"maker-block-missing", 0x200, [](File &file) { setWord(file, "Cam", 1, "van_ext_blk_size", 0); }},
-      {"maker-block-short", 0x200, [](File &file) { setWord(file, "ObjExt", 0, "external_obj_num", 2); }},
-      {"envelope", 0x200, [](File &file) { add(file, "WeightedPart", 0, "size", 4); }},
-      {"external-name-tag", 0x200, [](File &file) { setWord(file, "ExternalNameList", 0, "list_tag", 0x00110000); }},
-      {"header-tag", 0x100, [](File &file) { setWord(file, "FileHeader", 0, "header_tag", 1); }},
-      {"scene-size", 0x100, [](File &file) { add(file, "SceneList", 0, "scene_size", 4); }},
-      {"color-size", 0x100, [](File &file) { add(file, "ColorList", 0, "vtx_group_size[0]", 4); }},
-      {"name-tag", 0x100, [](File &file) { setWord(file, "Name", 1, "name_tag", 0x00110000); }},
-      {"scene-block-short", 0x200, [](File &file) { setWord(file, "SceneListExt", 0, "external_obj_num", 2); }},
-      {"list-size-2", 0x200, [](File &file) { add(file, "FileHeaderExt", 0, "external_name_list_num", 4); }},
-      {"skin", 0x200,
-       [](File &file) {
-         add(file, "CiImg", 0, "size", 4);
-         add(file, "Envelope", 1, "size", 4);
-         for (const char *const part : {"FullWeightedPart", "WeightedPart", "MorphPart", "ChainRoot", "WeightGroup"})
-           add(file, part, 0, "size", 4);
-         add(file, "EnvelopeTri", 1, "envelope_tri_size", 4);
-         add(file, "Cluster", 1, "size", 4);
-         add(file, "ClusterTri", 0, "cluster_tri_size", 4);
-         add(file, "ClusterShape", 1, "size", 4);
-       },
-       SKINNED},
-  };
-  return DAMAGES;
-}
+const Damage DAMAGES[] = {
+    {"cut", 0x100, [](File &file) { file.bytes.resize(file.bytes.size() / 2); }},
+    {"extra", 0x100, [](File &file) { file.bytes.resize(file.bytes.size() + 12); }},
+    {"header-size", 0x100, [](File &file) { add(file, "FileHeader", 0, "file_header_num", 4); }},
+    {"list-size", 0x100, [](File &file) { add(file, "FileHeader", 0, "mat_list_num", 4); }},
+    {"list-tag", 0x100, [](File &file) { setWord(file, "ShapeList", 0, "list_tag", 0x00020000); }},
+    {"element-tag", 0x100, [](File &file) { setWord(file, "Obj", 1, "obj_tag", 0x00030100); }},
+    {"index", 0x100, [](File &file) { setWord(file, "Obj", 2, "this_obj_index", 7); }},
+    {"count", 0x100, [](File &file) { setWord(file, "Part", 0, "part_tri_num", 1000); }},
+    {"size-table", 0x100, [](File &file) { add(file, "MatList", 0, "num_byte[1]", 8); }},
+    {"light-type", 0x100, [](File &file) { setWord(file, "Light", 1, "light_type", 3); }},
+    {"object-size", 0x100,
+     [](File &file) {
+       add(file, "ObjList", 0, "num_byte[0]", 4); // the sizes of the list agree, the object's content does not
+       add(file, "ObjList", 0, "num_byte[1]", ~Word{3});
+       add(file, "Obj", 0, "obj_size", 4);
+       add(file, "Obj", 1, "obj_size", ~Word{3});
+     }},
+    {"triangle-count", 0x100, [](File &file) { add(file, "Tri", 1, "usr_ext_blk_size", 3); }},
+    {"version", 0x300, [](File &) {}},
+    {"maker-block-missing", 0x200, [](File &file) { setWord(file, "Cam", 1, "van_ext_blk_size", 0); }},
+    {"maker-block-short", 0x200, [](File &file) { setWord(file, "ObjExt", 0, "external_obj_num", 2); }},
+    {"envelope", 0x200, [](File &file) { add(file, "WeightedPart", 0, "size", 4); }},
+    {"external-name-tag", 0x200, [](File &file) { setWord(file, "ExternalNameList", 0, "list_tag", 0x00110000); }},
+    {"header-tag", 0x100, [](File &file) { setWord(file, "FileHeader", 0, "header_tag", 1); }},
+    {"scene-size", 0x100, [](File &file) { add(file, "SceneList", 0, "scene_size", 4); }},
+    {"color-size", 0x100, [](File &file) { add(file, "ColorList", 0, "vtx_group_size[0]", 4); }},
+    {"name-tag", 0x100, [](File &file) { setWord(file, "Name", 1, "name_tag", 0x00110000); }},
+    {"scene-block-short", 0x200, [](File &file) { setWord(file, "SceneListExt", 0, "external_obj_num", 2); }},
+    {"list-size-2", 0x200, [](File &file) { add(file, "FileHeaderExt", 0, "external_name_list_num", 4); }},
+    {"skin", 0x200,
+     [](File &file) {
+       add(file, "CiImg", 0, "size", 4);
+       add(file, "Envelope", 1, "size", 4);
+       for (const char *const part : {"FullWeightedPart", "WeightedPart", "MorphPart", "ChainRoot", "WeightGroup"})
+         add(file, part, 0, "size", 4);
+       add(file, "EnvelopeTri", 1, "envelope_tri_size", 4);
+       add(file, "Cluster", 1, "size", 4);
+       add(file, "ClusterTri", 0, "cluster_tri_size", 4);
+       add(file, "ClusterShape", 1, "size", 4);
+     },
+     SKINNED},
+};
 
 } // namespace
 
@@ -236,7 +233,7 @@ std::vector<Made> madeSamples() {
                             {"empty", buildScene(EMPTY).bytes},
                             {"small-1", buildScene(SMALL_1).bytes},
                             {"small-2", buildScene(SMALL_2).bytes}};
-  for (const Damage &damage : damages()) {
+  for (const Damage &damage : DAMAGES) {
     File file = buildScene(damage.scene);
     setWord(file, "FileHeader", 0, "version", damage.version);
     damage.inflict(file);

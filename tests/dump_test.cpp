@@ -91,50 +91,51 @@ TEST(Dump, SaysWhenOneWriteFails) {
   }
 }
 
+using Edit = void (*)(Kis &);
+constexpr Edit EDITS[] = {
+    [](Kis &kis) { kis.scene.scene_obj_link_num = 0; },
+    [](Kis &kis) { kis.scene.ext->external_obj_num = 0; },
+    [](Kis &kis) { kis.light.element[0].dir_light_num = 0; },
+    [](Kis &kis) { kis.obj.element[0].obj_lod_num = 0; },
+    [](Kis &kis) { kis.obj.element[0].ext->obj_chain_root_link_num = 0; },
+    [](Kis &kis) { kis.obj.element[0].ext->external_lod_obj_num = 0; },
+    [](Kis &kis) { kis.vtx.element[0].vtx_num = 0; },
+    [](Kis &kis) { kis.tri.element[0].tri_num = 0; },
+    [](Kis &kis) { kis.tri.element[1].tri_anim_frame_num = 0; },
+    [](Kis &kis) { kis.color.vtx_group_num = 0; },
+    [](Kis &kis) { kis.part.element[0].part_tri_num = 0; },
+    [](Kis &kis) { kis.mat.element[0].ext->external_tex_num = 0; },
+    [](Kis &kis) { kis.mat.element[0].ext->prim_color_anim_num = 0; },
+    [](Kis &kis) { kis.tex.element[1].ext->use_color_palette = 0; },
+    [](Kis &kis) { kis.tex.element[1].ext->external_tex_img_num = 0; },
+    [](Kis &kis) { kis.teximg.element[0].tex_img_size -= 12; },
+    [](Kis &kis) { kis.teximg.element[0].ext->mipmap_max_level = 0; },
+    [](Kis &kis) { kis.anim.element[2].anim_num = 0; },
+    [](Kis &kis) { kis.anim.element[2].ext->rotate_axis_num = 0; },
+    [](Kis &kis) { kis.anim.element[2].ext->classic_scale_num = 0; },
+    [](Kis &kis) { kis.switch_.element[0].case_node_num = 0; },
+    [](Kis &kis) { kis.ci_img.element[0].ci_img_width = 0; },
+    [](Kis &kis) { kis.envelope.element[0].weighted_part[0].affected_node_num = 0; },
+    [](Kis &kis) { kis.envelope.element[0].morph_part[0].table_num = 0; },
+    [](Kis &kis) { kis.cluster.element[0].cluster_num = 0; },
+    [](Kis &kis) { kis.weight.element[0].weight_num = 0; },
+    [](Kis &kis) { kis.joint.element[0].obj_num = 0; },
+    [](Kis &kis) { kis.effector.element[0].external_obj_num = 0; },
+    [](Kis &kis) { kis.tri.element[0].tri[1].van_ext_blk_size = 0; },
+};
+
 /// A program that has lowered a count or a size in a model sees as much as that says.
 TEST(Dump, PrintsAsMuchAsAnEditedCountSays) {
-  using Edit = void (*)(Kis &);
-  const Edit edits[] = {
-      [](Kis &kis) { kis.scene.scene_obj_link_num = 0; },
-      [](Kis &kis) { kis.scene.ext->external_obj_num = 0; },
-      [](Kis &kis) { kis.light.element[0].dir_light_num = 0; },
-      [](Kis &kis) { kis.obj.element[0].obj_lod_num = 0; },
-      [](Kis &kis) { kis.obj.element[0].ext->obj_chain_root_link_num = 0; },
-      [](Kis &kis) { kis.obj.element[0].ext->external_lod_obj_num = 0; },
-      [](Kis &kis) { kis.vtx.element[0].vtx_num = 0; },
-      [](Kis &kis) { kis.tri.element[0].tri_num = 0; },
-      [](Kis &kis) { kis.tri.element[1].tri_anim_frame_num = 0; },
-      [](Kis &kis) { kis.color.vtx_group_num = 0; },
-      [](Kis &kis) { kis.part.element[0].part_tri_num = 0; },
-      [](Kis &kis) { kis.mat.element[0].ext->external_tex_num = 0; },
-      [](Kis &kis) { kis.mat.element[0].ext->prim_color_anim_num = 0; },
-      [](Kis &kis) { kis.tex.element[1].ext->use_color_palette = 0; },
-      [](Kis &kis) { kis.tex.element[1].ext->external_tex_img_num = 0; },
-      [](Kis &kis) { kis.teximg.element[0].tex_img_size -= 12; },
-      [](Kis &kis) { kis.teximg.element[0].ext->mipmap_max_level = 0; },
-      [](Kis &kis) { kis.anim.element[2].anim_num = 0; },
-      [](Kis &kis) { kis.anim.element[2].ext->rotate_axis_num = 0; },
-      [](Kis &kis) { kis.anim.element[2].ext->classic_scale_num = 0; },
-      [](Kis &kis) { kis.switch_.element[0].case_node_num = 0; },
-      [](Kis &kis) { kis.ci_img.element[0].ci_img_width = 0; },
-      [](Kis &kis) { kis.envelope.element[0].weighted_part[0].affected_node_num = 0; },
-      [](Kis &kis) { kis.envelope.element[0].morph_part[0].table_num = 0; },
-      [](Kis &kis) { kis.cluster.element[0].cluster_num = 0; },
-      [](Kis &kis) { kis.weight.element[0].weight_num = 0; },
-      [](Kis &kis) { kis.joint.element[0].obj_num = 0; },
-      [](Kis &kis) { kis.effector.element[0].external_obj_num = 0; },
-      [](Kis &kis) { kis.tri.element[0].tri[1].van_ext_blk_size = 0; },
-  };
   // What a count of a maker block no longer takes in stands among its raw words, so these are not looked at; the rows
   // about raw words and texels show in the whole dump.
   const auto decoded = [](const std::string &dump) { return linesWithout(linesWithout(dump, "0"), "[").size(); };
-  for (const Edit &edit : edits) {
+  for (const Edit &edit : EDITS) {
     Kis kis;
     ASSERT_EQ(loadBytes(goodFile2().bytes, kis), 1);
     const std::string before = test::dumpOf(kis);
     edit(kis);
     const std::string after = test::dumpOf(kis);
-    EXPECT_TRUE(decoded(after) + 3 < decoded(before) || after.size() + 3 < before.size()) << "edit " << &edit - edits;
+    EXPECT_TRUE(decoded(after) + 3 < decoded(before) || after.size() + 3 < before.size()) << "edit " << &edit - EDITS;
   }
 }
 

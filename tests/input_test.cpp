@@ -204,55 +204,60 @@ TEST(Input, BlocksOfAnUnknownVersionAreNotRead) {
   EXPECT_LE(source.given, 8192U) << "what the stream's own buffer takes in";
 }
 
-/// Between its two openings a file is replaced in every way.
+namespace fs = std::filesystem;
+
+constexpr const char *NO_DESCRIPTOR = "it cannot be opened";
+constexpr const char *CHANGED = "Input File Has Changed\n";
+constexpr const char *NO_FILE = "Input File Open Error\n";
+
+/// What happens to a file between its two openings.
+struct Replacement {
+  const char *name;
+  void (*replace)(const std::string &path, const Bytes &bytes);
+  const char *errors;
+};
+constexpr Replacement REPLACEMENTS[] = {
+    {"left alone", [](const std::string &, const Bytes &) {}, ""},
+    {"an equal file in its place",
+     [](const std::string &path, const Bytes &bytes) {
+       const ScratchFile other(bytes);
+       fs::rename(other.path, path);
+     },
+     CHANGED},
+    {"longer by a byte", [](const std::string &path, const Bytes &bytes) { fs::resize_file(path, bytes.size() + 1); },
+     CHANGED},
+    {"written again",
+     [](const std::string &path, const Bytes &) {
+       std::this_thread::sleep_for(std::chrono::milliseconds(20)); // the clock of files goes in steps
+       fs::last_write_time(path, fs::file_time_type::min());
+     },
+     CHANGED},
+    {"gone", [](const std::string &path, const Bytes &) { fs::remove(path); }, NO_FILE},
+    {"a pipe that nobody writes to",
+     [](const std::string &path, const Bytes &) {
+       fs::remove(path);
+       ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+     },
+     CHANGED},
+    {"a folder",
+     [](const std::string &path, const Bytes &) {
+       fs::remove(path);
+       fs::create_directory(path);
+     },
+     CHANGED},
+    {NO_DESCRIPTOR, [](const std::string &, const Bytes &) {}, NO_FILE},
+};
+
 TEST(Input, AFileThatIsReplacedIsToldAndNotMixed) {
-  namespace fs = std::filesystem;
   const Bytes bytes = build(0x200, "CiImgList { CiImg }").bytes;
-  const char *const NO_DESCRIPTOR = "it cannot be opened";
-  struct Row {
-    const char *name;
-    std::function<void(const std::string &)> replace;
-    const char *errors;
-  };
-  const Row rows[] = {
-      {"left alone", [](const std::string &) {}, ""},
-      {"an equal file in its place",
-       [&](const std::string &path) {
-         const ScratchFile other(bytes);
-         fs::rename(other.path, path);
-       },
-       "Input File Has Changed\n"},
-      {"longer by a byte", [&](const std::string &path) { fs::resize_file(path, bytes.size() + 1); },
-       "Input File Has Changed\n"},
-      {"written again",
-       [&](const std::string &path) {
-         std::this_thread::sleep_for(std::chrono::milliseconds(20)); // the clock of files goes in steps
-         fs::last_write_time(path, fs::file_time_type::min());
-       },
-       "Input File Has Changed\n"},
-      {"gone", [](const std::string &path) { fs::remove(path); }, "Input File Open Error\n"},
-      {"a pipe that nobody writes to",
-       [](const std::string &path) {
-         fs::remove(path);
-         ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
-       },
-       "Input File Has Changed\n"},
-      {"a folder",
-       [](const std::string &path) {
-         fs::remove(path);
-         fs::create_directory(path);
-       },
-       "Input File Has Changed\n"},
-      {NO_DESCRIPTOR, [](const std::string &) {}, "Input File Open Error\n"},
-  };
   struct rlimit usual;
   ::getrlimit(RLIMIT_NOFILE, &usual);
-  for (const Row &row : rows) {
+  for (const Replacement &row : REPLACEMENTS) {
     SCOPED_TRACE(row.name);
     const ScratchFile file(bytes);
     Kis kis;
     EXPECT_EQ(kvOpenKb1(file.path.c_str(), kis), 1);
-    row.replace(file.path);
+    row.replace(file.path, bytes);
     int second = -1;
     EXPECT_EQ(capture([&] {
                 const struct rlimit none = {row.name == NO_DESCRIPTOR ? 0 : usual.rlim_cur, usual.rlim_max};

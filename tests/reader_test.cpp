@@ -84,27 +84,29 @@ TEST(Reader, GoesOnBehindAnOddNumberOfTexels) {
 
 // --- The handle -----------------------------------------------------------------------------------------------------
 
+/// @return the names of the lines of the dump that change where an element grows by 8; all of them do so by 8.
+std::string grownWords(Kis &kis, Word index, Word tag) {
+  const std::string before = dumpOf(kis);
+  kvAdjustListSizeData(kis, index, 8, tag);
+  const std::string after = dumpOf(kis);
+  kvAdjustListSizeData(kis, index, -8, tag);
+  EXPECT_TRUE(sameText(dumpOf(kis), before));
+  std::istringstream was(before), is(after);
+  std::string names, a, b;
+  while (std::getline(was, a) && std::getline(is, b))
+    if (a != b) {
+      const std::size_t value = a.find_last_of(' ', a.find_last_not_of(' '));
+      EXPECT_EQ(std::stol(b.substr(value)), std::stol(a.substr(value)) + 8) << b;
+      names += a.substr(0, a.find(' ')) + " ";
+    }
+  return names;
+}
+
 TEST(Reader, KeepsSizesConsistentAfterAnEdit) {
   const File file = goodFile2();
   Kis kis;
   loadBytes(file.bytes, kis);
-  // The lines in which two dumps differ, by their names; every one must have grown by 8.
-  const auto grown = [&](Word index, Word tag) {
-    const std::string before = dumpOf(kis);
-    kvAdjustListSizeData(kis, index, 8, tag);
-    const std::string after = dumpOf(kis);
-    kvAdjustListSizeData(kis, index, -8, tag);
-    EXPECT_TRUE(sameText(dumpOf(kis), before));
-    std::istringstream was(before), is(after);
-    std::string names, a, b;
-    while (std::getline(was, a) && std::getline(is, b))
-      if (a != b) {
-        const std::size_t value = a.find_last_of(' ', a.find_last_not_of(' '));
-        EXPECT_EQ(std::stol(b.substr(value)), std::stol(a.substr(value)) + 8) << b;
-        names += a.substr(0, a.find(' ')) + " ";
-      }
-    return names;
-  };
+  const auto grown = [&](Word index, Word tag) { return grownWords(kis, index, tag); };
   for (const NamedWord &word : file.words)
     if (word.field == "list_tag" && word.kind != "VectorList") {
       SCOPED_TRACE(word.kind);
@@ -240,7 +242,11 @@ TEST(Primitives, ReadWithinTheBuffer) {
   EXPECT_TRUE(none.empty()) << "pairs that are not all there leave nothing";
   kvSetNoExternal(pairs[0]);
   EXPECT_TRUE(pairs[0].file_name == -1 && pairs[0].name == -1);
+}
 
+TEST(Primitives, ReadAreasTexelsAndBlocks) {
+  const Words words = {7, 8, 9, 1, 2, 3};
+  Cursor cursor;
   Words area;
   Word *behind = nullptr;
   const Word *const result = kvReadArea(cursor = cursorOver(words), area, behind, 10, 2);

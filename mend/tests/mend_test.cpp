@@ -252,42 +252,43 @@ TEST(Mend, WordsThatNobodyLooksAtMayBeAnything) {
 
 // --- Examples -------------------------------------------------------------------------------------------------------
 
+constexpr const char *EXAMPLES[][3] = {
+    {"levels of detail and children can stand in for each other", "ObjList { Obj obj_lod_num=2 obj_child_num=2 }",
+     "Obj 0 obj_child_num 4"},
+    {"both of a list's sizes against its elements", "EnvList { Env }",
+     "EnvList 0 list_size +8; FileHeader 0 env_list_num +8"},
+    {"the count of a list by its first element", "EnvList { Env Env Env }", "EnvList 0 num -1"},
+    {"a huge count of a list", "EnvList { Env Env Env }", "EnvList 0 num 0x7fffffff"},
+    {"the second count of a list with two kinds",
+     "ColorList { TriColorGroup TriColorGroup VtxColorGroup VtxColorGroup }", "ColorList 0 tri_group_num 1"},
+    {"both counts of a list with two kinds: the tags tell them apart",
+     "ColorList { TriColorGroup TriColorGroup VtxColorGroup VtxColorGroup }",
+     "ColorList 0 tri_group_num 0 vtx_group_num -3"},
+    {"an element that is counted is not taken for a block", "AnimList { AnimGroup type=4 { AnimNode*2 } }",
+     "AnimList 0 usr_ext_blk_size -1 num_byte[0] -93; AnimGroup 0 anim_group_tag -1 this_anim_group_index -1"},
+    {"a list's size in the header and its own", "EnvList { Env }  CamList { Cam }",
+     "EnvList 0 list_size 4; FileHeader 0 env_list_num 8"},
+};
+constexpr const char *SHORT[] = {
+    "SceneList V=16 U=8",
+    "CamList { Cam Cam V=20 U=4 Cam }",
+    "ObjList { Obj V=0 U=4 }",
+    "ShapeList U=8 { Shape V=4 shape_part_num=2 }",
+    "MatList { Mat V=100 }",
+    "TexList { Tex V=16 U=4 { TexStill } }",
+    "TeximgList { Teximg texels=8 V=0 U=4 Teximg }",
+    "AnimList { AnimGroup V=8 }",
+};
+
 /// Several words that are wrong, maker blocks that are too short, and what becomes of every bundled sample.
 TEST(Mend, Examples) {
-  constexpr const char *CASES[][3] = {
-      {"levels of detail and children can stand in for each other", "ObjList { Obj obj_lod_num=2 obj_child_num=2 }",
-       "Obj 0 obj_child_num 4"},
-      {"both of a list's sizes against its elements", "EnvList { Env }",
-       "EnvList 0 list_size +8; FileHeader 0 env_list_num +8"},
-      {"the count of a list by its first element", "EnvList { Env Env Env }", "EnvList 0 num -1"},
-      {"a huge count of a list", "EnvList { Env Env Env }", "EnvList 0 num 0x7fffffff"},
-      {"the second count of a list with two kinds",
-       "ColorList { TriColorGroup TriColorGroup VtxColorGroup VtxColorGroup }", "ColorList 0 tri_group_num 1"},
-      {"both counts of a list with two kinds: the tags tell them apart",
-       "ColorList { TriColorGroup TriColorGroup VtxColorGroup VtxColorGroup }",
-       "ColorList 0 tri_group_num 0 vtx_group_num -3"},
-      {"an element that is counted is not taken for a block", "AnimList { AnimGroup type=4 { AnimNode*2 } }",
-       "AnimList 0 usr_ext_blk_size -1 num_byte[0] -93; AnimGroup 0 anim_group_tag -1 this_anim_group_index -1"},
-      {"a list's size in the header and its own", "EnvList { Env }  CamList { Cam }",
-       "EnvList 0 list_size 4; FileHeader 0 env_list_num 8"},
-  };
-  constexpr const char *SHORT[] = {
-      "SceneList V=16 U=8",
-      "CamList { Cam Cam V=20 U=4 Cam }",
-      "ObjList { Obj V=0 U=4 }",
-      "ShapeList U=8 { Shape V=4 shape_part_num=2 }",
-      "MatList { Mat V=100 }",
-      "TexList { Tex V=16 U=4 { TexStill } }",
-      "TeximgList { Teximg texels=8 V=0 U=4 Teximg }",
-      "AnimList { AnimGroup V=8 }",
-  };
   std::string golden;
   const auto add = [&](const std::string &what, const Bytes &file, const Bytes &original, bool salvage) {
     const Mending mending = mendAndCheck(file, salvage);
     EXPECT_EQ(mending.broken, "") << what;
     golden += what + ": " + (mending.bytes == original ? "as it was, " : "") + storyOf(mending);
   };
-  for (const auto &[what, text, edits] : CASES) {
+  for (const auto &[what, text, edits] : EXAMPLES) {
     const File original = samples::build(VERSION_1, text, samples::LinkWords::none);
     add(what, samples::edited(original, edits).bytes, original.bytes, false);
   }

@@ -223,48 +223,49 @@ TEST(SurveyDeep, EveryWord) {
 
 // --- Several words --------------------------------------------------------------------------------------------------
 
+struct Edited {
+  const char *edits;
+  Lines findings;
+};
+const Edited EDITS[] = {
+    {"Obj 0 obj_state 1", {}},
+    // the first float that is not finite, the first key that is too early
+    {"VtxGroup 6 vtx[8] 0xffc00000; VtxGroup 6 vtx[2] 0xff800000; Cam 2 cam_fovy 0x7f7fffff", {"float-not-finite 6"}},
+    {"AnimKey 1 key 2", {"keys-out-of-order 0"}},
+    {"TriGroup 6 st_anim_key[1] 0xfffffffb", {"keys-out-of-order 6"}},
+    // of the groups that a reference names, the smallest; one that is not there has a finding of its own
+    {"TriGroup 6 vtx_group_index[1] 1; Tri 0 vtx_index2 1", {}},
+    {"TriGroup 6 vtx_group_index[1] 1; Tri 0 vtx_index2 2", {"tri-vtx-index2 6"}},
+    {"TriGroup 7 vtx_group_index[0] 99; Tri 1 vtx_index2 99", {"tri-group-vtx-link 7"}},
+    {"TriGroup 6 st_group_index[0] 99; Tri 0 st_index0 99", {"tri-group-st-link 6"}},
+    // none has nothing to use, unless another frame or key names one
+    {"TriGroup 7 st_group_index[0] 0xffffffff; Tri 1 st_index2 0", {"tri-st-index2 7"}},
+    {"TriGroup 6 st_group_index[0] 0xffffffff; Tri 0 st_index2 0", {"tri-st-index2 6"}},
+    {"TriGroup 6 vtx_group_index[1] 0xffffffff; Tri 0 vtx_index2 2", {}},
+    // a collision's data ends where it ends, whatever its kind; what follows is the next collision
+    {"Coll 8 this_coll_index 0x7fc00000", {}},
+    {"Coll 9 this_coll_index 0x7fc00000 coll_tag 0x000d1000; Sphere 1 radius 0x7fc00000", {"float-not-finite 1"}},
+    {"Coll 10 coll_type 99", {}},
+    // any part with the number of a corner's will do that has groups, and any of its groups: the one of 3 vertices
+    {"WeightedPart 1 group_index[1] 1; EnvelopeTri 0 vtx[2] 2", {}},
+    {"WeightedPart 1 group_index[0] 1 group_index[1] 1; EnvelopeTri 0 vtx[2] 2", {"envelope-vtx-index 1"}},
+    {"WeightedPart 1 group_index[0] 0xffffffff; EnvelopeTri 0 vtx[2] 0", {"envelope-vtx-index 1"}},
+    {"WeightedPart 1 group_index[0] 99; EnvelopeTri 0 vtx[2] 99", {"skin-vtx-link 1"}},
+    {"WeightedPart 1 weight_group_index[1] 99; EnvelopeTri 0 vtx[6] 99", {"weighted-weight-link 1"}},
+    {"ClusterTri 0 vtx[1] 0xffffffff vtx[2] 99", {}},
+    // the tree
+    {"Obj 0 obj_parent_link 2", {"object-parent 0"}},
+    {"Obj 0 obj_parent_link 0xffffffff", {"object-parent 0"}},
+    {"Obj 1 obj_parent_link 4", {"object-parent 1"}},
+    {"Obj 3 child_link[0] 0", {"object-twice-child 0"}}, // the other parent is the one that it names
+    {"Obj 3 child_link[0] 3; Obj 3 obj_parent_link 3", {"object-circle 3"}},
+    {"Obj 3 child_link[0] 4; Obj 4 obj_parent_link 3; Obj 4 child_link[0] 3; Obj 3 obj_parent_link 4; "
+     "Obj 0 obj_parent_link 0xffffffff",
+     {"object-circle 3"}},
+};
+
 TEST(SurveyDeep, Edits) {
-  struct Case {
-    const char *edits;
-    Lines findings;
-  };
-  const Case CASES[] = {
-      {"Obj 0 obj_state 1", {}},
-      // the first float that is not finite, the first key that is too early
-      {"VtxGroup 6 vtx[8] 0xffc00000; VtxGroup 6 vtx[2] 0xff800000; Cam 2 cam_fovy 0x7f7fffff", {"float-not-finite 6"}},
-      {"AnimKey 1 key 2", {"keys-out-of-order 0"}},
-      {"TriGroup 6 st_anim_key[1] 0xfffffffb", {"keys-out-of-order 6"}},
-      // of the groups that a reference names, the smallest; one that is not there has a finding of its own
-      {"TriGroup 6 vtx_group_index[1] 1; Tri 0 vtx_index2 1", {}},
-      {"TriGroup 6 vtx_group_index[1] 1; Tri 0 vtx_index2 2", {"tri-vtx-index2 6"}},
-      {"TriGroup 7 vtx_group_index[0] 99; Tri 1 vtx_index2 99", {"tri-group-vtx-link 7"}},
-      {"TriGroup 6 st_group_index[0] 99; Tri 0 st_index0 99", {"tri-group-st-link 6"}},
-      // none has nothing to use, unless another frame or key names one
-      {"TriGroup 7 st_group_index[0] 0xffffffff; Tri 1 st_index2 0", {"tri-st-index2 7"}},
-      {"TriGroup 6 st_group_index[0] 0xffffffff; Tri 0 st_index2 0", {"tri-st-index2 6"}},
-      {"TriGroup 6 vtx_group_index[1] 0xffffffff; Tri 0 vtx_index2 2", {}},
-      // a collision's data ends where it ends, whatever its kind; what follows is the next collision
-      {"Coll 8 this_coll_index 0x7fc00000", {}},
-      {"Coll 9 this_coll_index 0x7fc00000 coll_tag 0x000d1000; Sphere 1 radius 0x7fc00000", {"float-not-finite 1"}},
-      {"Coll 10 coll_type 99", {}},
-      // any part with the number of a corner's will do that has groups, and any of its groups: the one of 3 vertices
-      {"WeightedPart 1 group_index[1] 1; EnvelopeTri 0 vtx[2] 2", {}},
-      {"WeightedPart 1 group_index[0] 1 group_index[1] 1; EnvelopeTri 0 vtx[2] 2", {"envelope-vtx-index 1"}},
-      {"WeightedPart 1 group_index[0] 0xffffffff; EnvelopeTri 0 vtx[2] 0", {"envelope-vtx-index 1"}},
-      {"WeightedPart 1 group_index[0] 99; EnvelopeTri 0 vtx[2] 99", {"skin-vtx-link 1"}},
-      {"WeightedPart 1 weight_group_index[1] 99; EnvelopeTri 0 vtx[6] 99", {"weighted-weight-link 1"}},
-      {"ClusterTri 0 vtx[1] 0xffffffff vtx[2] 99", {}},
-      // the tree
-      {"Obj 0 obj_parent_link 2", {"object-parent 0"}},
-      {"Obj 0 obj_parent_link 0xffffffff", {"object-parent 0"}},
-      {"Obj 1 obj_parent_link 4", {"object-parent 1"}},
-      {"Obj 3 child_link[0] 0", {"object-twice-child 0"}}, // the other parent is the one that it names
-      {"Obj 3 child_link[0] 3; Obj 3 obj_parent_link 3", {"object-circle 3"}},
-      {"Obj 3 child_link[0] 4; Obj 4 obj_parent_link 3; Obj 4 child_link[0] 3; Obj 3 obj_parent_link 4; "
-       "Obj 0 obj_parent_link 0xffffffff",
-       {"object-circle 3"}},
-  };
-  for (const Case &tried : CASES)
+  for (const Edited &tried : EDITS)
     EXPECT_EQ(deepFindings(edited(consistentScene(), tried.edits).bytes), tried.findings) << tried.edits;
 }
 

@@ -110,51 +110,52 @@ TEST(SurveyReport, MembersThatAreNotKnownAreSkipped) {
   EXPECT_EQ(resultOf(line), result) << line;
 }
 
+struct Change {
+  const char *from, *to;
+};
+constexpr Change CHANGES[] = {
+    {"\"path\":\"", "\"path\":\"\\\\n"}, // an escape that nothing makes
+    {"\"path\":\"", "\"path\":7,\"x\":\""},
+    {"\"bytes\":123456", "\"bytes\":-1"},
+    {"\"bytes\":123456", "\"bytes\":null"},
+    {"\"verdict\":\"ERR\"", "\"verdict\":\"err\""},
+    {"\"verdict\":\"ERR\"", "\"verdict\":\"none\""}, // without a reason
+    {"\"reason\":null", "\"reason\":\"unreadable\""},
+    {"\"reason\":null", "\"reason\":\"bored\""},
+    {"\"deep\":true", "\"deep\":1"},
+    {"\"repair\":\"mended\"", "\"repair\":\"\""},
+    {"\"repair\":\"mended\"", "\"repair\":\"good\""},
+    {"\"repair\":\"mended\"", "\"repair\":null"}, // with a number of words
+    {"\"repair\":\"mended\",", ""},
+    {"\"repair_words\":12", "\"repair_words\":null"},
+    {"\"repair_words\":12", "\"repair_words\":-1"},
+    {"\"repair_words\":12", "\"repair_words\":11"},  // fewer than changes
+    {"\"repair_undone\":2", "\"repair_undone\":13"}, // more than all
+    {"\"repair_changes\":[", "\"repair_changes\":[1,"},
+    {"\"verdict\":\"ERR\"", "\"verdict\":\"OK\""}, // but it can be mended
+    {"\"element\":0", "\"element\":4294967296"},
+    {"\"stage\":\"check\"", "\"stage\":\"chess\""},
+    {"\"path\":\"", "\"path\":\"\\u0000"},
+    {"\"modified\":\"17", "\"modified\":\"+17"},
+    {".000000001\"", ".00000001\""},
+    {"\"version\":\"2.0\"", "\"version\":\"3.0\""},
+    {"\"version\":\"2.0\"", "\"version\":null"},
+    {"\"list\":\"ObjList\"", "\"list\":\"\""},
+    {"\"id\":\"element-size\"", "\"id\":\"element--size\""},
+    {"\"id\":\"element-size\"", "\"id\":\"Element\""},
+    {"\"b\":1", "\"b\":0"},
+    {"\"b\":1", "\"-b\":1"},
+    {"\"id\":\"element-size\"", "\"id\":\"\""},
+    {"\"counts\":{", "\"counts\":{\"a\":\"b\","},
+    {"\"counts\":{", "\"counts\":{\"\\\\\":1,"},
+    {"\"element-size\":20", "\"element-size\":17"}, // fewer than findings
+    {"\"findings\":[", "\"findings\":[1,"},
+    {"{\"path\"", "[{\"path\""},
+};
+
 /// Each is one change to a line that is right.
 TEST(SurveyReport, WhatIsNoResultIsRefused) {
   const std::string line = jsonLine(hostileResult(1));
-  struct Change {
-    const char *from, *to;
-  };
-  constexpr Change CHANGES[] = {
-      {"\"path\":\"", "\"path\":\"\\\\n"}, // an escape that nothing makes
-      {"\"path\":\"", "\"path\":7,\"x\":\""},
-      {"\"bytes\":123456", "\"bytes\":-1"},
-      {"\"bytes\":123456", "\"bytes\":null"},
-      {"\"verdict\":\"ERR\"", "\"verdict\":\"err\""},
-      {"\"verdict\":\"ERR\"", "\"verdict\":\"none\""}, // without a reason
-      {"\"reason\":null", "\"reason\":\"unreadable\""},
-      {"\"reason\":null", "\"reason\":\"bored\""},
-      {"\"deep\":true", "\"deep\":1"},
-      {"\"repair\":\"mended\"", "\"repair\":\"\""},
-      {"\"repair\":\"mended\"", "\"repair\":\"good\""},
-      {"\"repair\":\"mended\"", "\"repair\":null"}, // with a number of words
-      {"\"repair\":\"mended\",", ""},
-      {"\"repair_words\":12", "\"repair_words\":null"},
-      {"\"repair_words\":12", "\"repair_words\":-1"},
-      {"\"repair_words\":12", "\"repair_words\":11"},  // fewer than changes
-      {"\"repair_undone\":2", "\"repair_undone\":13"}, // more than all
-      {"\"repair_changes\":[", "\"repair_changes\":[1,"},
-      {"\"verdict\":\"ERR\"", "\"verdict\":\"OK\""}, // but it can be mended
-      {"\"element\":0", "\"element\":4294967296"},
-      {"\"stage\":\"check\"", "\"stage\":\"chess\""},
-      {"\"path\":\"", "\"path\":\"\\u0000"},
-      {"\"modified\":\"17", "\"modified\":\"+17"},
-      {".000000001\"", ".00000001\""},
-      {"\"version\":\"2.0\"", "\"version\":\"3.0\""},
-      {"\"version\":\"2.0\"", "\"version\":null"},
-      {"\"list\":\"ObjList\"", "\"list\":\"\""},
-      {"\"id\":\"element-size\"", "\"id\":\"element--size\""},
-      {"\"id\":\"element-size\"", "\"id\":\"Element\""},
-      {"\"b\":1", "\"b\":0"},
-      {"\"b\":1", "\"-b\":1"},
-      {"\"id\":\"element-size\"", "\"id\":\"\""},
-      {"\"counts\":{", "\"counts\":{\"a\":\"b\","},
-      {"\"counts\":{", "\"counts\":{\"\\\\\":1,"},
-      {"\"element-size\":20", "\"element-size\":17"}, // fewer than findings
-      {"\"findings\":[", "\"findings\":[1,"},
-      {"{\"path\"", "[{\"path\""},
-  };
   ASSERT_TRUE(resultOf(line));
   for (const auto &[from, to] : CHANGES) {
     std::string changed = line;
