@@ -49,7 +49,8 @@ are. Of a file that was cut, it can keep what is left.")
 kova_program_package(kbjson json "turns KOVA scene files into JSON, and back"
 "kbjson prints such a file as a JSON document and writes the file that such a
 document is about. Every file comes back byte for byte. Sizes, counts and tags
-may be left out of a document that is edited; they are computed.")
+may be left out of a document that is edited; they are computed. The package
+also describes the format to Kaitai Struct, ImHex, file and desktops.")
 
 set(library_package libkova${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME ${library_package})

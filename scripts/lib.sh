@@ -157,11 +157,11 @@ configure_and_build() {
   cmake --build "$tree" --target "$target"
 }
 
-# install_axe: puts axe-core, which looks at kbsurvey's page, into the tree, in the version that its tests name.
-install_axe() {
-  local from=$root/survey/tests/axe to=$tree/axe
+# install_modules FOLDER NAME: puts packages of npm into the tree, in the versions that the folder of the tests names.
+install_modules() {
+  local from=$root/$1 to=$tree/$2
   here npm && ! cmp -s "$from/package-lock.json" "$to/node_modules/package-lock.json" || return 0
-  mkdir -p "$to" && cp "$from"/package*.json "$to" && timed "installing axe-core" npm ci --prefix "$to" --no-audit --no-fund &&
+  mkdir -p "$to" && cp "$from"/package*.json "$to" && timed "installing $2" npm ci --prefix "$to" --no-audit --no-fund &&
     cp "$from/package-lock.json" "$to/node_modules"
 }
 

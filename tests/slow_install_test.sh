@@ -39,8 +39,8 @@ same "files" "$(sed '/^$/d' <<END | sort
 bin/kbaudit
 $(files_if KOVA_SURVEY kbsurvey docs/{survey,report}.md survey/report.schema.json)
 $(files_if KOVA_REPAIR kbrepair docs/repair.md)
-$(files_if KOVA_JSON kbjson docs/json.md)
-$([ "$(cached KOVA_JSON)" != ON ] || echo share/kova/kbjson.schema.json)
+$(files_if KOVA_JSON kbjson docs/{json,tools}.md)
+$([ "$(cached KOVA_JSON)" != ON ] || printf 'share/kova/%s\n' kbjson.schema.json kova.{ksy,hexpat,magic,xml})
 $(cd "$SOURCE_DIR" && printf "%s\n" include/kova/*.h)
 $(printf 'lib/%s\n' libkova.{a,so,"so.${version%%.*}","so.$version"} pkgconfig/kova.pc \
   cmake/kova/kova{Config,ConfigVersion,Targets,Targets-release}.cmake)
