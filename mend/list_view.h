@@ -57,7 +57,7 @@ struct ListView {
   }
   /// @return whether the list is so long by its size table and its blocks.
   bool addsUpTo(const FileBytes &file, std::uint64_t size) const {
-    if (number() > size / sizeof(Word))
+    if (elements() > file.size()) // the table does not lie within the file
       return false;
     std::uint64_t sum = entry(number()) - begin + blockSizes(file, begin + layout.blocks_at).sum();
     for (std::uint64_t i = 0; i < number(); ++i)

@@ -14,11 +14,16 @@ namespace {
 constexpr std::int64_t MOST_SHIFTS = 64;
 /// How much may be gone over, compared with the file.
 constexpr std::uint64_t GO_OVER = 64;
+/// Bytes of the smallest element with its entry in the size table.
+constexpr std::uint64_t SMALLEST_ELEMENT = 20;
+/// At how many places heads of lists are looked for, compared with the bytes of the file.
+constexpr std::uint64_t LOOK_AT = 8;
 
 class Locator {
 public:
   explicit Locator(const FileBytes &bytes)
       : file(bytes), version_2(bytes.version() == VERSION_2), steps_left(GO_OVER * bytes.size()),
+        places_left(LOOK_AT * bytes.size()), elements_left(bytes.size() / SMALLEST_ELEMENT),
         moved(static_cast<std::int64_t>(bytes.size()) - static_cast<std::int64_t>(bytes[header_at::SIZE])) {}
 
   Found locate();
@@ -47,8 +52,10 @@ private:
   const FileBytes &file;
   bool version_2;
   std::uint64_t steps_left;
-  std::int64_t moved;     ///< by how much the file is too long
-  std::int64_t shift = 0; ///< of what was found last
+  std::uint64_t places_left;
+  std::uint64_t elements_left; ///< as many as there can be: a number that is wrong promises any
+  std::int64_t moved;          ///< by how much the file is too long
+  std::int64_t shift = 0;      ///< of what was found last
   Found found = {};
 };
 
@@ -89,10 +96,18 @@ void Locator::findHeads() {
       return true;
     };
     // One word that agrees may be chance: the two sizes of an empty list are the same.
-    const std::int64_t step = moved < shift ? -1 : 1;
     bool is_found = isAt(shift, 2) || isAt(moved, 2) || isAt(shift, 1);
-    for (std::int64_t tried = shift; !is_found && tried != moved; tried += step)
+    // It is looked for only where it lies within the file: the header may say anything.
+    const auto was = static_cast<std::int64_t>(list.was_at);
+    const std::int64_t least = std::max(-was, std::min(shift, moved));
+    const std::int64_t most = std::min(static_cast<std::int64_t>(file.size()) - was, std::max(shift, moved));
+    const std::int64_t step = moved < shift ? -1 : 1;
+    for (std::int64_t tried = step < 0 ? most : least; !is_found && tried >= least && tried <= most; tried += step) {
+      if (places_left == 0)
+        break;
+      --places_left;
       is_found = isAt(tried, 2);
+    }
     found.lists.push_back(std::move(list));
   }
 }
@@ -121,7 +136,7 @@ int Locator::agreement(const RecordLayout &kind, std::uint64_t at, Word number, 
 /// @return whether an element stands at a place, as its tag and its own words say.
 bool Locator::isElement(const RecordLayout &kind, std::uint64_t at, Word number, std::uint64_t end) {
   const Word size = file[at + kind.size_at];
-  if (!isElementTag(kind, file[at]) || file[at + kind.index_at] - number > end / kind.fixed || size < kind.fixed ||
+  if (!isElementTag(kind, file[at]) || file[at + kind.index_at] - number >= elements_left || size < kind.fixed ||
       at + kind.fixed > end)
     return false;
   Walk walk(file, version_2, nullptr, steps_left);
@@ -194,10 +209,13 @@ void Locator::findByTags(FoundList &list) {
     numbers[0] = file[list.begin + list_at::COUNT];
     numbers[1] = layout.second != nullptr ? file[list.begin + list_at::SECOND_COUNT] : 0;
   }
-  const std::uint64_t least = numbers[0] * (layout.first->fixed + sizeof(Word)) +
-                              (numbers[1] != 0 ? numbers[1] * (layout.second->fixed + sizeof(Word)) : 0);
-  list.numbers_known = list.isFound() && file[list.begin + list_at::HEADER_SIZE] == layout.head_bytes &&
-                       layout.head_bytes + least <= list.size && (least != 0 || list.size == layout.head_bytes);
+  const std::uint64_t table = (numbers[0] + numbers[1]) * sizeof(Word);
+  const std::uint64_t least =
+      table + numbers[0] * layout.first->fixed + (numbers[1] != 0 ? numbers[1] * layout.second->fixed : 0);
+  const Word head = list.isFound() ? file[list.begin + list_at::HEADER_SIZE] : 0;
+  list.numbers_known = (head == layout.head_bytes || head == layout.head_bytes + table) &&
+                       layout.head_bytes + least <= list.size && (least != 0 || list.size == layout.head_bytes) &&
+                       numbers[0] + numbers[1] <= elements_left;
   const std::uint64_t gone = static_cast<std::uint64_t>(-std::min({shift, moved, std::int64_t{0}}));
   std::uint64_t at = list.isFound()        ? list.begin + layout.head_bytes
                      : list.was_at >= gone ? shifted(list.was_at, std::min(shift, moved))
@@ -211,13 +229,17 @@ void Locator::findByTags(FoundList &list) {
         ++next;
       if (next + kinds[i]->fixed > list.end)
         break;
+      elements_left -= file[next + kinds[i]->index_at] + std::uint64_t{1} - number;
       elements.resize(file[next + kinds[i]->index_at] + std::size_t{1});
       const Word size = file[next + kinds[i]->size_at];
       elements.back() = {next, wholeWords(*kinds[i], size)};
       at = next + elements.back().size;
     }
-    if (list.numbers_known)
-      elements.resize(std::max<std::size_t>(elements.size(), static_cast<std::size_t>(numbers[i])));
+    if (list.numbers_known && numbers[i] > elements.size()) {
+      const std::uint64_t more = std::min(numbers[i] - elements.size(), elements_left);
+      elements.resize(elements.size() + static_cast<std::size_t>(more));
+      elements_left -= more;
+    }
   }
 }
 

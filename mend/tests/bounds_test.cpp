@@ -1,6 +1,6 @@
 /// What mending costs at worst: files made so that as much as possible has to be tried.
 
-#include "mend/mend.h"
+#include "mend/diagnose.h"
 #include "mend/tests/damage.h"
 
 #include <ctime>
@@ -87,6 +87,78 @@ TEST(Bounds, TimeOfMending) {
       }
   }
   std::printf("time of mending: up to %.2f s a megabyte\n", worst);
+}
+
+// --- What is done to whole files ------------------------------------------------------------------------------------
+
+void put(Bytes &file, std::size_t at, const Bytes &more) {
+  file.insert(file.begin() + static_cast<std::ptrdiff_t>(at), more.begin(), more.end());
+}
+
+/// Sixteen bytes too many, and eight places at which so many stand twice.
+void doubleBlocks(Bytes &file) {
+  const std::size_t begin = file.size() - BULK;
+  for (std::size_t i = 0; i < BULK; ++i)
+    file[begin + i] = static_cast<unsigned char>(i % 4096 < 32 && i < 8 * 4096 ? i / 4096 : i % 251);
+  put(file, begin, Bytes(16));
+}
+
+/// Four places in front of it at which a header could stand, too.
+void addFronts(Bytes &file) {
+  const Bytes header(file.begin(), file.begin() + 144);
+  for (int i = 0; i < 4; ++i)
+    put(file, 0, header);
+  put(file, 0, {1});
+}
+
+void exchange(Bytes &file, std::size_t one, std::size_t other) {
+  std::swap_ranges(file.begin() + static_cast<std::ptrdiff_t>(one),
+                   file.begin() + static_cast<std::ptrdiff_t>(one + 512),
+                   file.begin() + static_cast<std::ptrdiff_t>(other));
+}
+
+/// What can lie upon a file that is damaged in its words, too: all of it is tried.
+struct Layer {
+  const char *name;
+  void (*apply)(Bytes &file);
+};
+constexpr Layer LAYERS[] = {
+    {"behind", [](Bytes &file) { file.resize(file.size() + 1000, 'x'); }},
+    {"in front", [](Bytes &file) { put(file, 0, Bytes(77, 'x')); }},
+    {"fronts", addFronts},
+    {"doubled", doubleBlocks},
+    {"doubled, fronts", [](Bytes &file) { doubleBlocks(file), addFronts(file); }},
+    {"version", [](Bytes &file) { setWordAt(file, 0, 0x77777777); }},
+    {"header", [](Bytes &file) { std::fill_n(file.begin(), 100, static_cast<unsigned char>(0)); }},
+    {"header gone", [](Bytes &file) { file.erase(file.begin(), file.begin() + 100); }},
+    {"hole", [](Bytes &file) { std::fill_n(file.begin() + 1024, 512, static_cast<unsigned char>(0x55)); }},
+    {"missing", [](Bytes &file) { file.erase(file.begin() + 1024, file.begin() + 1100); }},
+    {"too many", [](Bytes &file) { put(file, 1024, Bytes(76, 0x55)); }},
+    {"swapped", [](Bytes &file) { exchange(file, 1024, 2048); }},
+    {"swapped far", [](Bytes &file) { exchange(file, 1024, file.size() / 1024 * 512); }},
+};
+
+/// Of each row the file of which the counts reach farthest, in each layer.
+TEST(Bounds, TimeOfDiagnosis) {
+  double worst = 0;
+  for (const Row &row : ROWS) {
+    const samples::File file = fileOf(row);
+    Bytes damaged = file.bytes;
+    const std::vector<std::size_t> places = countsOf(file, row).at("all");
+    for (const std::size_t at : places)
+      setWordAt(damaged, at, static_cast<Word>((damaged.size() - at) / 76 - 8));
+    for (const Layer &layer : LAYERS) {
+      Bytes hurt = damaged;
+      layer.apply(hurt);
+      const double megabytes = static_cast<double>(hurt.size()) / (1 << 20);
+      const std::clock_t begin = std::clock();
+      diagnose(hurt);
+      const double seconds = static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+      worst = std::max(worst, seconds / megabytes);
+      EXPECT_LE(seconds, 0.1 + 0.5 * megabytes) << row.list << ' ' << row.element << ' ' << layer.name;
+    }
+  }
+  std::printf("time of diagnosis: up to %.2f s a megabyte\n", worst);
 }
 
 } // namespace

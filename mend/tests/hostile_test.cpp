@@ -1,12 +1,14 @@
 /// Files with which nothing can be done, or that were made to do harm: no crash, no hang, nothing untold.
 
 #include "harness/bytes.h"
+#include "mend/diagnose.h"
 #include "mend/tests/damage.h"
 #include "mend/tests/mending.h"
 #include "tests/allocations.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -116,6 +118,31 @@ TEST(Hostile, MemoryAndTimeDependOnTheSizeAlone) {
     }
   }
   std::printf("memory of mending: up to %.1f x the file\n", most);
+}
+
+/// A few hundred bytes whose header promises gigabytes, in which heads, tables and elements would have to be looked
+/// for.
+TEST(Hostile, PromisesCostNothing) {
+  const samples::File good = samples::build(VERSION_1, "VtxList { VtxGroup*2 }");
+  for (const Word promised : {0x10000000U, 0x70000000U, 0xf0000000U})
+    for (const Word count : {2U, (promised - 24) / 4, (promised - 24) / 28})
+      for (const char *const list : {"VtxList", "TriList", "NameList"}) { // what is behind it is not there
+        samples::File file = good;
+        setWord(file, list, 0, "list_size", promised);
+        setWord(file, list, 0, "num", count);
+        const auto *const row =
+            std::find_if(LISTS.begin(), LISTS.end(), [&](auto &other) { return other.name == std::string(list); });
+        const Word before = wordAt(file.bytes, harness::sizeOffset(*row));
+        setWordAt(file.bytes, harness::sizeOffset(*row), promised);
+        setWordAt(file.bytes, 4, wordAt(file.bytes, 4) + promised - before);
+        const std::size_t held = test::allocations.held;
+        const std::clock_t begin = std::clock();
+        test::allocations.peak = held;
+        diagnose(file.bytes);
+        EXPECT_LE(test::allocations.peak - held, memoryBound(file.bytes.size()))
+            << list << ' ' << promised << ' ' << count;
+        EXPECT_LE(std::clock() - begin, CLOCKS_PER_SEC) << list << ' ' << promised << ' ' << count;
+      }
 }
 
 /// Header sizes that place what follows upon the fixed words, in a file that is cut there.
