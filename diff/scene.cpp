@@ -85,17 +85,8 @@ void measure(Side &side, std::size_t list) {
 
 /// Decodes the maker blocks of a 2.0 file, as far as they are whole.
 void decodeMakers(Kis &kis) {
-  bool no_memory = false;
-  const FindingReceiver receiver([&](const Finding &) { no_memory = true; });
-  kvSetupSceneListExt(kis.scene);
-  kvSetupCamExt(kis.cam);
-  kvSetupObjExt(kis.obj);
-  kvSetupShapeExt(kis.shape);
-  kvSetupMatExt(kis.mat);
-  kvSetupTexExt(kis.tex);
-  kvSetupTeximgExt(kis.teximg);
-  kvSetupAnimGroupExt(kis.anim);
-  if (no_memory)
+  const FindingReceiver unheard([](const Finding &) {});
+  if (!decodeMakerBlocks(kis))
     throw std::bad_alloc();
   dropCutMakers(kis);
 }

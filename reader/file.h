@@ -38,6 +38,9 @@ std::optional<std::uint64_t> inputLength(const Input &input);
 /// size is 0. Maker blocks are not decoded. @return 1; 0 after a finding
 int readListAt(Input &input, Word size, Kis &kis, std::size_t list);
 
+/// Decodes the maker blocks of a 2.0 file. @return 0 only where memory cannot be had; that is told
+int decodeMakerBlocks(Kis &kis);
+
 /// @return which file the stream reads. Unknown for whatever is neither a regular file nor a block device.
 InputFile identify(std::FILE *stream);
 

@@ -7,8 +7,7 @@
 
 namespace kova {
 
-// --- The bounded cursor
-// -----------------------------------------------------------------------------------------------
+// --- The bounded cursor ----------------------------------------------------------------------------------------------
 
 /// Why a read was refused.
 enum class Fault : std::uint8_t {
@@ -76,8 +75,7 @@ KOVA_API int kvReadNodeIndex(Cursor &cursor, std::vector<NodeIndex> &destination
 /// block. @return 0 only where memory cannot be had.
 KOVA_API int kvSetupExternal(Cursor &cursor, std::vector<External> &destination, Word count);
 
-// --- The steps of a load
-// ----------------------------------------------------------------------------------------------
+// --- The steps of a load ---------------------------------------------------------------------------------------------
 
 /// The first step of `kvOpenKb`: the header and the version-1 lists. The first list that fails ends it.
 KOVA_API int kvOpenKb1(const char *path, Kis &kis);
@@ -104,8 +102,7 @@ KOVA_API int kvSetupFileHeaderExt(FileHeader &header);
 /// clearer's result; 0 for a name that no list has.
 KOVA_API int kvReadList(std::FILE *stream, Word size, Kis &kis, const char *name);
 
-// --- Scene, environments, cameras, lights, objects, shapes
-// ------------------------------------------------------------
+// --- Scene, environments, cameras, lights, objects, shapes -----------------------------------------------------------
 
 /// The list readers. Each takes a cursor at the first word of the list and fills the record anew. @return 1, or 0 after
 /// a wrong tag ("irregular tag ! ..." on standard error), or 0 with the cursor's fault set where the list runs past its
@@ -134,8 +131,7 @@ KOVA_API int kvSetupCamExt(CamList &list);
 KOVA_API int kvSetupObjExt(ObjList &list);
 KOVA_API int kvSetupShapeExt(ShapeList &list);
 
-// --- Vertices, triangles, colours, normals, texture coordinates, parts
-// ------------------------------------------------
+// --- Vertices, triangles, colours, normals, texture coordinates, parts -----------------------------------------------
 
 /// The list readers; see `kvSetupSceneList`. The colour list reads as many vertex-colour groups as it counts
 /// triangle-colour groups: its second count governs only the second size table.
@@ -154,8 +150,7 @@ KOVA_API int kvSetVector0(VectorList &list);
 KOVA_API int kvSetSt0(StList &list);
 KOVA_API int kvSetPart0(PartList &list);
 
-// --- Materials, textures, texture images
-// ------------------------------------------------------------------------------
+// --- Materials, textures, texture images -----------------------------------------------------------------------------
 
 /// The list readers; see `kvSetupSceneList`.
 KOVA_API int kvSetupMatList(Cursor &cursor, MatList &list);
@@ -172,8 +167,7 @@ KOVA_API int kvSetupMatExt(MatList &list);
 KOVA_API int kvSetupTexExt(TexList &list);
 KOVA_API int kvSetupTeximgExt(TeximgList &list);
 
-// --- Animations, collisions, switches, names
-// --------------------------------------------------------------------------
+// --- Animations, collisions, switches, names -------------------------------------------------------------------------
 
 /// The list readers; see `kvSetupSceneList`. The name reader takes the tags of either name list, and its message is
 /// "irregular tag ! %0#10x\n" with the list's tag, whichever tag was the wrong one.
@@ -196,8 +190,7 @@ KOVA_API int kvSetupAnimGroupExt(AnimList &list);
 KOVA_API int kvSetupRotateE(Cursor &cursor, std::vector<RotateE> &destination, Word count);
 KOVA_API int kvSetupScale(Cursor &cursor, std::vector<Scale> &destination, Word count);
 
-// --- Colour-index images and palettes
-// ---------------------------------------------------------------------------------
+// --- Colour-index images and palettes --------------------------------------------------------------------------------
 
 /// The list readers; see `kvSetupSceneList`.
 KOVA_API int kvSetupCiimgList(Cursor &cursor, CiImgList &list);
@@ -207,8 +200,7 @@ KOVA_API int kvSetupColorPaletteList(Cursor &cursor, ColorPaletteList &list);
 KOVA_API int kvSetCiimg0(CiImgList &list);
 KOVA_API int kvSetColorPalette0(ColorPaletteList &list);
 
-// --- Envelopes, clusters, weights
-// -------------------------------------------------------------------------------------
+// --- Envelopes, clusters, weights ------------------------------------------------------------------------------------
 
 /// The list readers; see `kvSetupSceneList`. Parts, triangles, clusters and cluster triangles have tags that are not
 /// tested.
@@ -225,8 +217,7 @@ KOVA_API int kvSetWeight0(WeightList &list);
 /// @return 1, also for a count of 0; else 0 with the cursor's fault set.
 KOVA_API int kvSetupVtxTriNvColor(Cursor &cursor, std::vector<VtxTriNvColor> &destination, std::uint64_t count);
 
-// --- Chain roots, joints, effectors, external names
-// -------------------------------------------------------------------
+// --- Chain roots, joints, effectors, external names ------------------------------------------------------------------
 
 /// The list readers; see `kvSetupSceneList`. The external name list is read by the name list's reader, so it takes the
 /// tags of either list.
