@@ -299,14 +299,24 @@ TEST(Primitives, Check) {
            [] { return check_whole_area_size("", 16, 56, 8, 0xfffffffb, 0, 0); },
            [] { return check_whole_structured_size("x", 1, 24, {}, 2, 0, 0); },
            [&] { return check_whole_structured_size("x", 1, 24, sizes, ~0U, 3, 4); },
-           [&] { return check_whole_structured_size("x", 59, 24, sizes, 2, 3, 4); }}) {
+           [&] { return check_whole_structured_size("x", 59, 24, sizes, 2, 3, 4); },
+           [] { return checkExtsizeI(20, 24, 3, "Cam"); }, [] { return checkExtsizeI(24, 24, 3, "Cam"); },
+           [&] { return check_color_list_size(1, 28, sizes, 1, sizes, 2, 3, 4); },
+           [] { return checkChainRoot("x", 5, 40, 2, 1, 3, 4); },
+           [] { return checkChainRoot("x", 63, 40, 2, 1, 3, 4); }, [] { return check_index_size("Obj", 1, -1, 8, 12); },
+           [] { return check_index_size("Obj", 1, 1, 8, 8); }}) {
     int result = 0;
     const std::string text = capture([&] { result = check(); }).out;
     all += std::to_string(result) + ' ' + text;
   }
   EXPECT_EQ(all, "0 words is wrong. 1 != -1\n0 A name of eighteen is nothing.\n1 1 "
                  "0 x Some of size data is incorrect. 1 != 24 + 4 * 2 + 0 + 0\n"
-                 "0 x Some of size data is incorrect. 1 != 24 + 4 * -1 + 3 + 4\n1 ");
+                 "0 x Some of size data is incorrect. 1 != 24 + 4 * -1 + 3 + 4\n1 "
+                 "0 vantor_extension_block_size is fewer. 20 < 24\n"
+                 "This size must be more or equal to KOVA2.0 definition.\nError in Cam[3]\n1 "
+                 "0 Some of size data is incorrect. 1 != 28 + 4 * 1 + 4 * 2 + 8 + 8 + 12 + 3 + 4\n"
+                 "0 x 5 != 40 + 2*4 + 1*8 + 3 + 4\n1 "
+                 "0 Obj[1] index is wrong. 1 != -1\nObj[1] size is wrong. 8 != 12\n1 ");
 }
 
 TEST(Model, LinksAndNamesLeadToElements) {

@@ -28,25 +28,11 @@ void kvWriteKtExtBlk1(Text &text, const ExtBlk &blk, Word van_size, Word usr_siz
 /// follows them is "V_EXT_OTHERS". Sizes are compared unsigned.
 void kvWriteKtExtBlk2(Text &text, const ExtBlk &blk, Word van_size, Word usr_size, Word decoded);
 
-/// "%s[%d]  %d" for each word, "%s[%d]  %#g" for each float.
-void kvWriteKtArray(Text &text, std::span<const Word> words, const char *label);
-void kvWriteKtArray(Text &text, std::span<const Index> indices, const char *label);
-void kvWriteKtArrayf(Text &text, std::span<const float> floats, const char *label);
-
 /// "%s file name[%d]   %d" for every reference, then "%s name[%d]        %d" for every reference.
 void kvWriteKtExternal(Text &text, std::span<const External> externals, const char *label);
 
 /// "%s kind[%d]   %0#10x" for every reference, then "%s index[%d]  %d" for every reference.
 void kvWriteKtNodeIndex(Text &text, std::span<const NodeIndex> nodes, const char *label);
-
-/// "%s red  %#g green %#g blue %#g alpha %#g" and "%s  %#g %#g %#g ; x,y,z".
-void kvWriteKtRGBA(Text &text, const Rgba &colour, const char *label);
-void kvWriteKtXYZ(Text &text, const Xyz &vector, const char *label);
-
-/// Keyframes. The heading of a scale key has no line end: its interpolation type continues the line.
-void kvWriteKtRotateX(Text &text, std::span<const RotateE> keys, const char *label);
-void kvWriteKtUniqScale(Text &text, std::span<const Scale> keys, const char *label);
-void kvWriteKtPrimColorAnim(Text &text, std::span<const PrimColorAnim> keys, const char *label);
 
 /// The file-header section of a 2.0 dump and of a 1.0 dump, and what both begin with: the opener and the 25 header
 /// lines.
