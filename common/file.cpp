@@ -1,6 +1,7 @@
 #include "common/file.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
@@ -39,10 +40,11 @@ std::string targetOf(const std::string &path) {
   return error ? target.string() : whole.string();
 }
 
-void occupyStandardStreams() {
+void prepareStreams() {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
     if (::fcntl(stream, F_GETFD) < 0 && errno == EBADF)
       ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY); // takes the lowest number that is free
+  std::signal(SIGXFSZ, SIG_IGN);
 }
 
 int writeWhole(const Descriptor &file, const void *bytes, std::size_t size) {

@@ -47,9 +47,10 @@ std::string targetOf(const std::string &path);
 /// Opens a file for reading without waiting: the opening of a pipe would wait for somebody to write.
 Descriptor openToRead(const char *path);
 
-/// Sees to it that no file that is opened later takes the number of a standard stream that is closed: what is printed
-/// would get into it. Printing fails as before.
-void occupyStandardStreams();
+/// Called first by a program that writes files. No file that is opened later takes the number of a standard stream that
+/// is closed: what is printed would get into it. Printing fails as before. A file that becomes too large for a limit is
+/// a failure that can be told, no signal.
+void prepareStreams();
 
 inline constexpr const char *FILE_HAS_CHANGED = "it has changed";
 

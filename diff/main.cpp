@@ -45,7 +45,7 @@ int run(int argc, char **argv) {
 
 int main(int argc, char **argv) {
   try {
-    kova::occupyStandardStreams();
+    kova::prepareStreams();
     return kova::diff::run(argc, argv);
   } catch (const std::exception &) {
     std::fputs("kbdiff: not enough memory.\n", stderr);

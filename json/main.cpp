@@ -142,7 +142,7 @@ int run(int argc, char **argv) {
 
 int main(int argc, char **argv) {
   try {
-    kova::occupyStandardStreams();
+    kova::prepareStreams();
     return kova::json::run(argc, argv);
   } catch (const std::exception &) {
     std::fputs("kbjson: not enough memory.\n", stderr);

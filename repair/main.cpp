@@ -195,7 +195,7 @@ int run(int argc, char **argv) {
 
 int main(int argc, char **argv) {
   try {
-    kova::occupyStandardStreams();
+    kova::prepareStreams();
     return kova::repair::run(argc, argv);
   } catch (const std::exception &) {
     std::fputs("kbrepair: not enough memory.\n", stderr);

@@ -3,7 +3,6 @@
 #include "common/file.h"
 #include "survey/survey.h"
 
-#include <csignal>
 #include <cstdio>
 #include <exception>
 
@@ -31,8 +30,7 @@ int run(int argc, char **argv) {
 } // namespace
 
 int main(int argc, char **argv) {
-  kova::occupyStandardStreams();
-  std::signal(SIGXFSZ, SIG_IGN); // a file that becomes too large cannot be written, and that is told
+  kova::prepareStreams();
   try {
     return run(argc, argv);
   } catch (const std::exception &error) { // no memory for what is not about one file
