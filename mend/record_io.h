@@ -206,6 +206,7 @@ public:
     const std::uint64_t part = walk.position;
     const auto words = walk.file.head<typename Items::Head>(part, walk.limit);
     tellLinks<Items::words>();
+    walk.position += Items::bytes;
     if constexpr (std::is_same_v<typename Items::Head, TexTilesHead>)
       tile_num = words.tex_tile_img_num;
     RecordIo<Items, Head>(walk, words, part, begin, 0).go();
@@ -265,7 +266,13 @@ public:
   // What is between the head of these and their blocks takes up what their sizes leave.
 
   template <class Array> int data(Array) {
-    walk.pass(bytesBySize());
+    const std::int64_t bytes = bytesBySize();
+    if (walk.events != nullptr) {
+      Coll coll = {};
+      coll.coll_type = head.coll_type;
+      withCollData(coll, [&](const auto &of_kind) { tellLinks<WORDS<std::remove_cvref_t<decltype(of_kind)>>>(bytes); });
+    }
+    walk.pass(bytes);
     return 1;
   }
   /// The sizes of the blocks say only how much of it are texels.
@@ -300,14 +307,15 @@ private:
                       std::bit_cast<std::array<Word, Form::words.WORD_NUM>>(head)[position], word.unit, word.records);
     }
   }
-  /// The links of a part of a record, which has no layout of its own.
-  template <const auto &TABLE> void tellLinks() {
-    if (walk.events != nullptr)
-      for (const Link &link : LINKS<TABLE>) {
-        const Column entry = {sizeof(Word), link.to};
+  /// The links of a part of a record, which has no layout of its own, as far as they lie within so many bytes.
+  template <const auto &TABLE> void tellLinks(std::int64_t bytes = TABLE.WORD_NUM * sizeof(Word)) {
+    if (walk.events == nullptr)
+      return;
+    for (const Link &link : LINKS<TABLE>) {
+      const Column entry = {sizeof(Word), link.to};
+      if (link.at + std::int64_t{sizeof(Word)} <= bytes)
         walk.events->table(walk.position + link.at, 1, {&entry, 1}, 0);
-      }
-    walk.position += TABLE.WORD_NUM * sizeof(Word);
+    }
   }
 
   void tellBlocks(std::uint64_t at, Word maker, Word user) {
@@ -325,6 +333,7 @@ private:
     walk.maker_not_counted = 0;
     const Ext words = walk.file.head<Ext>(block, walk.maker_end);
     tellLinks<Items::words>();
+    walk.position += Items::bytes;
     RecordIo<Items, Head>(walk, words, block, begin, tile_num).go();
     const std::uint64_t taken = walk.position - block;
     walk.faults += taken - walk.maker_not_counted > bytes;

@@ -121,16 +121,22 @@ TEST(Hurt, ComesBack) {
 /// What is left out takes its number with it: links to those behind it lead to the same elements as before.
 TEST(Hurt, ElementsAreLeftOut) {
   const auto fileOf = [](const char *more) {
-    return samples::build(VERSION_1, "ObjList { Obj*4 } ShapeList { Shape*4 shape_part_num=30 } " + std::string(more),
+    return samples::build(VERSION_1,
+                          "ObjList { Obj*4 } ShapeList { Shape*4 shape_part_num=30 } CollList { CollGroup { "
+                          "Coll*4 coll_type=0x10 { Terrain } } } " +
+                              std::string(more),
                           samples::LinkWords::none);
   };
   const auto shapeAt = [](const samples::File &file, std::size_t number) {
     return samples::offsetOf(file, "Shape", number, "shape_tag");
   };
+  constexpr std::pair<const char *, const char *> SHAPE_LINKS[] = {{"Obj", "obj_shape_link"},
+                                                                   {"Terrain", "shape_list_index"}};
   for (const bool unclear : {false, true}) { // a link of which the list is not known may lead to a shape
     samples::File file = fileOf(unclear ? "SwitchList { Switch default_link_index=2 }" : "");
     for (Word i = 0; i < 4; ++i)
-      samples::setWord(file, "Obj", i, "obj_shape_link", 3 - i);
+      for (const auto &[kind, link] : SHAPE_LINKS)
+        samples::setWord(file, kind, i, link, 3 - i);
     Bytes hurt = file.bytes;
     std::fill(hurt.begin() + static_cast<long>(shapeAt(file, 1)), hurt.begin() + static_cast<long>(shapeAt(file, 2)),
               static_cast<unsigned char>(0));
@@ -141,7 +147,11 @@ TEST(Hurt, ElementsAreLeftOut) {
     ASSERT_EQ(kept.at({"ShapeList", 0}).size(), unclear ? 4U : 3U);
     const Word links[] = {2, 1, ~0U, 0};
     for (Word i = 0; i < 4; ++i)
-      EXPECT_EQ(harness::wordAt(hurt, samples::offsetOf(file, "Obj", i, "obj_shape_link")), unclear ? 3 - i : links[i]);
+      for (const auto &[kind, link] : SHAPE_LINKS) { // what is gone makes the file shorter
+        const std::size_t at = samples::offsetOf(file, kind, i, link);
+        const std::size_t less = kind == std::string("Obj") ? 0 : file.bytes.size() - hurt.size();
+        EXPECT_EQ(harness::wordAt(hurt, at - less), unclear ? 3 - i : links[i]) << kind;
+      }
   }
 }
 
