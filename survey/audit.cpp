@@ -116,8 +116,8 @@ void judge(const Descriptor &file, FileResult &result, Workspace &workspace) {
 /// Keeps the first changes, or of a file that is not mended the first damages.
 void keepChanges(FileResult &result, const mend::Diagnosis &diagnosis) {
   const auto keep = [&](const auto &change) {
-    if (result.repair_changes.size() < MOST_CHANGES)
-      result.repair_changes.push_back(textOf(change).substr(0, MOST_TEXT));
+    if (result.repair_lines.size() < MOST_CHANGES)
+      result.repair_lines.push_back(textOf(change).substr(0, MOST_TEXT));
   };
   const mend::Result &mending = diagnosis.result;
   if (mending.outcome != mend::Outcome::mended) {

@@ -88,8 +88,8 @@ struct FileResult {
   /// Of a file that can be mended: the number of words that would be changed and of transformations undone, and the
   /// latter alone.
   std::uint64_t repair_words = 0, repair_undone = 0;
-  std::vector<std::string> repair_changes = {}; ///< and the first of them, or of what is wrong with another file, each
-                                                ///< as kbrepair prints it
+  std::vector<std::string> repair_lines = {}; ///< and the first of them, or of the damages of another file, each as
+                                              ///< kbrepair prints it
   std::vector<KeptFinding> findings = {};
   std::map<std::string, std::uint64_t> counts = {}; ///< of all findings by id, also of those not kept
   Compared compared = {};                           ///< no part of a report's line

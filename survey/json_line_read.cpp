@@ -118,9 +118,10 @@ constexpr Member<Line> LINE[] = {
     {"repair_words", [](const Scalar &from, Line &line) { return takeNumberOrNull(from, line.repair_words); }},
     {"repair_undone",
      [](const Scalar &from, Line &line) { return takeNumber(from, line.result.repair_undone) && from.value != 0; }},
-    {"repair_changes", nullptr},
+    {"repair_changes", nullptr}, // where there are damages, earlier reports have them in this
+    {"repair_damages", nullptr},
 };
-constexpr unsigned LINE_NEEDS = (1U << (std::size(LINE) - 4)) - 1;
+constexpr unsigned LINE_NEEDS = (1U << (std::size(LINE) - 5)) - 1;
 
 constexpr Member<KeptFinding> FINDING[] = {
     {"id", [](const Scalar &from, KeptFinding &finding) { return takeName(from, true, finding.id); }},
@@ -145,7 +146,7 @@ bool agrees(const Line &line, bool repair, bool repair_words) {
          repair == repair_words && mayHaveRepair(result) &&
          (result.repair == Repair::mended) == (line.repair_words.value_or(0) != 0) &&
          line.repair_words.value_or(1) != 0 && result.repair_undone <= line.repair_words.value_or(0) &&
-         (result.repair > Repair::mended || result.repair_changes.size() <= line.repair_words.value_or(0)) &&
+         (result.repair > Repair::mended || result.repair_lines.size() <= line.repair_words.value_or(0)) &&
          findingCount(result) >= result.findings.size();
 }
 
@@ -184,8 +185,8 @@ struct LineReader {
     }
   }
   bool takeChange(const Scalar &from) {
-    std::vector<std::string> &changes = line.result.repair_changes;
-    return changes.size() < MOST_CHANGES && takeShortText(from, changes.emplace_back());
+    std::vector<std::string> &lines = line.result.repair_lines;
+    return lines.size() < MOST_CHANGES && takeShortText(from, lines.emplace_back());
   }
 
   bool null() { return takeScalar({.kind = Scalar::null}); }
@@ -251,7 +252,7 @@ struct LineReader {
   bool start_array(std::size_t) {
     if (ignored != 0 || isUnknown())
       return ++ignored != 0;
-    if (in != In::line || !(isAt("findings") || isAt("repair_changes")))
+    if (in != In::line || !(isAt("findings") || isAt("repair_changes") || isAt("repair_damages")))
       return false;
     in = isAt("findings") ? In::findings : In::changes;
     return true;

@@ -74,12 +74,12 @@ void appendRepair(std::string &json, const FileResult &result) {
     json += ",\"repair_undone\":";
     appendNumber(json, result.repair_undone);
   }
-  if (result.repair_changes.empty())
+  if (result.repair_lines.empty())
     return;
-  json += ",\"repair_changes\":[";
-  for (const std::string &change : result.repair_changes) {
+  json += result.repair == Repair::mended ? ",\"repair_changes\":[" : ",\"repair_damages\":[";
+  for (const std::string &line : result.repair_lines) {
     json += json.ends_with('[') ? "" : ",";
-    appendString(json, change);
+    appendString(json, line);
   }
   json += ']';
 }

@@ -121,7 +121,7 @@ void appendDetails(Page &page, const FileResult &file) {
     appendCell(json, static_cast<std::uint64_t>(file.repair));
     appendNumber(json, file.repair_words);
     json += ',';
-    appendStrings(json, std::span(file.repair_changes).first(std::min(page.shown, file.repair_changes.size())));
+    appendStrings(json, std::span(file.repair_lines).first(std::min(page.shown, file.repair_lines.size())));
     json += ',';
     appendNumber(json, file.repair_undone);
   }
@@ -291,8 +291,8 @@ void count(ShownFindings &shown, const FileResult &result) {
   for (std::size_t most = MOST_SHOWN.size(); most-- > 0; shown.bytes[most] += bytes) {
     for (; number < std::min(MOST_SHOWN[most], result.findings.size()); ++number)
       bytes += std::min(result.findings[number].text.size(), SHOWN_TEXT) + BYTES_BESIDES_TEXT;
-    for (; changes < std::min(MOST_SHOWN[most], result.repair_changes.size()); ++changes)
-      bytes += result.repair_changes[changes].size();
+    for (; changes < std::min(MOST_SHOWN[most], result.repair_lines.size()); ++changes)
+      bytes += result.repair_lines[changes].size();
   }
 }
 

@@ -77,7 +77,7 @@ void giveUp(FileResult &result) {
   result.detail = {};
   result.version = Version::unknown;
   result.repair_words = result.repair_undone = 0;
-  result.repair_changes = {};
+  result.repair_lines = {};
   if (result.repair != Repair::not_asked)
     result.repair = Repair::needless;
   result.verdict = Verdict::none;

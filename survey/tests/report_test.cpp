@@ -27,7 +27,7 @@ FileResult hostileResult(int number) {
                     .repair = Repair::mended,
                     .repair_words = 12,
                     .repair_undone = 2,
-                    .repair_changes = std::vector<std::string>(12, path)};
+                    .repair_lines = std::vector<std::string>(12, path)};
   for (Word i = 0; i < 20; ++i)
     result.findings.push_back({.id = "element-size",
                                .stage = Stage::check,
@@ -132,7 +132,8 @@ constexpr Change CHANGES[] = {
     {"\"repair_words\":12", "\"repair_words\":11"},  // fewer than changes
     {"\"repair_undone\":2", "\"repair_undone\":13"}, // more than all
     {"\"repair_changes\":[", "\"repair_changes\":[1,"},
-    {"\"verdict\":\"ERR\"", "\"verdict\":\"OK\""}, // but it can be mended
+    {"\"repair_changes\":[", "\"repair_damages\":[\"a\"],\"repair_changes\":["}, // then there are too many
+    {"\"verdict\":\"ERR\"", "\"verdict\":\"OK\""},                               // but it can be mended
     {"\"element\":0", "\"element\":4294967296"},
     {"\"stage\":\"check\"", "\"stage\":\"chess\""},
     {"\"path\":\"", "\"path\":\"\\u0000"},
