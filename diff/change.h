@@ -24,6 +24,7 @@ struct Change {
   std::string field = {}; ///< "tri[3].vtx_index0"; empty where it is about the element
   std::string old_value = {};
   std::string new_value = {};
+  bool is_link = false;
   bool is_text = false;                     ///< the values are texts of the file
   std::optional<std::uint64_t> ulps = {};   ///< between two floats
   std::array<std::uint64_t, 2> counts = {}; ///< of entries or bytes

@@ -254,6 +254,7 @@ bool compareSides(const Side &a, const Side &b, const Rules &rules, const Listen
   Comparison comparison{against, listener};
   Found found;
   if (!a.is_scene || !b.is_scene) {
+    listener.damaged("File", a.is_scene ? nullptr : "version-unknown", b.is_scene ? nullptr : "version-unknown");
     compareBytes(found, against, "", 0, a.source.size, 0, b.source.size);
     tell(comparison, {"File"}, std::move(found.changes));
     handOn(comparison);

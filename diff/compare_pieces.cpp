@@ -30,6 +30,7 @@ std::string valueText(const Field &field, Word word) {
 
 Change valueChange(std::string name, const Field &field, Word a, Word b) {
   Change change = {.field = std::move(name), .old_value = valueText(field, a), .new_value = valueText(field, b)};
+  change.is_link = field.linkable || field.to != To::nothing;
   if (field.real)
     change.ulps = ulpsBetween(a, b);
   return change;

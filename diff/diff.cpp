@@ -9,21 +9,25 @@ namespace {
 
 Status compareFiles(const Rules &rules, Printer &printer) {
   const auto a = std::make_unique<Side>(), b = std::make_unique<Side>();
-  {
-    const Source source_a = openSource(printer.path_a), source_b = openSource(printer.path_b);
-    if (!source_a.is_held && !source_b.is_held && sameBytes(source_a, source_b))
-      return SAME;
-  }
-  loadSide(*a, printer.path_a);
-  loadSide(*b, printer.path_b);
+  a->source = openSource(printer.path_a);
+  b->source = openSource(printer.path_b);
+  if (sameBytes(a->source, b->source))
+    return SAME;
+  loadSide(*a);
+  loadSide(*b);
   loadLike(*a, *b);
   loadLike(*b, *a);
+  if (printer.look == Look::unified)
+    printer.text =
+        "--- " + showOf(printer.style)(printer.path_a) + "\n+++ " + showOf(printer.style)(printer.path_b) + '\n';
   const Listener listener = {
       [&](const Place &place, const std::vector<Change> &changes) { take(printer, place, changes); },
       [&](const char *list, const char *in_a, const char *in_b) { takeDamage(printer, list, in_a, in_b); },
       printer.look == Look::unified};
   const bool differ = compareSides(*a, *b, rules, listener);
   finish(printer);
+  if (!differ)
+    printer.text.clear();
   return differ ? DIFFERENT : SAME;
 }
 

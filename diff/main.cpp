@@ -21,15 +21,23 @@ int endOutput(int status) {
   return TROUBLE;
 }
 
+/// @return the path in a folder of what is called like a file.
+std::string inFolder(const std::string &folder, const std::string &file) {
+  return folder + '/' + file.substr(file.rfind('/') + 1);
+}
+
 int run(int argc, char **argv) {
   int status = TROUBLE;
   const std::optional<Options> options = readOptions(argc, argv, status);
   if (!options)
     return endOutput(status);
+  const bool is_folder_a = isFolder(options->a), is_folder_b = isFolder(options->b);
+  if (is_folder_a && is_folder_b)
+    return endOutput(diffFolders(*options, stdout));
   Printer printer = {.look = options->look,
                      .style = styleOf(STDOUT_FILENO, options->colour),
-                     .path_a = options->a,
-                     .path_b = options->b};
+                     .path_a = is_folder_a ? inFolder(options->a, options->b) : options->a,
+                     .path_b = is_folder_b ? inFolder(options->b, options->a) : options->b};
   std::string reason;
   status = diffFiles(options->rules, printer, reason);
   errno = 0;

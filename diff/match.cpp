@@ -200,7 +200,7 @@ Matching spacesOf(const Matcher &from, const Side &a, const Side &b) {
     to.to_b = take(from.to_b, from.a, from.b, space);
     to.to_a = take(from.to_a, from.b, from.a, space);
     const std::size_t list = spaceOf(space).list;
-    to.is_cut = (a.lists[list].bytes > 0 && !a.lists[list].ok) || (b.lists[list].bytes > 0 && !b.lists[list].ok);
+    to.is_cut = a.lists[list].is_cut || b.lists[list].is_cut;
     to.is_identity = to.to_a.size() == to.to_b.size();
     for (std::size_t i = 0; to.is_identity && i < to.to_b.size(); ++i)
       to.is_identity = to.to_b[i] == i;

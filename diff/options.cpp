@@ -18,7 +18,7 @@ constexpr HelpText HELP = {
     .description =
         "Prints what is different between two KOVA scene files: list, element, field. Elements are matched by what they "
         "hold and what their links lead to; a scene whose elements were only renumbered, links with them, is the same. "
-        "- is standard input.",
+        "Of two folders, the files *.kb with the same paths are compared. - is standard input.",
     .footer = "Exit status: 0: no difference; 1: differences; 2: trouble."};
 
 /// What the command line says beyond the options themselves.
@@ -119,6 +119,8 @@ std::vector<Option> optionsOf(Options &options, Given &given) {
       flagOption(0, "json", "Print a JSON object for each difference, one on a line", given.json),
       {0, "color", "WHEN", "Colours: auto, always or never",
        [&options](const std::string &text) { return takeColour(text, options.colour); }, true},
+      numberOption('j', "jobs", "N", "Number of files compared at a time (default: the processors)", options.jobs,
+                   4096),
       flagOption('V', "version", "Print the version", given.version),
       flagOption('h', "help", "Print this help", given.help),
   };

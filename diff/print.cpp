@@ -38,7 +38,8 @@ std::string ulpText(const Change &change) { return change.ulps ? " (" + std::to_
 
 std::string arrow(const Printer &to, const Change &change) {
   return coloured(to.style, RED, valueOf(to, change, change.old_value)) + " -> " +
-         coloured(to.style, GREEN, valueOf(to, change, change.new_value)) + ulpText(change);
+         coloured(to.style, GREEN, valueOf(to, change, change.new_value)) + ulpText(change) +
+         (change.is_link && change.old_value == change.new_value ? " (not the same element)" : "");
 }
 
 std::string entriesText(const Printer &to, const Change &change) {
@@ -198,7 +199,8 @@ void addUnifiedRun(Printer &to, const Printer::Run &run) {
     to.text += "@@ " + std::string(run.place.list) + " @@\n";
   to.shown_list = run.place.list;
   for (const Place &place : to.around)
-    addUnified(to, ' ', elementText(to, {place, {}, 1}));
+    if (place.list == std::string_view(run.place.list))
+      addUnified(to, ' ', elementText(to, {place, {}, 1}));
   to.around.clear();
   to.behind = CONTEXT;
   for (const Change &change : run.changes)
@@ -276,6 +278,17 @@ void take(Printer &to, const Place &place, const std::vector<Change> &changes) {
   to.run = {place, changes, 1};
 }
 
+namespace {
+
+std::string damageText(const std::string &list, const std::string &finding, bool is_b) {
+  const std::string side = is_b ? "B" : "A";
+  if (list == "File")
+    return "File: no KOVA scene in " + side + '\n';
+  return list + ": damaged in " + side + " (" + finding + "), compared as far as it is held\n";
+}
+
+} // namespace
+
 void takeDamage(Printer &to, const char *list, const char *finding_a, const char *finding_b) {
   flush(to);
   for (const bool is_b : {false, true}) {
@@ -286,8 +299,7 @@ void takeDamage(Printer &to, const char *list, const char *finding_a, const char
       to.text += "{" + (to.path.empty() ? "" : "\"path\":" + jsonString(to.path) + ',') + "\"list\":\"" + list +
                  "\",\"what\":\"damaged\",\"side\":\"" + (is_b ? 'B' : 'A') + "\",\"finding\":\"" + finding + "\"}\n";
     else if (to.look == Look::text || to.look == Look::unified)
-      to.text += std::string(list) + ": damaged in " + (is_b ? 'B' : 'A') + " (" + finding +
-                 "), compared as far as it is held\n";
+      to.text += damageText(list, finding, is_b);
   }
 }
 

@@ -105,6 +105,7 @@ void loadLists(Side &side) {
       loadList(side, input, list, stated);
     measure(side, list);
     side.failed += size == 0 && stated > 0;
+    side.lists[list].is_cut = stated > 0 && !side.lists[list].ok;
   }
   if (side.version == VERSION_2)
     decodeMakers(side.kis);
@@ -164,8 +165,7 @@ void readBytes(const Source &source, std::uint64_t at, std::span<unsigned char> 
   }
 }
 
-void loadSide(Side &side, const std::string &path) {
-  side.source = openSource(path);
+void loadSide(Side &side) {
   std::array<unsigned char, FILE_HEADER_BYTES + VERSION_2_SIZES_BYTES> begin{};
   const auto there =
       std::span(begin).first(static_cast<std::size_t>(std::min<std::uint64_t>(side.source.size, begin.size())));

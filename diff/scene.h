@@ -33,6 +33,7 @@ struct LoadedList {
   std::uint64_t begin = 0;
   std::uint64_t bytes = 0;                  ///< 0: the file has no such list
   bool ok = false;                          ///< it was read whole
+  bool is_cut = false;                      ///< there should be more of it than could be read
   const char *finding = nullptr;            ///< why it was not
   std::array<std::size_t, 2> elements = {}; ///< that were read whole, of both kinds
   std::uint64_t rest = 0;                   ///< where begins what no element takes in
@@ -50,8 +51,8 @@ struct Side {
   bool is_led = false; ///< where its lists are is taken from the other file
 };
 
-/// Opens and loads a file. What is wrong with it is in `lists`. Throws `Trouble`.
-void loadSide(Side &side, const std::string &path);
+/// Loads the file that `side.source` is. What is wrong with it is in `lists`. Throws `Trouble`.
+void loadSide(Side &side);
 
 /// Loads a damaged file of the same length again, with lists where those of a good one are, if more of it can be read
 /// so.

@@ -1,7 +1,7 @@
 #include "survey/pool.h"
 
 #include "common/memory.h"
-#include "survey/parallel.h"
+#include "common/parallel.h"
 
 #include <algorithm>
 #include <atomic>

@@ -1,6 +1,6 @@
 #include "survey/walk.h"
 
-#include "survey/parallel.h"
+#include "common/parallel.h"
 
 #include <algorithm>
 #include <cerrno>

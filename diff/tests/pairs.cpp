@@ -22,8 +22,10 @@ SeenAll differencesOf(std::span<const unsigned char> a, std::span<const unsigned
                       bool *is_renumbered) {
   const harness::ScratchFile file_a(a), file_b(b);
   const auto side_a = std::make_unique<Side>(), side_b = std::make_unique<Side>();
-  loadSide(*side_a, file_a.path);
-  loadSide(*side_b, file_b.path);
+  side_a->source = openSource(file_a.path);
+  side_b->source = openSource(file_b.path);
+  loadSide(*side_a);
+  loadSide(*side_b);
   loadLike(*side_a, *side_b);
   loadLike(*side_b, *side_a);
   SeenAll all;

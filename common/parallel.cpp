@@ -1,4 +1,4 @@
-#include "survey/parallel.h"
+#include "common/parallel.h"
 
 #include <algorithm>
 #include <atomic>
@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-namespace kova::survey {
+namespace kova {
 
 void inParallel(std::size_t threads, const std::function<void()> &work) {
   std::vector<std::jthread> others;
@@ -30,4 +30,4 @@ void forEachNumber(std::size_t count, std::size_t threads, const std::function<v
   });
 }
 
-} // namespace kova::survey
+} // namespace kova

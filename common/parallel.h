@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <functional>
 
-namespace kova::survey {
+namespace kova {
 
 /// Calls `work` in several threads, one of them the calling one, and waits for all. If no more threads can be had,
 /// there are fewer. `work` must not throw.
@@ -13,4 +13,4 @@ void inParallel(std::size_t threads, const std::function<void()> &work);
 /// Calls `work` once for each number below `count`, in several threads. It must not throw.
 void forEachNumber(std::size_t count, std::size_t threads, const std::function<void(std::size_t)> &work);
 
-} // namespace kova::survey
+} // namespace kova
