@@ -28,9 +28,12 @@ std::string valueText(const Field &field, Word word) {
   return text;
 }
 
-Change valueChange(std::string name, const Field &field, Word a, Word b) {
+Change valueChange(std::string name, const Piece &piece, std::size_t word, Word a, Word b) {
+  Field field = piece.fields[word];
+  const bool is_link = targetOf(piece, field) != To::nothing;
+  field.hex = field.hex && !is_link;
   Change change = {.field = std::move(name), .old_value = valueText(field, a), .new_value = valueText(field, b)};
-  change.is_link = field.linkable || field.to != To::nothing;
+  change.is_link = is_link;
   if (field.real)
     change.ulps = ulpsBetween(a, b);
   return change;
@@ -161,7 +164,7 @@ void compareWords(Found &found, const Pair &pair) {
   const bool same_number = pair.a.entries == pair.b.entries;
   if (same_number && all.plain <= MOST_WORDS) {
     for (const Difference &word : all.words)
-      found.changes.push_back(valueChange(name + entryName(pair.a, word), pair.a.fields[word.word], word.a, word.b));
+      found.changes.push_back(valueChange(name + entryName(pair.a, word), pair.a, word.word, word.a, word.b));
     return;
   }
   if (same_number && all.words.empty())
@@ -171,7 +174,7 @@ void compareWords(Found &found, const Pair &pair) {
   if (!all.words.empty()) {
     Difference first = all.words[0];
     first.count = 1;
-    const Change value = valueChange("", pair.a.fields[first.word], first.a, first.b);
+    const Change value = valueChange("", pair.a, first.word, first.a, first.b);
     change.first = entryName(pair.a, first);
     change.old_value = value.old_value;
     change.new_value = value.new_value;

@@ -142,7 +142,7 @@ configure_and_build() {
   local target=$1 option settings=() configured=yes
   shift
   [ -e "$tree/build.ninja" ] || configured=
-  for option in KOVA_TESTS KOVA_EXAMPLES KOVA_SURVEY KOVA_REPAIR KOVA_JSON; do
+  for option in KOVA_TESTS KOVA_EXAMPLES KOVA_SURVEY KOVA_REPAIR KOVA_JSON KOVA_DIFF; do
     if is_on "$option"; then
       settings+=("-D$option=ON")
     elif [[ " $* " == *" $option "* ]]; then

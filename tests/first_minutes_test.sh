@@ -11,7 +11,7 @@ mkdir "$scratch/folder"
 cp -r "$SOURCE_DIR/samples" "$scratch/folder"
 mkdir "$scratch/folder/scripts"
 for names in run:kbaudit:"$KBAUDIT" survey:kbsurvey:"${KBSURVEY-}" repair:kbrepair:"${KBREPAIR-}" \
-  json:kbjson:"${KBJSON-}"; do
+  json:kbjson:"${KBJSON-}" diff:kbdiff:"${KBDIFF-}"; do
   IFS=: read -r script name program <<<"$names"
   [ -n "$program" ] || continue
   ln -s "$program" "$scratch/tools/$name"
@@ -63,7 +63,7 @@ mkdir "$scratch/bare"
 for tool in bash dirname nproc; do
   ln -s "$(command -v "$tool")" "$scratch/bare"
 done
-for script in run survey repair json test; do
+for script in run survey repair json diff test; do
   run 1 "scripts/$script without tools" env -i PATH="$scratch/bare" bash "$SOURCE_DIR/scripts/$script"
   grep -F -- "$line" "$scratch/err" >/dev/null || fail "scripts/$script does not say what is missing: $(cat "$scratch/err")"
 done

@@ -40,6 +40,7 @@ bin/kbaudit
 $(files_if KOVA_SURVEY kbsurvey docs/{survey,report}.md survey/report.schema.json)
 $(files_if KOVA_REPAIR kbrepair docs/repair.md)
 $(files_if KOVA_JSON kbjson docs/{json,tools}.md)
+$(files_if KOVA_DIFF kbdiff docs/diff.md diff/diff.schema.json)
 $([ "$(cached KOVA_JSON)" != ON ] || printf 'share/kova/%s\n' kbjson.schema.json kova.{ksy,hexpat,magic,xml})
 $(cd "$SOURCE_DIR" && printf "%s\n" include/kova/*.h)
 $(printf 'lib/%s\n' libkova.{a,so,"so.${version%%.*}","so.$version"} pkgconfig/kova.pc \
