@@ -83,10 +83,20 @@ void measure(Side &side, std::size_t list) {
   loaded.rest = std::clamp(place, loaded.begin, loaded.begin + loaded.bytes);
 }
 
-/// Decodes the maker blocks of a 2.0 file, as far as they are whole.
+/// Decodes the maker blocks of a 2.0 file, as far as they are whole. A load ends at the first list with a record that
+/// has none; here the others are decoded, too.
 void decodeMakers(Kis &kis) {
-  const FindingReceiver unheard([](const Finding &) {});
-  if (!decodeMakerBlocks(kis))
+  bool no_memory = false;
+  const FindingReceiver receiver([&](const Finding &) { no_memory = true; });
+  kvSetupSceneListExt(kis.scene);
+  kvSetupCamExt(kis.cam);
+  kvSetupObjExt(kis.obj);
+  kvSetupShapeExt(kis.shape);
+  kvSetupMatExt(kis.mat);
+  kvSetupTexExt(kis.tex);
+  kvSetupTeximgExt(kis.teximg);
+  kvSetupAnimGroupExt(kis.anim);
+  if (no_memory)
     throw std::bad_alloc();
   dropCutMakers(kis);
 }
