@@ -155,9 +155,30 @@ namespace {
   }
 }
 
+// --- Texels ---------------------------------------------------------------------------------------------------------
+
+/// The text of a row from byte `FROM` on. `texels` are in both halves of the vector.
+template <std::size_t FROM> [[gnu::target("avx2"), gnu::always_inline]] inline Vector texelText(Vector texels) {
+  const Vector hex = _mm256_broadcastsi128_si256(loadHalf("0123456789abcdef"));
+  const Vector texel = _mm256_shuffle_epi8(texels, load(&TEXEL_TEXT.texel[FROM]));
+  const Vector upper = _mm256_and_si256(_mm256_srli_epi16(texel, 4), load(&TEXEL_TEXT.upper[FROM]));
+  const Vector lower = _mm256_and_si256(texel, load(&TEXEL_TEXT.lower[FROM]));
+  const Vector digit = _mm256_shuffle_epi8(hex, _mm256_or_si256(upper, lower));
+  const Vector is_like = _mm256_cmpeq_epi8(texel, load(&TEXEL_TEXT.unlike[FROM]));
+  return _mm256_add_epi8(digit, _mm256_andnot_si256(is_like, load(&TEXEL_TEXT.more[FROM])));
+}
+
+[[gnu::target("avx2")]] void putTexels(char *at, const unsigned char *texels, std::size_t rows) {
+  for (; rows > 0; --rows, texels += TEXELS_TO_A_ROW, at += TEXEL_ROW_BYTES) {
+    const Vector row = _mm256_broadcastsi128_si256(loadHalf(texels));
+    store(at, texelText<0>(row));
+    store(at + sizeof(Vector), texelText<sizeof(Vector)>(row));
+  }
+}
+
 } // namespace
 
-constinit const Converters AVX2 = {convertFloats, convertDecimals};
+constinit const Converters AVX2 = {convertFloats, convertDecimals, putTexels};
 
 } // namespace kova::digits
 

@@ -178,9 +178,40 @@ putDecimals(Vector digits, const std::uint32_t *drop, const std::uint32_t *sign,
   }
 }
 
+// --- Texels ---------------------------------------------------------------------------------------------------------
+
+/// A bit for each byte of a row's text that is not 0.
+consteval std::uint64_t maskOf(const TexelText::Bytes &bytes) {
+  std::uint64_t mask = 0;
+  for (std::size_t i = 0; i < bytes.size(); ++i)
+    mask |= std::uint64_t{bytes[i] != 0} << i;
+  return mask;
+}
+
+[[gnu::target("avx512bw,avx512cd"), gnu::always_inline]] inline Vector fourTimes(const void *from) {
+  constexpr __mmask16 ALL = 0xffff;
+  return _mm512_maskz_broadcast_i32x4(ALL, _mm_loadu_si128(static_cast<const __m128i *>(from)));
+}
+
+/// One vector is the text of a row.
+[[gnu::target("avx512bw,avx512cd")]] void putTexels(char *at, const unsigned char *texels, std::size_t rows) {
+  const Vector hex = fourTimes("0123456789abcdef");
+  const Vector place = load(TEXEL_TEXT.texel.data()), unlike = load(TEXEL_TEXT.unlike.data());
+  const Vector lower = load(TEXEL_TEXT.lower.data()), more = load(TEXEL_TEXT.more.data());
+  const Vector digit_bits = _mm512_or_si512(lower, load(TEXEL_TEXT.upper.data()));
+  for (; rows > 0; --rows, texels += TEXELS_TO_A_ROW, at += TEXEL_ROW_BYTES) {
+    const Vector texel = _mm512_shuffle_epi8(fourTimes(texels), place);
+    const Vector shifted = _mm512_srli_epi16(texel, 4);
+    const Vector half = _mm512_mask_blend_epi8(maskOf(TEXEL_TEXT.upper), texel, shifted);
+    const Vector digit = _mm512_shuffle_epi8(hex, _mm512_and_si512(half, digit_bits));
+    const __mmask64 has_more = _mm512_cmpneq_epi8_mask(texel, unlike);
+    _mm512_storeu_si512(at, _mm512_mask_add_epi8(digit, has_more, digit, more));
+  }
+}
+
 } // namespace
 
-constinit const Converters AVX512 = {convertFloats, convertDecimals};
+constinit const Converters AVX512 = {convertFloats, convertDecimals, putTexels};
 
 } // namespace kova::digits
 

@@ -271,58 +271,11 @@ std::size_t putTriangles(const Batch &batch, char *&at, std::span<const Tri> tri
   return count;
 }
 
-namespace {
-
 // --- Texels ---------------------------------------------------------------------------------------------------------
 
-/// What the bytes of a row's text are made of: a digit of a texel, and what is added to it.
-struct TexelText {
-  using Bytes = std::array<std::uint8_t, 2 * sizeof(Vector)>;
-  Bytes texel{};          ///< the place of the texel, or `NO_DIGIT`
-  Bytes upper{}, lower{}; ///< the bits of the texel that are its digit
-  Bytes unlike{};         ///< `more` is added where the texel is not this
-  Bytes more{};
-};
-
-constexpr TexelText TEXEL_TEXT = [] {
-  constexpr std::string_view PATTERN = "0x00 ";
-  TexelText text;
-  text.texel.fill(digits::NO_DIGIT);
-  text.unlike.fill(1);
-  text.more[0] = static_cast<std::uint8_t>('\n' - '0');
-  for (std::size_t at = 1; at < TEXEL_ROW_BYTES; ++at) {
-    const std::size_t place = (at - 1) % PATTERN.size();
-    text.more[at] = static_cast<std::uint8_t>(PATTERN[place] - '0');
-    if (place == 0 || place == 4)
-      continue;
-    text.texel[at] = static_cast<std::uint8_t>((at - 1) / PATTERN.size());
-    text.unlike[at] = 0; // a zero has no "x"
-    text.upper[at] = place == 2 ? 0xf : 0;
-    text.lower[at] = place == 3 ? 0xf : 0;
-  }
-  return text;
-}();
-
-/// The text of a row from byte `FROM` on. `texels` are in both halves of the vector.
-template <std::size_t FROM> [[gnu::target("avx2"), gnu::always_inline]] inline Vector texelText(Vector texels) {
-  const Vector hex = _mm256_broadcastsi128_si256(loadHalf("0123456789abcdef"));
-  const Vector texel = _mm256_shuffle_epi8(texels, load(&TEXEL_TEXT.texel[FROM]));
-  const Vector upper = _mm256_and_si256(_mm256_srli_epi16(texel, 4), load(&TEXEL_TEXT.upper[FROM]));
-  const Vector lower = _mm256_and_si256(texel, load(&TEXEL_TEXT.lower[FROM]));
-  const Vector digit = _mm256_shuffle_epi8(hex, _mm256_or_si256(upper, lower));
-  const Vector is_like = _mm256_cmpeq_epi8(texel, load(&TEXEL_TEXT.unlike[FROM]));
-  return _mm256_add_epi8(digit, _mm256_andnot_si256(is_like, load(&TEXEL_TEXT.more[FROM])));
-}
-
-} // namespace
-
-[[gnu::target("avx2")]] char *putTexels(const Batch &, char *at, const unsigned char *texels, std::size_t rows) {
-  for (; rows > 0; --rows, texels += TEXELS_TO_A_ROW, at += TEXEL_ROW_BYTES) {
-    const Vector row = _mm256_broadcastsi128_si256(loadHalf(texels));
-    store(at, texelText<0>(row));
-    store(at + sizeof(Vector), texelText<sizeof(Vector)>(row));
-  }
-  return at;
+char *putTexels(const Batch &batch, char *at, const unsigned char *texels, std::size_t rows) {
+  batch.converters.texels(at, texels, rows);
+  return at + rows * TEXEL_ROW_BYTES;
 }
 
 // --- Batches --------------------------------------------------------------------------------------------------------

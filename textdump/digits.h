@@ -14,6 +14,8 @@
 /// Other numbers are rare. They are only told, and number.h writes them.
 #pragma once
 
+#include "textdump/batch.h"
+
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -191,12 +193,44 @@ struct HalvedDecimals {
   alignas(BLOCK_ALIGNMENT) std::array<std::uint32_t, NUMBERS_MOST> sign;   ///< what makes a leading zero a sign
 };
 
+// --- Texels ---------------------------------------------------------------------------------------------------------
+
+/// What the bytes of a row's text are made of: a digit of a texel, and what is added to it.
+struct TexelText {
+  using Bytes = std::array<std::uint8_t, 64>;
+  Bytes texel{};          ///< the place of the texel, or `NO_DIGIT`
+  Bytes upper{}, lower{}; ///< the bits of the texel that are its digit
+  Bytes unlike{};         ///< `more` is added where the texel is not this
+  Bytes more{};
+};
+
+inline constexpr TexelText TEXEL_TEXT = [] {
+  constexpr std::string_view PATTERN = "0x00 ";
+  TexelText text;
+  text.texel.fill(NO_DIGIT);
+  text.unlike.fill(1);
+  text.more[0] = static_cast<std::uint8_t>('\n' - '0');
+  for (std::size_t at = 1; at < TEXEL_ROW_BYTES; ++at) {
+    const std::size_t place = (at - 1) % PATTERN.size();
+    text.more[at] = static_cast<std::uint8_t>(PATTERN[place] - '0');
+    if (place == 0 || place == 4)
+      continue;
+    text.texel[at] = static_cast<std::uint8_t>((at - 1) / PATTERN.size());
+    text.unlike[at] = 0; // a zero has no "x"
+    text.upper[at] = place == 2 ? 0xf : 0;
+    text.lower[at] = place == 3 ? 0xf : 0;
+  }
+  return text;
+}();
+
 // --- Converters -----------------------------------------------------------------------------------------------------
 
-/// What one kind of processor does: converts the first `count` numbers, a multiple of 16.
+/// What one kind of processor does: converts the first `count` numbers, a multiple of 16, or writes rows of texels, one
+/// behind the other.
 struct Converters {
   void (*floats)(FloatBlock &floats, std::size_t count);
   void (*decimals)(DecimalBlock &decimals, std::size_t count);
+  void (*texels)(char *at, const unsigned char *texels, std::size_t rows);
 };
 
 extern const Converters AVX2;
