@@ -1,6 +1,7 @@
 #include "kova/check.h"
 
 #include "checker/steps.h"
+#include "format/versions.h"
 
 namespace kova {
 
@@ -48,7 +49,7 @@ constexpr std::span<const ListRow> VERSION_2_LISTS = std::span(LISTS).subspan(VE
 
 int checkKOVA(const Kis &kis) {
   int ok = checkKOVA1(kis);
-  if (kvKOVAver(kis.file_header) == VERSION_2)
+  if (hasVersion2(kvKOVAver(kis.file_header)))
     ok *= checkKOVA2(kis);
   return ok;
 }

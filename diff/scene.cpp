@@ -1,5 +1,6 @@
 #include "diff/scene.h"
 
+#include "format/versions.h"
 #include "kova/findings.h"
 #include "kova/setup.h"
 #include "reader/byte_order.h"
@@ -117,7 +118,7 @@ void loadLists(Side &side) {
     side.failed += size == 0 && stated > 0;
     side.lists[list].is_cut = stated > 0 && !side.lists[list].ok;
   }
-  if (side.version == VERSION_2)
+  if (hasVersion2(side.version))
     decodeMakers(side.kis);
 }
 

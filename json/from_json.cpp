@@ -1,5 +1,6 @@
 #include "json/scene.h"
 
+#include "format/versions.h"
 #include "records/parts.h"
 #include "json/parse.h"
 
@@ -110,7 +111,7 @@ bool finishHeader(Lexer &in, Document &document, const HeaderGiven &given) {
   if (!is_given(&FileHeaderHead::version))
     return missing(in, "version");
   const bool no_sizes = is_given(&FileHeaderHead::van_ext_blk_size) && header.van_ext_blk_size < VERSION_2_SIZES_BYTES;
-  document.has_sizes = kvKOVAver(header) == VERSION_2 && !no_sizes && !document.header_blocks.given;
+  document.has_sizes = hasVersion2(kvKOVAver(header)) && !no_sizes && !document.header_blocks.given;
   if (!document.has_sizes && (given.sizes.any() || anyVersion2List(document)))
     return fail(in, "the lists of version 2.0 need version 0x200 and a maker block that has their sizes");
   const std::uint64_t van = (document.has_sizes ? VERSION_2_SIZES_BYTES : 0) + vanExtBlk(header.ext_blk).size_bytes();

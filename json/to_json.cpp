@@ -1,5 +1,6 @@
 #include "json/scene.h"
 
+#include "format/versions.h"
 #include "kova/findings.h"
 #include "reader/byte_order.h"
 #include "reader/file.h"
@@ -75,7 +76,7 @@ void printHeader(SceneOut &to) {
   FileHeaderHead expected = derived;
   const std::uint64_t sizes = to.parts.has_sizes ? VERSION_2_SIZES_BYTES : 0;
   // The block is as long as its words, unless it lacks the sizes that one of this version begins with.
-  const bool lacks_sizes = kvKOVAver(header) == VERSION_2 && !to.parts.has_sizes;
+  const bool lacks_sizes = hasVersion2(kvKOVAver(header)) && !to.parts.has_sizes;
   expected.van_ext_blk_size = lacks_sizes || !to.parts.whole_words ? ~header.van_ext_blk_size : header.van_ext_blk_size;
   expected.usr_ext_blk_size = to.parts.whole_words ? header.usr_ext_blk_size : ~header.usr_ext_blk_size;
   const bool lean = to.shape.lean || to.shape.only.any();
@@ -108,7 +109,7 @@ void printData(SceneOut &to, List &list, std::size_t number, std::span<const uns
                std::uint64_t offset) {
   using Format = ListFormat<List>;
   using Head = typename Format::Head;
-  Printing printing{to.out, to.shape.lean, kvKOVAver(to.header) == VERSION_2, LISTS[number].tag};
+  Printing printing{to.out, to.shape.lean, hasVersion2(kvKOVAver(to.header)), LISTS[number].tag};
   open(to.out, '{');
   printMembers<Format::words, Head>(printing, list, Own{LISTS[number].tag, 0, sizeof(Head), bytes.size() - content});
   if (content < bytes.size()) {

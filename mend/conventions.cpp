@@ -44,7 +44,7 @@ void Conventions::countByTags(const FileBytes &file, const RecordLayout &kind, s
 }
 
 Conventions::Conventions(const FileBytes &file) {
-  const bool version_2 = file.version() == VERSION_2;
+  const bool version_2 = hasVersion2(file.version());
   const std::size_t lists = hasVersion2Lists(file) ? LIST_NUM : VERSION_1_LIST_NUM;
   std::uint64_t steps = 2 * file.size();
   std::uint64_t begin = file[header_at::HEADER_SIZE];

@@ -28,7 +28,7 @@ struct UncheckedWord {
 /// Goes over the file as it was read, and sets what follows.
 class Deriver : public Events {
 public:
-  Deriver(FileBytes &bytes, const Reading &reading) : file(bytes), version_2(file.version() == VERSION_2) {
+  Deriver(FileBytes &bytes, const Reading &reading) : file(bytes), version_2(hasVersion2(file.version())) {
     for (const Decision *decision = reading.decisions; decision != nullptr; decision = decision->before) {
       if (decision->sort == Decision::Sort::list)
         spans[decision->list] = decision;

@@ -103,7 +103,7 @@ std::optional<Salvaged> Filler::fill(const Reading &reading) {
 } // namespace
 
 std::optional<Salvaged> fillMakerBlocks(const FileBytes &file) {
-  if (file.version() != VERSION_2)
+  if (!hasVersion2(file.version()))
     return std::nullopt;
   Reader reader(file);
   const std::optional<Reading> reading = reader.readFile();

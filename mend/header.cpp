@@ -21,7 +21,7 @@ HeaderFacts headerFacts(const Ordered &file, Word version) {
     return facts;
   const std::uint64_t header = file.word(header_at::HEADER_SIZE);
   const Word maker = file.word(header_at::BLOCKS);
-  const bool version_2_lists = version == VERSION_2 && maker >= VERSION_2_SIZES_BYTES;
+  const bool version_2_lists = hasVersion2(version) && maker >= VERSION_2_SIZES_BYTES;
   std::uint64_t at = header;
   std::size_t lists = 0;
   std::size_t right = 0;
@@ -41,7 +41,7 @@ HeaderFacts headerFacts(const Ordered &file, Word version) {
     at += size;
   }
   facts.sum = at;
-  facts.holding = (version == VERSION_1 || version == VERSION_2) + (file.word(header_at::TAG) == 0) +
+  facts.holding = isVersion(version) + (file.word(header_at::TAG) == 0) +
                   (header == std::uint64_t{FILE_HEADER_BYTES} + maker + file.word(header_at::BLOCKS + sizeof(Word))) +
                   (facts.sum == facts.stated) + first_tag + first_size;
   facts.lists_hold = right == lists && at == file.size();

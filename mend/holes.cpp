@@ -59,7 +59,7 @@ Bytes emptyRecord(const RecordLayout &kind, Word number, bool version_2) {
 class HoleSalvage {
 public:
   HoleSalvage(const FileBytes &bytes, const HolesAsked &what)
-      : file(bytes), version_2(bytes.version() == VERSION_2), asked(what) {}
+      : file(bytes), version_2(hasVersion2(bytes.version())), asked(what) {}
 
   std::optional<Salvaged> salvage();
 

@@ -6,6 +6,7 @@
 #include "format/header.h"
 #include "format/list.h"
 #include "format/lists.h"
+#include "format/versions.h"
 
 namespace kova::mend {
 

@@ -174,7 +174,7 @@ To toKind(std::size_t list, bool second) {
 
 bool cutLinks(FileBytes &file, const Spans &spans, Gone gone, std::vector<Loss> &losses) {
   joinLists(gone);
-  const bool version_2 = file.version() == VERSION_2;
+  const bool version_2 = hasVersion2(file.version());
   LinkCutter cutter(file, gone, losses);
   for (std::size_t list = 0; list < LIST_NUM; ++list) {
     const Decision &span = spans[list];

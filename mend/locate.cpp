@@ -22,7 +22,7 @@ constexpr std::uint64_t LOOK_AT = 8;
 class Locator {
 public:
   explicit Locator(const FileBytes &bytes)
-      : file(bytes), version_2(bytes.version() == VERSION_2), steps_left(GO_OVER * bytes.size()),
+      : file(bytes), version_2(hasVersion2(bytes.version())), steps_left(GO_OVER * bytes.size()),
         places_left(LOOK_AT * bytes.size()), elements_left(bytes.size() / SMALLEST_ELEMENT),
         moved(static_cast<std::int64_t>(bytes.size()) - static_cast<std::int64_t>(bytes[header_at::SIZE])) {}
 

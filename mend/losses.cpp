@@ -71,7 +71,7 @@ const RecordLayout *soundElement(const FileBytes &file, std::uint64_t at, std::u
     for (const RecordLayout *const kind : {layout.first, layout.second}) {
       if (kind == nullptr || kind->tag != tag || at + kind->fixed > to)
         continue;
-      Walk walk(file, file.version() == VERSION_2, nullptr, steps);
+      Walk walk(file, hasVersion2(file.version()), nullptr, steps);
       const std::uint64_t end = walk.over({kind, at});
       const bool is_sound = !walk.broken && walk.faults == 0 && walk.doubts == 0 && end <= to;
       return is_sound && end - at == (file[at + kind->size_at] & ~Word{3}) ? kind : nullptr;
@@ -87,7 +87,7 @@ std::vector<std::pair<std::uint64_t, const RecordLayout *>> elementsOf(const Fil
   std::uint64_t at = view.elements();
   for (std::uint64_t i = 0; i < view.number() && at < list.span->end; ++i) {
     elements.emplace_back(at, &view.kind(i));
-    at = Walk(read, read.size(), read.version() == VERSION_2).over(view.element(i, at));
+    at = Walk(read, read.size(), hasVersion2(read.version())).over(view.element(i, at));
   }
   return elements;
 }

@@ -34,7 +34,7 @@ Audit auditBytes(const std::vector<unsigned char> &bytes) {
     throw std::bad_alloc();
   const int loaded = kvOpenKbMemory(bytes, "", *kis);
   const Word version = kvKOVAver(kis->file_header);
-  const bool known = version == VERSION_1 || version == VERSION_2;
+  const bool known = isVersion(version);
   if (audit.out_of_memory)
     throw std::bad_alloc();
   audit.ok = known && (checkKOVA(*kis) & loaded) != 0;
@@ -300,7 +300,7 @@ Result mendAsIs(std::vector<unsigned char> &bytes, const Asked &asked) {
   if (file.size() < sizeof(Word))
     return hopeless("it is too short even for a version");
   const Word version = file.version();
-  if (version != VERSION_1 && version != VERSION_2)
+  if (!isVersion(version))
     return hopeless("it is of no version that is known");
   const bool has_header = file.size() >= FILE_HEADER_BYTES;
   const std::uint64_t stated = has_header ? file[header_at::SIZE] : file.size() + 1;

@@ -24,7 +24,7 @@ bool sameClaims(const Decision *a, const Decision *b) {
 } // namespace
 
 bool hasVersion2Lists(const FileBytes &file) {
-  return file.version() == VERSION_2 && file[header_at::BLOCKS] >= VERSION_2_SIZES_BYTES;
+  return hasVersion2(file.version()) && file[header_at::BLOCKS] >= VERSION_2_SIZES_BYTES;
 }
 
 const Decision *Reader::decide(const Decision &made, const Decision *before) {

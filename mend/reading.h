@@ -65,7 +65,7 @@ inline void addEnd(std::vector<std::uint64_t> &ends, std::uint64_t end) {
 class Reader {
 public:
   explicit Reader(const FileBytes &bytes)
-      : file(bytes), version_2(file.version() == VERSION_2), file_left(budgetOf(file.size(), FILE_SHARES)) {}
+      : file(bytes), version_2(hasVersion2(file.version())), file_left(budgetOf(file.size(), FILE_SHARES)) {}
 
   /// @return the best reading of the file, whose last list ends where the file ends; none if there is no such reading.
   std::optional<Reading> readFile();

@@ -93,7 +93,7 @@ bool Rebuilder::findChain() {
 /// @return where the elements end that begin at a place, one with each number; 0 where one is not sound.
 std::uint64_t Rebuilder::endOfElements(const RecordLayout &kind, std::uint64_t at, Word number) {
   while (at < chain.begin && isElementTag(kind, file[at]) && file[at + kind.index_at] == number++) {
-    Walk walk(file, file.version() == VERSION_2, nullptr, steps_left);
+    Walk walk(file, hasVersion2(file.version()), nullptr, steps_left);
     const std::uint64_t end = walk.over({&kind, at});
     if (walk.broken || end > chain.begin || (file[at + kind.size_at] & ~Word{3}) != end - at)
       return 0;
@@ -128,7 +128,7 @@ bool Rebuilder::findElements() {
 /// Makes the file with a header of a version. Lists in front of what is left get room for their heads alone.
 Rebuilt Rebuilder::makeFile(Word version) const {
   const bool has_scene = chain.first == 0;
-  std::uint64_t header = FILE_HEADER_BYTES + (version == VERSION_2 ? std::uint64_t{VERSION_2_SIZES_BYTES} : 0);
+  std::uint64_t header = FILE_HEADER_BYTES + (hasVersion2(version) ? std::uint64_t{VERSION_2_SIZES_BYTES} : 0);
   if (has_scene && chain.begin >= FILE_HEADER_BYTES && (!chain.has_version_2_lists || chain.begin >= header))
     header = chain.begin; // its blocks are there
   std::array<Word, LIST_NUM> sizes = chain.sizes;
@@ -181,7 +181,7 @@ std::optional<Rebuilt> Rebuilder::rebuild() {
   if (!chain.has_version_2_lists && known == VERSION_1)
     return makeFile(VERSION_1);
   Rebuilt made = makeFile(VERSION_2);
-  return chain.has_version_2_lists || known == VERSION_2 || is20(made) ? std::move(made) : makeFile(VERSION_1);
+  return chain.has_version_2_lists || hasVersion2(known) || is20(made) ? std::move(made) : makeFile(VERSION_1);
 }
 
 } // namespace

@@ -20,7 +20,7 @@ struct CutElements {
 
 class Salvage {
 public:
-  explicit Salvage(const FileBytes &bytes) : file(bytes), version_2(file.version() == VERSION_2) {}
+  explicit Salvage(const FileBytes &bytes) : file(bytes), version_2(hasVersion2(file.version())) {}
 
   std::optional<Salvaged> salvage();
 

@@ -48,7 +48,7 @@ class SwapSearch {
 public:
   SwapSearch(BytesView bytes, const IsOriginal &is_original)
       : accepts(is_original), scratch(bytes.begin(), bytes.end()), file(scratch),
-        version_2(file.version() == VERSION_2), left(READ_FOR_EACH * bytes.size()) {}
+        version_2(hasVersion2(file.version())), left(READ_FOR_EACH * bytes.size()) {}
 
   std::vector<Undoing> find();
 

@@ -1,5 +1,7 @@
 #include "mend/transform.h"
 
+#include "format/versions.h"
+
 #include <algorithm>
 #include <array>
 
@@ -22,12 +24,10 @@ Bytes part(BytesView file, std::uint64_t begin, std::uint64_t end) {
 
 // --- The version word -----------------------------------------------------------------------------------------------
 
-bool isVersion(Word version) { return version == VERSION_1 || version == VERSION_2; }
-
 void findVersion(BytesView file, const HeaderFacts &facts, std::vector<Undoing> &ways) {
-  for (const Word version : {VERSION_1, VERSION_2})
-    if (!isVersion(facts.version & 0xffff) && headerFacts({file}, version).isHeader())
-      ways.push_back({.count = facts.version, .value = version});
+  for (const VersionRow &version : VERSIONS)
+    if (!isVersion(facts.version & 0xffff) && headerFacts({file}, version.number).isHeader())
+      ways.push_back({.count = facts.version, .value = version.number});
 }
 
 Bytes setVersion(BytesView file, const Undoing &way) {
@@ -38,7 +38,7 @@ Bytes setVersion(BytesView file, const Undoing &way) {
 }
 
 std::string tellVersion(const Undoing &way) {
-  return std::string("the version is gone: it is ") + (way.value == VERSION_1 ? "1.0" : "2.0") +
+  return std::string("the version is gone: it is ") + versionRow(static_cast<Word>(way.value))->name +
          ", under which all agrees";
 }
 
@@ -293,8 +293,9 @@ bool differInVersion(const std::vector<Undoing> &a, const std::vector<Undoing> &
 }
 
 bool setsVersion2(const std::vector<Undoing> &steps) {
-  return std::any_of(steps.begin(), steps.end(),
-                     [](const Undoing &step) { return setsVersion(step) && step.value == VERSION_2; });
+  return std::any_of(steps.begin(), steps.end(), [](const Undoing &step) {
+    return setsVersion(step) && hasVersion2(static_cast<Word>(step.value));
+  });
 }
 
 /// Tries a file that results, which is not needed any more.

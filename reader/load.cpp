@@ -1,6 +1,7 @@
 #include "kova/kova.h"
 
 #include "format/all.h"
+#include "format/versions.h"
 #include "reader/cursor.h"
 #include "reader/elements.h"
 #include "reader/file.h"
@@ -160,7 +161,7 @@ int readLists(Input &input, Kis &kis, std::size_t first, std::size_t last) {
 
 int checkVersion(const FileHeader &header) {
   const Word version = kvKOVAver(header);
-  if (version == VERSION_1 || version == VERSION_2)
+  if (isVersion(version))
     return 1;
   return report<"version-unknown">(headerWord(header, &FileHeader::version), {header.version}, header.version);
 }
@@ -249,7 +250,7 @@ struct Version2 {
   bool read_lists; ///< whether the file has version-2 lists
 };
 Version2 version2Of(Kis &kis, int ok) {
-  if (kvKOVAver(kis.file_header) != VERSION_2)
+  if (!hasVersion2(kvKOVAver(kis.file_header)))
     return {ok, false};
   if (!decodeMakerBlocks(kis))
     return {0, false};
@@ -348,7 +349,7 @@ int kvReadFileHeader(std::FILE *stream, Kis &kis) {
 }
 
 int kvSetupFileHeaderExt(FileHeader &header) {
-  if (kvKOVAver(header) != VERSION_2)
+  if (!hasVersion2(kvKOVAver(header)))
     return 1;
   if (header.van_ext_blk_size == 0)
     return 0;

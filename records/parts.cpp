@@ -1,5 +1,6 @@
 #include "records/parts.h"
 
+#include "format/versions.h"
 #include "reader/byte_order.h"
 
 #include <algorithm>
@@ -14,13 +15,13 @@ bool takeApart(std::span<const unsigned char> begin, std::uint64_t length, Parts
   FileHeaderHead &head = header;
   copyConverted(&head, begin.data(), sizeof head);
   const Word version = kvKOVAver(header);
-  if (version != VERSION_1 && version != VERSION_2)
+  if (!isVersion(version))
     return false;
   const std::uint64_t stated = Word{header.van_ext_blk_size + header.usr_ext_blk_size};
   parts.blocks = std::min(stated, length - FILE_HEADER_BYTES);
   parts.whole_words = parts.blocks == std::uint64_t{header.van_ext_blk_size} + header.usr_ext_blk_size &&
                       header.van_ext_blk_size % sizeof(Word) == 0 && header.usr_ext_blk_size % sizeof(Word) == 0;
-  parts.has_sizes = parts.whole_words && version == VERSION_2 && header.van_ext_blk_size >= VERSION_2_SIZES_BYTES;
+  parts.has_sizes = parts.whole_words && hasVersion2(version) && header.van_ext_blk_size >= VERSION_2_SIZES_BYTES;
   if (parts.has_sizes) {
     Version2Sizes &sizes = header;
     copyConverted(&sizes, begin.data() + FILE_HEADER_BYTES, sizeof sizes);

@@ -2,6 +2,7 @@
 
 #include "common/file.h"
 #include "common/memory.h"
+#include "format/versions.h"
 #include "kova/check.h"
 #include "mend/diagnose.h"
 #include "survey/deep.h"
@@ -104,7 +105,7 @@ void judge(const Descriptor &file, FileResult &result, Workspace &workspace) {
   if (has(result, "out-of-memory"))
     return refuse(result, Reason::no_memory, "");
   const Word version = kvKOVAver(kis->file_header);
-  if (version != VERSION_1 && version != VERSION_2)
+  if (!isVersion(version))
     return refuseVersion(result, kis->file_header);
   result.version = version == VERSION_1 ? Version::one : Version::two;
   ok *= checkKOVA(*kis); // what could be read is checked, also after a failed load

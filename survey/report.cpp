@@ -2,6 +2,7 @@
 
 #include "common/file.h"
 #include "common/text.h"
+#include "format/versions.h"
 #include "kova/kb.h"
 
 #include <algorithm>
@@ -41,8 +42,8 @@ bool isScene(const std::string &path) {
   const FindingReceiver unheard([](const Finding &) {});
   kvOpenKbMemory(std::span(header).first(bytes), path.c_str(), *kis);
   const Word version = kvKOVAver(kis->file_header);
-  return bytes >= sizeof(Word) && (version == VERSION_1 || version == VERSION_2 ||
-                                   (kis->file_header.header_tag == 0 && kis->file_header.size == size));
+  return bytes >= sizeof(Word) &&
+         (isVersion(version) || (kis->file_header.header_tag == 0 && kis->file_header.size == size));
 }
 
 bool refuseScene(const std::string &path) {

@@ -1,6 +1,7 @@
 #include "kova/kb.h"
 
 #include "format/all.h"
+#include "format/versions.h"
 #include "writer/elements.h"
 #include "writer/list.h"
 
@@ -91,7 +92,7 @@ bool allFits(const Kis &kis) {
   eachList([&](const auto &row) {
     const auto &list = kis.*row.list;
     using List = std::remove_cvref_t<decltype(list)>;
-    FitCheck<List> check{{}, list, kvKOVAver(kis.file_header) == VERSION_2};
+    FitCheck<List> check{{}, list, hasVersion2(kvKOVAver(kis.file_header))};
     ListFormat<List>::content(check, list);
     fit = fit && check.fits;
   });
@@ -112,7 +113,7 @@ std::uint64_t sizeofHeldBlocks(const FileHeader &header) {
 /// @return how many lists the file has room for: those of version 2.0 only where the maker block has all of their
 /// sizes.
 std::size_t listNum(const FileHeader &header) {
-  const bool version2 = kvKOVAver(header) == VERSION_2 && header.van_ext_blk_size >= VERSION_2_SIZES_BYTES;
+  const bool version2 = hasVersion2(kvKOVAver(header)) && header.van_ext_blk_size >= VERSION_2_SIZES_BYTES;
   return version2 ? LIST_NUM : VERSION_1_LIST_NUM;
 }
 
@@ -128,7 +129,7 @@ std::uint64_t sizeofVersion1(const FileHeader &header) {
 bool canBeWritten(const FileHeader &header) {
   const Word version = kvKOVAver(header);
   const bool wraps = sizeofVersion1(header) != kvSizeofKOVA1file(header);
-  return version == VERSION_1 || (version == VERSION_2 && !(wraps && anyWord<Version2Sizes>(header)));
+  return version == VERSION_1 || (hasVersion2(version) && !(wraps && anyWord<Version2Sizes>(header)));
 }
 
 /// Writes the header and its blocks as a piece of `size` bytes. What the model lacks of the blocks is zeros, but for
@@ -138,7 +139,7 @@ void writeHeader(Output &out, const FileHeader &header, std::uint64_t size) {
   beginList(out, size);
   putFixed<FileHeaderHead>(out, header);
   std::span<const Word> van = vanExtBlk(header.ext_blk);
-  if (kvKOVAver(header) == VERSION_2) {
+  if (hasVersion2(kvKOVAver(header))) {
     const auto sizes = static_cast<std::size_t>(std::min<std::uint64_t>(van_words, VERSION_2_LIST_NUM));
     const Version2Sizes &table = header;
     putWords(out, &table, sizes * sizeof(Word));
@@ -173,7 +174,7 @@ void writeList(Output &out, const Kis &kis, std::size_t list) {
   std::size_t number = 0;
   eachList([&](const auto &row) {
     if (number++ == list)
-      putList(out, kis.*row.list, kvKOVAver(kis.file_header) == VERSION_2);
+      putList(out, kis.*row.list, hasVersion2(kvKOVAver(kis.file_header)));
   });
 }
 

@@ -1,6 +1,8 @@
 /// The rules by which other programs know a scene file.
 #include "format/all.h"
+
 #include "format/header.h"
+#include "format/versions.h"
 #include "json/describe/record.h"
 
 #include <array>
@@ -12,12 +14,6 @@ namespace {
 
 constexpr const char *TYPE = "model/x-kova";
 constexpr const char *TITLE = "KOVA 3D scene";
-
-struct Version {
-  Word version;
-  const char *name;
-};
-constexpr std::array<Version, 2> VERSIONS = {{{VERSION_1, "1.0"}, {VERSION_2, "2.0"}}};
 
 template <class Head> constexpr std::size_t placeOf(Word Head::*word) { return wordOf<Head>(word) * sizeof(Word); }
 
@@ -43,8 +39,8 @@ std::string magicText() {
     text += '\n';
   };
   add({"# ", TITLE, "s, for file(1)"});
-  for (const Version &version : VERSIONS) {
-    add({"0\tubelong&0xffff\t", hex(version.version), "\n!:strength +80"});
+  for (const VersionRow &version : VERSIONS) {
+    add({"0\tubelong&0xffff\t", hex(version.number), "\n!:strength +80"});
     add({">", std::to_string(placeOf(&FileHeaderHead::header_tag)), "\tubelong\t0"});
     add({">>", header_size, "\tubelong\t>", std::to_string(FILE_HEADER_BYTES - 1)});
     add({">>>(", header_size, ".L)\tubelong&0xff00ffff\t0"});
@@ -69,8 +65,8 @@ std::string mimeText() {
     text.append(indent).append("<match type=\"big32\" offset=\"").append(offset).append("\" value=\"");
     text.append(hex(value)).append("\" mask=\"").append(hex(mask)).append("\"").append(end).append(">\n");
   };
-  for (const Version &version : VERSIONS) {
-    match("      ", "0", version.version, 0xffff, "");
+  for (const VersionRow &version : VERSIONS) {
+    match("      ", "0", version.number, 0xffff, "");
     match("        ", std::to_string(placeOf(&FileHeaderHead::header_tag)), 0, 0xffffffff, "");
     match("          ", std::to_string(placeOf(&FileHeaderHead::file_header_num)), 0, 0xffff0003, "");
     for (const ListRow &list : LISTS)
