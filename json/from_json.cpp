@@ -63,11 +63,16 @@ bool readList(Lexer &in, Document &document, std::size_t list) {
     using Head = typename Format::Head;
     Parsing from{in, row.tag};
     ok = readRecord<Format::words, Head>(from, model, Own{row.tag, 0, sizeof(Head)}, &bytes);
+    if (ok && isMostlyEmpty(model))
+      ok = fail(in, "the sizes of the records leave most of the list empty: such a list has to be raw bytes");
     document.bytes[list] = bytes.raw.given ? bytes.raw.bytes.size() : bytesOf(model, sizeof(Head));
     document.bytes[list] += bytes.behind.bytes.size();
   });
   return ok;
 }
+
+/// The members of a document behind the lists, as marks.
+enum Part : std::size_t { KBJSON = LIST_NUM, FILE_HEADER, BEHIND, FILE_BYTES };
 
 /// Reads one member of the document.
 bool readPart(Lexer &in, std::string_view key, Document &document, HeaderGiven &given, Marks &seen) {
@@ -84,11 +89,11 @@ bool readPart(Lexer &in, std::string_view key, Document &document, HeaderGiven &
     return twice(in);
   seen.set(which);
   Word form = 1;
-  const bool ok = which < LIST_NUM        ? readList(in, document, which)
-                  : which == LIST_NUM     ? readWord(in, form, false)
-                  : which == LIST_NUM + 1 ? readHeader(in, document, given)
-                  : which == LIST_NUM + 2 ? readRaw(in, document.behind)
-                                          : readRaw(in, document.file);
+  const bool ok = which < LIST_NUM       ? readList(in, document, which)
+                  : which == KBJSON      ? readWord(in, form, false)
+                  : which == FILE_HEADER ? readHeader(in, document, given)
+                  : which == BEHIND      ? readRaw(in, document.behind)
+                                         : readRaw(in, document.file);
   if (!ok)
     return false;
   if (form != 1)
@@ -145,7 +150,8 @@ bool readDocument(Lexer &in, Document &document) {
     return fail(in, "expected the end of the document");
   if (!document.file.given)
     return given.there ? finishHeader(in, document, given) : missing(in, "FileHeader");
-  return seen.count() <= 2 && !given.there ? true : fail(in, "\"file\" stands alone");
+  seen.reset(KBJSON).reset(FILE_BYTES);
+  return seen.none() || fail(in, "\"file\" stands alone");
 }
 
 } // namespace

@@ -274,7 +274,8 @@ bool readOtherWord(Lexer &in, Word &word, bool real) {
 bool readReal(Lexer &in, Word &word) {
   float value = 0;
   const auto [behind, error] = std::from_chars(in.at, in.end, value);
-  if (error != std::errc() || !isNumber({in.at, static_cast<std::size_t>(behind - in.at)}))
+  if (error != std::errc() || behind - in.at >= static_cast<std::ptrdiff_t>(Lexer::LONGEST_NUMBER) ||
+      !isNumber({in.at, static_cast<std::size_t>(behind - in.at)}))
     return fail(in, REAL);
   word = std::bit_cast<Word>(value);
   in.at += behind - in.at;

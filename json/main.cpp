@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -76,7 +77,7 @@ struct Input {
 /// @return 0, or the system's reason.
 int openInput(const Options &options, Input &input) {
   if (options.input != "-") {
-    Descriptor file = openToRead(options.input.c_str());
+    Descriptor file{::open(options.input.c_str(), O_RDONLY | O_CLOEXEC)}; // waits for who writes into a pipe
     input.opened.reset(file.number < 0 ? nullptr : ::fdopen(file.number, "rb"));
     if (!input.opened)
       return errno;

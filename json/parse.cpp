@@ -30,9 +30,8 @@ bool skipPlain(Lexer &in) {
         return false;
     return true;
   }
-  while ((*in.at >= '0' && *in.at <= '9') || (in.at == in.end && refill(in)))
-    ++in.at;
-  return true;
+  Word any;
+  return readWord(in, any, true);
 }
 
 } // namespace

@@ -75,7 +75,7 @@ template <class Record> struct MemberReader : PassingIo {
       return 1;
     std::vector<Item> &items = record.*member;
     const Word tag = tagOf<Form, Record>(from.list_tag);
-    if (peek(from.in) == '{')
+    if (canHaveWordsAlone<Item>() && peek(from.in) == '{')
       return done(readRows<Form>(from.in, items, tag));
     bool first = true;
     if (!take(from.in, '[', "an array"))

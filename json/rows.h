@@ -4,12 +4,16 @@
 #include "records/derive.h"
 #include "json/pieces.h"
 
+#include <utility>
+
 namespace kova::json {
 
 /// What a table of rows says before its rows.
 struct RowHead {
   std::vector<const Slot *> columns = {};
   Marks given = {};
+  bool has_all = false;
+  bool has_words = false;
   bool has_rows = false;
 };
 
@@ -68,6 +72,9 @@ template <class Form, class Item> bool readRows(Lexer &in, std::vector<Item> &it
     if (rows.has_rows)
       return fail(in, "\"rows\" come last");
     rows.has_rows = key == "rows";
+    if (bool *const had = key == "all" ? &rows.has_all : key == "words" ? &rows.has_words : nullptr)
+      if (std::exchange(*had, true))
+        return fail(in, '"' + std::string(key) + "\" is given twice");
     return key == "all"     ? readAll(in, slots, plain, rows.given)
            : key == "words" ? readColumns(in, slots, rows)
            : rows.has_rows

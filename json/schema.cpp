@@ -97,9 +97,9 @@ struct Collector : PassingIo {
   template <class... Arguments> int pairs(const Arguments &...all) { return array(all...); }
 
   template <class Form, class Item, class Holder, class Count> int records(Form, std::vector<Item> Holder::*, Count) {
+    const std::string records = arrayOf(recordSchema<Form::words, Item>(Form::bytes));
     add(properties, std::string(Form::name()),
-        either(arrayOf(recordSchema<Form::words, Item>(Form::bytes)),
-               rowsSchema(storedSlots<Form::words>(Form::bytes))));
+        canHaveWordsAlone<Item>() ? either(records, rowsSchema(storedSlots<Form::words>(Form::bytes))) : records);
     return 1;
   }
   template <class... Arguments> int run(const Arguments &...all) { return records(all...); }

@@ -137,7 +137,8 @@ void printList(SceneOut &to, std::size_t list, std::uint64_t offset) {
     auto &model = (*kis).*row.list;
     const std::uint64_t content =
         ok != 0 ? bytesOf(model, sizeof(typename ListFormat<std::remove_cvref_t<decltype(model)>>::Head)) : 0;
-    if (ok != 0 && content <= size && comesBack(*kis, list, bytes.first(static_cast<std::size_t>(content))))
+    if (ok != 0 && content <= size && !isMostlyEmpty(model) &&
+        comesBack(*kis, list, bytes.first(static_cast<std::size_t>(content))))
       printData(to, model, list, bytes, static_cast<std::size_t>(content), offset);
     else
       printRaw(to.out, bytes, offset, finding);

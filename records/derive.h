@@ -33,7 +33,8 @@ inline std::uint64_t dataBytes(const CollHead &coll) {
 /// Adds up the bytes of a record as it is written: what is held, whatever its counts say.
 template <class Record> struct Measure : PassingIo {
   const Record &record;
-  std::uint64_t bytes; ///< at first those of the fixed words
+  std::uint64_t bytes;     ///< at first those of the fixed words
+  std::uint64_t empty = 0; ///< of these, as many as its sizes say and nothing is held of
 
   template <class Text, class Item, class Holder, class... Rest>
   int array(Text, std::vector<Item> Holder::*member, const Rest &...) {
@@ -64,6 +65,7 @@ template <class Record> struct Measure : PassingIo {
     return 1;
   }
   template <class Holder> int header(Word Holder::*size) {
+    empty += record.*size > bytes ? record.*size - bytes : 0;
     bytes = record.*size;
     return 1;
   }
@@ -75,7 +77,9 @@ template <class Record> struct Measure : PassingIo {
     return 1;
   }
   int data(CollData Coll::*) {
-    bytes += dataBytes(record);
+    const std::uint64_t said = dataBytes(record);
+    empty += said - std::min<std::uint64_t>(said, sizeof(CollData));
+    bytes += said;
     return 1;
   }
   template <class Holder> int texels(std::vector<unsigned char> Holder::*member, std::uint64_t) {
@@ -90,6 +94,7 @@ private:
     Measure<Item> inside{{}, item, fixed};
     goOver(inside, item);
     bytes += inside.bytes;
+    empty += inside.empty;
     return 1;
   }
 };
@@ -101,6 +106,15 @@ template <class Record> std::uint64_t bytesOf(const Record &record, std::size_t 
   return measure.bytes;
 }
 
+/// @return whether a list is larger by what its records leave empty than by what it holds: a document of a few words
+/// would stand for a file of any size.
+template <class List> bool isMostlyEmpty(const List &list) {
+  constexpr std::uint64_t ALWAYS_FINE = 64 * 1024;
+  Measure<List> measure{{}, list, sizeof(typename ListFormat<List>::Head)};
+  goOver(measure, list);
+  return measure.empty > ALWAYS_FINE && measure.empty > measure.bytes - measure.empty;
+}
+
 // --- Records without content ----------------------------------------------------------------------------------------
 
 /// Whether a record has anything behind its fixed words but blocks.
@@ -110,19 +124,23 @@ struct HasMore : PassingIo {
   template <class... Arguments> int pairs(const Arguments &...) { return more = true; }
 };
 
-/// @return whether records are no elements and have nothing but their fixed words.
-template <class Item> bool haveWordsAlone(const std::vector<Item> &items) {
+/// @return whether records of a type may have nothing but their fixed words: they are no elements and have no arrays.
+template <class Item> bool canHaveWordsAlone() {
   if constexpr (
       requires(Item item) { item.offset; } || requires(Item item) { item.group_ext_blk; })
     return false;
-  if constexpr (requires(Item item) { item.ext_blk; }) {
-    HasMore io;
-    if (!items.empty())
-      content(io, items[0]);
-    return !io.more &&
-           std::none_of(items.begin(), items.end(), [](const Item &item) { return item.ext_blk.words != nullptr; });
-  }
-  return true;
+  HasMore io;
+  if constexpr (requires(Item item) { item.ext_blk; })
+    content(io, Item{});
+  return !io.more;
+}
+
+/// @return whether records have nothing but their fixed words.
+template <class Item> bool haveWordsAlone(const std::vector<Item> &items) {
+  if constexpr (requires(Item item) { item.ext_blk; })
+    if (std::any_of(items.begin(), items.end(), [](const Item &item) { return item.ext_blk.words != nullptr; }))
+      return false;
+  return canHaveWordsAlone<Item>();
 }
 
 // --- Counts ---------------------------------------------------------------------------------------------------------

@@ -32,6 +32,10 @@ for file in town damaged cut; do
   rm "$file.json" back.kb
 done
 cmp town.kb <(kbjson --lean - <town.kb | kbjson --to-kb - -) || fail "through pipes, town.kb does not come back"
+json 0 <(sleep 0.1 && cat town.kb) pipe.json
+json 0 --to-kb <(sleep 0.1 && cat pipe.json) pipe.kb
+cmp town.kb pipe.kb || fail "through named pipes that are written late, town.kb does not come back"
+rm pipe.kb pipe.json
 
 # --- What is refused ---
 
