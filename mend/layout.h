@@ -47,8 +47,6 @@ static_assert(SIZE == PLACE_OF<TWO_KINDS, Role::size> && COUNT == PLACE_OF<TWO_K
               wordAt(TWO_KINDS, SECOND_COUNT / sizeof(Word)).role == Role::count);
 } // namespace list_at
 
-static_assert(static_cast<std::size_t>(To::external_name) + 1 == LIST_NUM);
-
 /// A link among the fixed words of a record.
 struct Link {
   std::uint16_t at;

@@ -78,7 +78,6 @@ std::uint64_t Reader::find(std::uint64_t from, std::uint64_t to, Word tag, std::
   return at < to ? at : 0;
 }
 
-/// Gives a list of so many bytes its share. What the one before has left goes back.
 void Reader::beginList(std::uint64_t bytes) {
   const Budget share = budgetOf(bytes, 1);
   for (std::uint64_t Budget::*const kind : {&Budget::scan_bytes, &Budget::read_steps, &Budget::search_steps}) {

@@ -70,6 +70,21 @@ public:
   /// @return the best reading of the file, whose last list ends where the file ends; none if there is no such reading.
   std::optional<Reading> readFile();
 
+  /// What can be made of a record that is to end at a given place.
+  struct Proposal {
+    Word cost;
+    Word doubts;
+    bool changes;
+    LengthWord length_word;
+    Word value;
+  };
+  using Proposals = std::vector<Proposal>;
+
+  /// Gives a list of so many bytes its share of what reading may take. What the one before has left goes back.
+  void beginList(std::uint64_t bytes);
+  /// @return the best ways in which the record can end at `end`: none, one, or several that are equally good.
+  Proposals solve(const RecordAt &record, std::uint64_t end);
+
 private:
   /// What reading may still take. Time is linear for this, whatever the file says.
   struct Budget {
@@ -87,22 +102,11 @@ private:
 
   using Readings = std::vector<Reading>;
 
-  /// What can be made of a record that is to end at a given place.
-  struct Proposal {
-    Word cost;
-    Word doubts;
-    bool changes;
-    LengthWord length_word;
-    Word value;
-  };
-  using Proposals = std::vector<Proposal>;
-
   static bool isBetter(const Reading &a, const Reading &b);
   const Decision *decide(const Decision &made, const Decision *before);
   void add(Readings &readings, const Reading &reading) const;
   void prune(Readings &readings) const;
 
-  void beginList(std::uint64_t bytes);
   std::uint64_t find(std::uint64_t from, std::uint64_t to, Word tag, std::optional<Word> behind);
   std::uint64_t findNext(const RecordAt &record, std::uint64_t to);
   const Conventions &known();
@@ -121,7 +125,6 @@ private:
   void solveInside(const RecordAt &record, std::uint64_t end, const RecordAt &inner, std::int64_t lacking,
                    Proposals &proposals);
   Word recordsInARow(RecordAt record, std::uint64_t end);
-  Proposals solve(const RecordAt &record, std::uint64_t end);
   static void keepBest(Proposals &proposals);
 
   void readElement(std::size_t list, const RecordLayout &kind, const Reading &before, Word number, Word table_size,

@@ -152,7 +152,6 @@ void Reader::solveInside(const RecordAt &record, std::uint64_t end, const Record
     tryWord(record, end, proposal.length_word, proposal.value, proposals);
 }
 
-/// @return the best ways in which the record can end at `end`: none, one, or several that are equally good.
 Reader::Proposals Reader::solve(const RecordAt &record, std::uint64_t end) {
   Proposals proposals;
   std::uint64_t ends_at = 0;
