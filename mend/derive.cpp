@@ -17,12 +17,20 @@ constexpr std::size_t FEWEST_WITNESSES = 3;
 /// ... and if at most one of so many does not.
 constexpr std::size_t WITNESSES_EACH = 4;
 
-/// What one unchecked word of the records of a kind is like in this file.
+/// What one unchecked word of the records of a kind, or of lists, is like in this file.
 struct UncheckedWord {
-  const RecordLayout *kind;
+  const RecordLayout *kind; ///< null: it is one of lists
   const char *field;
   std::size_t follow = 0;
   std::vector<Change> others = {};
+};
+
+/// A tag that records of a kind have in this file, where the audit takes any.
+struct UncheckedTag {
+  const RecordLayout *kind;
+  Word value;
+  std::size_t number = 0;
+  std::vector<Change> places = {}; ///< of those with it, unless there are many
 };
 
 /// Goes over the file as it was read, and sets what follows.
@@ -43,8 +51,13 @@ public:
 
 private:
   void set(std::uint64_t offset, std::string field, Word value, const char *why);
-  void expect(const RecordLayout &kind, const char *group, std::uint64_t offset, std::string field, Word value,
+  void expect(const RecordLayout *kind, const char *group, std::uint64_t offset, std::string field, Word value,
               const char *why);
+  void expectHeaderSize(const RecordAt &record, std::uint64_t end);
+  void expectListHeaderSize(const ListView &list);
+  void countTag(const RecordAt &record);
+  void setUncheckedWords();
+  void setUncheckedTags();
   void leave(const RecordAt &record, std::uint64_t end, int depth) override;
   void countMaker(const Walk &walk);
   void mergeChanges();
@@ -62,6 +75,7 @@ private:
   std::vector<const Decision *> applied = {};
   std::vector<Change> changes = {};
   std::vector<UncheckedWord> unchecked_words = {};
+  std::vector<UncheckedTag> unchecked_tags = {};
   std::size_t looked_at = 0;
   std::size_t used_up_blocks = 0; ///< maker blocks that hold just what their counts call for
   std::size_t longer_blocks = 0;
@@ -83,16 +97,58 @@ void Deriver::set(std::uint64_t offset, std::string field, Word value, const cha
 }
 
 /// Takes down whether a word is as the others of its kind may be.
-void Deriver::expect(const RecordLayout &kind, const char *group, std::uint64_t offset, std::string field, Word value,
+void Deriver::expect(const RecordLayout *kind, const char *group, std::uint64_t offset, std::string field, Word value,
                      const char *why) {
   auto word = std::find_if(unchecked_words.begin(), unchecked_words.end(),
-                           [&](const UncheckedWord &other) { return other.kind == &kind && other.field == group; });
+                           [&](const UncheckedWord &other) { return other.kind == kind && other.field == group; });
   if (word == unchecked_words.end())
-    word = unchecked_words.insert(word, {&kind, group});
+    word = unchecked_words.insert(word, {kind, group});
   if (file[offset] == value)
     ++word->follow;
   else if (word->others.size() * WITNESSES_EACH <= word->follow + 64) // else none of them is meant to follow
     word->others.push_back({offset, listName(list_now), element_now, std::move(field), file[offset], value, why});
+}
+
+/// The header size of a record, where nothing depends on it.
+void Deriver::expectHeaderSize(const RecordAt &record, std::uint64_t end) {
+  const RecordLayout &kind = *record.kind;
+  if (kind.header_size_at == NO_WORD)
+    return;
+  const std::uint64_t at = record.begin + kind.header_size_at;
+  const FileBytes other = file.with(at, kind.fixed);
+  if (file[at] == kind.fixed || Walk(other, other.size(), version_2).over(record) == end)
+    expect(&kind, kind.header_size_name, at, kind.header_size_name, kind.fixed, "the bytes of its fixed words");
+}
+
+/// The header size of a list: some programs count the size table in. A list without elements does not tell which.
+void Deriver::expectListHeaderSize(const ListView &list) {
+  const std::uint64_t at = list.begin + list_at::HEADER_SIZE;
+  const Word alone = list.layout.head_bytes;
+  const Word with_table = alone + static_cast<Word>(list.number() * sizeof(Word));
+  if (alone == with_table && file[at] == alone)
+    return;
+  const char *const field = list.layout.header_size_name;
+  expect(nullptr, "alone", at, field, alone, "the bytes of its head");
+  expect(nullptr, "with table", at, field, with_table, "the bytes of its head and its size table");
+}
+
+/// Takes down a tag where the audit takes any.
+void Deriver::countTag(const RecordAt &record) {
+  constexpr std::ptrdiff_t MOST_TAGS = 8; // those that come after them count as the last one
+  constexpr std::size_t MOST_PLACES = 64;
+  const Word value = file[record.begin];
+  const auto is_of_kind = [&](const UncheckedTag &tag) { return tag.kind == record.kind; };
+  auto tag = std::find_if(unchecked_tags.begin(), unchecked_tags.end(),
+                          [&](const UncheckedTag &other) { return is_of_kind(other) && other.value == value; });
+  if (tag == unchecked_tags.end()) {
+    if (std::count_if(unchecked_tags.begin(), unchecked_tags.end(), is_of_kind) < MOST_TAGS)
+      tag = unchecked_tags.insert(tag, {record.kind, value});
+    else
+      tag = std::find_if(unchecked_tags.rbegin(), unchecked_tags.rend(), is_of_kind).base() - 1;
+  }
+  if (++tag->number <= MOST_PLACES)
+    tag->places.push_back({record.begin, listName(list_now), element_now, record.kind->tag_name, value, 0,
+                           "the tag of the others of its kind"});
 }
 
 /// The words of the records inside.
@@ -111,10 +167,13 @@ void Deriver::leave(const RecordAt &record, std::uint64_t end, int depth) {
   if (has_size && has_index && file[record.begin + kind.size_at] != size &&
       file[record.begin + kind.index_at] != record.number)
     return;
+  if (kind.tag == 0 && *kind.tag_name != '\0')
+    countTag(record);
   if (has_size && !kind.size_checked)
-    expect(kind, kind.size_name, record.begin + kind.size_at, kind.size_name, size, BY_PARTS);
+    expect(&kind, kind.size_name, record.begin + kind.size_at, kind.size_name, size, BY_PARTS);
+  expectHeaderSize(record, end);
   if (has_index)
-    expect(kind, kind.index_name, record.begin + kind.index_at, kind.index_name, record.number, BY_POSITION);
+    expect(&kind, kind.index_name, record.begin + kind.index_at, kind.index_name, record.number, BY_POSITION);
 }
 
 void Deriver::countMaker(const Walk &walk) {
@@ -135,12 +194,13 @@ void Deriver::deriveElement(const RecordLayout &kind, std::uint64_t begin, std::
   if (kind.index_checked)
     set(begin + kind.index_at, kind.index_name, number, BY_POSITION);
   else
-    expect(kind, kind.index_name, begin + kind.index_at, kind.index_name, number, BY_POSITION);
+    expect(&kind, kind.index_name, begin + kind.index_at, kind.index_name, number, BY_POSITION);
   const Word own_size = file[size_word];
   if (kind.size_checked || other_size)
     set(table_word, entry, own_size, "the size of the element");
   else
-    expect(kind, table_name, table_word, entry, own_size, "the size of the element");
+    expect(&kind, table_name, table_word, entry, own_size, "the size of the element");
+  expectHeaderSize({&kind, begin, number}, end);
 }
 
 void Deriver::deriveElements(const RecordLayout &kind, std::uint64_t &at, std::uint64_t table, const char *table_name,
@@ -179,6 +239,7 @@ void Deriver::deriveList() {
   if (unsolved.contains(span.begin))
     return;
   const ListView view(file, list_now, span.begin);
+  expectListHeaderSize(view);
   std::uint64_t at = view.elements();
   deriveElements(*layout.first, at, view.entry(0), layout.table_name, static_cast<Word>(view.first));
   if (layout.second != nullptr)
@@ -218,6 +279,39 @@ void Deriver::mergeChanges() {
   changes = std::move(merged);
 }
 
+/// @return whether so many records of a kind that follow show that the others are wrong.
+bool showsOthers(std::size_t follow, std::size_t others) {
+  return follow >= FEWEST_WITNESSES && others * WITNESSES_EACH <= follow;
+}
+
+void Deriver::setUncheckedWords() {
+  for (const UncheckedWord &word : unchecked_words)
+    if (showsOthers(word.follow, word.others.size()))
+      for (const Change &change : word.others) {
+        file.set(change.offset, change.new_value);
+        changes.push_back(change);
+      }
+}
+
+void Deriver::setUncheckedTags() {
+  for (const UncheckedTag &most : unchecked_tags) {
+    std::vector<Change> others;
+    std::size_t number = 0;
+    for (const UncheckedTag &tag : unchecked_tags)
+      if (tag.kind == most.kind && tag.value != most.value) {
+        others.insert(others.end(), tag.places.begin(), tag.places.end());
+        number += tag.number;
+      }
+    if (!showsOthers(most.number, number) || number != others.size())
+      continue;
+    for (Change &change : others) {
+      change.new_value = most.value;
+      file.set(change.offset, most.value);
+      changes.push_back(std::move(change));
+    }
+  }
+}
+
 Applied Deriver::derive() {
   for (const Decision *const decision : applied) {
     list_now = decision->list;
@@ -231,14 +325,8 @@ Applied Deriver::derive() {
     if (spans[list_now] != nullptr)
       deriveList();
   const bool checked_words = !changes.empty();
-  for (const UncheckedWord &word : unchecked_words) {
-    if (word.follow < FEWEST_WITNESSES || word.others.size() * WITNESSES_EACH > word.follow)
-      continue;
-    for (const Change &change : word.others) {
-      file.set(change.offset, change.new_value);
-      changes.push_back(change);
-    }
-  }
+  setUncheckedWords();
+  setUncheckedTags();
   mergeChanges();
   const bool changes_maker =
       std::any_of(applied.begin(), applied.end(), [](const Decision *decision) { return decision->maker; });

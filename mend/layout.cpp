@@ -21,6 +21,7 @@ template <const auto &TABLE> inline constexpr WordName TABLE_NAME = TABLE.name()
 template <class Format> constexpr ListLayout layoutOf(Word tag) {
   ListLayout layout;
   layout.tag_name = NAME_OF<Format::words, Role::tag>;
+  layout.header_size_name = NAME_OF<Format::words, Role::header_size>;
   layout.size_name = NAME_OF<Format::words, Role::size>;
   layout.head_bytes = sizeof(typename Format::Head);
   layout.blocks_at = PLACE_OF<Format::words, Role::van_size>;

@@ -73,6 +73,7 @@ struct RecordLayout {
   std::uint16_t size_at = NO_WORD;        ///< of the word that says how long the record is
   std::uint16_t blocks_at = NO_WORD;      ///< of the size of the maker block
   const char *tag_name = "";
+  const char *header_size_name = "";
   const char *index_name = "";
   const char *size_name = "";
   bool index_checked = false; ///< by the audit
@@ -87,6 +88,7 @@ struct ListLayout {
   const RecordLayout *first = nullptr;  ///< null for the scene, which has no elements
   const RecordLayout *second = nullptr; ///< null but for the two lists with two kinds
   const char *tag_name = nullptr;
+  const char *header_size_name = nullptr;
   const char *size_name = nullptr;
   const char *count_name = nullptr;
   const char *table_name = nullptr;

@@ -46,6 +46,7 @@ inline constexpr RecordLayout RECORD_LAYOUT = [] {
   if (BLOCKS_ARE_OWN<Head>)
     kind.blocks_at = PLACE_OF<Form::words, Role::van_size>;
   kind.tag_name = NAME_OF<Form::words, Role::tag>;
+  kind.header_size_name = NAME_OF<Form::words, Role::header_size>;
   kind.index_name = NAME_OF<Form::words, Role::own_index>;
   kind.size_name = NAME_OF<Form::words, Role::size>;
   kind.index_checked = IS_AUDITED && kind.index_at != NO_WORD;
