@@ -63,7 +63,7 @@ inline constexpr auto WORDS<TexHead> = words<TexHead>({
     {"tex_wrap_s           %0#10x\n", &TexHead::tex_wrap_s},
     {"tex_wrap_t           %0#10x\n", &TexHead::tex_wrap_t},
     {"tex_anim             %0#10x\n", &TexHead::tex_anim},
-    {"tex_data_area_size   %d\n", &TexHead::tex_data_area_size},
+    {"tex_data_area_size   %d\n", &TexHead::tex_data_area_size, DATA_SIZE},
     {"tex_anim_frame_rate  %d\n", &TexHead::tex_anim_frame_rate},
     {"van_ext_blk_size     %d\n", &TexHead::van_ext_blk_size, VAN_SIZE},
     {"usr_ext_blk_size     %d\n", &TexHead::usr_ext_blk_size, USR_SIZE},

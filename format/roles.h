@@ -14,6 +14,7 @@ enum class Role : std::uint8_t {
   own_index,   ///< the position of the record among those of its kind
   size,        ///< bytes of the whole record
   header_size, ///< bytes of its fixed words
+  data_size,   ///< bytes of what stands between its fixed words and its blocks
   count,       ///< of what follows the fixed words
   list_size,   ///< in the file's header: bytes of a list
   van_size,    ///< bytes of the record's maker block
@@ -33,6 +34,7 @@ inline constexpr Meaning TAG = {Role::tag};
 inline constexpr Meaning OWN_INDEX = {Role::own_index};
 inline constexpr Meaning SIZE = {Role::size};
 inline constexpr Meaning HEADER_SIZE = {Role::header_size};
+inline constexpr Meaning DATA_SIZE = {Role::data_size};
 inline constexpr Meaning COUNT = {Role::count};
 inline constexpr Meaning LIST_SIZE = {Role::list_size};
 inline constexpr Meaning VAN_SIZE = {Role::van_size};

@@ -33,6 +33,13 @@ struct UncheckedTag {
   std::vector<Change> places = {}; ///< of those with it, unless there are many
 };
 
+/// A table of words in a record.
+struct Table {
+  std::uint64_t begin = 0;
+  std::uint64_t entries = 0;
+  const char *name = "";
+};
+
 /// Goes over the file as it was read, and sets what follows.
 class Deriver : public Events {
 public:
@@ -53,6 +60,10 @@ private:
   void set(std::uint64_t offset, std::string field, Word value, const char *why);
   void expect(const RecordLayout *kind, const char *group, std::uint64_t offset, std::string field, Word value,
               const char *why);
+  void table(std::uint64_t begin, std::uint64_t entries, std::span<const Column> columns,
+             std::uint64_t count_at) override;
+  void series(const RecordAt &first, Word number) override;
+  void expectEntry(const RecordAt &record, Word size);
   void expectHeaderSize(const RecordAt &record, std::uint64_t end);
   void expectListHeaderSize(const ListView &list);
   void countTag(const RecordAt &record);
@@ -76,6 +87,8 @@ private:
   std::vector<Change> changes = {};
   std::vector<UncheckedWord> unchecked_words = {};
   std::vector<UncheckedTag> unchecked_tags = {};
+  Table last_table = {};
+  Table sizes_inside = {}; ///< of the records that are gone over
   std::size_t looked_at = 0;
   std::size_t used_up_blocks = 0; ///< maker blocks that hold just what their counts call for
   std::size_t longer_blocks = 0;
@@ -107,6 +120,22 @@ void Deriver::expect(const RecordLayout *kind, const char *group, std::uint64_t 
     ++word->follow;
   else if (word->others.size() * WITNESSES_EACH <= word->follow + 64) // else none of them is meant to follow
     word->others.push_back({offset, listName(list_now), element_now, std::move(field), file[offset], value, why});
+}
+
+void Deriver::table(std::uint64_t begin, std::uint64_t entries, std::span<const Column> columns, std::uint64_t) {
+  last_table = {begin, entries, columns.front().name};
+}
+
+/// A table with an entry for each of the records behind it holds their sizes.
+void Deriver::series(const RecordAt &first, Word number) {
+  const bool is_of_sizes = last_table.entries == number && last_table.begin + number * sizeof(Word) == first.begin;
+  sizes_inside = is_of_sizes && *last_table.name != '\0' ? last_table : Table{};
+}
+
+void Deriver::expectEntry(const RecordAt &record, Word size) {
+  if (record.number < sizes_inside.entries && sizes_inside.begin >= record.around)
+    expect(record.kind, sizes_inside.name, sizes_inside.begin + record.number * sizeof(Word),
+           std::string(sizes_inside.name) + '[' + std::to_string(record.number) + ']', size, "the size of the record");
 }
 
 /// The header size of a record, where nothing depends on it.
@@ -171,6 +200,7 @@ void Deriver::leave(const RecordAt &record, std::uint64_t end, int depth) {
     countTag(record);
   if (has_size && !kind.size_checked)
     expect(&kind, kind.size_name, record.begin + kind.size_at, kind.size_name, size, BY_PARTS);
+  expectEntry(record, size);
   expectHeaderSize(record, end);
   if (has_index)
     expect(&kind, kind.index_name, record.begin + kind.index_at, kind.index_name, record.number, BY_POSITION);
@@ -201,6 +231,11 @@ void Deriver::deriveElement(const RecordLayout &kind, std::uint64_t begin, std::
   else
     expect(&kind, table_name, table_word, entry, own_size, "the size of the element");
   expectHeaderSize({&kind, begin, number}, end);
+  if (kind.data_size_at != NO_WORD) {
+    const std::uint64_t blocks = blockSizes(file, begin + kind.blocks_at).sum();
+    expect(&kind, kind.data_size_name, begin + kind.data_size_at, kind.data_size_name,
+           static_cast<Word>(end - begin - kind.fixed - blocks), BY_PARTS);
+  }
 }
 
 void Deriver::deriveElements(const RecordLayout &kind, std::uint64_t &at, std::uint64_t table, const char *table_name,

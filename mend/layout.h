@@ -70,10 +70,12 @@ struct RecordLayout {
   std::uint16_t fixed = 0;                ///< bytes of the fixed words
   std::uint16_t index_at = NO_WORD;       ///< byte offsets of words
   std::uint16_t header_size_at = NO_WORD; ///< of the word that says how long the fixed words are
+  std::uint16_t data_size_at = NO_WORD;   ///< of the word that says how long what stands before the blocks is
   std::uint16_t size_at = NO_WORD;        ///< of the word that says how long the record is
   std::uint16_t blocks_at = NO_WORD;      ///< of the size of the maker block
   const char *tag_name = "";
   const char *header_size_name = "";
+  const char *data_size_name = "";
   const char *index_name = "";
   const char *size_name = "";
   bool index_checked = false; ///< by the audit

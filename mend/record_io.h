@@ -41,12 +41,14 @@ inline constexpr RecordLayout RECORD_LAYOUT = [] {
   kind.fixed = Form::bytes;
   kind.index_at = PLACE_OF<Form::words, Role::own_index>;
   kind.header_size_at = PLACE_OF<Form::words, Role::header_size>;
+  kind.data_size_at = PLACE_OF<Form::words, Role::data_size>;
   if (SIZE_IS_OF_ALL<Head>)
     kind.size_at = PLACE_OF<Form::words, Role::size>;
   if (BLOCKS_ARE_OWN<Head>)
     kind.blocks_at = PLACE_OF<Form::words, Role::van_size>;
   kind.tag_name = NAME_OF<Form::words, Role::tag>;
   kind.header_size_name = NAME_OF<Form::words, Role::header_size>;
+  kind.data_size_name = NAME_OF<Form::words, Role::data_size>;
   kind.index_name = NAME_OF<Form::words, Role::own_index>;
   kind.size_name = NAME_OF<Form::words, Role::size>;
   kind.index_checked = IS_AUDITED && kind.index_at != NO_WORD;
@@ -159,6 +161,8 @@ template <class Item, std::size_t PART> constexpr To targetOf(To to) {
     return KINDS<Item>[PART] == kova::Kind::index ? to : To::nothing;
 }
 
+template <class Text> inline constexpr WordName ARRAY_NAME = Text::name();
+
 /// @tparam Form of the record, or of what a maker block or another part of a record begins with
 /// @tparam Around the fixed words of the record around
 template <class Form, class Around> class RecordIo {
@@ -182,7 +186,8 @@ public:
 
   template <class Text, class Item, class Holder, class Count>
   int array(Text, std::vector<Item> Holder::*member, Count count, To to = To::nothing) {
-    walk.table(numberOf(head, count), {{sizeof(Item), to, isAudited(member)}}, placeOfCount(count));
+    walk.table(numberOf(head, count), {{sizeof(Item), to, isAudited(member), ARRAY_NAME<Text>.c_str()}},
+               placeOfCount(count));
     return 1;
   }
   template <class Text, class Item, class Holder, class Count>

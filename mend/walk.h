@@ -17,7 +17,8 @@ class Conventions;
 struct Column {
   std::uint8_t bytes; ///< of one entry
   To to = To::nothing;
-  bool counts = true; ///< whether the audit takes it into account in the size of a maker block
+  bool counts = true;    ///< whether the audit takes it into account in the size of a maker block
+  const char *name = ""; ///< of an array of single words
 };
 
 /// A word on which a length depends.

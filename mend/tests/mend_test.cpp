@@ -263,12 +263,17 @@ TEST(Mend, WordsThatNobodyLooksAtFollowTheOthers) {
       {"TriGroup", "tri_group_header_size", false}, // there are too few
       {"Tri", "tri_tag", true},
       {"AnimStep", "anim_tag", false},
+      {"Tex", "tex_data_area_size", true},
+      {"CollGroup", "coll_num_byte[2]", true},
       {"Tri", "this_tri_index", true},
   };
   for (const bool counts_tables : {false, true}) {
-    File file = samples::build(VERSION_1, "ObjList { Obj*4 } ShapeList { Shape*3 } VtxList { VtxGroup*5 vtx_num=2 } "
-                                          "TriList { TriGroup { Tri*9 } } PartList { Part*2 } MatList { Mat*2 } "
-                                          "AnimList { AnimGroup { AnimStep*3 } }");
+    File file = samples::build(
+        VERSION_1, "ObjList { Obj*4 } ShapeList { Shape*3 } VtxList { VtxGroup*5 vtx_num=2 } "
+                   "TriList { TriGroup { Tri*9 } } PartList { Part*2 } MatList { Mat*2 } "
+                   "TexList { Tex*4 tex_data_area_size=28 { TexStill } Tex tex_data_area_size=28 { TexStill } } "
+                   "AnimList { AnimGroup { AnimStep*3 } } "
+                   "CollList { CollGroup { Coll*5 coll_type=0x20 { Point } } }");
     for (const NamedWord &word : file.words)
       if (counts_tables && word.field == "list_header_size")
         harness::setWordAt(file.bytes, word.offset,
