@@ -148,6 +148,26 @@ if [ -n "${KBREPAIR-}" ]; then
   rm -r before
 fi
 
+# --- kbjson ---
+
+if [ -n "${KBJSON-}" ]; then
+  mkdir before
+  cp "$samples"/{small-2,cut}.kb before
+  "$KBJSON" --lean --pretty "$samples/small-1.kb" before/scene.json
+  echo '{"FileHeader":{}}' >before/wrong.json
+  echo old >before/old
+  chmod 640 before/old
+  ln -s old before/link
+  json_told() { [ "$status" -ge 2 ] && [ "$status" -le 3 ] && [ -s err ]; }
+  for options in "--lines small-2.kb" "--force --lean cut.kb old" "--force --to-kb scene.json link" "--to-kb scene.json -" \
+    "--to-kb scene.json new.kb" "--to-kb wrong.json new.kb" "--only ObjList small-2.kb new.json" "--help"; do
+    read -ra options <<<"$options"
+    every_call json_told "$KBJSON" "${options[@]}"
+    [ "${options[0]}" != --force ] || every_kill "$KBJSON" "${options[@]}"
+  done
+  rm -r before
+fi
+
 # --- kbsurvey ---
 
 if [ -n "${KBSURVEY-}" ]; then
