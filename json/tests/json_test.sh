@@ -82,15 +82,16 @@ same "completion" "$options" "$(bash -c '. "$SOURCE_DIR/json/completion.bash"; C
 # --- Recipes ---
 
 has jq || skip_test "jq is not here: the recipes"
-scripts_of json.md 7
+scripts_of json.md 8
 cp town.kb scene.kb
 cp "$SOURCE_DIR/samples/small-1.kb" other.kb
-for ((i = 1; i <= 7; ++i)); do
+for ((i = 1; i <= 8; ++i)); do
   rm -f ./*.json
   recipe 0 "$i"
   [ ! -s "$scratch/err" ] || fail "recipe $i says $(cat "$scratch/err")"
+  [ "$i" -ne 7 ] || objects=$(cat "$scratch/out")
 done
-for file in renamed dim without merged; do
+for file in renamed dim without merged triangle; do
   same "verdict of $file.kb" "**** check result : OK" "$("$KBAUDIT" "$file.kb" 2>&1 | grep -a -F '**** check result')"
 done
 names() { kbjson "$1" | jq -r '.NameList.element[].text'; }
@@ -99,4 +100,4 @@ same "dim" 0.25 "$(kbjson dim.kb | jq '.LightList.element[].ambient_b' | sort -u
 same "without" 0 "$(kbjson without.kb | jq '.CollList.coll_group_num')"
 same "merged" "$(names scene.kb && names other.kb)" "$(names merged.kb)"
 same "objects" "$(kbjson scene.kb | jq -r '.NameList.element as $n | .ObjList.element[] | .obj_name_index | if . < 0 then "-" else $n[.].text end')" \
-  "$(cat "$scratch/out")"
+  "$objects"
