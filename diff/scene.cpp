@@ -142,6 +142,17 @@ void loadHeaderBlocks(Side &side) {
   header.ext_blk.words->usr.assign(all.begin() + static_cast<std::ptrdiff_t>(van), all.end());
 }
 
+void readFile(const Source &source, std::uint64_t at, std::span<unsigned char> to) {
+  for (std::size_t done = 0; done < to.size();) {
+    const ssize_t got = ::pread(source.file.number, to.data() + done, to.size() - done, static_cast<off_t>(at + done));
+    if (got == 0)
+      refuse(source, FILE_HAS_CHANGED);
+    if (got < 0 && errno != EINTR)
+      refuse(source, std::strerror(errno));
+    done += got > 0 ? static_cast<std::size_t>(got) : 0;
+  }
+}
+
 } // namespace
 
 Source openSource(const std::string &path) {
@@ -161,19 +172,27 @@ Source openSource(const std::string &path) {
 }
 
 void readBytes(const Source &source, std::uint64_t at, std::span<unsigned char> to) {
+  constexpr std::size_t WINDOW = 16 * 1024;
+  if (to.empty())
+    return;
   if (source.is_held) {
-    if (!to.empty())
-      std::memcpy(to.data(), source.held.data() + at, to.size());
+    std::memcpy(to.data(), source.held.data() + at, to.size());
     return;
   }
-  for (std::size_t done = 0; done < to.size();) {
-    const ssize_t got = ::pread(source.file.number, to.data() + done, to.size() - done, static_cast<off_t>(at + done));
-    if (got == 0)
-      refuse(source, FILE_HAS_CHANGED);
-    if (got < 0 && errno != EINTR)
-      refuse(source, std::strerror(errno));
-    done += got > 0 ? static_cast<std::size_t>(got) : 0;
+  if (to.size() > WINDOW / 4)
+    return readFile(source, at, to);
+  const auto has = [&](const Source::Window &window) {
+    return at >= window.at && at + to.size() <= window.at + window.bytes.size();
+  };
+  if (!has(source.windows[0]))
+    std::swap(source.windows[0], source.windows[1]);
+  Source::Window &window = source.windows[0];
+  if (!has(window)) {
+    window = {at,
+              std::vector<unsigned char>(static_cast<std::size_t>(std::min<std::uint64_t>(WINDOW, source.size - at)))};
+    readFile(source, at, window.bytes);
   }
+  std::memcpy(to.data(), window.bytes.data() + (at - window.at), to.size());
 }
 
 void loadSide(Side &side) {

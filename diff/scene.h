@@ -15,11 +15,18 @@ struct Trouble {
 
 /// Bytes that are read where they are needed.
 struct Source {
+  /// What was read last, in two places: records and the table of their sizes are read in turns.
+  struct Window {
+    std::uint64_t at = 0;
+    std::vector<unsigned char> bytes = {};
+  };
+
   std::string path = {};
   Descriptor file = {};
   std::vector<unsigned char> held = {}; ///< of a pipe, which is read once; a regular file is not held
   bool is_held = false;
   std::uint64_t size = 0;
+  mutable std::array<Window, 2> windows = {};
 };
 
 /// Opens a file. Throws `Trouble`.

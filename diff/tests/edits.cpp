@@ -195,7 +195,7 @@ std::size_t placeOf(const Model &model, std::size_t list, std::uint32_t origin) 
 
 } // namespace
 
-EditedPair editedPair(const Bytes &scene, std::uint32_t seed) {
+EditedPair editedPair(const Bytes &scene, std::uint32_t seed, bool only_permuted) {
   Random random(seed);
   const std::unique_ptr<Model> a = load(scene), b = load(scene);
   std::vector<std::pair<std::size_t, std::uint32_t>> alone_in_a, alone_in_b;
@@ -208,7 +208,7 @@ EditedPair editedPair(const Bytes &scene, std::uint32_t seed) {
   for (std::size_t list = 1; list < LIST_NUM; ++list) {
     Model &one = random() % 2 == 0 ? *a : *b;
     const std::size_t elements = b->origin[list].size();
-    const auto edit = random() % 6;
+    const auto edit = only_permuted ? 0 : random() % 6;
     if (edit == 0 || edit == 1)
       permute(one, list, random);
     if (edit == 1 || edit == 2)

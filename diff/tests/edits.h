@@ -16,7 +16,8 @@ struct EditedPair {
 
 /// @return a pair that the seed chooses, and its edits: words changed, elements put in, taken out, permuted with all
 /// links to them.
-EditedPair editedPair(const Bytes &scene, std::uint32_t seed);
+/// @param only_permuted nothing else is done
+EditedPair editedPair(const Bytes &scene, std::uint32_t seed, bool only_permuted = false);
 
 /// @return differences in the form of `EditedPair::expected`, sorted.
 std::vector<std::string> toldBy(const SeenAll &all);

@@ -58,7 +58,48 @@ void expectEdits(std::uint32_t first, std::uint32_t number) {
   }
 }
 
+TEST(Floats, areEqualIfTheyAreClose) {
+  const auto bits = [](float value) { return std::bit_cast<Word>(value); };
+  constexpr Word NAN_BITS = 0x7fc00000, INF = 0x7f800000, LEAST = 1, SIGN = 0x80000000;
+  EXPECT_EQ(ulpsBetween(bits(1), bits(1) + 3), 3U);
+  EXPECT_EQ(ulpsBetween(LEAST, LEAST | SIGN), 2U);
+  EXPECT_EQ(ulpsBetween(0, SIGN), 0U);
+  EXPECT_EQ(ulpsBetween(NAN_BITS, bits(1)), std::nullopt);
+  const struct {
+    Word a, b;
+    Rules rules;
+    bool close;
+  } CASES[] = {
+      {bits(1), bits(1) + 3, {.ulp = 3}, true},
+      {bits(1), bits(1) + 3, {.ulp = 2}, false},
+      {0, SIGN, {}, false},
+      {0, SIGN, {.ulp = 0}, true},
+      {bits(1), bits(1.5F), {.epsilon = 0.5}, true},
+      {bits(1), bits(1.5F), {.epsilon = 0.25}, false},
+      {INF, INF | SIGN, {.epsilon = 1e300}, false},
+      {INF, bits(1), {.epsilon = 1e300}, false},
+      {NAN_BITS, NAN_BITS + 1, {.ulp = 9, .epsilon = 9}, false},
+  };
+  for (const auto &pair : CASES) {
+    EXPECT_EQ(closeFloats(pair.a, pair.b, pair.rules), pair.close) << pair.a << ' ' << pair.b;
+    EXPECT_EQ(closeFloats(pair.b, pair.a, pair.rules), pair.close) << pair.b << ' ' << pair.a;
+  }
+}
+
 TEST(Pairs, everyEditIsToldAndNothingElse) { expectEdits(0, 300); }
+/// A list is turned round, links with it: only --order tells of that.
+TEST(Pairs, areEqualWhenOnlyRenumbered) {
+  std::size_t moved = 0;
+  for (std::uint32_t seed = 0; seed < 60; ++seed) {
+    const EditedPair pair = editedPair(scenes()[seed % scenes().size()], seed, true);
+    EXPECT_EQ(linesOf(differencesOf(pair.a, pair.b)), "") << "pair " << seed;
+    for (const Seen &seen : differencesOf(pair.a, pair.b, {.order = true})) {
+      EXPECT_EQ(seen.change.what, What::moved);
+      ++moved;
+    }
+  }
+  EXPECT_GT(moved, 30U);
+}
 TEST(SlowPairs, everyEditIsToldAndNothingElse) { expectEdits(300, 10'000); }
 
 /// Any two files: damaged ones, and each with the one that it was made of.
