@@ -132,8 +132,8 @@ void compareRecords(Comparison &to, std::size_t list) {
   if (is_held(a) && is_held(b)) {
     Pieces in_a, in_b;
     in_a.derives = in_b.derives = derives;
-    takeList(in_a, against.a.kis, list, a.begin + a.bytes - a.rest);
-    takeList(in_b, against.b.kis, list, b.begin + b.bytes - b.rest);
+    takeList(in_a, against.a.kis, list, a.elements, a.begin + a.bytes - a.rest);
+    takeList(in_b, against.b.kis, list, b.elements, b.begin + b.bytes - b.rest);
     comparePieces(found, against, in_a, in_b);
     to.is_odd |= in_a.is_odd || in_b.is_odd;
   }
@@ -159,7 +159,7 @@ void compareInPlace(Comparison &to, std::size_t list, bool is_b) {
   if (named.ok || named.rest > named.begin) {
     Pieces pieces;
     pieces.derives = false;
-    takeList(pieces, side.kis, list, 0);
+    takeList(pieces, side.kis, list, named.elements, 0);
     compareInPlace(found, to.against, pieces, is_b);
     tell(to, {nameOfList(list)}, std::move(found.changes));
   }

@@ -142,7 +142,9 @@ const char *kindOf(std::size_t list, bool second) {
 void takeElement(Pieces &out, const Kis &kis, std::size_t list, bool second, std::size_t element) {
   ACCESS[list].takeElement(out, kis, second, element);
 }
-void takeList(Pieces &out, const Kis &kis, std::size_t list, std::uint64_t behind) {
+void takeList(Pieces &out, const Kis &kis, std::size_t list, const std::array<std::size_t, 2> &elements,
+              std::uint64_t behind) {
+  out.elements = elements;
   ACCESS[list].takeList(out, kis, behind);
 }
 

@@ -62,6 +62,7 @@ struct Pieces {
   bool derives = true; ///< words that follow from others are compared with what they follow from
   bool is_odd = false; ///< words lie at places that are no multiples of 4
   std::uint64_t list_begin = 0;
+  std::array<std::size_t, 2> elements = {}; ///< of a list, those that are taken for themselves
   std::uint64_t at = 0;
   std::size_t parent = 0;
 };
@@ -94,8 +95,11 @@ const char *kindOf(std::size_t list, bool second);
 
 /// Takes an element apart.
 void takeElement(Pieces &out, const Kis &kis, std::size_t list, bool second, std::size_t element);
-/// Takes apart what a list has beside its elements. @param behind the bytes behind its content
-void takeList(Pieces &out, const Kis &kis, std::size_t list, std::uint64_t behind);
+/// Takes apart what a list has beside its elements.
+/// @param elements that are taken for themselves, with their entries in the tables of sizes
+/// @param behind the bytes behind its content
+void takeList(Pieces &out, const Kis &kis, std::size_t list, const std::array<std::size_t, 2> &elements,
+              std::uint64_t behind);
 /// Takes the header of a file apart, which is at its begin.
 /// @param derived what its words follow from; null if they are compared as they are
 void takeHeader(Pieces &out, const FileHeader &header, bool has_sizes, const FileHeader *derived);

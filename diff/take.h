@@ -80,8 +80,8 @@ template <class Record> struct Taker : PassingIo {
   std::uint64_t begin;
   Word table_bytes = 0;
 
-  static constexpr bool IS_LIST = requires { record.num_byte; }
-  || requires { record.vtx_group_size; };
+  static constexpr bool HAS_TWO = requires { record.vtx_group; };
+  static constexpr bool IS_LIST = HAS_TWO || requires { record.num_byte; };
 
   template <class Named, class Item, class Holder, class Count>
   int array(Named, std::vector<Item> Holder::*member, Count, To to = To::nothing) {
@@ -89,11 +89,15 @@ template <class Record> struct Taker : PassingIo {
     const std::vector<Item> &items = record.*member;
     Piece piece = pieceOf(NAME.c_str(), ENTRY_FIELDS<Item, Named>, items);
     piece.to = to;
+    if constexpr (IS_LIST) { // its arrays are tables of sizes
+      bool second = false;
+      if constexpr (HAS_TWO)
+        second = member == &Record::vtx_group_size;
+      return addRestOfTable(piece, out.elements[second ? 1 : 0]);
+    }
     if constexpr (std::is_same_v<Item, Word>)
       if (const std::optional<Words> sizes = derivedTable(record, member)) {
         table_bytes += static_cast<Word>(items.size() * sizeof(Word));
-        if constexpr (IS_LIST)
-          return addRestOfTable(piece, sizes->size());
         if (out.derives) {
           piece.derived = out.derived.size();
           out.derived.insert(out.derived.end(), sizes->begin(), sizes->end());
@@ -263,6 +267,7 @@ private:
   /// The entries of a table of sizes belong to the elements; others are left for the list.
   int addRestOfTable(Piece piece, std::size_t elements) {
     const std::size_t own = std::min(elements, piece.entries);
+    table_bytes += static_cast<Word>(piece.entries * sizeof(Word));
     out.at += own * sizeof(Word);
     piece.first = own;
     piece.entries -= own;
