@@ -226,8 +226,9 @@ void compareList(Comparison &to, std::size_t list) {
 
 FileHeader expectedHeader(const Side &side) {
   FileHeader derived = derivedHeader(side.kis.file_header, side.parts.blocks, side.parts.lists, side.parts.behind);
-  derived.van_ext_blk_size = side.van_bytes;
-  derived.usr_ext_blk_size = static_cast<Word>(side.parts.blocks) - side.van_bytes;
+  // Of blocks that are not there, nothing is known but these words: they are compared as they are.
+  derived.van_ext_blk_size = side.parts.whole_words ? side.van_bytes : 0;
+  derived.usr_ext_blk_size = side.parts.whole_words ? static_cast<Word>(side.parts.blocks) - side.van_bytes : 0;
   return derived;
 }
 
