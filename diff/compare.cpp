@@ -128,12 +128,16 @@ void compareRecords(Comparison &to, std::size_t list) {
   const LoadedList &a = against.a.lists[list], &b = against.b.lists[list];
   const bool derives = a.ok && b.ok;
   const auto is_held = [](const LoadedList &loaded) { return loaded.ok || loaded.rest > loaded.begin; };
+  // Sizes of elements that could not be read are told with the bytes of these.
+  const auto with_table = [](const LoadedList &loaded) {
+    return loaded.ok ? loaded.elements : std::array<std::size_t, 2>{NONE, NONE};
+  };
   Found found;
   if (is_held(a) && is_held(b)) {
     Pieces in_a, in_b;
     in_a.derives = in_b.derives = derives;
-    takeList(in_a, against.a.kis, list, a.elements, a.begin + a.bytes - a.rest);
-    takeList(in_b, against.b.kis, list, b.elements, b.begin + b.bytes - b.rest);
+    takeList(in_a, against.a.kis, list, with_table(a), a.begin + a.bytes - a.rest);
+    takeList(in_b, against.b.kis, list, with_table(b), b.begin + b.bytes - b.rest);
     comparePieces(found, against, in_a, in_b);
     to.is_odd |= in_a.is_odd || in_b.is_odd;
   }
