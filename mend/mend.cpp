@@ -419,6 +419,8 @@ Result mendBytes(std::vector<unsigned char> &bytes, const Asked &asked) {
       return undoAndMend(bytes, steps, {});
   const bool holed =
       !good && asked.reading == 0 && (hasHoles(bytes) || (isMended(result) && areHole(bytes, result.changes)));
+  if (holed && auditBytes(bytes).ok) // only words that the audit takes as they are lie in it
+    return {};
   if (holed)
     return asked.salvage ? salvageHoled(bytes, {.sure = true, .drop = asked.drop}).value_or(hopeless(HOLED))
                          : hopeless(HOLED);
