@@ -1,8 +1,7 @@
 /// What a file can cost at worst: memory, output and time in units of its size, held against what is promised.
 ///
 /// Every row makes a file that is nearly all one form of one record. The smallest such file is built from its notation.
-/// Every word of it that may be anything gets a value that prints long. Then the record, or the entry of an array, is
-/// repeated until the file has the size wanted.
+/// Words that may be anything get values that print long. Then the record or the entry is repeated up to a size.
 
 #include "harness/bytes.h"
 #include "kova/check.h"
@@ -35,8 +34,7 @@ struct Turned {
     ::dup2(to, ::fileno(stream));
     ::close(to);
   }
-  Turned(const Turned &) = delete;
-  Turned &operator=(const Turned &) = delete;
+  Turned &operator=(Turned &&) = delete;
   ~Turned() {
     std::fflush(stream);
     ::dup2(kept, ::fileno(stream));
@@ -48,9 +46,7 @@ struct Turned {
 int auditQuietly(const std::string &path) {
   Kis kis;
   const int loaded = kvOpenKb(path.c_str(), kis);
-  checkKOVA1(kis);
-  if (kvKOVAver(kis.file_header) == VERSION_2)
-    checkKOVA2(kis);
+  checkKOVA(kis);
   std::fflush(stdout);
   std::FILE *const dump = ::fdopen(::dup(STDOUT_FILENO), "w");
   kvWriteKt(dump, kis);
