@@ -19,10 +19,18 @@ struct Comparison {
   const Listener &listener;
   std::vector<Entry> entries = {}; ///< of a list
   std::size_t changes = 0;         ///< in them
+  std::array<bool, 2> lacks = {};  ///< as in `Found`
   bool is_wrong = false;
   bool is_odd = false;
-  bool differs = false; ///< the files
+  bool differs = false;       ///< the files
+  bool is_order_told = false; ///< elements that have moved are told
 };
+
+void take(Comparison &to, const Found &found) {
+  to.is_wrong |= found.is_wrong;
+  for (const std::size_t side : {0U, 1U})
+    to.lacks[side] |= found.lacks[side];
+}
 
 void tell(Comparison &to, Place place, std::vector<Change> changes) {
   to.changes += changes.size();
@@ -38,6 +46,7 @@ void handOn(Comparison &to) {
   }
   to.entries.clear();
   to.changes = 0;
+  to.lacks = {};
   to.is_wrong = to.is_odd = false;
 }
 
@@ -78,7 +87,7 @@ void compareElement(Comparison &to, std::size_t space, std::size_t a, std::size_
   if (is_moved)
     found.changes.push_back({.what = What::moved});
   comparePieces(found, to.against, in_a, in_b);
-  to.is_wrong |= found.is_wrong;
+  take(to, found);
   to.is_odd |= in_a.is_odd || in_b.is_odd;
   if (found.changes.empty() && !to.listener.wants_all)
     return;
@@ -99,7 +108,7 @@ void tellElement(Comparison &to, std::size_t space, std::size_t number, bool is_
 /// whose other is behind them.
 void compareElements(Comparison &to, std::size_t space, bool derives) {
   const Space &matched = (*to.against.matching)[space];
-  const std::vector<bool> moved = to.against.rules.order ? movedIn(matched) : std::vector<bool>();
+  const std::vector<bool> moved = to.is_order_told ? movedIn(matched) : std::vector<bool>();
   std::size_t j = 0;
   const auto pass = [&](std::size_t end) {
     for (; j < end; ++j)
@@ -141,7 +150,7 @@ void compareRecords(Comparison &to, std::size_t list) {
     comparePieces(found, against, in_a, in_b);
     to.is_odd |= in_a.is_odd || in_b.is_odd;
   }
-  to.is_wrong |= found.is_wrong;
+  take(to, found);
   tell(to, {nameOfList(list)}, std::move(found.changes));
   if (list > 0)
     compareElements(to, list, derives);
@@ -188,9 +197,11 @@ bool sameListBytes(const Against &against, std::size_t list) {
   return !compareBytes(found, against, "", a.begin, a.bytes, b.begin, b.bytes);
 }
 
-/// Compares the words at their places if that says it in fewer changes: in a list with damaged counts and sizes.
+/// Compares the words at their places if that says it in fewer changes: in a list with damaged counts and sizes. Of two
+/// that are as short, the names are those of the file with more records.
 void takeShorter(Comparison &to, std::size_t list) {
-  for (const bool is_b : {true, false}) {
+  const bool b_first = to.lacks[0] || !to.lacks[1];
+  for (const bool is_b : {b_first, !b_first}) {
     Comparison other{to.against, to.listener};
     compareInPlace(other, list, is_b);
     if (other.changes < to.changes) {
@@ -200,24 +211,40 @@ void takeShorter(Comparison &to, std::size_t list) {
   }
 }
 
+bool isDamaged(const Against &against, std::size_t list) {
+  const LoadedList &a = against.a.lists[list], &b = against.b.lists[list];
+  return (a.bytes > 0 && !a.ok) || (b.bytes > 0 && !b.ok);
+}
+
+/// @return whether links may lie in a list that cannot be read, and whose bytes are equal. If elements have moved, such
+/// links lead to others than before, so it cannot be said that the files are the same.
+bool hidesLinks(const Against &against) {
+  const auto is_renumbered = [](const Space &space) { return !space.is_identity; };
+  bool hides = false;
+  if (std::any_of(against.matching->begin(), against.matching->end(), is_renumbered))
+    for (std::size_t list = 0; list < LIST_NUM && !hides; ++list)
+      hides = against.rules.lists[list] && isDamaged(against, list) && sameListBytes(against, list);
+  return hides;
+}
+
 void compareList(Comparison &to, std::size_t list) {
   const LoadedList &a = to.against.a.lists[list], &b = to.against.b.lists[list];
   if ((a.bytes == 0 && b.bytes == 0) || !to.against.rules.lists[list])
     return;
   const bool is_same_length = a.bytes == b.bytes && a.begin == b.begin;
-  const bool is_damaged = (a.bytes > 0 && !a.ok) || (b.bytes > 0 && !b.ok);
-  if (is_damaged && sameListBytes(to.against, list))
-    return;
-  if (is_damaged)
+  const bool is_damaged = isDamaged(to.against, list), is_same = is_damaged && sameListBytes(to.against, list);
+  if (is_damaged && (!is_same || to.is_order_told))
     to.listener.damaged(nameOfList(list), a.bytes > 0 && !a.ok ? a.finding : nullptr,
                         b.bytes > 0 && !b.ok ? b.finding : nullptr);
+  if (is_same)
+    return;
   if (a.bytes == 0 || b.bytes == 0) {
     tell(to, {nameOfList(list)}, {{.what = a.bytes == 0 ? What::only_b : What::only_a}});
   } else if (is_damaged && is_same_length) {
     compareInPlace(to, list, b.ok || (!a.ok && b.rest > a.rest));
   } else {
     compareRecords(to, list);
-    if (to.is_wrong && is_same_length)
+    if (to.is_wrong && is_same_length && !sameListBytes(to.against, list))
       takeShorter(to, list);
     if (to.is_odd && to.changes == 0 && !to.against.rules.ignore_gaps) { // bytes beside words are in no word
       Found found;
@@ -266,6 +293,7 @@ bool compareSides(const Side &a, const Side &b, const Rules &rules, const Listen
     return comparison.differs;
   }
   matching = matchElements(a, b, rules);
+  comparison.is_order_told = rules.order || hidesLinks(against);
   compareHeader(comparison);
   for (std::size_t list = 0; list < LIST_NUM; ++list)
     compareList(comparison, list);

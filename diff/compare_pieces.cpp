@@ -206,6 +206,8 @@ std::string textOf(const Piece &piece) {
 }
 
 void comparePair(Found &found, const Pair &pair) {
+  if (isIgnored(pair.a, pair.against.rules))
+    return;
   switch (pair.a.matter) {
   case Matter::words:
     return compareWords(found, pair);
@@ -268,8 +270,10 @@ void tellAlone(Found &found, const Against &against, const Pieces &all, const Pi
   found.is_wrong = true;
   if (piece.parent == 0 && is_record) // other words of the header tell that it has such
     return;
-  if (is_record)
+  if (is_record) {
     found.alone[is_b ? 1 : 0] = piece.parent;
+    found.lacks[is_b ? 0 : 1] = true;
+  }
   const std::string path = pathOf(all, piece.parent) + piece.name;
   if (piece.matter == Matter::gap) {
     if (!against.rules.ignore_gaps)
@@ -277,8 +281,7 @@ void tellAlone(Found &found, const Against &against, const Pieces &all, const Pi
                    is_b ? piece.entries : 0);
     return;
   }
-  if (ignoredWords(piece, against.rules) == ~std::uint64_t{0} ||
-      against.rules.ignored.contains(std::string_view(piece.name)))
+  if (ignoredWords(piece, against.rules) == ~std::uint64_t{0} || isIgnored(piece, against.rules))
     return;
   if (is_record) {
     found.changes.push_back(

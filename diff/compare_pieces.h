@@ -18,6 +18,7 @@ struct Against {
 struct Found {
   std::vector<Change> changes = {};
   std::array<std::size_t, 2> alone = {}; ///< the record that only A, or only B, has and that was told last
+  std::array<bool, 2> lacks = {};        ///< whether A, or B, lacks a record that the other one has
   bool is_wrong = false; ///< one of the files may be damaged: a word does not follow, or the forms are not the same
 };
 

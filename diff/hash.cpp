@@ -43,6 +43,8 @@ std::uint64_t leftOut(const Piece &piece, const Rules &rules) {
 }
 
 std::uint64_t hashPiece(std::uint64_t hash, const Piece &piece, const Rules &rules) {
+  if (isIgnored(piece, rules))
+    return hash;
   hash = mix(mix(hash, reinterpret_cast<std::uintptr_t>(piece.name)), piece.entries);
   if (piece.matter == Matter::gap || piece.matter == Matter::number)
     return hash;

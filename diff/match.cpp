@@ -186,6 +186,9 @@ void matchPlaces(Matcher &to, std::size_t space, bool from_behind) {
   }
 }
 
+/// @return whether bytes follow the last element, which may be elements that a wrong count leaves out.
+bool hasRest(const LoadedList &list) { return list.ok && list.rest < list.begin + list.bytes; }
+
 /// Puts the matching of all elements into those of the spaces.
 Matching spacesOf(const Matcher &from, const Side &a, const Side &b) {
   Matching matching;
@@ -201,6 +204,7 @@ Matching spacesOf(const Matcher &from, const Side &a, const Side &b) {
     to.to_a = take(from.to_a, from.b, from.a, space);
     const std::size_t list = spaceOf(space).list;
     to.is_cut = a.lists[list].is_cut || b.lists[list].is_cut;
+    to.has_rest = hasRest(a.lists[list]) || hasRest(b.lists[list]);
     to.is_identity = to.to_a.size() == to.to_b.size();
     for (std::size_t i = 0; to.is_identity && i < to.to_b.size(); ++i)
       to.is_identity = to.to_b[i] == i;
@@ -211,7 +215,8 @@ Matching spacesOf(const Matcher &from, const Side &a, const Side &b) {
 /// @return whether a link into a list leads to the same. Of a list that is cut the number counts, too.
 bool leadsToSame(const Space &space, Word a, Word b) {
   const bool is_in_a = a < space.to_b.size(), is_in_b = b < space.to_a.size();
-  return (is_in_a && is_in_b && space.to_b[a] == b) || (a == b && ((!is_in_a && !is_in_b) || space.is_cut));
+  const bool is_unknown = space.is_cut || (space.has_rest && is_in_a != is_in_b);
+  return (is_in_a && is_in_b && space.to_b[a] == b) || (a == b && ((!is_in_a && !is_in_b) || is_unknown));
 }
 
 } // namespace

@@ -28,6 +28,7 @@ struct Space {
   std::vector<std::uint32_t> to_a = {};
   bool is_identity = true; ///< each is the one at the same place
   bool is_cut = false;     ///< a file does not have all of its elements
+  bool has_rest = false;   ///< in a file, bytes follow the last of its elements
 };
 using Matching = std::array<Space, SPACE_NUM>;
 

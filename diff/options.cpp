@@ -134,6 +134,8 @@ std::string takeRest(const std::vector<std::string> &paths, const Given &given, 
                             : "B is missing";
   options.a = paths[0];
   options.b = paths[1];
+  if (options.a == "-" && options.b == "-")
+    return "standard input can be only one of the two";
   if (given.unified + given.json + given.stat + given.quiet > 1)
     return "--unified, --stat, --quiet and --json exclude each other";
   options.look = given.unified ? Look::unified

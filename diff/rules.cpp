@@ -11,7 +11,7 @@ std::uint64_t ignoredWords(const Piece &piece, const Rules &rules) {
     const std::string_view name = field.name;
     const std::string_view member = name.substr(0, name.find_first_of(".["));
     const bool is_ignored = (rules.ignore_derived && isDerived(field.role)) || rules.ignored.contains(member) ||
-                            rules.ignored.contains(name) || rules.ignored.contains(std::string_view(piece.name));
+                            rules.ignored.contains(name) || isIgnored(piece, rules);
     words |= std::uint64_t{is_ignored} << word;
   }
   // A table of sizes, and the number of records.

@@ -24,6 +24,14 @@ cp town.kb $'\e[31m\n.kb'
 cp town.kb hostile.kb
 name_at=$(grep -abo stone_wall town.kb | head -n 1 | cut -d : -f 1)
 set_words hostile.kb "$name_at=1b5b3331"
+# Two elements exchanged, while the links to them cannot be read.
+cp town.kb exchanged-1.kb
+set_words exchanged-1.kb 124=40000000
+cp exchanged-1.kb exchanged-2.kb
+set_words exchanged-2.kb 256=50 312=4f 264=785a50ff 320=b4c8dcff 268=28 324=78 272=b4 328=190 276=3c2d46ff 332=8cb4e6ff
+cp small-1.kb texel.kb && set_words texel.kb 1892=01020305
+cp small-1.kb parts.kb && set_words parts.kb 1428=0
+cp small-2.kb maker.kb && set_words maker.kb 184=1
 transcript "$SOURCE_DIR/diff/tests/golden/commands.out" <<'END'
 kbdiff town.kb town.kb
 kbdiff damaged.kb town.kb
@@ -42,11 +50,18 @@ kbdiff --by-name --stat small-1.kb small-2.kb
 kbdiff cut.kb town.kb
 kbdiff element-tag.kb extra.kb
 kbdiff --ignore gaps extra.kb extra.kb
+kbdiff exchanged-1.kb exchanged-2.kb
+kbdiff parts.kb small-1.kb
+kbdiff small-2.kb maker.kb
+kbdiff maker.kb small-2.kb
+kbdiff --ignore text town.kb hostile.kb
+kbdiff --ignore texel small-1.kb texel.kb
 kbdiff note.kb town.kb
 kbdiff note.kb note.kb
 kbdiff /dev/null town.kb
 kbdiff - town.kb <damaged.kb
 cat town.kb | kbdiff town.kb -
+kbdiff - - <town.kb
 kbdiff old new
 kbdiff --json -j 2 old/ new/
 kbdiff --unified old new
