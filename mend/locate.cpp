@@ -204,11 +204,8 @@ bool Locator::findByTable(FoundList &list) {
 void Locator::findByTags(FoundList &list) {
   const ListLayout &layout = LAYOUT[list.list];
   const RecordLayout *const kinds[] = {layout.first, layout.second};
-  std::uint64_t numbers[] = {0, 0};
-  if (list.isFound()) {
-    numbers[0] = file[list.begin + list_at::COUNT];
-    numbers[1] = layout.second != nullptr ? file[list.begin + list_at::SECOND_COUNT] : 0;
-  }
+  const ListView view(file, list.list, list.isFound() ? list.begin : file.size()); // behind the file stand zeros
+  const std::uint64_t numbers[] = {view.first, view.second};
   const std::uint64_t table = (numbers[0] + numbers[1]) * sizeof(Word);
   const std::uint64_t least =
       table + numbers[0] * layout.first->fixed + (numbers[1] != 0 ? numbers[1] * layout.second->fixed : 0);

@@ -140,6 +140,13 @@ void expectGolden(const char *name, const std::string &found) {
   EXPECT_EQ(harness::differsFromGolden(std::string(KOVA_SOURCE_DIR "/mend/tests/golden/") + name + ".out", found), "");
 }
 
+/// A change bears the name of the word that it changes. For the words of lists, the builder has names of its own.
+void expectName(const std::vector<Change> &changes, const NamedWord &word) {
+  for (const Change &change : changes)
+    EXPECT_TRUE(change.offset != word.offset || word.kind.ends_with("List") || change.field == word.field)
+        << word.kind << ' ' << word.field << ": " << change.field;
+}
+
 /// The golden file has a line for each word: what comes of each damage, = for the file as it was, ~ for another one, ?
 /// for none, and blank where the audit accepts it; and, in the large files, what is told of
 /// the first one.
@@ -160,13 +167,12 @@ TEST(Mend, OneWordIsMended) {
         harness::setWordAt(damaged, word.offset, value);
         const Mending mending = mendAndCheck(damaged, false);
         ASSERT_EQ(mending.broken, "") << word.kind << ' ' << word.number << ' ' << word.field << " = " << value;
-        for (const Change &change : mending.result.changes) // of lists, the builder has names of its own
-          EXPECT_TRUE(change.offset != word.offset || word.kind.ends_with("List") || change.field == word.field)
-              << word.kind << ' ' << word.field << ": " << change.field;
-        const bool accepted = auditsOk(damaged);
-        outcomes += accepted ? ' ' : mending.bytes == original.file.bytes ? '=' : mending.bytes == damaged ? '?' : '~';
-        if (accepted)
+        expectName(mending.result.changes, word);
+        if (auditsOk(damaged)) {
+          outcomes += ' ';
           continue;
+        }
+        outcomes += mending.bytes == original.file.bytes ? '=' : mending.bytes == damaged ? '?' : '~';
         story = story.empty() && original.step > 1 ? storyOf(mending) : story;
         rates[row].count(mending, original.file.bytes);
         if (row->derived)
