@@ -74,7 +74,8 @@ std::string openBaseline(Baseline &baseline) {
   openUnnamed(baseline.store, std::filesystem::temp_directory_path());
   std::string wrong;
   if (baseline.store.error == 0)
-    wrong = readReport(baseline.path, [&](FileResult &&result) { takeLine(baseline.lines, result); });
+    wrong = readReport(
+        baseline.path, [&](FileResult &&result) { takeLine(baseline.lines, result); }, CutLine::refused);
   if (wrong.empty() && baseline.store.error != 0)
     wrong = std::string("the baseline cannot be kept: ") + std::strerror(baseline.store.error);
   return wrong;

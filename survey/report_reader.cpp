@@ -46,15 +46,17 @@ std::string takePiece(Reading &reading, std::string_view piece) {
   return "";
 }
 
-std::string readFrom(int file, const TakeResult &take) {
+std::string readFrom(int file, const TakeResult &take, CutLine cut_line) {
   Reading reading{take};
   std::string piece(64 * 1024, '\0');
   for (;;) {
     const ssize_t got = ::read(file, piece.data(), piece.size());
     if (got < 0 && errno == EINTR)
       continue;
-    if (got <= 0)
-      return got == 0 ? "" : std::string(": ") + std::strerror(errno);
+    if (got < 0)
+      return std::string(": ") + std::strerror(errno);
+    if (got == 0)
+      return reading.line.empty() || cut_line == CutLine::ignored ? "" : wrongLine(reading);
     const std::string wrong = takePiece(reading, std::string_view(piece).substr(0, static_cast<std::size_t>(got)));
     if (!wrong.empty())
       return wrong;
@@ -63,17 +65,17 @@ std::string readFrom(int file, const TakeResult &take) {
 
 } // namespace
 
-std::string readReport(const std::string &path, const TakeResult &take) {
+std::string readReport(const std::string &path, const TakeResult &take, CutLine cut_line) {
   const Descriptor opened(path == "-" ? -1 : ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
   const std::string name = path == "-" ? "standard input" : printable(path);
   if (path != "-" && opened.number < 0)
     return name + ": " + std::strerror(errno);
-  const std::string wrong = readFrom(path == "-" ? STDIN_FILENO : opened.number, take);
+  const std::string wrong = readFrom(path == "-" ? STDIN_FILENO : opened.number, take, cut_line);
   return wrong.empty() ? "" : name + wrong;
 }
 
 bool readLines(const Descriptor &file, const TakeResult &take) {
-  return ::lseek(file.number, 0, SEEK_SET) == 0 && readFrom(file.number, take).empty();
+  return ::lseek(file.number, 0, SEEK_SET) == 0 && readFrom(file.number, take, CutLine::ignored).empty();
 }
 
 } // namespace kova::survey

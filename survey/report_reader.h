@@ -10,10 +10,12 @@ namespace kova::survey {
 
 using TakeResult = std::function<void(FileResult &&result)>;
 
-/// Reads a JSON report from a file, or from standard input for "-", line by line. A last line without its line break is
-/// ignored: it is what an interrupted run leaves.
+/// What is done about a last line without its line break, which an interrupted run leaves.
+enum class CutLine { ignored, refused };
+
+/// Reads a JSON report from a file, or from standard input for "-", line by line.
 /// @return what is wrong with it, for people; empty if nothing is. What stands before the fault was taken.
-std::string readReport(const std::string &path, const TakeResult &take);
+std::string readReport(const std::string &path, const TakeResult &take, CutLine cut_line = CutLine::ignored);
 
 /// Reads the lines of an open file, from its start. @return whether all of it was lines of a report.
 bool readLines(const Descriptor &file, const TakeResult &take);
