@@ -256,7 +256,9 @@ inline Word derivedSize(const Coll &coll, const Own &) {
 }
 
 /// @return whether a word follows from others, so that it may be left out.
-constexpr bool follows(Role role) { return role != Role::plain && role != Role::link && role != Role::key; }
+constexpr bool follows(Role role) {
+  return role != Role::plain && role != Role::link && role != Role::key && role != Role::data_size;
+}
 
 /// @return the fixed words of a record without content that follow, but for its own index.
 template <class Form> typename Form::Head plainWords(Word tag) {
