@@ -1,4 +1,4 @@
-# Makes page_parts.h of the page's three sources: the text before and behind the data, with the hashes of style and
+# Makes page_parts.h of the page's sources: the text before and behind the data, with the hashes of style and
 # script in the policy.
 
 # kova_base64_of_sha256(RESULT TEXT): CMake gives the hash in hexadecimal, a policy needs it in base64.
@@ -20,12 +20,14 @@ function(kova_base64_of_sha256 result text)
 endfunction()
 
 function(kova_make_page_parts header)
-  foreach(part IN ITEMS page.html page.css page.js)
+  foreach(part IN ITEMS page.html page.css page_text.js page.js)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${part}")
   endforeach()
   file(READ page.html page)
   file(READ page.css style)
+  file(READ page_text.js helpers)
   file(READ page.js script)
+  string(PREPEND script "${helpers}")
   kova_base64_of_sha256(style_hash "${style}")
   kova_base64_of_sha256(script_hash "${script}")
   string(REPLACE "@STYLE_HASH@" "${style_hash}" page "${page}")
