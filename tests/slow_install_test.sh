@@ -62,9 +62,9 @@ for sample in town figure damaged; do
   sed -n '/^<FileHeader> ;/,$p' "$scratch/out" >"$scratch/$sample.txt"
 done
 
-# Links and images of the documents.
+# Links and images of the documents, but for those into the web.
 find "$installed/share/doc" -name '*.md' -print0 | while IFS= read -r -d '' document; do
-  for link in $(tr '\n' ' ' <"$document" | grep -oE '\]\([^):# ]+' | cut -c 3-); do
+  for link in $(tr '\n' ' ' <"$document" | grep -oE '\]\([^)# ]+' | cut -c 3- | grep -v '://'); do
     [ -e "${document%/*}/$link" ] || fail "${document##*/} has a link to $link, which is not there"
     echo x >>"$scratch/links"
   done
