@@ -89,14 +89,8 @@ void measure(Side &side, std::size_t list) {
 void decodeMakers(Kis &kis) {
   bool no_memory = false;
   const FindingReceiver receiver([&](const Finding &) { no_memory = true; });
-  kvSetupSceneListExt(kis.scene);
-  kvSetupCamExt(kis.cam);
-  kvSetupObjExt(kis.obj);
-  kvSetupShapeExt(kis.shape);
-  kvSetupMatExt(kis.mat);
-  kvSetupTexExt(kis.tex);
-  kvSetupTeximgExt(kis.teximg);
-  kvSetupAnimGroupExt(kis.anim);
+  for (const MakerDecoder decode : MAKER_DECODERS)
+    decode(kis);
   if (no_memory)
     throw std::bad_alloc();
   dropCutMakers(kis);

@@ -2,8 +2,9 @@
 /// in memory.
 #pragma once
 
-#include "kova/kova.h"
+#include "kova/setup.h"
 
+#include <array>
 #include <optional>
 
 namespace kova {
@@ -38,8 +39,14 @@ std::optional<std::uint64_t> inputLength(const Input &input);
 /// size is 0. Maker blocks are not decoded. @return 1; 0 after a finding
 int readListAt(Input &input, Word size, Kis &kis, std::size_t list);
 
-/// Decodes the maker blocks of a 2.0 file. @return 0 only where memory cannot be had; that is told
-int decodeMakerBlocks(Kis &kis);
+/// Decodes the maker blocks of a list of a 2.0 file. @return 0 where a record has none, or memory cannot be had, which
+/// is told
+using MakerDecoder = int (*)(Kis &);
+inline constexpr std::array<MakerDecoder, 8> MAKER_DECODERS = {
+    [](Kis &kis) { return kvSetupSceneListExt(kis.scene); }, [](Kis &kis) { return kvSetupCamExt(kis.cam); },
+    [](Kis &kis) { return kvSetupObjExt(kis.obj); },         [](Kis &kis) { return kvSetupShapeExt(kis.shape); },
+    [](Kis &kis) { return kvSetupMatExt(kis.mat); },         [](Kis &kis) { return kvSetupTexExt(kis.tex); },
+    [](Kis &kis) { return kvSetupTeximgExt(kis.teximg); },   [](Kis &kis) { return kvSetupAnimGroupExt(kis.anim); }};
 
 /// @return which file the stream reads. Unknown for whatever is neither a regular file nor a block device.
 InputFile identify(std::FILE *stream);

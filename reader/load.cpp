@@ -252,7 +252,7 @@ struct Version2 {
 Version2 version2Of(Kis &kis, int ok) {
   if (!hasVersion2(kvKOVAver(kis.file_header)))
     return {ok, false};
-  if (!decodeMakerBlocks(kis))
+  if (!std::all_of(MAKER_DECODERS.begin(), MAKER_DECODERS.end(), [&](MakerDecoder decode) { return decode(kis) != 0; }))
     return {0, false};
   // A maker block that cannot hold the nine sizes means a file without version-2 lists, which is no error.
   return {ok, kis.file_header.van_ext_blk_size >= VERSION_2_SIZES_BYTES};
@@ -265,12 +265,6 @@ int readBoth(Input &input, Kis &kis) {
 }
 
 } // namespace
-
-int decodeMakerBlocks(Kis &kis) {
-  return kvSetupSceneListExt(kis.scene) && kvSetupCamExt(kis.cam) && kvSetupObjExt(kis.obj) &&
-         kvSetupShapeExt(kis.shape) && kvSetupMatExt(kis.mat) && kvSetupTexExt(kis.tex) &&
-         kvSetupTeximgExt(kis.teximg) && kvSetupAnimGroupExt(kis.anim);
-}
 
 int readListAt(Input &input, Word size, Kis &kis, std::size_t list) {
   if (size == 0)
