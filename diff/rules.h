@@ -28,11 +28,8 @@ inline bool isIgnored(const Piece &piece, const Rules &rules) {
   return !rules.ignored.empty() && rules.ignored.contains(std::string_view(piece.name));
 }
 
-/// @return whether a word follows from others and is compared as such.
-inline bool isDerived(Role role) {
-  return role == Role::own_index || role == Role::size || role == Role::header_size || role == Role::count ||
-         role == Role::list_size || role == Role::van_size || role == Role::usr_size;
-}
+/// @return whether a word follows from others and is compared as such; a tag is compared by itself.
+inline bool isDerived(Role role) { return follows(role) && role != Role::tag; }
 
 /// @return how many floats there are from one to the other, -0 being 0; none where one is not a number.
 std::optional<std::uint64_t> ulpsBetween(Word a, Word b);
