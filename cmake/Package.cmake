@@ -53,9 +53,9 @@ may be left out of a document that is edited; they are computed. The package
 also describes the format to Kaitai Struct, ImHex, file and desktops.")
 
 kova_program_package(kbdiff diff "tells what is different between KOVA scene files"
-"kbdiff compares two such files, or two folders, as scenes: list, element, field.
-Elements that were put in, taken out or renumbered are told apart from those that
-have changed. It can be used as a driver of git.")
+"kbdiff compares two such files, or two folders, as scenes: list, element,
+field. Elements that were put in, taken out or renumbered are told apart from
+those that have changed. It can be used as a driver of git.")
 
 set(library_package libkova${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME ${library_package})
