@@ -56,7 +56,8 @@ void loadList(Side &side, Input &input, std::size_t list, Word stated) {
   LoadedList &loaded = side.lists[list];
   const FindingReceiver receiver(
       [&](const Finding &finding) { loaded.finding = loaded.finding != nullptr ? loaded.finding : finding.row->id; });
-  seekInput(input, loaded.begin);
+  if (!seekInput(input, loaded.begin))
+    refuse(side.source, std::strerror(errno));
   loaded.ok = readListAt(input, stated, side.kis, list) != 0;
   if (loaded.finding != nullptr && std::strcmp(loaded.finding, "out-of-memory") == 0)
     throw std::bad_alloc();

@@ -168,6 +168,28 @@ if [ -n "${KBJSON-}" ]; then
   rm -r before
 fi
 
+# --- kbdiff ---
+
+if [ -n "${KBDIFF-}" ]; then
+  mkdir -p before/a before/b
+  for side in a b; do cp "$samples"/small-2.kb before/$side; done
+  cp "$samples/damaged.kb" before/a/town.kb
+  cp "$samples/town.kb" before/b
+  # A list within which the place in the file is lost counts as damaged.
+  diff_told() {
+    case $status in
+    2) [ -s err ] || grep 'cannot be read' out >/dev/null ;;
+    1) [[ $what == *lseek* ]] && grep 'damaged' out >/dev/null ;;
+    *) return 1 ;;
+    esac
+  }
+  for options in "a/town.kb b/town.kb" "-j1 --json a b" "--help"; do
+    read -ra options <<<"$options"
+    every_call diff_told "$KBDIFF" "${options[@]}"
+  done
+  rm -r before
+fi
+
 # --- kbsurvey ---
 
 if [ -n "${KBSURVEY-}" ]; then
