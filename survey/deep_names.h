@@ -60,68 +60,80 @@ inline constexpr Target TARGETS[] = {
     {To::own_cluster, "A triangle of a skin uses a cluster that its cluster shape lacks.", "its shape"},
 };
 
-/// Does not compile for a target that has no row.
+/// Does not compile for a target that has no row, unless it is an element of a list.
 constexpr Target targetOf(To to) {
-  for (Target target : TARGETS)
-    if (target.to == to) {
-      if (target.name == nullptr)
-        target.name = LISTS[static_cast<std::size_t>(to)].name;
-      return target;
-    }
-  throw "no text for the target";
+  Target target = {to, "An index leads to an element of a list that is not there."};
+  for (const Target &row : TARGETS)
+    if (row.to == to)
+      target = row;
+  if (target.name == nullptr)
+    target.name = LISTS.at(static_cast<std::size_t>(to)).name;
+  return target;
 }
 
 // --- Ids ------------------------------------------------------------------------------------------------------------
 
-/// A type of record that has links, and what their ids begin with.
-template <class Head> struct Linked { const char *prefix; };
+/// @return a copy of a text.
+constexpr WordName copied(std::string_view text) {
+  WordName copy;
+  for (const char character : text)
+    copy.text[copy.length++] = character;
+  return copy;
+}
+
+/// A type of record, and what the ids of its links begin with.
+template <class Head> struct Linked { WordName prefix; };
+template <class Head> constexpr Linked<Head> linked(std::string_view prefix) { return {copied(prefix)}; }
+
+/// @return the elements of a list, under the name that they have in the dump: of "ChainRoot" it is "chain_root".
+template <class List> constexpr auto linkedElements() {
+  using Elements = std::remove_cvref_t<decltype(ListFormat<List>::elements)>;
+  Linked<typename Elements::Head> linked;
+  WordName &prefix = linked.prefix;
+  for (const char character : Elements::kind()) {
+    const bool is_capital = character >= 'A' && character <= 'Z';
+    if (is_capital && prefix.length != 0)
+      prefix.text[prefix.length++] = '_';
+    prefix.text[prefix.length++] = is_capital ? static_cast<char>(character - 'A' + 'a') : character;
+  }
+  return linked;
+}
+
+/// The records of a list that may have links. Specialized where there are links behind the words of its elements, in
+/// records inside of them.
+template <class List> inline constexpr auto LINKED_IN = std::tuple{linkedElements<List>()};
+
+template <>
+inline constexpr auto LINKED_IN<Scene> = std::tuple{linked<SceneHead>("scene"), linked<SceneListExtHead>("scene")};
+template <> inline constexpr auto LINKED_IN<CamList> = std::tuple{linked<CamHead>("cam"), linked<CamExt>("cam")};
+template <> inline constexpr auto LINKED_IN<ObjList> = std::tuple{linked<ObjHead>("obj"), linked<ObjExtHead>("obj")};
+template <>
+inline constexpr auto LINKED_IN<ShapeList> = std::tuple{linked<ShapeHead>("shape"), linked<ShapeExt>("shape")};
+template <>
+inline constexpr auto LINKED_IN<TriList> = std::tuple{linked<TriGroupHead>("tri_group"), linked<TriHead>("tri")};
+template <> inline constexpr auto LINKED_IN<MatList> = std::tuple{linked<MatHead>("mat"), linked<MatExtHead>("mat")};
+template <>
+inline constexpr auto LINKED_IN<TexList> =
+    std::tuple{linked<TexHead>("tex"), linked<TexStill>("tex"), linked<TexTilesHead>("tex"), linked<TexExtHead>("tex")};
+template <>
+inline constexpr auto LINKED_IN<AnimList> = std::tuple{linked<AnimGroupHead>("anim"), linked<AnimGroupExtHead>("anim")};
+template <>
+inline constexpr auto LINKED_IN<CollList> =
+    std::tuple{linked<CollGroupHead>("coll_group"), linked<CollHead>("coll"), linked<CollTerrain>("coll")};
+template <>
+inline constexpr auto LINKED_IN<EnvelopeList> =
+    std::tuple{linked<EnvelopeHead>("envelope"),     linked<FullWeightedPartHead>("full_weighted"),
+               linked<WeightedPartHead>("weighted"), linked<MorphPartHead>("morph"),
+               linked<VtxTriNvColor>("skin"),        linked<EnvelopeTri>("envelope"),
+               linked<EnvelopeVtx>("envelope")};
+template <>
+inline constexpr auto LINKED_IN<ClusterList> =
+    std::tuple{linked<ClusterShapeHead>("cluster_shape"), linked<Cluster>("cluster"), linked<ClusterTri>("cluster"),
+               linked<ClusterVtx>("cluster")};
 
 /// In the order of the catalogue.
-inline constexpr std::tuple LINKED = {
-    Linked<SceneHead>{"scene"},
-    Linked<SceneListExtHead>{"scene"},
-    Linked<EnvHead>{"env"},
-    Linked<CamHead>{"cam"},
-    Linked<CamExt>{"cam"},
-    Linked<LightHead>{"light"},
-    Linked<ObjHead>{"obj"},
-    Linked<ObjExtHead>{"obj"},
-    Linked<ShapeHead>{"shape"},
-    Linked<ShapeExt>{"shape"},
-    Linked<VtxGroupHead>{"vtx_group"},
-    Linked<TriGroupHead>{"tri_group"},
-    Linked<TriHead>{"tri"},
-    Linked<PartHead>{"part"},
-    Linked<MatHead>{"mat"},
-    Linked<MatExtHead>{"mat"},
-    Linked<TexHead>{"tex"},
-    Linked<TexStill>{"tex"},
-    Linked<TexTilesHead>{"tex"},
-    Linked<TexExtHead>{"tex"},
-    Linked<AnimGroupHead>{"anim"},
-    Linked<AnimGroupExtHead>{"anim"},
-    Linked<CollGroupHead>{"coll_group"},
-    Linked<CollHead>{"coll"},
-    Linked<CollTerrain>{"coll"},
-    Linked<SwitchHead>{"switch"},
-    Linked<CiImgHead>{"ci_img"},
-    Linked<ColorPaletteHead>{"color_palette"},
-    Linked<EnvelopeHead>{"envelope"},
-    Linked<FullWeightedPartHead>{"full_weighted"},
-    Linked<WeightedPartHead>{"weighted"},
-    Linked<MorphPartHead>{"morph"},
-    Linked<VtxTriNvColor>{"skin"},
-    Linked<EnvelopeTri>{"envelope"},
-    Linked<EnvelopeVtx>{"envelope"},
-    Linked<ClusterShapeHead>{"cluster_shape"},
-    Linked<Cluster>{"cluster"},
-    Linked<ClusterTri>{"cluster"},
-    Linked<ClusterVtx>{"cluster"},
-    Linked<WeightGroupHead>{"weight_group"},
-    Linked<ChainRootHead>{"chain_root"},
-    Linked<JointHead>{"joint"},
-    Linked<EffectorHead>{"effector"},
-};
+inline constexpr auto LINKED =
+    std::apply([]<class... List>(const ListOf<List> &...) { return std::tuple_cat(LINKED_IN<List>...); }, LIST_ROWS);
 
 /// @return the id of a link: what its record is called, and its word without what many of them end with. So
 /// `obj_shape_link` of an object is "obj-shape-link"; a reference into another file, as `external_lod_obj`, is
@@ -207,14 +219,6 @@ inline constexpr Exception EXCEPTIONS[] = {
     label<AnimGroupExtHead>("unique_scale", "unique scale"),
     label<AnimGroupExtHead>("classic_scale", "classic scale"),
 };
-
-/// @return a copy of a text.
-constexpr WordName copied(std::string_view text) {
-  WordName copy;
-  for (const char character : text)
-    copy.text[copy.length++] = character;
-  return copy;
-}
 
 /// @return the id, or the label, that a word of a record has instead of another one.
 template <class Head> constexpr WordName idOr(std::string_view word, const WordName &other) {
