@@ -1,5 +1,7 @@
 #include "reader/byte_order.h"
 
+#include "reader/processor.h"
+
 #include <cstring>
 #ifdef __x86_64__
 #include <immintrin.h>
@@ -31,7 +33,8 @@ void copyConverted(void *to, const void *from, std::size_t bytes) {
   const auto *const source = static_cast<const unsigned char *>(from);
   std::size_t at = 0;
 #ifdef __x86_64__
-  if (__builtin_cpu_supports("avx2") != 0)
+  static const bool has_avx2 = hasAvx2();
+  if (has_avx2)
     at = copyVectors(target, source, bytes);
 #endif
   for (; at + sizeof(Word) <= bytes; at += sizeof(Word)) {

@@ -4,6 +4,7 @@
 #ifdef __x86_64__
 
 #include "format/geometry.h"
+#include "reader/processor.h"
 #include "textdump/avx2.h"
 #include "textdump/digits.h"
 #include "textdump/number.h"
@@ -286,13 +287,10 @@ constexpr std::array<Batch, 2> BATCHES = {{{"AVX-512", digits::AVX512}, {"AVX2",
 
 /// @return how many of them this processor cannot run.
 std::size_t beyondThisProcessor() {
-  if (__builtin_cpu_supports("avx2") == 0)
+  if (!hasAvx2())
     return 2;
   // Processors that have AVX-512 without VBMI are slower while they work on vectors of 64 bytes.
-  return __builtin_cpu_supports("avx512bw") != 0 && __builtin_cpu_supports("avx512cd") != 0 &&
-                 __builtin_cpu_supports("avx512vbmi") != 0
-             ? 0
-             : 1;
+  return hasAvx512() && hasAvx512Vbmi() ? 0 : 1;
 }
 
 } // namespace
