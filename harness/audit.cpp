@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdlib>
 
 namespace kova::harness {
 
@@ -25,31 +24,17 @@ std::string checkAndDump(const Kis &kis) {
   return "";
 }
 
-/// What `write` puts into a stream. @param ok its result
-template <class Write> std::string written(Write write, int &ok) {
-  char *at = nullptr;
-  std::size_t size = 0;
-  Stream stream(::open_memstream(&at, &size));
-  ok = write(stream.get());
-  stream.reset();
-  const std::string text(at, size);
-  std::free(at);
-  return text;
-}
-
 std::string dumpOf(const Kis &kis) {
-  int ok = 0;
-  return written([&](std::FILE *stream) { return kvPrintKt(stream, kis); }, ok);
+  return written([&](std::FILE *stream) { return kvPrintKt(stream, kis); }).value();
 }
 
 /// Written and loaded again, a model is the same: the same dump, the same verdict. What was read whole is the same
 /// file, with zeros for the bytes that no record takes in. A model that was not read whole may be refused.
 std::string changedByWriting(const Kis &first, int loaded, std::span<const unsigned char> input) {
-  int ok = 0;
-  const std::string file = written([&](std::FILE *stream) { return kvWriteKb(stream, first); }, ok);
-  if (!ok)
+  const auto file = written([&](std::FILE *stream) { return kvWriteKb(stream, first); });
+  if (!file)
     return loaded ? "a model that was read whole is not written\n" : "";
-  const Bytes bytes(file.begin(), file.end());
+  const Bytes bytes(file->begin(), file->end());
   Kis second;
   const int loaded_again = kvOpenKbMemory(bytes, "written", second);
   if (dumpOf(first) != dumpOf(second) || checkKOVA(first) != checkKOVA(second))

@@ -1,6 +1,10 @@
 /// Files that live as long as a test or a round of fuzzing needs them.
 #pragma once
 
+#include "kova/words.h"
+
+#include <cstdlib>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -16,5 +20,17 @@ struct ScratchFile {
   ScratchFile &operator=(const ScratchFile &) = delete;
   ~ScratchFile();
 };
+
+/// @return what `write` puts into a stream; nothing if it says that it has failed.
+template <class Write> std::optional<std::string> written(Write write) {
+  char *at = nullptr;
+  std::size_t size = 0;
+  Stream stream(::open_memstream(&at, &size));
+  const bool ok = write(stream.get()) != 0;
+  stream.reset();
+  const std::string text(at, size);
+  std::free(at);
+  return ok ? std::optional(text) : std::nullopt;
+}
 
 } // namespace kova::harness

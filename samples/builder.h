@@ -65,4 +65,7 @@ struct Sample {
 /// Small files in which nothing is wrong, each about one matter; together they reach every list and every form.
 std::vector<Sample> smallSamples();
 
+/// The two files with everything in them, and the small ones.
+std::vector<Sample> goodSamples();
+
 } // namespace kova::samples

@@ -166,4 +166,11 @@ std::vector<Sample> smallSamples() {
   return samples;
 }
 
+std::vector<Sample> goodSamples() {
+  std::vector<Sample> samples = {{"good 1", goodFile1()}, {"good 2", goodFile2()}};
+  for (Sample &sample : smallSamples())
+    samples.push_back(std::move(sample));
+  return samples;
+}
+
 } // namespace kova::samples

@@ -39,13 +39,6 @@ struct Redirection {
 
 } // namespace
 
-std::vector<Sample> goodSamples() {
-  std::vector<Sample> samples = smallSamples();
-  samples.push_back({"everything of 1.0", goodFile1()});
-  samples.push_back({"everything of 2.0", goodFile2()});
-  return samples;
-}
-
 std::string readFile(const std::string &path) {
   std::ostringstream text;
   text << std::ifstream(path, std::ios::binary).rdbuf();

@@ -18,9 +18,6 @@ using namespace samples;
 /// The most that the checks and the dump may print for a file of that size: what is promised.
 inline constexpr std::size_t outputBound(std::size_t size) { return 64 * 1024 + 192 * size; }
 
-/// The small samples, and the two files with everything in them.
-std::vector<Sample> goodSamples();
-
 std::string readFile(const std::string &path);
 
 /// What was printed on standard output and on standard error.

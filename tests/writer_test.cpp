@@ -7,7 +7,6 @@
 #include "tests/allocations.h"
 #include "tests/support.h"
 
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <optional>
 
@@ -17,14 +16,8 @@ namespace {
 
 /// What `kvWriteKb` writes; none where it refuses.
 std::optional<Bytes> written(const Kis &kis) {
-  char *at = nullptr;
-  std::size_t size = 0;
-  Stream stream(::open_memstream(&at, &size));
-  const int ok = kvWriteKb(stream.get(), kis);
-  stream.reset();
-  Bytes bytes(at, at + size);
-  std::free(at);
-  return ok ? std::optional(bytes) : std::nullopt;
+  const auto text = harness::written([&](std::FILE *stream) { return kvWriteKb(stream, kis); });
+  return text ? std::optional(Bytes(text->begin(), text->end())) : std::nullopt;
 }
 
 /// @return whether a file that was read whole is written as the same file.

@@ -1,6 +1,7 @@
 #include "diff/tests/edits.h"
 
 #include "diff/take.h"
+#include "harness/scratch.h"
 #include "kova/kb.h"
 
 #include <algorithm>
@@ -19,14 +20,8 @@ struct Model {
 };
 
 Bytes write(const Kis &kis) {
-  char *text = nullptr;
-  std::size_t size = 0;
-  std::FILE *const stream = ::open_memstream(&text, &size);
-  const int ok = kvWriteKb(stream, kis);
-  std::fclose(stream);
-  const Bytes bytes(text, text + size);
-  std::free(text);
-  return ok != 0 ? bytes : Bytes();
+  const std::string text = harness::written([&](std::FILE *to) { return kvWriteKb(to, kis); }).value();
+  return Bytes(text.begin(), text.end());
 }
 
 void setWord(const Piece &piece, std::size_t entry, std::size_t word, Word value) {

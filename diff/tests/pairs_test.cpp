@@ -14,8 +14,8 @@ namespace {
 const std::vector<Bytes> &scenes() {
   static const std::vector<Bytes> SCENES = [] {
     std::vector<Bytes> found;
-    for (const samples::File &file : mend::madeFiles())
-      found.push_back(file.bytes);
+    for (const samples::Sample &made : mend::madeFiles())
+      found.push_back(made.file.bytes);
     for (const samples::Made &made : samples::madeSamples()) {
       const FindingReceiver receiver([](const Finding &) {});
       if (const auto kis = kvNewKis(); kvOpenKbMemory(made.bytes, "", *kis))

@@ -1,29 +1,11 @@
 #include "json/tests/roundtrip.h"
 
-#include <cstdlib>
+#include "harness/scratch.h"
 
 namespace kova::json {
 
-namespace {
-
-/// @return what `write` writes to a stream.
-template <class Write> std::string written(Write write) {
-  char *bytes = nullptr;
-  std::size_t size = 0;
-  {
-    const Stream stream(::open_memstream(&bytes, &size));
-    if (!write(stream.get()))
-      std::abort();
-  }
-  std::string text(bytes, size);
-  std::free(bytes);
-  return text;
-}
-
-} // namespace
-
 std::string documentOf(std::span<const unsigned char> file, const Shape &shape) {
-  return written([&](std::FILE *stream) { return printScene(stream, file, shape); });
+  return harness::written([&](std::FILE *stream) { return printScene(stream, file, shape); }).value();
 }
 
 Back fileOf(const std::string &document) {
@@ -34,7 +16,7 @@ Back fileOf(const std::string &document) {
   std::string wrong = readScene(stream.get(), scene);
   if (!wrong.empty())
     return {wrong, {}};
-  const std::string bytes = written([&](std::FILE *to) { return writeScene(to, scene) != 0; });
+  const std::string bytes = harness::written([&](std::FILE *to) { return writeScene(to, scene); }).value();
   return {"", Bytes(bytes.begin(), bytes.end())};
 }
 

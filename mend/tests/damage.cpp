@@ -64,14 +64,9 @@ bool isStructure(const NamedWord &word) {
          word.field.starts_with("this_");
 }
 
-const std::vector<File> &madeFiles() {
-  static const std::vector<File> files = [] {
-    std::vector<File> made = {samples::goodFile1(), samples::goodFile2()};
-    for (samples::Sample &sample : samples::smallSamples())
-      made.push_back(std::move(sample.file));
-    return made;
-  }();
-  return files;
+const std::vector<samples::Sample> &madeFiles() {
+  static const std::vector<samples::Sample> FILES = samples::goodSamples();
+  return FILES;
 }
 
 void endAt(File &file, std::size_t place) {
@@ -93,7 +88,7 @@ void endAt(File &file, std::size_t place) {
 
 harness::Bytes damagedFile(std::uint32_t seed) {
   std::mt19937 random(seed);
-  File file = madeFiles()[random() % madeFiles().size()];
+  File file = madeFiles()[random() % madeFiles().size()].file;
   for (std::size_t i = random() % 4; i != 0; --i)
     if (const NamedWord *const word = anyWord(file, random, isStructure))
       setWordAt(file.bytes, word->offset, otherValue(file, word->offset, random));

@@ -10,8 +10,8 @@ namespace kova::mend {
 /// @return whether the lengths or the order of things depend on the word.
 bool isStructure(const samples::NamedWord &word);
 
-/// Files with every list and every form of every record, and small ones, in which nothing is wrong.
-const std::vector<samples::File> &madeFiles();
+/// The files of the builder in which nothing is wrong.
+const std::vector<samples::Sample> &madeFiles();
 
 /// Cuts a file at a place, and makes all sizes around that place and of the file agree that it ends there.
 void endAt(samples::File &file, std::size_t place);

@@ -1,8 +1,8 @@
 /// How well damaged files are mended: words that follow from others, counts and sizes of blocks, one or several.
 
 #include "harness/golden.h"
+#include "mend/tests/damage.h"
 #include "mend/tests/elements.h"
-#include "samples/builder.h"
 
 #include <algorithm>
 #include <array>
@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <random>
 #include <set>
 
@@ -24,75 +25,22 @@ using samples::NamedWord;
 
 // --- The faults -----------------------------------------------------------------------------------------------------
 
-/// A kind of word, and whether it follows from others.
-struct Row {
-  const char *name;
-  bool derived;
-  bool (*holds)(const NamedWord &word, const std::string &field);
-};
-
 bool is(const std::string &text, std::initializer_list<const char *> words) {
   return std::any_of(words.begin(), words.end(), [&](const char *word) { return text == word; });
 }
 bool endsWith(const std::string &text, std::initializer_list<const char *> endings) {
   return std::any_of(endings.begin(), endings.end(), [&](const char *ending) { return text.ends_with(ending); });
 }
-bool isHeader(const NamedWord &word) { return word.kind.starts_with("FileHeader"); }
-bool isList(const NamedWord &word) { return word.kind.ends_with("List"); }
-bool isPart(const NamedWord &word) {
-  return is(word.kind, {"DirLight0", "DirLight1", "Tri", "AnimKey", "AnimStep", "AnimNode", "Coll", "FullWeightedPart",
-                        "WeightedPart", "MorphPart", "EnvelopeTri", "Cluster", "ClusterTri"});
-}
-bool isElement(const NamedWord &word) { return !isHeader(word) && !isList(word) && !isPart(word); }
-bool isTag(const std::string &field) { return field == "tag" || field.ends_with("_tag"); }
-bool isIndex(const NamedWord &word, const std::string &field) {
-  return field.starts_with("this_") || (word.kind == "VtxNvGroup" && field == "vtx_nv_group_index");
-}
-bool isSize(const std::string &field) {
-  return field == "size" ||
-         (endsWith(field, {"_size"}) && !endsWith(field, {"_header_size", "_blk_size", "area_size"}));
-}
 
-/// A word is of the first kind that holds it.
-const Row ROWS[] = {
-    {"size of the file", true, [](const NamedWord &w, const std::string &f) { return isHeader(w) && f == "size"; }},
-    {"tag of the header", true, [](const NamedWord &, const std::string &f) { return f == "header_tag"; }},
-    {"size of the header", true, [](const NamedWord &, const std::string &f) { return f == "file_header_num"; }},
-    {"list sizes in the header", true,
-     [](const NamedWord &w, const std::string &f) { return w.kind == "FileHeader" && f.ends_with("_list_num"); }},
-    {"list sizes in the version-2 table", true,
-     [](const NamedWord &w, const std::string &f) { return isHeader(w) && f.ends_with("_list_num"); }},
-    {"list tags", true, [](const NamedWord &w, const std::string &f) { return isList(w) && isTag(f); }},
-    {"list sizes", true,
-     [](const NamedWord &w, const std::string &f) {
-       return isList(w) && is(f, {"list_size", "scene_size"});
-     }},
-    {"size tables", true,
-     [](const NamedWord &w, const std::string &f) {
-       return isList(w) && is(f, {"num_byte", "tri_group_size", "vtx_group_size"});
-     }},
-    {"block sizes", false, [](const NamedWord &, const std::string &f) { return f.ends_with("_blk_size"); }},
-    {"header sizes of elements", false,
-     [](const NamedWord &, const std::string &f) { return f.ends_with("_header_size"); }},
-    {"counts of lists", false,
-     [](const NamedWord &w, const std::string &f) {
-       return isList(w) && w.kind != "SceneList" && endsWith(f, {"num", "_group_num"});
-     }},
-    {"element tags", true, [](const NamedWord &w, const std::string &f) { return isElement(w) && isTag(f); }},
-    {"element indices", true, [](const NamedWord &w, const std::string &f) { return isElement(w) && isIndex(w, f); }},
-    {"element sizes", true, [](const NamedWord &w, const std::string &f) { return isElement(w) && isSize(f); }},
-    {"tags of parts", true, [](const NamedWord &w, const std::string &f) { return isPart(w) && isTag(f); }},
-    {"indices of parts", true, [](const NamedWord &w, const std::string &f) { return isPart(w) && isIndex(w, f); }},
-    {"sizes of parts", true, [](const NamedWord &w, const std::string &f) { return isPart(w) && isSize(f); }},
-    {"other counts", false, [](const NamedWord &, const std::string &f) { return f.find("_num") != f.npos; }},
-};
-
-const Row *rowOf(const NamedWord &word) {
+/// @return whether a word follows from others, as sizes, tags and indices do, or is a count; nothing if it is neither.
+std::optional<bool> isDerived(const NamedWord &word) {
   const std::string field = word.field.substr(0, word.field.find('['));
-  for (const Row &row : ROWS)
-    if (row.holds(word, field))
-      return &row;
-  return nullptr;
+  if (endsWith(field, {"_header_size", "_blk_size"}))
+    return false;
+  if (is(field, {"tag", "size", "num_byte", "file_header_num"}) || endsWith(field, {"_tag", "_size", "_list_num"}) ||
+      field.starts_with("this_") || (word.kind == "VtxNvGroup" && field == "vtx_nv_group_index"))
+    return field.ends_with("area_size") ? std::nullopt : std::optional(true);
+  return field == "num" || field.find("_num") != field.npos ? std::optional(false) : std::nullopt;
 }
 
 /// What becomes of a word.
@@ -122,18 +70,9 @@ struct Rate {
   }
 };
 
-/// The files in which words are damaged, and how many of their words are passed over.
-struct Original {
-  std::string name;
-  File file;
-  std::size_t step;
-};
-
-std::vector<Original> originals() {
-  std::vector<Original> files = {{"good 1", samples::goodFile1(), 3}, {"good 2", samples::goodFile2(), 5}};
-  for (samples::Sample &sample : samples::smallSamples())
-    files.push_back({sample.name, std::move(sample.file), 1});
-  return files;
+/// @return of so many words of a file one is damaged.
+std::size_t stepOf(const samples::Sample &sample) {
+  return sample.name == "good 1" ? 3 : sample.name == "good 2" ? 5 : 1;
 }
 
 void expectGolden(const char *name, const std::string &found) {
@@ -151,15 +90,15 @@ void expectName(const std::vector<Change> &changes, const NamedWord &word) {
 /// for none, and blank where the audit accepts it; and, in the large files, what is told of
 /// the first one.
 TEST(Mend, OneWordIsMended) {
-  std::map<const Row *, Rate> rates;
   Rate all;
   std::string golden;
-  for (const Original &original : originals()) {
+  for (const samples::Sample &original : madeFiles()) {
+    const std::size_t step = stepOf(original);
     std::size_t number = 0;
     golden += "== " + original.name + '\n';
     for (const NamedWord &word : original.file.words) {
-      const Row *const row = rowOf(word);
-      if (row == nullptr || number++ % original.step != 0)
+      const std::optional<bool> is_derived = isDerived(word);
+      if (!is_derived || number++ % step != 0)
         continue;
       std::string outcomes, story;
       for (const Word value : damages(harness::wordAt(original.file.bytes, word.offset), word.offset)) {
@@ -173,9 +112,8 @@ TEST(Mend, OneWordIsMended) {
           continue;
         }
         outcomes += mending.bytes == original.file.bytes ? '=' : mending.bytes == damaged ? '?' : '~';
-        story = story.empty() && original.step > 1 ? storyOf(mending) : story;
-        rates[row].count(mending, original.file.bytes);
-        if (row->derived)
+        story = story.empty() && step > 1 ? storyOf(mending) : story;
+        if (*is_derived)
           all.count(mending, original.file.bytes);
       }
       golden += word.kind + ' ' + std::to_string(word.number) + ' ' + word.field + " [" + outcomes + "] " +
@@ -183,8 +121,6 @@ TEST(Mend, OneWordIsMended) {
     }
   }
   std::printf("%-36s %7s %7s %7s %7s\n", "one word", "total", "exact", "refused", "other");
-  for (const Row &row : ROWS)
-    rates[&row].print(row.name);
   all.print("all that follow from others");
   EXPECT_GT(all.total, 20000U);
   EXPECT_GE(all.share(), 0.95);
@@ -192,18 +128,16 @@ TEST(Mend, OneWordIsMended) {
 }
 
 TEST(Mend, SeveralWordsAreMended) {
-  const std::vector<Original> files = originals();
   std::array<Rate, 5> rates;
   Rate all;
   for (std::uint32_t seed = 0; seed < 6000; ++seed) {
     std::mt19937 random(seed);
-    const Original &original = files[random() % files.size()];
+    const samples::Sample &original = madeFiles()[random() % madeFiles().size()];
     Bytes damaged = original.file.bytes;
     const std::size_t faults = 2 + seed % 3;
     for (std::set<std::size_t> places; places.size() < faults;) {
       const NamedWord &word = original.file.words[random() % original.file.words.size()];
-      const Row *const row = rowOf(word);
-      if (row == nullptr || !row->derived || !places.insert(word.offset).second)
+      if (!isDerived(word).value_or(false) || !places.insert(word.offset).second)
         continue;
       const std::vector<Word> values = damages(harness::wordAt(damaged, word.offset), word.offset);
       harness::setWordAt(damaged, word.offset, values[random() % values.size()]);

@@ -3,8 +3,8 @@
 #include "format/lists.h"
 #include "harness/golden.h"
 #include "kova/kb.h"
+#include "mend/tests/damage.h"
 #include "mend/tests/elements.h"
-#include "samples/builder.h"
 #include "survey/deep.h"
 
 #include <algorithm>
@@ -126,13 +126,10 @@ TEST(Salvage, WhatWasWholeIsThere) {
 
 /// A word of an element that is wrong beside the cut: it is told if it is mended, and nothing else is changed.
 TEST(Salvage, WhatIsWrongBesideIsTold) {
-  std::vector<samples::File> files = {samples::goodFile1(), samples::goodFile2()};
-  for (samples::Sample &sample : samples::smallSamples())
-    files.push_back(std::move(sample.file));
   std::size_t told = 0;
   for (std::uint32_t seed = 0; seed < 12000; ++seed) {
     std::mt19937 random(seed);
-    const samples::File &original = files[random() % files.size()];
+    const samples::File &original = madeFiles()[random() % madeFiles().size()].file;
     const samples::NamedWord &word = original.words[random() % original.words.size()];
     const bool length = word.field.find("_num") != std::string::npos || word.field.ends_with("_blk_size");
     if (length || word.kind.ends_with("List") || word.kind.starts_with("FileHeader"))

@@ -55,27 +55,16 @@ EachResult eachOf(const std::vector<FileResult> &results) {
   };
 }
 
-/// @return what a writer of a report writes.
-template <class Write> std::string written(const Write &write) {
-  char *text = nullptr;
-  std::size_t size = 0;
-  std::FILE *const stream = ::open_memstream(&text, &size);
-  EXPECT_EQ(write(stream), 1);
-  std::fclose(stream);
-  const std::string report(text, size);
-  std::free(text);
-  return report;
-}
-
 std::string pageOf(const std::vector<FileResult> &results) {
   ShownFindings shown;
   for (const FileResult &result : results)
     count(shown, result);
-  return written([&](std::FILE *to) { return writePage(to, {}, tallyOf(results), shown, eachOf(results)); });
+  return harness::written([&](std::FILE *to) { return writePage(to, {}, tallyOf(results), shown, eachOf(results)); })
+      .value();
 }
 
 std::string junitReport(const std::vector<FileResult> &results) {
-  return written([&](std::FILE *to) { return writeJunit(to, tallyOf(results), eachOf(results)); });
+  return harness::written([&](std::FILE *to) { return writeJunit(to, tallyOf(results), eachOf(results)); }).value();
 }
 
 TEST(SurveyReport, AResultComesBackFromItsLine) {
