@@ -75,11 +75,11 @@ Graph graphOf(const Side &side, const Rules &rules) {
   for (std::size_t level = 1; level < LEVELS; ++level) {
     const std::vector<std::uint64_t> &before = graph.hash[level - 1];
     std::vector<std::uint64_t> &now = graph.hash[level] = before;
-    for (const Edge &edge : graph.edges) {
+    for (const Edge &edge : graph.edges)
       now[edge.from] = combine(now[edge.from], combine(edge.to == ALONE ? 0 : before[edge.to], edge.ordinal));
-      if (level > 1 && edge.to != ALONE) // any order: a sum
+    for (const Edge &edge : graph.edges) // apart, and a sum: the order of the elements does not matter
+      if (level > 1 && edge.to != ALONE)
         now[edge.to] += combine(before[edge.from], edge.ordinal);
-    }
   }
   return graph;
 }

@@ -2,6 +2,7 @@
 #include "diff/tests/edits.h"
 #include "mend/mend.h"
 #include "mend/tests/damage.h"
+#include "samples/builder.h"
 #include "samples/made.h"
 
 #include <algorithm>
@@ -99,6 +100,21 @@ TEST(Pairs, areEqualWhenOnlyRenumbered) {
     }
   }
   EXPECT_GT(moved, 30U);
+}
+/// Six objects that only their parents tell apart, one below the other, in all orders.
+TEST(Pairs, areEqualWhenEqualElementsAreRenumbered) {
+  std::array<int, 6> at = {0, 1, 2, 3, 4, 5};
+  const auto chain = [&] {
+    std::array<int, 6> parents;
+    for (std::size_t i = 0; i < at.size(); ++i)
+      parents[static_cast<std::size_t>(at[i])] = i == 0 ? -1 : at[i - 1];
+    std::string text = "ObjList {";
+    for (const int parent : parents)
+      text += " Obj obj_parent_link=" + std::to_string(parent);
+    return samples::build(0x100, text + " }", samples::LinkWords::none).bytes;
+  };
+  for (const Bytes first = chain(); std::next_permutation(at.begin(), at.end());)
+    ASSERT_EQ(linesOf(differencesOf(first, chain())), "") << testing::PrintToString(at);
 }
 TEST(SlowPairs, everyEditIsToldAndNothingElse) { expectEdits(300, 10'000); }
 
