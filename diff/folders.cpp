@@ -35,15 +35,21 @@ bool isScene(const std::string &name) {
   return name.size() >= 3 && ::strcasecmp(name.c_str() + name.size() - 3, ".kb") == 0;
 }
 
+/// @return whether something holds no scene: a folder, or a pipe or a device, which may have no end. Links are
+/// followed.
+bool isNoFile(const fs::directory_entry &entry) {
+  std::error_code ignored;
+  const fs::file_status status = entry.status(ignored);
+  return fs::status_known(status) && fs::exists(status) && !fs::is_regular_file(status);
+}
+
 /// Finds the scenes in a folder, by their paths in it. Links to folders are not followed. Throws `Trouble`.
 std::vector<std::string> scenesIn(const std::string &folder) {
   std::vector<std::string> found;
   std::error_code error;
-  for (fs::recursive_directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
-    std::error_code ignored;
-    if (isScene(at->path().filename().string()) && !at->is_directory(ignored))
+  for (fs::recursive_directory_iterator at(folder, error), end; !error && at != end; at.increment(error))
+    if (isScene(at->path().filename().string()) && !isNoFile(*at))
       found.push_back(at->path().lexically_relative(folder).string());
-  }
   if (error)
     throw Trouble{folder, error.message()};
   return found;

@@ -19,6 +19,9 @@ cp "$samples"/{town,cut}.kb old
 cp "$samples"/{town,skin}.kb new
 cp "$samples/damaged.kb" old/sub/town.KB
 cp town.kb new/sub/town.KB
+mkfifo old/pipe.kb new/pipe.kb # passed over
+ln -s /dev/zero old/zero.kb
+cp -P old/zero.kb new
 printf 'no scene' >note.kb
 cp town.kb $'\e[31m\n.kb'
 cp town.kb hostile.kb
