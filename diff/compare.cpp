@@ -200,7 +200,8 @@ bool sameListBytes(const Against &against, std::size_t list) {
 /// Compares the words at their places if that says it in fewer changes: in a list with damaged counts and sizes. Of two
 /// that are as short, the names are those of the file with more records.
 void takeShorter(Comparison &to, std::size_t list) {
-  const bool b_first = to.lacks[0] || !to.lacks[1];
+  const LoadedList &a = to.against.a.lists[list], &b = to.against.b.lists[list];
+  const bool b_first = to.lacks[0] != to.lacks[1] ? to.lacks[0] : b.rest >= a.rest;
   for (const bool is_b : {b_first, !b_first}) {
     Comparison other{to.against, to.listener};
     compareInPlace(other, list, is_b);

@@ -34,6 +34,8 @@ cp exchanged-1.kb exchanged-2.kb
 set_words exchanged-2.kb 256=50 312=4f 264=785a50ff 320=b4c8dcff 268=28 324=78 272=b4 328=190 276=3c2d46ff 332=8cb4e6ff
 cp small-1.kb texel.kb && set_words texel.kb 1892=01020305
 cp small-1.kb parts.kb && set_words parts.kb 1428=0
+cp "$samples/light-type.kb" spot.kb # what lies in no record of it is one in the other
+cp spot.kb point.kb && set_words point.kb 456=1 496=40a00000
 cp small-2.kb maker.kb && set_words maker.kb 184=1
 transcript "$SOURCE_DIR/diff/tests/golden/commands.out" <<'END'
 kbdiff town.kb town.kb
@@ -55,6 +57,8 @@ kbdiff element-tag.kb extra.kb
 kbdiff --ignore gaps extra.kb extra.kb
 kbdiff exchanged-1.kb exchanged-2.kb
 kbdiff parts.kb small-1.kb
+kbdiff spot.kb point.kb
+kbdiff point.kb spot.kb
 kbdiff small-2.kb maker.kb
 kbdiff maker.kb small-2.kb
 kbdiff --ignore text town.kb hostile.kb
