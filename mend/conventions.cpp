@@ -22,8 +22,7 @@ struct Inside : Events {
     const RecordLayout &kind = *record.kind;
     if (depth == 0)
       return;
-    if (kind.index_at != NO_WORD)
-      counted.count(kind, Own::index, file[record.begin + kind.index_at] == record.number);
+    counted.count(kind, Own::index, file[record.begin + kind.index_at] == record.number);
     if (kind.size_at != NO_WORD)
       counted.count(kind, Own::size, file[record.begin + kind.size_at] == end - record.begin);
   }

@@ -7,8 +7,6 @@
 namespace kova::mend {
 
 std::string remainingText(const Remaining &left, const char *what) {
-  if (left.before == UNKNOWN)
-    return std::to_string(left.now) + ' ' + what + " are left";
   return std::to_string(left.now) + " of " + std::to_string(left.before) + ' ' + what + " are left";
 }
 
@@ -36,18 +34,9 @@ struct Run {
 };
 
 /// Takes down the runs of a record.
-struct Runs : Events {
+struct Runs : OwnLengthWords {
   std::vector<Run> runs;
-  std::vector<LengthWord> length_words;
-  int depth_now = 0;
 
-  Runs() : Events(true) {}
-  void enter(const RecordAt &, int) override { ++depth_now; }
-  void leave(const RecordAt &, std::uint64_t, int) override { --depth_now; }
-  void lengthWord(const LengthWord &length_word) override {
-    if (depth_now == 1)
-      length_words.push_back(length_word);
-  }
   void table(std::uint64_t begin, std::uint64_t entries, std::span<const Column> columns,
              std::uint64_t count_at) override {
     std::uint64_t bytes = 0;
@@ -57,10 +46,11 @@ struct Runs : Events {
       runs.push_back({begin, entries, bytes, count_at});
   }
   void series(const RecordAt &first, Word number) override {
-    const auto counts = [&](const LengthWord &length_word) { return length_word.records == first.kind; };
-    const auto length_word = std::find_if(length_words.begin(), length_words.end(), counts);
-    if (depth_now == 1)
-      runs.push_back({first.begin, number, 0, length_word != length_words.end() ? length_word->offset : 0, first});
+    std::uint64_t count_at = 0;
+    for (const LengthWord &length_word : length_words)
+      if (length_word.records == first.kind)
+        count_at = length_word.offset;
+    runs.push_back({first.begin, number, 0, count_at, first});
   }
 };
 
@@ -70,7 +60,7 @@ public:
   Cutter(const FileBytes &whole, const RecordLayout &kind_of_record, std::uint64_t begins_at, Word number,
          bool is_version_2)
       : file(whole), kind(kind_of_record), begin(begins_at), version_2(is_version_2) {
-    if (begin + kind.fixed > file.size() || (kind.tag != 0 && !isElementTag(kind, file[begin])))
+    if (begin + kind.fixed > file.size() || !isElementTag(kind, file[begin]))
       return;
     Walk walk(file, file.size(), false, &found);
     const std::uint64_t end = walk.over({&kind, begin, number});

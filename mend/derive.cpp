@@ -9,8 +9,6 @@ namespace kova::mend {
 
 namespace {
 
-const char *listName(std::size_t list) { return list < LIST_NUM ? LISTS[list].name : "FileHeader"; }
-
 /// A word to which the audit pays no attention is changed only if the same word of other records of its kind shows that
 /// it is meant to follow: of so many, ...
 constexpr std::size_t FEWEST_WITNESSES = 3;
@@ -71,7 +69,6 @@ private:
   void setUncheckedTags();
   void leave(const RecordAt &record, std::uint64_t end, int depth) override;
   void countMaker(const Walk &walk);
-  void mergeChanges();
   void deriveHeader();
   void deriveList();
   void deriveElements(const RecordLayout &kind, std::uint64_t &at, std::uint64_t table, const char *table_name,
@@ -95,6 +92,11 @@ private:
   std::size_t list_now = LIST_NUM;
   std::optional<Word> element_now = {};
 };
+
+void sortByOffset(std::vector<Change> &changes) {
+  std::stable_sort(changes.begin(), changes.end(),
+                   [](const Change &a, const Change &b) { return a.offset < b.offset; });
+}
 
 constexpr const char *BY_POSITION = "its position";
 constexpr const char *BY_PARTS = "the sum of its parts";
@@ -129,11 +131,11 @@ void Deriver::table(std::uint64_t begin, std::uint64_t entries, std::span<const 
 /// A table with an entry for each of the records behind it holds their sizes.
 void Deriver::series(const RecordAt &first, Word number) {
   const bool is_of_sizes = last_table.entries == number && last_table.begin + number * sizeof(Word) == first.begin;
-  sizes_inside = is_of_sizes && *last_table.name != '\0' ? last_table : Table{};
+  sizes_inside = is_of_sizes ? last_table : Table{};
 }
 
 void Deriver::expectEntry(const RecordAt &record, Word size) {
-  if (record.number < sizes_inside.entries && sizes_inside.begin >= record.around)
+  if (record.number < sizes_inside.entries)
     expect(record.kind, sizes_inside.name, sizes_inside.begin + record.number * sizeof(Word),
            std::string(sizes_inside.name) + '[' + std::to_string(record.number) + ']', size, "the size of the record");
 }
@@ -189,21 +191,18 @@ void Deriver::leave(const RecordAt &record, std::uint64_t end, int depth) {
     set(record.begin, kind.tag_name, kind.tag, "the place of the record");
   const auto size = static_cast<Word>(end - record.begin);
   const bool has_size = kind.size_at != NO_WORD;
-  const bool has_index = kind.index_at != NO_WORD;
   if (has_size && kind.size_checked)
     set(record.begin + kind.size_at, kind.size_name, size, BY_PARTS);
   // A record with no word as expected may be none.
-  if (has_size && has_index && file[record.begin + kind.size_at] != size &&
-      file[record.begin + kind.index_at] != record.number)
+  if (has_size && file[record.begin + kind.size_at] != size && file[record.begin + kind.index_at] != record.number)
     return;
-  if (kind.tag == 0 && *kind.tag_name != '\0')
+  if (kind.tag == 0)
     countTag(record);
   if (has_size && !kind.size_checked)
     expect(&kind, kind.size_name, record.begin + kind.size_at, kind.size_name, size, BY_PARTS);
   expectEntry(record, size);
   expectHeaderSize(record, end);
-  if (has_index)
-    expect(&kind, kind.index_name, record.begin + kind.index_at, kind.index_name, record.number, BY_POSITION);
+  expect(&kind, kind.index_name, record.begin + kind.index_at, kind.index_name, record.number, BY_POSITION);
 }
 
 void Deriver::countMaker(const Walk &walk) {
@@ -248,9 +247,7 @@ void Deriver::deriveElements(const RecordLayout &kind, std::uint64_t &at, std::u
       continue;
     }
     Walk walk(file, file.size(), version_2, this);
-    const std::uint64_t end = at + kind.fixed <= file.size() ? walk.over({&kind, at, i}) : file.size() + 1;
-    if (walk.broken || end > file.size())
-      return; // no reading is like this; the audit will say what is wrong
+    const std::uint64_t end = walk.over({&kind, at, i});
     countMaker(walk);
     deriveElement(kind, at, end, i, table + std::uint64_t{i} * sizeof(Word), table_name);
     at = end;
@@ -295,23 +292,6 @@ void Deriver::deriveHeader() {
     set(LAYOUT[list].header_word_at, LAYOUT[list].header_word,
         span != nullptr ? static_cast<Word>(span->end - span->begin) : 0, "where the list ends");
   }
-}
-
-/// Makes one change of those of the same word, in the order of the file.
-void Deriver::mergeChanges() {
-  std::stable_sort(changes.begin(), changes.end(),
-                   [](const Change &a, const Change &b) { return a.offset < b.offset; });
-  std::vector<Change> merged;
-  for (Change &change : changes) {
-    if (merged.empty() || merged.back().offset != change.offset) {
-      merged.push_back(std::move(change));
-      continue;
-    }
-    merged.back().new_value = change.new_value;
-    merged.back().why = change.why;
-  }
-  std::erase_if(merged, [](const Change &change) { return change.old_value == change.new_value; });
-  changes = std::move(merged);
 }
 
 /// @return whether so many records of a kind that follow show that the others are wrong.
@@ -362,7 +342,7 @@ Applied Deriver::derive() {
   const bool checked_words = !changes.empty();
   setUncheckedWords();
   setUncheckedTags();
-  mergeChanges();
+  sortByOffset(changes);
   const bool changes_maker =
       std::any_of(applied.begin(), applied.end(), [](const Decision *decision) { return decision->maker; });
   return {std::move(changes), looked_at, checked_words, changes_maker && (longer_blocks != 0 || used_up_blocks < 2)};
@@ -378,7 +358,7 @@ std::vector<Change> changesOf(const FileBytes &file, const Decision *decisions) 
     if (decisions->sort == Decision::Sort::word)
       changes.push_back({decisions->begin, listName(decisions->list), decisions->element, decisions->field,
                          file[decisions->begin], decisions->value, decisions->why});
-  std::sort(changes.begin(), changes.end(), [](const Change &a, const Change &b) { return a.offset < b.offset; });
+  sortByOffset(changes);
   return changes;
 }
 

@@ -10,8 +10,6 @@ namespace kova::mend {
 
 namespace {
 
-const char *listName(std::size_t list) { return list < LIST_NUM ? LISTS[list].name : "FileHeader"; }
-
 std::string counted(std::uint64_t number, const char *one, const char *more) {
   return std::to_string(number) + ' ' + (number == 1 ? one : more);
 }
@@ -22,7 +20,7 @@ std::string counted(std::uint64_t number, const char *one, const char *more) {
 /// from there on.
 Damage damageOf(const Undoing &undone, std::uint64_t size) {
   const std::string_view id = undone.transformation->id;
-  const bool one_place = id == "front" || id == "behind" || id == "doubled" || id == "swapped" || id == "part";
+  const bool one_place = id == "front" || id == "behind" || id == "doubled" || id == "swapped";
   return {.kind = undone.transformation->id,
           .sure = Sure::certain,
           .begin = undone.at,

@@ -30,14 +30,11 @@ void Filler::copy(std::uint64_t begin, std::uint64_t end) {
   made.bytes.insert(made.bytes.end(), part.begin(), part.end());
 }
 
-/// Copies a record. @return false where it is none, or where its counts call for more than a file can lack.
+/// Copies a record, which ends in the file as it was read. @return false where its counts call for more than a file can
+/// lack.
 bool Filler::fillRecord(std::size_t list, const RecordAt &record, std::uint64_t &end) {
-  if (record.begin + record.kind->fixed > file.size())
-    return false;
   Walk walk(file, file.size(), true);
   end = walk.over(record);
-  if (walk.broken || end > file.size())
-    return false;
   if (walk.maker_spare >= 0) {
     copy(record.begin, end);
     return true;
@@ -70,8 +67,6 @@ bool Filler::fillList(const Decision &span) {
   for (std::uint64_t i = 0; i < view.number(); ++i)
     if (!fillRecord(span.list, view.element(i, at), at))
       return false;
-  if (at > span.end)
-    return false;
   copy(at, span.end);
   return true;
 }

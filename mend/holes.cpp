@@ -65,7 +65,7 @@ public:
 
 private:
   void lose(std::size_t list, std::optional<Word> element, std::string what) {
-    made.losses.push_back({list < LIST_NUM ? LISTS[list].name : "FileHeader", element, std::move(what)});
+    made.losses.push_back({listName(list), element, std::move(what)});
   }
   void copy(std::uint64_t begin, std::uint64_t end);
   bool makeCut(const FoundList &list, const RecordLayout &kind, To to, Word number, const FoundElement &element);
@@ -103,9 +103,10 @@ bool HoleSalvage::makeCut(const FoundList &list, const RecordLayout &kind, To to
   Bytes bytes(left.begin(), left.end());
   const FileBytes cut(bytes);
   CutRecord record = cutRecord(cut, kind, 0, number, version_2);
-  FileBytes left_of(record.bytes);
+  const FileBytes left_of(record.bytes);
   Walk again(left_of, record.bytes.size(), version_2);
-  if (!record.is_record || again.over({&kind, 0, number}) != record.bytes.size() || again.broken || again.faults != 0)
+  again.over({&kind, 0, number});
+  if (!record.is_record || again.faults != 0)
     return false;
   made.bytes.insert(made.bytes.end(), record.bytes.begin(), record.bytes.end());
   lose(list.list, list.list == 0 ? std::nullopt : std::optional(number),

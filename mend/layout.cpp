@@ -72,6 +72,8 @@ const char *headerWordName(std::uint64_t at) {
   return WORD_INFOS<WORDS<FileHeaderHead>>[static_cast<std::size_t>(at / sizeof(Word))].name.c_str();
 }
 
+const char *listName(std::size_t list) { return list < LIST_NUM ? LISTS[list].name : "FileHeader"; }
+
 bool isListTag(std::size_t list, Word tag) {
   return tag == LISTS[list].tag || (LAYOUT[list].first == &NAME && tag == EXTERNAL_NAME_LIST_TAG);
 }

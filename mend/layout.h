@@ -105,6 +105,9 @@ struct ListLayout {
 extern const RecordLayout SCENE;
 extern const std::array<ListLayout, LIST_NUM> LAYOUT;
 
+/// @return what a list is called; that of LIST_NUM is the file's header.
+const char *listName(std::size_t list);
+
 /// @return whether the word is a tag of the list or, of an element, one that its reader takes.
 bool isListTag(std::size_t list, Word tag);
 bool isElementTag(const RecordLayout &kind, Word tag);

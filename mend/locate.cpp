@@ -16,6 +16,8 @@ constexpr std::int64_t MOST_SHIFTS = 64;
 constexpr std::uint64_t GO_OVER = 64;
 /// Bytes of the smallest element with its entry in the size table.
 constexpr std::uint64_t SMALLEST_ELEMENT = 20;
+/// Bytes of a record that are looked at to tell it from a hole.
+constexpr std::uint64_t BEGINS = 16;
 /// At how many places heads of lists are looked for, compared with the bytes of the file.
 constexpr std::uint64_t LOOK_AT = 8;
 
@@ -37,7 +39,7 @@ private:
   void findHeads();
   void findEnd(std::size_t number);
   int agreement(const RecordLayout &kind, std::uint64_t at, Word number, Word size) const;
-  bool isElement(const RecordLayout &kind, std::uint64_t at, Word number, std::uint64_t end);
+  bool isElement(const RecordLayout &kind, std::uint64_t at, Word number);
   bool findByTable(FoundList &list);
   bool isStrange(const RecordLayout &kind, std::uint64_t at, Word number, Word size);
   void findElement(const RecordLayout &kind, std::uint64_t was_at, Word number, Word size, std::int64_t last,
@@ -134,10 +136,9 @@ int Locator::agreement(const RecordLayout &kind, std::uint64_t at, Word number, 
 }
 
 /// @return whether an element stands at a place, as its tag and its own words say.
-bool Locator::isElement(const RecordLayout &kind, std::uint64_t at, Word number, std::uint64_t end) {
+bool Locator::isElement(const RecordLayout &kind, std::uint64_t at, Word number) {
   const Word size = file[at + kind.size_at];
-  if (!isElementTag(kind, file[at]) || file[at + kind.index_at] - number >= elements_left || size < kind.fixed ||
-      at + kind.fixed > end)
+  if (!isElementTag(kind, file[at]) || file[at + kind.index_at] - number >= elements_left || size < kind.fixed)
     return false;
   Walk walk(file, version_2, nullptr, steps_left);
   const std::uint64_t by_words = walk.over({&kind, at, number});
@@ -146,7 +147,8 @@ bool Locator::isElement(const RecordLayout &kind, std::uint64_t at, Word number,
 
 /// @return whether something that nothing confirms is not even like what stood there, with some words wrong.
 bool Locator::isStrange(const RecordLayout &kind, std::uint64_t at, Word number, Word size) {
-  if (file[at] == 0 && file[at + 4] == 0 && file[at + 8] == 0 && file[at + 12] == 0)
+  const std::span<const unsigned char> begins = file.between(at, at + BEGINS);
+  if (std::all_of(begins.begin(), begins.end(), [](unsigned char byte) { return byte == 0; }))
     return true;
   Walk walk(file, version_2, nullptr, steps_left);
   return agreement(kind, at, number, size) == 0 && walk.over({&kind, at, number}) != at + size;
@@ -222,7 +224,7 @@ void Locator::findByTags(FoundList &list) {
     while (kinds[i] != nullptr && at + kinds[i]->fixed <= list.end) {
       const auto number = static_cast<Word>(elements.size());
       std::uint64_t next = at;
-      while (next + kinds[i]->fixed <= list.end && !isElement(*kinds[i], next, number, list.end))
+      while (next + kinds[i]->fixed <= list.end && !isElement(*kinds[i], next, number))
         ++next;
       if (next + kinds[i]->fixed > list.end)
         break;

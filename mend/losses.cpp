@@ -35,7 +35,7 @@ ListsRead listsOf(const Reading &reading) {
     ListRead &list = lists[decision->list];
     const ListLayout &layout = LAYOUT[decision->list];
     list.changes_lengths = true;
-    if (decision->element || layout.first == nullptr || list.span == nullptr)
+    if (decision->element)
       continue;
     if (decision->begin == list.span->begin + list_at::COUNT)
       list.counts[0] = decision;
@@ -110,9 +110,8 @@ std::vector<Loss> lossesOf(const FileBytes &file, const FileBytes &read, const R
     }
     const bool counts_changed = list.counts[0] != nullptr || list.counts[1] != nullptr;
     const auto is_of_other_kind = [&](const RecordLayout &kind, Word tag) {
-      const ListLayout &layout = LAYOUT[number];
-      return counts_changed && layout.second != nullptr && tag != kind.tag &&
-             (tag == layout.first->tag || tag == layout.second->tag);
+      const RecordLayout *const other = &kind == LAYOUT[number].first ? LAYOUT[number].second : LAYOUT[number].first;
+      return counts_changed && other != nullptr && tag == other->tag;
     };
     auto next = elements.begin();
     std::uint64_t tagged = 0;

@@ -33,18 +33,15 @@ Audit auditBytes(const std::vector<unsigned char> &bytes) {
   if (!kis)
     throw std::bad_alloc();
   const int loaded = kvOpenKbMemory(bytes, "", *kis);
-  const Word version = kvKOVAver(kis->file_header);
-  const bool known = isVersion(version);
   if (audit.out_of_memory)
     throw std::bad_alloc();
-  audit.ok = known && (checkKOVA(*kis) & loaded) != 0;
+  audit.ok = (checkKOVA(*kis) & loaded) != 0;
   return audit;
 }
 
-/// @return a finding's text without its last line break.
+/// @return a finding's text without the line breaks at its end.
 std::string withoutLineEnd(std::string text) {
-  while (!text.empty() && text.back() == '\n')
-    text.pop_back();
+  text.resize(text.find_last_not_of('\n') + 1);
   return text;
 }
 
@@ -135,12 +132,13 @@ constexpr std::uint64_t MANY_ZEROS = 32;
 constexpr std::uint64_t VERY_MANY_ZEROS = 128;
 
 /// The row of zeros that a word stands in, from byte to byte; not more of it than `most` bytes or so on either side.
+/// The file begins with its version, which is not 0.
 struct ZeroRow {
   std::uint64_t begin;
   std::uint64_t end;
 
   ZeroRow(const FileBytes &file, std::uint64_t at, std::uint64_t most) : begin(at), end(at) {
-    while (begin >= sizeof(Word) && at - begin < most && file[begin - sizeof(Word)] == 0)
+    while (at - begin < most && file[begin - sizeof(Word)] == 0)
       begin -= sizeof(Word);
     while (end < file.size() && end - at < most && file[end] == 0)
       end += sizeof(Word);
@@ -282,7 +280,7 @@ std::optional<Result> salvageHoled(std::vector<unsigned char> &bytes, HolesAsked
   for (const bool parts : {true, false}) { // words in a part can be wrong, too
     asked.parts = parts;
     std::optional<Salvaged> salvaged = salvageHoles(FileBytes(bytes), asked);
-    if (!salvaged || salvaged->losses.empty())
+    if (!salvaged)
       return std::nullopt;
     if (!auditBytes(salvaged->bytes).ok)
       continue;

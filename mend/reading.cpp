@@ -96,9 +96,8 @@ Walk Reader::read(const RecordAt &record, std::uint64_t &end) {
 
 /// The first place behind the fixed words of a record at which the next one of its kind could begin.
 std::uint64_t Reader::findNext(const RecordAt &record, std::uint64_t to) {
-  const bool by_number = record.kind->index_at != NO_WORD && tells(*record.kind, Own::index);
   return find(record.begin + record.kind->fixed, to, record.kind->tag,
-              by_number ? std::optional(record.number + 1) : std::nullopt);
+              tells(*record.kind, Own::index) ? std::optional(record.number + 1) : std::nullopt);
 }
 
 const Conventions &Reader::known() {
@@ -113,11 +112,7 @@ bool Reader::tells(const RecordLayout &kind, Own own) {
   return is_checked || known().follows(kind, own);
 }
 
-Word Reader::declared(std::size_t list) const {
-  if (list >= VERSION_1_LIST_NUM && !version_2_lists)
-    return 0;
-  return file[LAYOUT[list].header_word_at];
-}
+Word Reader::declared(std::size_t list) const { return file[LAYOUT[list].header_word_at]; }
 
 // --- The file -------------------------------------------------------------------------------------------------------
 
@@ -138,8 +133,6 @@ void Reader::readHeader(Readings &readings) {
 }
 
 std::optional<Reading> Reader::readFile() {
-  if (file.size() < FILE_HEADER_BYTES)
-    return std::nullopt;
   Readings headers;
   readHeader(headers);
   Readings whole;
@@ -148,7 +141,7 @@ std::optional<Reading> Reader::readFile() {
     const Decision *const changed = header.decisions;
     const bool changes_maker = changed != nullptr && changed->begin == header_at::BLOCKS;
     const Word maker = changes_maker ? changed->value : file[header_at::BLOCKS];
-    version_2_lists = version_2 && maker >= VERSION_2_SIZES_BYTES;
+    const bool version_2_lists = version_2 && maker >= VERSION_2_SIZES_BYTES;
     Readings readings = {header};
     if (version_2 && maker == 0) // no file of version 2.0 lacks the block
       readings.clear();

@@ -67,7 +67,8 @@ public:
   explicit Reader(const FileBytes &bytes)
       : file(bytes), version_2(hasVersion2(file.version())), file_left(budgetOf(file.size(), FILE_SHARES)) {}
 
-  /// @return the best reading of the file, whose last list ends where the file ends; none if there is no such reading.
+  /// @return the best reading of the file, which is as long as a header at least, and whose last list ends where the
+  /// file ends; none if there is no such reading.
   std::optional<Reading> readFile();
 
   /// What can be made of a record that is to end at a given place.
@@ -149,7 +150,6 @@ private:
 
   const FileBytes &file;
   bool version_2;
-  bool version_2_lists = false;
   std::uint64_t list_end = 0; ///< the latest end that something gives for the list that is read
   Budget file_left;           ///< without what the list has
   Budget list_left = {};

@@ -35,6 +35,8 @@ template <class Form, class Around> class RecordIo;
 template <class Form, class Around = void, bool HAS_CONTENT = true>
 inline constexpr RecordLayout RECORD_LAYOUT = [] {
   using Head = typename Form::Head;
+  static_assert(std::is_void_v<Around> ||
+                (PLACE_OF<Form::words, Role::tag> != NO_WORD && PLACE_OF<Form::words, Role::own_index> != NO_WORD));
   constexpr bool IS_AUDITED = std::is_void_v<Around> && Form::tag != UNAUDITED_TAG;
   RecordLayout kind;
   kind.tag = Form::tag;
@@ -222,14 +224,12 @@ public:
   }
 
   int blocks() {
-    if (!is_by_size)
-      tellBlocks(begin + PLACE_OF<Form::words, Role::van_size>, head.van_ext_blk_size, head.usr_ext_blk_size);
+    tellOwnBlocks();
     walk.passBlocks(head.van_ext_blk_size, head.usr_ext_blk_size);
     return 1;
   }
   template <class Items, class Array> int blocks(Items, Array) {
-    if (!is_by_size)
-      tellBlocks(begin + PLACE_OF<Form::words, Role::van_size>, head.van_ext_blk_size, head.usr_ext_blk_size);
+    tellOwnBlocks();
     if (walk.version_2)
       lookIntoMakerBlock<Items>(head.van_ext_blk_size);
     walk.passBlocks(head.van_ext_blk_size, head.usr_ext_blk_size);
@@ -324,6 +324,10 @@ private:
     }
   }
 
+  void tellOwnBlocks() {
+    if (!is_by_size)
+      tellBlocks(begin + PLACE_OF<Form::words, Role::van_size>, head.van_ext_blk_size, head.usr_ext_blk_size);
+  }
   void tellBlocks(std::uint64_t at, Word maker, Word user) {
     if (walk.events == nullptr)
       return;

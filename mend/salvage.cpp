@@ -37,7 +37,7 @@ private:
   void addEmptyGroups(std::size_t list, CutElements &cut);
   void appendHead(const ListView &view, const CutElements &cut, const BlockSizes &blocks);
   void lose(std::size_t list, std::optional<Word> element, std::string what) {
-    made.losses.push_back({list < LIST_NUM ? LISTS[list].name : "FileHeader", element, std::move(what)});
+    made.losses.push_back({listName(list), element, std::move(what)});
   }
   void copy(std::uint64_t begin, std::uint64_t end, std::uint64_t from) { copied.push_back({begin, end, from}); }
 
@@ -249,8 +249,7 @@ bool Salvage::salvageList(std::size_t list, std::uint64_t begin, std::uint64_t s
 bool isSound(const FileBytes &file, const Decision &span, bool version_2) {
   const ListLayout &layout = LAYOUT[span.list];
   const auto goOver = [&](const RecordAt &record, std::uint64_t &end) {
-    if (record.begin + record.kind->fixed > span.end ||
-        (record.kind->tag != 0 && !isElementTag(*record.kind, file[record.begin])))
+    if (record.begin + record.kind->fixed > span.end || !isElementTag(*record.kind, file[record.begin]))
       return false;
     Walk walk(file, span.end, version_2);
     end = walk.over(record);
@@ -312,10 +311,6 @@ std::vector<Change> changesBefore(std::vector<Change> changes, const std::vector
   return before;
 }
 
-std::optional<Salvaged> salvageFile(const FileBytes &cut) {
-  if (cut.size() < sizeof(Word))
-    return std::nullopt;
-  return Salvage(cut).salvage();
-}
+std::optional<Salvaged> salvageFile(const FileBytes &cut) { return Salvage(cut).salvage(); }
 
 } // namespace kova::mend

@@ -24,7 +24,7 @@ struct Copied {
 std::vector<Change> changesBefore(std::vector<Change> changes, const std::vector<Copied> &copied,
                                   std::uint64_t size_before);
 
-/// @return the file; none where the lists do not stand where the header says, or where not even the version is left.
+/// @return the file; none where the lists do not stand where the header says. Its version is left.
 std::optional<Salvaged> salvageFile(const FileBytes &cut);
 
 /// Fills up with zeros the maker blocks of a whole 2.0 file that are too short for what they hold.

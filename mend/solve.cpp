@@ -8,23 +8,11 @@ namespace kova::mend {
 
 namespace {
 
-/// Takes down the words on which the length of a record depends, without those of the records inside.
-struct OwnLengthWords : Events {
-  std::vector<LengthWord> length_words;
+/// Takes down the words on which the length of a record depends, and its rows of records.
+struct WordsAndSeries : OwnLengthWords {
   std::vector<RecordAt> series_of; ///< the first of each row of records inside
-  int depth_now = 0;
 
-  OwnLengthWords() : Events(true) {}
-  void enter(const RecordAt &, int) override { ++depth_now; }
-  void leave(const RecordAt &, std::uint64_t, int) override { --depth_now; }
-  void lengthWord(const LengthWord &length_word) override {
-    if (depth_now == 1)
-      length_words.push_back(length_word);
-  }
-  void series(const RecordAt &first, Word) override {
-    if (depth_now == 1)
-      series_of.push_back(first);
-  }
+  void series(const RecordAt &first, Word) override { series_of.push_back(first); }
 };
 
 /// @return whether a count or a size can have that value.
@@ -53,7 +41,7 @@ void Reader::tryWord(const RecordAt &record, std::uint64_t end, const LengthWord
 
 /// Proposes values for the words of the record itself.
 void Reader::solveCounts(const RecordAt &record, std::uint64_t end, Proposals &proposals) {
-  OwnLengthWords found;
+  WordsAndSeries found;
   std::uint64_t ends_at = 0;
   const Walk walk = measure(file, record, ends_at, &found);
   const auto lacking = static_cast<std::int64_t>(end - ends_at);
@@ -175,7 +163,7 @@ Reader::Proposals Reader::solve(const RecordAt &record, std::uint64_t end) {
 void Reader::keepBest(Proposals &proposals) {
   // Whole records are not likely to be anything else.
   const bool records = std::any_of(proposals.begin(), proposals.end(), [](const Proposal &proposal) {
-    return proposal.changes && proposal.length_word.records != nullptr && proposal.value > 0 && proposal.doubts == 0;
+    return proposal.length_word.records != nullptr && proposal.value > 0 && proposal.doubts == 0;
   });
   for (Proposal &proposal : proposals)
     proposal.doubts += records && proposal.changes && proposal.length_word.records == nullptr;
@@ -183,7 +171,7 @@ void Reader::keepBest(Proposals &proposals) {
     return a.cost != b.cost ? a.cost < b.cost : a.doubts < b.doubts;
   };
   const auto same = [](const Proposal &a, const Proposal &b) {
-    return a.changes == b.changes && a.length_word.offset == b.length_word.offset && a.value == b.value;
+    return a.length_word.offset == b.length_word.offset && a.value == b.value;
   };
   if (proposals.empty())
     return;

@@ -133,18 +133,12 @@ bool SwapSearch::isElementRight(const Broken &broken) {
 }
 
 bool SwapSearch::isRight(const Broken &broken) {
-  switch (broken.sort) {
-  case Broken::Sort::head:
-    return isListTag(broken.list->list, file[broken.begin]) && file[broken.begin + list_at::SIZE] == broken.list->size;
-  case Broken::Sort::table:
-    left -= std::min(left, broken.end - broken.begin);
-    return isTableRight(broken);
-  case Broken::Sort::element:
+  if (broken.sort == Broken::Sort::element)
     return isElementRight(broken);
-  case Broken::Sort::none:
-    break;
-  }
-  return false;
+  if (broken.sort == Broken::Sort::head)
+    return isListTag(broken.list->list, file[broken.begin]) && file[broken.begin + list_at::SIZE] == broken.list->size;
+  left -= std::min(left, broken.end - broken.begin);
+  return isTableRight(broken);
 }
 
 // --- The search -----------------------------------------------------------------------------------------------------
@@ -157,7 +151,8 @@ void SwapSearch::swap(const Undoing &way) {
 void SwapSearch::tryOne(const Broken &broken, const Undoing &way) {
   left -= std::min(left, way.count / 4);
   swap(way);
-  if (isRight(broken) && headerFacts({scratch}).isWhole() && ++tried <= MOST_TRIED) {
+  if (isRight(broken) && headerFacts({scratch}).isWhole()) {
+    ++tried;
     Bytes copy = scratch;
     if (locate(file).whole && accepts(copy)) {
       several |= found_way && copy != original;

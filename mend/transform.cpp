@@ -200,8 +200,8 @@ Decoded decode(BytesView file, std::size_t at) {
 constexpr std::array<unsigned char, 3> BYTE_ORDER_MARK = {0xef, 0xbb, 0xbf};
 
 std::size_t markBytes(BytesView file) {
-  const bool marked = file.size() >= 3 && std::equal(BYTE_ORDER_MARK.begin(), BYTE_ORDER_MARK.end(), file.begin());
-  return marked ? BYTE_ORDER_MARK.size() : 0;
+  const BytesView begins = file.first(std::min(file.size(), BYTE_ORDER_MARK.size()));
+  return std::equal(begins.begin(), begins.end(), BYTE_ORDER_MARK.begin(), BYTE_ORDER_MARK.end()) ? begins.size() : 0;
 }
 
 void findUtf8(BytesView file, const HeaderFacts &, std::vector<Undoing> &ways) {
@@ -286,15 +286,9 @@ struct Search {
 /// @return whether the steps differ in the version that they set, and in nothing else.
 bool differInVersion(const std::vector<Undoing> &a, const std::vector<Undoing> &b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](Undoing one, Undoing other) {
-    if (setsVersion(one) && setsVersion(other))
+    if (setsVersion(one))
       one.value = other.value;
     return one == other;
-  });
-}
-
-bool setsVersion2(const std::vector<Undoing> &steps) {
-  return std::any_of(steps.begin(), steps.end(), [](const Undoing &step) {
-    return setsVersion(step) && hasVersion2(static_cast<Word>(step.value));
   });
 }
 
@@ -305,12 +299,12 @@ void tryFile(Bytes &file, const HeaderFacts &facts, Search &search) {
   const std::size_t hash = std::hash<std::string_view>()({reinterpret_cast<const char *>(file.data()), file.size()});
   if (!search.accepts(file, facts))
     return;
-  // Without version-2 lists, what is right under 2.0 is so under 1.0, too. The reverse is not so: 2.0 asks for more.
-  const bool other_version = !search.found.empty() && differInVersion(search.found, search.steps);
-  if (search.found.empty() || (other_version && setsVersion2(search.steps))) {
+  // Without version-2 lists, what is right under 2.0 is so under 1.0, too, which is tried before. The reverse is not
+  // so: 2.0 asks for more.
+  if (search.found.empty() || differInVersion(search.found, search.steps)) {
     search.found = search.steps;
     search.original = hash;
-  } else if (!other_version) {
+  } else {
     search.several |= hash != search.original;
   }
 }

@@ -4,12 +4,10 @@
 
 namespace kova::mend {
 
-/// The next word, which is passed. In a maker block that is too short it is 0, as the library decodes it.
+/// The next word, which is passed. Maker blocks have none of these.
 Word Walk::next() {
   const std::uint64_t at = position;
   position += sizeof(Word);
-  if (!isInMakerBlock(at))
-    return 0;
   broken |= position > limit;
   return position > limit ? 0 : file[at];
 }
@@ -60,7 +58,7 @@ bool Walk::isOdd(const RecordAt &record) const {
   const auto tells = [&](Own own) { return conventions == nullptr || conventions->follows(kind, own); };
   if (kind.tag != 0 && file[record.begin] != kind.tag)
     return true;
-  if (kind.index_at != NO_WORD && file[record.begin + kind.index_at] != record.number && tells(Own::index))
+  if (file[record.begin + kind.index_at] != record.number && tells(Own::index))
     return true;
   return kind.size_at != NO_WORD && file[record.begin + kind.size_at] != position - record.begin && tells(Own::size);
 }

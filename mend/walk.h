@@ -8,6 +8,7 @@
 #include "mend/layout.h"
 
 #include <initializer_list>
+#include <vector>
 
 namespace kova::mend {
 
@@ -49,6 +50,21 @@ struct Events {
                      std::uint64_t /*count_at*/) {}
   /// Records of a kind begin, one behind the other; `first` is the place of the first one.
   virtual void series(const RecordAt & /*first*/, Word /*number*/) {}
+};
+
+/// Takes down the words on which the length of a record depends, without those of the records inside, which have no
+/// records inside themselves.
+struct OwnLengthWords : Events {
+  std::vector<LengthWord> length_words;
+  int depth_now = 0;
+
+  OwnLengthWords() : Events(true) {}
+  void enter(const RecordAt &, int) override { ++depth_now; }
+  void leave(const RecordAt &, std::uint64_t, int) override { --depth_now; }
+  void lengthWord(const LengthWord &length_word) override {
+    if (depth_now == 1)
+      length_words.push_back(length_word);
+  }
 };
 
 /// Goes over a record. Nothing beyond `limit` is read; lengths go on in 64 bits.
