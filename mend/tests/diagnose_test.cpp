@@ -56,6 +56,8 @@ TEST(Diagnose, KnowsOtherKinds) {
   EXPECT_EQ(kindOf("\x89PNG\r\n\x1a\n\0\0"sv), "a PNG image");
   EXPECT_EQ(kindOf(std::string(257, '\0') + "ustar"), "a tar archive");
   EXPECT_EQ(kindOf("BM, a remark of twenty letters\n"sv), "a text");
+  EXPECT_EQ(kindOf("a remark of twenty \x0e"sv), "");
+  EXPECT_EQ(kindOf("a \xd0\xbf\xd1\x80\xd0\xb8\xd0\xbc\xd0\xb5\xd1\x80\xd0\xb0 b"sv), "");
   EXPECT_EQ(kindOf("BM\x36\0\0\0\0\0\0\0\x36\0\0\0"sv), "a BMP image");
   EXPECT_EQ(kindOf("\0\0\1\0\0\0\0\0\0\0\0\0\0\0\0\x64"sv), "");
 }

@@ -1,6 +1,7 @@
 /// How well damaged files are mended: words that follow from others, counts and sizes of blocks, one or several.
 
 #include "harness/golden.h"
+#include "mend/diagnose.h"
 #include "mend/tests/damage.h"
 #include "mend/tests/elements.h"
 
@@ -290,8 +291,19 @@ TEST(Mend, Examples) {
   expectGolden("examples", golden);
 }
 
-/// Not only a few words are wrong in such files.
+/// Not only a few words are wrong in such files; that some are without their highest bits can be chance.
 TEST(Mend, StrangeFilesAreHopeless) {
+  for (const char *const list : {"VtxList", "VtxList { VtxGroup vtx_num=2 }"}) {
+    const Bytes file = samples::build(VERSION_1, list, samples::LinkWords::none).bytes;
+    for (const bool all : {false, true}) {
+      Bytes stripped = file;
+      for (std::size_t i = 0; i < (all ? file.size() : FILE_HEADER_BYTES); ++i)
+        stripped[i] &= 0x7f;
+      const Mending mending = mendAndCheck(stripped, false);
+      EXPECT_EQ(mending.broken, "");
+      EXPECT_EQ(mending.bytes, all ? stripped : file) << list;
+    }
+  }
   for (const File &file : {samples::goodFile1(), samples::goodFile2()}) {
     Bytes stripped = file.bytes;
     for (unsigned char &byte : stripped)
@@ -303,15 +315,67 @@ TEST(Mend, StrangeFilesAreHopeless) {
   }
 }
 
-/// What fuzzing has found stays clean.
+/// What fuzzing has found stays clean. A line of the golden file says what can be done, and has the sum of all that is
+/// told and made of a file in each way.
 TEST(Mend, FuzzingCorpus) {
-  std::size_t replayed = 0;
+  std::map<std::string, std::string> lines;
   for (const auto &input : std::filesystem::directory_iterator(KOVA_SOURCE_DIR "/fuzz/corpus/mend")) {
     std::ifstream stream(input.path(), std::ios::binary);
-    EXPECT_EQ(auditMending(Bytes(std::istreambuf_iterator<char>(stream), {})), "") << input.path();
-    ++replayed;
+    const Bytes file(std::istreambuf_iterator<char>(stream), {});
+    EXPECT_EQ(auditMending(file), "") << input.path();
+    const Diagnosis diagnosis = diagnose(file);
+    std::string told;
+    for (const Damage &damage : diagnosis.damages)
+      told += textOf(damage) + '\n';
+    for (const Asked &asked : {Asked{}, Asked{.salvage = true, .drop = true}, Asked{.reading = 1}, Asked{.reading = 2},
+                               Asked{.part = 1}, Asked{.part = 2}}) {
+      Bytes mended = file;
+      const Result result = mendBytes(mended, asked);
+      told += storyOf({result, mended, ""});
+    }
+    const std::string name = input.path().filename();
+    lines[name] = name + ' ' + std::to_string(sumOf(told)) + ' ' + remedyText(diagnosis) + '\n';
   }
-  EXPECT_GT(replayed, 100U);
+  EXPECT_GT(lines.size(), 100U);
+  std::string golden;
+  for (const auto &[name, line] : lines)
+    golden += line;
+  expectGolden("corpus", golden);
+}
+
+/// Several scenes in a file: each one is taken as it was.
+TEST(Mend, PartsAreTaken) {
+  const Bytes one = sampleFile("small-1"), two = sampleFile("small-2");
+  Bytes both = one;
+  both.insert(both.end(), two.begin(), two.end());
+  const auto taken = [](Bytes file, std::size_t part) {
+    return mendBytes(file, {.part = part}).outcome == Outcome::hopeless ? Bytes() : file;
+  };
+  EXPECT_EQ(taken(both, 0), Bytes());
+  EXPECT_EQ(taken(both, 1), one);
+  EXPECT_EQ(taken(both, 2), two);
+  EXPECT_EQ(taken(both, 3), Bytes());
+  EXPECT_EQ(taken(one, 1), one);
+  EXPECT_EQ(taken(one, 2), Bytes());
+}
+
+/// Two blocks of a large element in each other's place: they are exchanged if that can be done in one way only.
+TEST(Mend, BlocksAreExchangedInOneWayOnly) {
+  const Bytes file = samples::build(VERSION_1, "VtxList { VtxGroup vtx_num=600 } EnvList { Env }").bytes;
+  constexpr long BLOCK = 512, HELD = 2 * BLOCK; // contents of the vertices
+  const long head = static_cast<long>(file.size()) / BLOCK * BLOCK - BLOCK;
+  for (const long copies : {0, 1, 9}) {
+    Bytes whole = file; // in which vertices look like what stands in the last blocks
+    for (long i = 1; i <= copies; ++i) {
+      std::copy_n(whole.begin() + head, BLOCK, whole.begin() + HELD + i * BLOCK);
+      ++whole[static_cast<std::size_t>(HELD + i * BLOCK)];
+    }
+    Bytes hurt = whole;
+    std::swap_ranges(hurt.begin() + HELD, hurt.begin() + HELD + BLOCK, hurt.begin() + head);
+    const Mending mending = mendAndCheck(hurt, false);
+    EXPECT_EQ(mending.broken, "");
+    EXPECT_EQ(mending.bytes, copies == 0 ? whole : hurt) << copies;
+  }
 }
 
 } // namespace

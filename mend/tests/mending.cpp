@@ -95,6 +95,16 @@ Mending mendAndCheck(const Bytes &input, bool salvage) {
     say("the changes that are told are not those that were made");
   if (result.outcome != Outcome::salvaged && !result.losses.empty())
     say("losses of what is not salvaged");
+  for (const std::size_t reading : {1U, 2U}) {
+    Bytes taken = input;
+    if (result.outcome != Outcome::ambiguous || mendBytes(taken, {.reading = reading}).outcome != Outcome::mended)
+      continue;
+    const std::vector<Change> &changes = reading == 1 ? result.changes : result.alternative;
+    if (!std::all_of(changes.begin(), changes.end(), [&](const Change &change) {
+          return harness::wordAt(taken, static_cast<std::size_t>(change.offset)) == change.new_value;
+        }))
+      say("the reading that is taken is not the one that is told: " + listed(changes));
+  }
   if (result.outcome == Outcome::ambiguous || result.outcome == Outcome::hopeless)
     return mending;
   if (!auditsOk(mending.bytes))

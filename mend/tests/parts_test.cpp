@@ -39,6 +39,17 @@ struct Built {
 
 std::string text(std::int64_t number) { return std::to_string(number); }
 
+TEST(FileBytes, HasNothingOutside) {
+  unsigned char bytes[] = {1, 2, 3, 4, 5, 6};
+  FileBytes file(std::span<unsigned char>(bytes, 5));
+  for (const std::uint64_t at : {std::uint64_t{2}, std::uint64_t{5}, ~std::uint64_t{0}}) {
+    file.set(at, 7);
+    EXPECT_EQ(file[at], 0U) << at;
+  }
+  EXPECT_EQ(file[1], 0x02030405U);
+  EXPECT_EQ(bytes[5], 6);
+}
+
 TEST(Walk, GoesOverARecordByItsOwnWords) {
   // how much further than the record it comes, whether that is beyond the file, doubts, faults, bytes of the maker
   // block that nothing uses

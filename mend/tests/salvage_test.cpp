@@ -73,7 +73,7 @@ std::vector<Cuts> cuts() {
   return files;
 }
 
-/// Every so many bytes; and before each list, within its header, and in its middle.
+/// Every so many bytes; and before each list, within its header, in its size table, and in its middle.
 std::set<std::size_t> placesToCut(const Cuts &cut) {
   std::set<std::size_t> places;
   for (std::size_t size = 4; size < cut.file.size(); size += cut.step)
@@ -83,7 +83,7 @@ std::set<std::size_t> placesToCut(const Cuts &cut) {
     if (harness::sizeOffset(list) >= wordAt(cut.file, 12))
       break;
     const std::size_t size = wordAt(cut.file, harness::sizeOffset(list));
-    for (const std::size_t at : {begin, begin + 16, begin + size / 8 * 4})
+    for (const std::size_t at : {begin, begin + 16, begin + 29, begin + size / 8 * 4})
       if (at < cut.file.size())
         places.insert(at);
     begin += size;
