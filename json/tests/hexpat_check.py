@@ -45,6 +45,9 @@ for name in sorted({*known, *described}):
     names = [list(dict.fromkeys(field for field, _ in fields.get(name, []))) for fields in (known, described)]
     if one != other or names[0] != names[1]:
         failures.append(f"{name}: {set(one) ^ set(other)}")
+blocks = [{name.removesuffix(end) for name in known if name.endswith(end)} - {"file_header"} for end in ("_ext", "_maker")]
+if blocks[0] != blocks[1]:
+    failures.append(f"what is decoded of a maker block has the name of the block: {blocks[0] ^ blocks[1]}")
 if len(known) < 28:
     failures.append(f"only {len(known)} records were found")
 print("\n".join(failures[:10]))

@@ -70,6 +70,9 @@ json 0 --lines --only ObjList,MatList town.kb
 same "lists of --only" $'"FileHeader":{\n"ObjList":{\n"MatList":{' "$(grep -E '^"[A-Z]' "$scratch/out")"
 same "elements on lines" "$("$KBAUDIT" town.kb | grep -a -c -E '^(Obj|Mat)\([0-9]+\)$')" \
   "$(grep -c -E '^\{"(obj|mat)_tag"' "$scratch/out")"
+while read -r list; do
+  json 0 --lines --only "$list" town.kb
+done < <(sed -n 's/^ *ListOf{{"\([A-Za-z]*\)".*/\1/p' "$SOURCE_DIR/format/lists.h")
 json 0 --pretty town.kb
 python3 -m json.tool <"$scratch/out" >/dev/null || fail "what --pretty prints is no JSON"
 

@@ -81,6 +81,17 @@ for signal in KILL TERM HUP; do
   same "lines that are taken over" 1 "$(grep -c '"version":"2.0"' work/r.json)"
 done
 
+# Somebody writes over what a run keeps, which is told.
+old_reports
+start_run
+kill -STOP "$pid"
+printf '#' | dd of="$journal" conv=notrunc status=none
+kill -CONT "$pid"
+wait "$pid" && status=0 || status=$?
+same "a journal that was written over" 3 "$status"
+same "the page of such a run" "old html" "$(cat work/r.html)"
+: >work/r.json
+
 # A journal whose run lives is left alone.
 start_run
 kill -STOP "$pid"
