@@ -1,8 +1,8 @@
 #include "mend/diagnose.h"
 
 #include "mend/foreign.h"
-#include "mend/gaps.h"
 #include "mend/reading.h"
+#include "mend/returns.h"
 
 #include <algorithm>
 
@@ -22,7 +22,7 @@ Damage damageOf(const Undoing &undone, std::uint64_t size) {
   const std::string_view id = undone.transformation->id;
   const bool one_place = id == "front" || id == "behind" || id == "doubled" || id == "swapped";
   return {.kind = undone.transformation->id,
-          .sure = Sure::certain,
+          .sure = id == "returns-lost" ? Sure::likely : Sure::certain, // the audit does not look at contents
           .begin = undone.at,
           .end = one_place ? std::min(size, undone.at + undone.count) : size,
           .what = textOf(undone)};
@@ -104,19 +104,6 @@ Damage damageOf(const Gap &gap, BytesView file) {
   damage.sure = gap.element ? Sure::possible : Sure::likely;
   damage.what = "other bytes stand in place of some that were there";
   return damage;
-}
-
-/// @return whether the bytes that are missing can be carriage returns before line feeds: none is left in the file, and
-/// each gap has at least as many line feeds as bytes are missing there.
-bool canLackReturns(BytesView file, const std::vector<Gap> &gaps) {
-  constexpr std::string_view LINE_END = "\r\n";
-  if (gaps.empty() || std::search(file.begin(), file.end(), LINE_END.begin(), LINE_END.end()) != file.end())
-    return false;
-  return std::all_of(gaps.begin(), gaps.end(), [&](const Gap &gap) {
-    const auto begin = file.begin() + static_cast<std::ptrdiff_t>(gap.begin);
-    const auto end = file.begin() + static_cast<std::ptrdiff_t>(std::min<std::uint64_t>(gap.end, file.size()));
-    return gap.missing > 0 && std::count(begin, end, '\n') >= gap.missing;
-  });
 }
 
 /// Tells of a file that is shorter than its header says, and where all that is left is in its place.

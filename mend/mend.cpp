@@ -6,6 +6,7 @@
 #include "mend/locate.h"
 #include "mend/losses.h"
 #include "mend/rebuild.h"
+#include "mend/returns.h"
 #include "mend/salvage.h"
 #include "mend/swap.h"
 
@@ -375,25 +376,26 @@ Result undoAndMend(std::vector<unsigned char> &bytes, const std::vector<Undoing>
   return result;
 }
 
+bool isGood(Bytes &file) { return mendAsIs(file, {}).outcome == Outcome::good; }
+
 /// @return the steps to the file that audits OK, at once.
 std::vector<Undoing> findGood(const std::vector<unsigned char> &bytes) {
-  return findOriginal(bytes,
-                      [](Bytes &file, const HeaderFacts &facts) { return facts.isWhole() && auditBytes(file).ok; });
+  return findOriginal(bytes, [](Bytes &file, const HeaderFacts &facts, bool is_judged) {
+    return facts.isWhole() && (is_judged ? isGood(file) : auditBytes(file).ok);
+  });
 }
 
 /// @return the steps to a file that audits OK when it is mended. More of its lists are in their place than now.
 std::vector<Undoing> findMendable(const std::vector<unsigned char> &bytes) {
   int most = headerFacts({bytes}).agreement + 1;
-  findOriginal(bytes, [&](Bytes &, const HeaderFacts &facts) {
-    most = std::max(most, facts.agreement);
+  findOriginal(bytes, [&](Bytes &, const HeaderFacts &facts, bool is_judged) {
+    most = std::max(most, is_judged ? 0 : facts.agreement);
     return false;
   });
-  return findOriginal(bytes, [&](Bytes &file, const HeaderFacts &facts) {
-    return facts.agreement == most && isMended(mendAsIs(file, {}));
+  return findOriginal(bytes, [&](Bytes &file, const HeaderFacts &facts, bool is_judged) {
+    return facts.agreement == most && !is_judged && isMended(mendAsIs(file, {}));
   });
 }
-
-bool isGood(Bytes &file) { return mendAsIs(file, {}).outcome == Outcome::good; }
 
 } // namespace
 
@@ -408,6 +410,12 @@ Result mendBytes(std::vector<unsigned char> &bytes, const Asked &asked) {
                              : hopeless("it holds " + std::to_string(parts.size()) + " scenes, one behind the other");
     if (const std::vector<Undoing> steps = findGood(bytes); !steps.empty())
       return undoAndMend(bytes, steps, {});
+    if (const std::vector<Undoing> ways = eitherReturns(bytes, isGood); !ways.empty()) {
+      if (asked.reading != 0)
+        return undoAndMend(bytes, {ways[asked.reading - 1]}, {});
+      if (!asked.salvage)
+        return {.outcome = Outcome::ambiguous, .undone = {ways[0]}, .undone_instead = {ways[1]}};
+    }
   }
   std::vector<unsigned char> as_is = bytes;
   Result result = mendAsIs(as_is, {.reading = asked.reading});

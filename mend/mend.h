@@ -41,16 +41,17 @@ enum class Outcome {
   mended,    ///< the file audits OK now
   salvaged,  ///< it does, but is not the file that it was: `losses` says what is gone
   ambiguous, ///< there are two readings, and either both lead to a good file or none does; `changes` and `alternative`
-             ///< tell them apart
+             ///< tell them apart, or `undone` and `undone_instead`
   hopeless   ///< no reading was found; `reason` says where it ended
 };
 
 struct Result {
   Outcome outcome = Outcome::good;
-  std::vector<Undoing> undone = {};     ///< in this order, before the changes
-  std::vector<Change> changes = {};     ///< by offset, in the input, or in what it is when all is undone; of a file
-                                        ///< without hope those that were sure
-  std::vector<Change> alternative = {}; ///< the other reading
+  std::vector<Undoing> undone = {};         ///< in this order, before the changes
+  std::vector<Undoing> undone_instead = {}; ///< in the other reading
+  std::vector<Change> changes = {};         ///< by offset, in the input, or in what it is when all is undone; of a file
+                                            ///< without hope those that were sure
+  std::vector<Change> alternative = {};     ///< the other reading
   std::vector<Loss> losses = {};
   std::string reason = {};
   std::uint64_t header_gone = 0; ///< of a file whose header was made again: up to here nothing of it is left

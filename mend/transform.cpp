@@ -1,6 +1,7 @@
 #include "mend/transform.h"
 
 #include "format/versions.h"
+#include "mend/returns.h"
 
 #include <algorithm>
 #include <array>
@@ -266,13 +267,17 @@ std::string tellDoubled(const Undoing &way) {
 
 // --- All of them ----------------------------------------------------------------------------------------------------
 
+constexpr Transformation VERSION = {"version", findVersion, setVersion, tellVersion};
+constexpr Transformation ORDER = {"byte-order", findOrder, putInOrder, tellOrder};
+constexpr Transformation DOUBLED = {"doubled", findDoubled, takeOut, tellDoubled};
+constexpr Transformation BEHIND = {"behind", findBehind, leaveOutBehind, tellBehind};
+constexpr Transformation FRONT = {"front", findFront, leaveOutFront, tellFront};
+constexpr Transformation LINE_ENDS = {"line-ends", findLineEnds, takeReturns, tellLineEnds};
+constexpr Transformation UTF_8 = {"utf-8", findUtf8, decodeUtf8, tellUtf8};
+
 /// The cheapest first.
-constexpr Transformation TRANSFORMATIONS[] = {
-    {"version", findVersion, setVersion, tellVersion}, {"byte-order", findOrder, putInOrder, tellOrder},
-    {"doubled", findDoubled, takeOut, tellDoubled},    {"behind", findBehind, leaveOutBehind, tellBehind},
-    {"front", findFront, leaveOutFront, tellFront},    {"line-ends", findLineEnds, takeReturns, tellLineEnds},
-    {"utf-8", findUtf8, decodeUtf8, tellUtf8},
-};
+constexpr const Transformation *TRANSFORMATIONS[] = {&VERSION, &ORDER,     &DOUBLED, &BEHIND,
+                                                     &FRONT,   &LINE_ENDS, &UTF_8,   &LOST_RETURNS};
 
 /// A search for what a file was before.
 struct Search {
@@ -297,7 +302,9 @@ void tryFile(Bytes &file, const HeaderFacts &facts, Search &search) {
   if (!facts.isHeader())
     return;
   const std::size_t hash = std::hash<std::string_view>()({reinterpret_cast<const char *>(file.data()), file.size()});
-  if (!search.accepts(file, facts))
+  const bool is_judged = std::any_of(search.steps.begin(), search.steps.end(),
+                                     [](const Undoing &step) { return step.transformation->is_judged; });
+  if (!search.accepts(file, facts, is_judged))
     return;
   // Without version-2 lists, what is right under 2.0 is so under 1.0, too, which is tried before. The reverse is not
   // so: 2.0 asks for more.
@@ -311,11 +318,11 @@ void tryFile(Bytes &file, const HeaderFacts &facts, Search &search) {
 
 void searchFrom(BytesView file, Search &search) {
   const HeaderFacts facts = headerFacts({file});
-  for (const Transformation &transformation : TRANSFORMATIONS) {
+  for (const Transformation *const transformation : TRANSFORMATIONS) {
     std::vector<Undoing> ways;
-    transformation.find(file, facts, ways);
+    transformation->find(file, facts, ways);
     for (Undoing &way : ways) {
-      way.transformation = &transformation;
+      way.transformation = transformation;
       Bytes before = undo(file, way);
       const HeaderFacts before_facts = headerFacts({before});
       search.steps.push_back(way);

@@ -29,6 +29,7 @@ struct Transformation {
   Bytes (*undo)(BytesView file, const Undoing &way);
   /// Says what was wrong and is undone, for people.
   std::string (*tell)(const Undoing &way);
+  bool is_judged = false; ///< contents speak for it, which the audit does not see: no word may be wrong besides
 };
 
 /// @return the file before the transformation.
@@ -37,8 +38,8 @@ Bytes undo(BytesView file, const Undoing &way);
 /// @return whether it is undone by setting the version word, to `value`.
 bool setsVersion(const Undoing &way);
 
-/// Takes a file that may have been the original, and may change it. @return whether it was.
-using Accepts = std::function<bool(Bytes &file, const HeaderFacts &facts)>;
+/// Takes a file that may have been the original, and may change it; `is_judged` as above. @return whether it was.
+using Accepts = std::function<bool(Bytes &file, const HeaderFacts &facts, bool is_judged)>;
 
 /// Goes through all that can be undone in a file, one transformation after the other. @return the steps to the one file
 /// that is accepted; none if no file is, or several that differ.

@@ -70,7 +70,9 @@ void print(const std::string &line, std::FILE *to = stdout) { std::fwrite(line.d
 void printWords(const Result &result, Form form, std::FILE *to) {
   const bool two = result.outcome == Outcome::ambiguous;
   for (const Undoing &undone : result.undone)
-    print(undoneLine(undone, form), to);
+    print(undoneLine(undone, form, two ? 1 : 0), to);
+  for (const Undoing &undone : result.undone_instead)
+    print(undoneLine(undone, form, 2), to);
   for (const Change &change : result.changes)
     print(changeLine(change, form, two ? 1 : 0), to);
   for (const Change &change : result.alternative)

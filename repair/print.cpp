@@ -69,6 +69,14 @@ std::string endingText(const Ending &ending) {
   return "";
 }
 
+std::string readingText(int reading) { return reading != 0 ? "reading " + std::to_string(reading) + ": " : ""; }
+
+Json withReading(Json json, int reading) {
+  if (reading != 0)
+    json["reading"] = reading;
+  return json;
+}
+
 } // namespace
 
 std::string changeLine(const Change &change, Form form, int reading) {
@@ -80,22 +88,20 @@ std::string changeLine(const Change &change, Form form, int reading) {
                  {"old", change.old_value},
                  {"new", change.new_value},
                  {"why", change.why}};
-    if (reading != 0)
-      json["reading"] = reading;
-    return jsonLine(json);
+    return jsonLine(withReading(std::move(json), reading));
   }
-  const std::string before = reading != 0 ? "reading " + std::to_string(reading) + ": " : "";
-  return before + printable(textOf(change)) + '\n';
+  return readingText(reading) + printable(textOf(change)) + '\n';
 }
 
-std::string undoneLine(const Undoing &undone, Form form) {
-  if (form == Form::json)
-    return jsonLine({{"undone", undone.transformation->id},
-                     {"what", undone.transformation->tell(undone)},
-                     {"at", undone.at},
-                     {"count", undone.count},
-                     {"value", undone.value}});
-  return textOf(undone) + '\n';
+std::string undoneLine(const Undoing &undone, Form form, int reading) {
+  if (form == Form::text)
+    return readingText(reading) + textOf(undone) + '\n';
+  Json json = {{"undone", undone.transformation->id},
+               {"what", textOf(undone)},
+               {"at", undone.at},
+               {"count", undone.count},
+               {"value", undone.value}};
+  return jsonLine(withReading(std::move(json), reading));
 }
 
 std::string lossLine(const Loss &loss, Form form) {
@@ -136,7 +142,7 @@ std::string endingLine(const Ending &ending, Form form) {
                    {"input", escaped(ending.input)},
                    {"output", textOrNull(ending.output)},
                    {"written", !ending.output.empty()},
-                   {"undone", result.undone.size()},
+                   {"undone", one_reading ? result.undone.size() : 0},
                    {"changes", one_reading ? result.changes.size() : 0},
                    {"losses", result.losses.size()},
                    {"reason", textOrNull(result.reason)}});

@@ -18,8 +18,8 @@ enum class Form { text, json };
 /// @return the line, with its line break, as the next two
 std::string changeLine(const Change &change, Form form, int reading = 0);
 
-/// @return what was undone of what was done to the whole file.
-std::string undoneLine(const Undoing &undone, Form form);
+/// @return what was undone of what was done to the whole file. @param reading as above
+std::string undoneLine(const Undoing &undone, Form form, int reading = 0);
 
 std::string lossLine(const Loss &loss, Form form);
 

@@ -218,6 +218,7 @@ constexpr DamageKind KINDS[] = {
     {"version-any", Remedy::undone, 100, version<any>},
     {"block-doubled", Remedy::undone, 98, blockDoubled},
     {"blocks-swapped", Remedy::undone, 80, blocksSwapped},
+    {"returns-lost", Remedy::undone, 70, returnsLost},
     {"padded-cut", Remedy::salvaged, 98, paddedCut},
     {"zero-block", Remedy::salvaged, 97, zeroBlock},
     {"strange-block", Remedy::salvaged, 92, strangeBlock},
@@ -229,7 +230,6 @@ constexpr DamageKind KINDS[] = {
     {"sector-gone", Remedy::salvaged, 98, headerGone<512>},
     {"header-missing", Remedy::salvaged, 98, headerMissing<100>},
     {"sector-missing", Remedy::salvaged, 98, headerMissing<512>},
-    {"returns-lost", Remedy::told, 0, returnsLost},
     {"control-z", Remedy::salvaged, 97, controlZ},
     {"replaced", Remedy::told, 0, replaced},
 };

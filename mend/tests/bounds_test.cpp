@@ -117,6 +117,14 @@ void exchange(Bytes &file, std::size_t one, std::size_t other) {
                    file.begin() + static_cast<std::ptrdiff_t>(other));
 }
 
+/// Bytes are missing among line feeds that stand so far from each other: carriage returns, perhaps.
+template <std::size_t EACH> void loseReturns(Bytes &file) {
+  const std::size_t begin = file.size() - BULK;
+  for (std::size_t i = 0; i < BULK; ++i)
+    file[begin + i] = i % EACH == 0 ? '\n' : static_cast<unsigned char>(0x3f00003fU >> i % 4 * 8);
+  file.resize(file.size() - 8);
+}
+
 /// What can lie upon a file that is damaged in its words, too: all of it is tried.
 struct Layer {
   const char *name;
@@ -134,6 +142,9 @@ constexpr Layer LAYERS[] = {
     {"hole", [](Bytes &file) { std::fill_n(file.begin() + 1024, 512, static_cast<unsigned char>(0x55)); }},
     {"missing", [](Bytes &file) { file.erase(file.begin() + 1024, file.begin() + 1100); }},
     {"too many", [](Bytes &file) { put(file, 1024, Bytes(76, 0x55)); }},
+    {"returns", loseReturns<1>},
+    {"some returns", loseReturns<99>},
+    {"returns, fronts", [](Bytes &file) { loseReturns<99>(file), addFronts(file); }},
     {"swapped", [](Bytes &file) { exchange(file, 1024, 2048); }},
     {"swapped far", [](Bytes &file) { exchange(file, 1024, file.size() / 1024 * 512); }},
 };

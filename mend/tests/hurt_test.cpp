@@ -118,6 +118,30 @@ TEST(Hurt, ComesBack) {
   }
 }
 
+/// One of two line feeds that stand near to each other lacks its return: either can be the one.
+TEST(Hurt, EitherReturnIsPutBack) {
+  samples::File file = samples::build(VERSION_1, "VtxList { VtxGroup vtx_num=60 }", samples::LinkWords::none);
+  for (const samples::NamedWord &word : file.words)
+    if (word.field.starts_with("vtx["))
+      harness::setWordAt(file.bytes, word.offset, 0x3f123456);
+  samples::setWord(file, "VtxGroup", 0, "vtx[30]", 0x3f0d0a11);
+  samples::setWord(file, "VtxGroup", 0, "vtx[31]", 0x3f120a11);
+  Bytes hurt = file.bytes;
+  const std::size_t at = samples::offsetOf(file, "VtxGroup", 0, "vtx[30]") + 1;
+  hurt.erase(hurt.begin() + static_cast<long>(at));
+  const Mending mending = mendAndCheck(hurt, false);
+  EXPECT_EQ(mending.broken, "");
+  const std::string told = "carriage returns taken out before line feeds: 1 put back, one of them at ";
+  EXPECT_EQ(storyOf(mending), "ambiguous; " + told + offsetText(at) + "; or " + told + offsetText(at + 4) + '\n');
+  for (const std::size_t reading : {1U, 2U}) {
+    Bytes mended = hurt;
+    EXPECT_EQ(mendBytes(mended, {.reading = reading}).outcome, Outcome::mended);
+    EXPECT_EQ(mended == file.bytes, reading == 1);
+    EXPECT_EQ(mended[at + 4 * (reading - 1)], '\r');
+  }
+  EXPECT_EQ(mendAndCheck(hurt, true).result.outcome, Outcome::salvaged);
+}
+
 /// What is left out takes its number with it: links to those behind it lead to the same elements as before.
 TEST(Hurt, ElementsAreLeftOut) {
   const auto fileOf = [](const char *more) {

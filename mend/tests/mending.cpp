@@ -42,6 +42,8 @@ bool fit(const std::vector<Change> &changes, const Bytes &file) {
 
 /// Two readings are told by what each would change in the file.
 bool areReadings(const Result &result, const Bytes &file) {
+  if (!result.undone_instead.empty())
+    return undo(file, result.undone.at(0)) != undo(file, result.undone_instead.at(0));
   return result.changes != result.alternative && fit(result.changes, file) && fit(result.alternative, file);
 }
 
@@ -83,7 +85,7 @@ Mending mendAndCheck(const Bytes &input, bool salvage) {
   mending.result = mendBytes(mending.bytes, {.salvage = salvage});
   const Result &result = mending.result;
   Bytes file = input; // as it is when all is undone that is told
-  for (const Undoing &step : result.undone)
+  for (const Undoing &step : result.outcome == Outcome::ambiguous ? std::vector<Undoing>() : result.undone)
     file = undo(file, step);
   const auto say = [&](const std::string &what) {
     if (!what.empty())
@@ -125,6 +127,8 @@ std::string storyOf(const Mending &mending) {
   const auto add = [&](const std::string &text) { story += "; " + text; };
   for (const Undoing &step : result.undone)
     add(textOf(step));
+  for (const Undoing &step : result.undone_instead)
+    add("or " + textOf(step));
   for (const Change &change : result.changes)
     add(textOf(change));
   for (const Change &change : result.alternative)
