@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <functional>
+#include <memory>
 #include <sys/mman.h>
 #include <utility>
 
@@ -46,6 +48,16 @@ void startAgain() {
 
 } // namespace
 
+void adviseHugePages([[maybe_unused]] void *block, [[maybe_unused]] std::size_t bytes) {
+#ifdef MADV_HUGEPAGE
+  const int error = errno; // a system without huge pages declines, which is no error of what is done
+  void *begin = block;
+  if (bytes >= BIG_FILE && std::align(HUGE_PAGE, HUGE_PAGE, begin, bytes) != nullptr)
+    ::madvise(begin, bytes / HUGE_PAGE * HUGE_PAGE, MADV_HUGEPAGE);
+  errno = error;
+#endif
+}
+
 void reserveMemory(std::uint64_t file_bytes, std::size_t models) {
   // What a large file usually takes; what goes beyond comes from malloc.
   const std::uint64_t bytes = (file_bytes + file_bytes / 4) / HUGE_PAGE * HUGE_PAGE;
@@ -57,9 +69,7 @@ void reserveMemory(std::uint64_t file_bytes, std::size_t models) {
       ::mmap(nullptr, models * space_bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
   if (found == MAP_FAILED)
     return;
-#ifdef MADV_HUGEPAGE
-  ::madvise(found, models * space_bytes, MADV_HUGEPAGE);
-#endif
+  adviseHugePages(found, models * space_bytes);
   reserve.space_bytes = space_bytes;
   reserve.begin = reserve.end = static_cast<std::byte *>(found);
   for (std::size_t i = 0; i < models; ++i, reserve.end += space_bytes) {

@@ -22,6 +22,10 @@ struct ModelMemory {
   ~ModelMemory();
 };
 
+/// Asks the system for huge pages for a block, if it has several megabytes. They are taken when the block is written
+/// to.
+void adviseHugePages(void *block, std::size_t bytes);
+
 /// What `operator new` and `operator delete` of a program ask first (new.cpp).
 /// @return a block; null for a small one, or where there is nothing reserved for this thread at the moment.
 void *takeReserved(std::size_t bytes);

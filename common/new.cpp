@@ -1,5 +1,6 @@
-/// The allocation of a program: big blocks of models come from what is reserved for them. Part of the programs that
-/// load large files, and of no library. Left out under a sanitizer, which brings an allocator of its own.
+/// The allocation of a program: big blocks of models come from what is reserved for them, other big ones are backed
+/// with huge pages. Part of the programs, and of no library. Left out under a sanitizer, which brings an allocator of
+/// its own.
 #include "common/memory.h"
 
 #include <cstdlib>
@@ -17,8 +18,10 @@
 [[gnu::noinline]] void *operator new(std::size_t bytes) {
   if (void *const block = takeReserved(bytes))
     return block;
-  if (void *const block = std::malloc(bytes != 0 ? bytes : 1))
+  if (void *const block = std::malloc(bytes != 0 ? bytes : 1)) {
+    adviseHugePages(block, bytes);
     return block;
+  }
   throw std::bad_alloc();
 }
 [[gnu::noinline]] void operator delete(void *block) noexcept {
