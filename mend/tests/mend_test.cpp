@@ -124,7 +124,7 @@ TEST(Mend, OneWordIsMended) {
   std::printf("%-36s %7s %7s %7s %7s\n", "one word", "total", "exact", "refused", "other");
   all.print("all that follow from others");
   EXPECT_GT(all.total, 20000U);
-  EXPECT_GE(all.share(), 0.95);
+  EXPECT_GE(all.share(), 0.999);
   expectGolden("words", golden);
 }
 
@@ -138,13 +138,17 @@ TEST(Mend, SeveralWordsAreMended) {
     const std::size_t faults = 2 + seed % 3;
     for (std::set<std::size_t> places; places.size() < faults;) {
       const NamedWord &word = original.file.words[random() % original.file.words.size()];
-      if (!isDerived(word).value_or(false) || !places.insert(word.offset).second)
+      if (!isDerived(word).value_or(false) || places.contains(word.offset))
         continue;
       const std::vector<Word> values = damages(harness::wordAt(damaged, word.offset), word.offset);
-      harness::setWordAt(damaged, word.offset, values[random() % values.size()]);
+      const Word value = values[random() % values.size()];
+      Bytes alone = original.file.bytes;
+      harness::setWordAt(alone, word.offset, value);
+      if (auditsOk(alone)) // nothing contradicts it
+        continue;
+      harness::setWordAt(damaged, word.offset, value);
+      places.insert(word.offset);
     }
-    if (auditsOk(damaged))
-      continue;
     const Mending mending = mendAndCheck(damaged, false);
     EXPECT_EQ(mending.broken, "") << original.name << ", seed " << seed;
     EXPECT_EQ(mendAndCheck(damaged, true).broken, "") << original.name << ", salvage, seed " << seed;
@@ -156,8 +160,7 @@ TEST(Mend, SeveralWordsAreMended) {
   rates[3].print("three");
   rates[4].print("four");
   all.print("two to four");
-  EXPECT_GT(all.total, 5000U);
-  EXPECT_GE(all.share(), 0.85);
+  EXPECT_GE(all.share(), 0.98);
 }
 
 /// Names that all have the number 0, and triangles that have nothing of their own: the audit accepts that, and one
