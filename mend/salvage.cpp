@@ -1,6 +1,7 @@
 #include "mend/salvage.h"
 
 #include "mend/derive.h"
+#include "mend/empty_record.h"
 #include "mend/links.h"
 #include "mend/list_view.h"
 
@@ -83,15 +84,8 @@ void Salvage::emptyList(std::size_t list) {
   const ListLayout &layout = LAYOUT[list];
   Bytes &bytes = made.bytes;
   if (layout.first == nullptr) {
-    const std::uint64_t begin = bytes.size();
-    appendWords(bytes, {SCENE.tag, SCENE.fixed, SCENE.fixed, 0, NO_LINK, 0, 0, 0, 0, 0, 0});
-    if (version_2) {
-      const FileBytes written(bytes);
-      Walk walk(written, bytes.size(), true);
-      walk.over({&SCENE, begin});
-      FileBytes(bytes).set(begin + SCENE.blocks_at, static_cast<Word>(-walk.maker_spare));
-      bytes.resize(bytes.size() + static_cast<std::size_t>(-walk.maker_spare));
-    }
+    const Bytes scene = emptyRecord(SCENE, 0, version_2);
+    bytes.insert(bytes.end(), scene.begin(), scene.end());
     return;
   }
   appendWords(bytes, {LISTS[list].tag, layout.head_bytes, layout.head_bytes, 0, 0, 0});
@@ -170,7 +164,8 @@ void Salvage::addEmptyGroups(std::size_t list, CutElements &cut) {
       {LISTS[list].name, {}, std::to_string(cut.first - cut.second) + " empty groups of vertex colours", true});
   for (; cut.second < cut.first; ++cut.second) {
     const auto index = static_cast<Word>(cut.second);
-    appendWords(cut.bytes, {kind.tag, index, kind.fixed, kind.fixed, 0});
+    const Bytes group = emptyRecord(kind, index, version_2);
+    cut.bytes.insert(cut.bytes.end(), group.begin(), group.end());
     cut.sizes.push_back(kind.fixed);
     gone.cut.push_back({To::vtx_color, index, {UNKNOWN, 0}});
   }

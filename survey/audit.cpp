@@ -107,7 +107,7 @@ void judge(const Descriptor &file, FileResult &result, Workspace &workspace) {
   const Word version = kvKOVAver(kis->file_header);
   if (!isVersion(version))
     return refuseVersion(result, kis->file_header);
-  result.version = version == VERSION_1 ? Version::one : Version::two;
+  result.version = static_cast<Version>(1 + (versionRow(version) - std::begin(VERSIONS)));
   ok *= checkKOVA(*kis); // what could be read is checked, also after a failed load
   if (result.deep)
     deepCheck(*kis, result);

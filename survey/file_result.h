@@ -1,19 +1,27 @@
 /// What the survey knows of one file: its verdict and its findings.
 #pragma once
 
+#include "format/versions.h"
 #include "kova/findings.h"
 #include "survey/file_time.h"
 
+#include <array>
 #include <cstdint>
+#include <iterator>
 #include <map>
 #include <string>
 #include <vector>
 
 namespace kova::survey {
 
-/// The version of the format.
+/// The version of the format: unknown, or one more than its place among all of them.
 enum class Version : std::uint8_t { unknown, one, two };
-inline constexpr const char *VERSION_NAMES[] = {"", "1.0", "2.0"};
+inline constexpr auto VERSION_NAMES = [] {
+  std::array<const char *, 1 + std::size(VERSIONS)> names = {""};
+  for (std::size_t i = 0; i < std::size(VERSIONS); ++i)
+    names[1 + i] = VERSIONS[i].name;
+  return names;
+}();
 
 enum class Verdict : std::uint8_t { ok, err, none };
 inline constexpr const char *VERDICT_NAMES[] = {"OK", "ERR", "none"};

@@ -1,4 +1,5 @@
 /// Goes over `format/` and notes what it says.
+#include "format/versions.h"
 #include "records/derive.h"
 #include "json/describe/record.h"
 
@@ -74,8 +75,18 @@ template <const auto &TABLE> std::vector<Field> fixedFields(Records &known, std:
   return fields;
 }
 
-/// When a maker block is decoded.
-constexpr const char *VERSION_2_BLOCK = "(_root.file_header.version & 0xffff) == 0x200 and van_ext_blk_size > 0";
+/// @return when a file has what version 2.0 has added. @param header where the words of the header are
+std::string version2Condition(const std::string &header) {
+  std::string condition;
+  for (const VersionRow &row : VERSIONS)
+    if (row.version_2)
+      condition +=
+          (condition.empty() ? "(" : " or ") + ('(' + header) + "version & 0xffff) == " + std::to_string(row.number);
+  return condition + ')';
+}
+
+/// @return when a maker block is decoded.
+std::string decodedCondition() { return version2Condition("_root.file_header.") + " and van_ext_blk_size > 0"; }
 
 // --- Content --------------------------------------------------------------------------------------------------------
 
@@ -125,10 +136,10 @@ template <const auto &TABLE> struct Steps : PassingIo {
   template <class Form, class Ext, class Holder> int blocks(Form, std::unique_ptr<Ext> Holder::*) {
     const std::string name = around + "_maker";
     const std::string ext = addRecord<Form::words, Ext>(known, around + "_ext", Form::bytes);
-    fields.push_back({"maker", known.add(name, {{"ext", ext}, {"van", "word", TO_THE_END}}), "", VERSION_2_BLOCK,
+    fields.push_back({"maker", known.add(name, {{"ext", ext}, {"van", "word", TO_THE_END}}), "", decodedCondition(),
                       "van_ext_blk_size"});
     blocks();
-    fields.end()[-2].condition = std::string("not (") + VERSION_2_BLOCK + ')';
+    fields.end()[-2].condition = "not (" + decodedCondition() + ')';
     return 1;
   }
   template <class Holder> int header(Word Holder::*size) {
@@ -330,8 +341,7 @@ template <class Head> std::string nameIn(Word FileHeader::*word) {
 
 /// @return when the header has the sizes of the lists of version 2.0.
 std::string sizesCondition(const std::string &place) {
-  return '(' + place + "version & 0xffff) == 0x200 and " + place +
-         "van_ext_blk_size >= " + std::to_string(VERSION_2_SIZES_BYTES);
+  return version2Condition(place) + " and " + place + "van_ext_blk_size >= " + std::to_string(VERSION_2_SIZES_BYTES);
 }
 
 std::string addHeader(Records &known) {
