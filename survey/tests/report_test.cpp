@@ -7,7 +7,9 @@
 #include "survey/walk.h"
 
 #include <algorithm>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 
 namespace kova::survey {
 
@@ -65,6 +67,13 @@ std::string pageOf(const std::vector<FileResult> &results) {
 
 std::string junitReport(const std::vector<FileResult> &results) {
   return harness::written([&](std::FILE *to) { return writeJunit(to, tallyOf(results), eachOf(results)); }).value();
+}
+
+TEST(Schema, HasAllVersions) {
+  std::ifstream file(KOVA_SOURCE_DIR "/survey/report.schema.json");
+  const std::string schema{std::istreambuf_iterator<char>(file), {}};
+  for (const VersionRow &row : VERSIONS)
+    EXPECT_NE(schema.find('"' + std::string(row.name) + '"'), schema.npos) << row.name;
 }
 
 TEST(SurveyReport, AResultComesBackFromItsLine) {
