@@ -1,7 +1,6 @@
 /// kbaudit: loads a KOVA scene file, checks it, prints the verdict, and writes the text form of what it holds.
 
 #include "common/memory.h"
-#include "format/versions.h"
 #include "kova/check.h"
 #include "kova/kova.h"
 #include "kova/kt.h"
@@ -79,7 +78,7 @@ int audit(const char *path, kova::Kis &kis, Output &output) {
     printLoadError(); // what could be read is checked and dumped all the same
 
   const kova::Word version = kova::kvKOVAver(kis.file_header);
-  if (!kova::isVersion(version))
+  if (version != kova::VERSION_1 && version != kova::VERSION_2)
     return refuseVersion(kis.file_header.version);
   noteWriteError(output);
   verdict *= kova::checkKOVA(kis);
