@@ -93,8 +93,10 @@ bool Reader::beginsAsCounted(std::size_t list, std::uint64_t begin) const {
 /// @return how many of so many elements are of the first kind by their tags, which are found by the size table.
 Word Reader::firstByTags(std::size_t list, std::uint64_t table, std::uint64_t at, Word number) {
   Word first = 0;
-  while (first < number && isElementTag(*LAYOUT[list].first, file[at]))
+  while (first < number && isElementTag(*LAYOUT[list].first, file[at]) && list_left.read_steps != 0) {
     at += file[table + std::uint64_t{first++} * sizeof(Word)];
+    --list_left.read_steps;
+  }
   return first;
 }
 
