@@ -200,6 +200,14 @@ std::string helpText(const HelpText &text, std::span<const Option> options, std:
   return help;
 }
 
+void tellWrongUsage(const char *program, const std::string &wrong, std::span<const char *const> arguments) {
+  const std::optional<Identity> told = fileAt(STDERR_FILENO);
+  const bool is_named = told && std::any_of(arguments.begin(), arguments.end(),
+                                            [&](const char *name) { return identityOf(std::string(name)) == told; });
+  if (!is_named)
+    std::fprintf(stderr, "%s: %s.\nTry '%s --help'.\n", program, wrong.c_str(), program);
+}
+
 std::optional<int> readCommandLine(const Program &program, std::vector<Option> options,
                                    std::span<const char *const> arguments,
                                    const std::function<std::string(const std::vector<std::string> &)> &take) {
@@ -218,11 +226,7 @@ std::optional<int> readCommandLine(const Program &program, std::vector<Option> o
     wrong = take(others);
   if (wrong.empty())
     return std::nullopt;
-  const std::optional<Identity> told = fileAt(STDERR_FILENO);
-  const bool is_named = told && std::any_of(arguments.begin(), arguments.end(),
-                                            [&](const char *name) { return identityOf(std::string(name)) == told; });
-  if (!is_named)
-    std::fprintf(stderr, "%s: %s.\nTry '%s --help'.\n", program.name, wrong.c_str(), program.name);
+  tellWrongUsage(program.name, wrong, arguments);
   return WRONG_USAGE;
 }
 

@@ -58,8 +58,12 @@ struct Program {
 
 inline constexpr int WRONG_USAGE = 3;
 
-/// Reads the command line of a program. Adds --version and --help to its options, and answers them. What is wrong is
-/// printed on standard error, unless that is one of the files that the arguments name: it may be an input.
+/// Prints what is wrong with a command line on standard error, unless that is one of the files that the arguments name:
+/// it may be an input.
+void tellWrongUsage(const char *program, const std::string &wrong, std::span<const char *const> arguments);
+
+/// Reads the command line of a program. Adds --version and --help to its options, and answers them. Tells what is
+/// wrong.
 /// @param take takes the arguments that are no options, when all options are read. @return what is wrong, for people;
 /// empty if nothing is
 /// @return the exit status if there is nothing more to do: 0, or `WRONG_USAGE`

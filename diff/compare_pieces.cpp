@@ -206,7 +206,7 @@ std::string textOf(const Piece &piece) {
 }
 
 void comparePair(Found &found, const Pair &pair) {
-  if (isIgnored(pair.a, pair.against.rules))
+  if (isIgnored(pair.all_a, pair.a, pair.against.rules))
     return;
   switch (pair.a.matter) {
   case Matter::words:
@@ -281,7 +281,7 @@ void tellAlone(Found &found, const Against &against, const Pieces &all, const Pi
                    is_b ? piece.entries : 0);
     return;
   }
-  if (ignoredWords(piece, against.rules) == ~std::uint64_t{0} || isIgnored(piece, against.rules))
+  if (ignoredWords(piece, against.rules) == ~std::uint64_t{0} || isIgnored(all, piece, against.rules))
     return;
   if (is_record) {
     found.changes.push_back(

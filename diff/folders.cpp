@@ -73,6 +73,15 @@ void addMember(std::string &json, const char *key, std::size_t value) {
   json += (json.size() > 1 ? ",\"" : "\"") + std::string(key) + "\":" + std::to_string(value);
 }
 
+/// @return whether a standard stream is a file in one of the folders.
+bool isStreamIn(int stream, const Options &options, const std::vector<FilePair> &pairs) {
+  const std::optional<Identity> file = fileAt(stream);
+  return file && std::any_of(pairs.begin(), pairs.end(), [&](const FilePair &pair) {
+           return identityOf((fs::path(options.a) / pair.path).string()) == file ||
+                  identityOf((fs::path(options.b) / pair.path).string()) == file;
+         });
+}
+
 /// Compares the files of a path, if both are there.
 void comparePair(const Options &options, const Style &style, FilePair &pair) {
   Printer printer = {.look = options.look,
@@ -157,6 +166,12 @@ Status diffFolders(const Options &options, std::FILE *stream) {
     pairs = pairsOf(options);
   } catch (const Trouble &trouble) {
     std::fprintf(stderr, "kbdiff: %s: %s.\n", printable(trouble.path).c_str(), trouble.reason.c_str());
+    return TROUBLE;
+  }
+  if (isStreamIn(STDERR_FILENO, options, pairs))
+    return TROUBLE; // nothing can be told
+  if (isStreamIn(STDOUT_FILENO, options, pairs)) {
+    std::fputs("kbdiff: standard output is one of the files to compare.\n", stderr);
     return TROUBLE;
   }
   const Style style = styleOf(STDOUT_FILENO, options.colour);

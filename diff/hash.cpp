@@ -42,8 +42,8 @@ std::uint64_t leftOut(const Piece &piece, const Rules &rules) {
   return piece.derived != NONE && piece.is_array ? ~std::uint64_t{0} : words;
 }
 
-std::uint64_t hashPiece(std::uint64_t hash, const Piece &piece, const Rules &rules) {
-  if (isIgnored(piece, rules))
+std::uint64_t hashPiece(std::uint64_t hash, const Pieces &all, const Piece &piece, const Rules &rules) {
+  if (isIgnored(all, piece, rules))
     return hash;
   hash = mix(mix(hash, reinterpret_cast<std::uintptr_t>(piece.name)), piece.entries);
   if (piece.matter == Matter::gap || piece.matter == Matter::number)
@@ -68,7 +68,7 @@ std::uint64_t hashPiece(std::uint64_t hash, const Piece &piece, const Rules &rul
 std::uint64_t hashOf(const Pieces &element, const Rules &rules) {
   std::uint64_t hash = PRIME;
   for (const Piece &piece : element.pieces)
-    hash = hashPiece(mix(hash, piece.parent), piece, rules);
+    hash = hashPiece(mix(hash, piece.parent), element, piece, rules);
   return hash;
 }
 

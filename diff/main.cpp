@@ -26,11 +26,29 @@ std::string inFolder(const std::string &folder, const std::string &file) {
   return folder + '/' + file.substr(file.rfind('/') + 1);
 }
 
+Status refuse(const std::string &message) {
+  std::fprintf(stderr, "kbdiff: %s.\n", message.c_str());
+  return TROUBLE;
+}
+
+/// @return whether a standard stream is one of the two files. (Those in folders are looked at when they are found.)
+bool isStreamOf(int stream, const Options &options) {
+  const std::optional<Identity> file = fileAt(stream);
+  const auto is = [&](const std::string &path) {
+    return (path == "-" ? fileAt(STDIN_FILENO) : identityOf(path)) == file;
+  };
+  return file && (is(options.a) || is(options.b));
+}
+
 int run(int argc, char **argv) {
   int status = TROUBLE;
   const std::optional<Options> options = readOptions(argc, argv, status);
   if (!options)
     return endOutput(status);
+  if (isStreamOf(STDERR_FILENO, *options))
+    return TROUBLE; // nothing can be told
+  if (isStreamOf(STDOUT_FILENO, *options))
+    return refuse("standard output is one of the files to compare");
   const bool is_folder_a = isFolder(options->a), is_folder_b = isFolder(options->b);
   if (is_folder_a && is_folder_b)
     return endOutput(diffFolders(*options, stdout));
@@ -43,7 +61,7 @@ int run(int argc, char **argv) {
   errno = 0;
   std::fwrite(printer.text.data(), 1, printer.text.size(), stdout);
   if (status == TROUBLE)
-    std::fprintf(stderr, "kbdiff: %s.\n", reason.c_str());
+    refuse(reason);
   return endOutput(status);
 }
 

@@ -2,28 +2,29 @@
 
 #include "common/arguments.h"
 #include "common/text.h"
+#include "diff/names.h"
 #include "kova/version.h"
 
 #include <charconv>
 #include <cmath>
 #include <cstdio>
-#include <unistd.h>
 
 namespace kova::diff {
 
 namespace {
 
-constexpr HelpText HELP = {
-    .usage = "Usage: kbdiff [OPTION]... A B\n",
-    .description =
-        "Prints what is different between two KOVA scene files: list, element, field. Elements are matched by what they "
-        "hold and what their links lead to; a scene whose elements were only renumbered, links with them, is the same. "
-        "Of two folders, the files *.kb with the same paths are compared. - is standard input.",
-    .footer = "Exit status: 0: no difference; 1: differences; 2: trouble."};
+constexpr Program PROGRAM = {
+    "kbdiff",
+    KOVA_VERSION,
+    {.usage = "Usage: kbdiff [OPTION]... A B\n",
+     .description =
+         "Prints what is different between two KOVA scene files: list, element, field. Elements are matched by what they "
+         "hold and what their links lead to; a scene whose elements were only renumbered, links with them, is the same. "
+         "Of two folders, the files *.kb with the same paths are compared. - is standard input.",
+     .footer = "Exit status: 0: no difference; 1: differences; 2: trouble."}};
 
 /// What the command line says beyond the options themselves.
 struct Given {
-  bool help = false, version = false;
   bool unified = false, json = false, stat = false, quiet = false;
   std::bitset<LIST_NUM> only = {};
   std::bitset<LIST_NUM> without = {};
@@ -50,17 +51,16 @@ template <class Take> std::string eachName(const std::string &names, Take take) 
 
 std::string takeIgnored(const std::string &name, Rules &rules, Given &given) {
   const std::size_t list = listNamed(name);
-  if (name.empty() ||
-      name.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.[]") != name.npos)
-    return "knows no field " + printable(name);
   if (name == "derived")
     rules.ignore_derived = true;
   else if (name == "gaps")
     rules.ignore_gaps = true;
   else if (list < LIST_NUM)
     given.without.set(list);
-  else
+  else if (isFieldName(name))
     rules.ignored.insert(name);
+  else
+    return "knows no list and no field " + printable(name);
   return "";
 }
 
@@ -121,8 +121,6 @@ std::vector<Option> optionsOf(Options &options, Given &given) {
        [&options](const std::string &text) { return takeColour(text, options.colour); }, true},
       numberOption('j', "jobs", "N", "Number of files compared at a time (default: the processors)", options.jobs,
                    4096),
-      flagOption('V', "version", "Print the version", given.version),
-      flagOption('h', "help", "Print this help", given.help),
   };
 }
 
@@ -154,24 +152,13 @@ std::string takeRest(const std::vector<std::string> &paths, const Given &given, 
 std::optional<Options> readOptions(int argc, const char *const *argv, int &status) {
   Options options;
   Given given;
-  std::vector<std::string> paths;
-  const std::vector<Option> known = optionsOf(options, given);
-  const std::span<const char *const> arguments(argv, static_cast<std::size_t>(argc < 1 ? 1 : argc));
-  std::string wrong = readArguments(arguments.subspan(1), known, paths);
-  if (wrong.empty() && (given.help || given.version)) {
-    status = SAME;
-    std::fputs(given.help ? helpText(HELP, known, widthOf(STDOUT_FILENO)).c_str() : "kbdiff " KOVA_VERSION "\n",
-               stdout);
-    return std::nullopt;
-  }
-  if (wrong.empty())
-    wrong = takeRest(paths, given, options);
-  if (!wrong.empty()) {
-    std::fprintf(stderr, "kbdiff: %s.\nTry 'kbdiff --help'.\n", wrong.c_str());
-    status = TROUBLE;
-    return std::nullopt;
-  }
-  return options;
+  const std::optional<int> ended =
+      readCommandLine(PROGRAM, optionsOf(options, given), argumentsOf(argc, argv),
+                      [&](const std::vector<std::string> &paths) { return takeRest(paths, given, options); });
+  if (!ended)
+    return options;
+  status = *ended == 0 ? SAME : TROUBLE;
+  return std::nullopt;
 }
 
 } // namespace kova::diff

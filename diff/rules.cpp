@@ -11,13 +11,22 @@ std::uint64_t ignoredWords(const Piece &piece, const Rules &rules) {
     const std::string_view name = field.name;
     const std::string_view member = name.substr(0, name.find_first_of(".["));
     const bool is_ignored = (rules.ignore_derived && isDerived(field.role)) || rules.ignored.contains(member) ||
-                            rules.ignored.contains(name) || isIgnored(piece, rules);
+                            rules.ignored.contains(name);
     words |= std::uint64_t{is_ignored} << word;
   }
   // A table of sizes, and the number of records.
   if (rules.ignore_derived && (piece.is_array || piece.matter == Matter::number) && piece.derived != NONE)
     words = ~std::uint64_t{0};
   return words;
+}
+
+bool isIgnored(const Pieces &all, const Piece &piece, const Rules &rules) {
+  if (rules.ignored.empty())
+    return false;
+  bool is_ignored = rules.ignored.contains(std::string_view(piece.name));
+  for (std::size_t in = piece.parent; in != 0 && !is_ignored; in = all.parents[in].parent)
+    is_ignored = rules.ignored.contains(std::string_view(all.parents[in].name));
+  return is_ignored;
 }
 
 namespace {

@@ -23,10 +23,8 @@ struct Rules {
 /// @return the words of an entry that are not compared, a bit for each.
 std::uint64_t ignoredWords(const Piece &piece, const Rules &rules);
 
-/// @return whether all of an array, a text and so on is ignored, also how long it is.
-inline bool isIgnored(const Piece &piece, const Rules &rules) {
-  return !rules.ignored.empty() && rules.ignored.contains(std::string_view(piece.name));
-}
+/// @return whether all of an array, a text and so on is ignored, also how long it is, or a record that it is in.
+bool isIgnored(const Pieces &all, const Piece &piece, const Rules &rules);
 
 /// @return whether a word follows from others and is compared as such; a tag is compared by itself.
 inline bool isDerived(Role role) { return follows(role) && role != Role::tag; }

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <bit>
 #include <cerrno>
+#include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 
@@ -273,7 +275,11 @@ bool readOtherWord(Lexer &in, Word &word, bool real) {
 
 bool readReal(Lexer &in, Word &word) {
   float value = 0;
-  const auto [behind, error] = std::from_chars(in.at, in.end, value);
+  auto [behind, error] = std::from_chars(in.at, in.end, value);
+  if (error == std::errc::result_out_of_range) { // what is too small is rounded, to zero
+    value = std::strtof(in.at, nullptr);
+    error = std::isinf(value) ? error : std::errc();
+  }
   if (error != std::errc() || behind - in.at >= static_cast<std::ptrdiff_t>(Lexer::LONGEST_NUMBER) ||
       !isNumber({in.at, static_cast<std::size_t>(behind - in.at)}))
     return fail(in, REAL);

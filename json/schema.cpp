@@ -1,6 +1,6 @@
 /// Writes the JSON Schema of the documents of kbjson, which is made of what the format says.
 #include "kova/kb.h"
-#include "records/derive.h"
+#include "records/forms.h"
 
 #include <string>
 #include <utility>
@@ -129,9 +129,7 @@ struct Collector : PassingIo {
   }
   template <class Member> int data(Member) {
     std::string kinds = arrayOf(reference("word"));
-    Coll coll{};
-    for (; coll.coll_type < 0x100; ++coll.coll_type)
-      withCollData(coll, [&]<class Data>(Data) { kinds += ',' + recordSchema<WORDS<Data>, Data>(sizeof(Data)); });
+    eachCollData([&]<class Data>(Data) { kinds += ',' + recordSchema<WORDS<Data>, Data>(sizeof(Data)); });
     add(properties, "data", R"({"anyOf":[)" + kinds + "]}");
     return 1;
   }
@@ -146,22 +144,13 @@ struct Collector : PassingIo {
   Word tiles() const { return 1; }
 };
 
-/// The schema of a record in all of its forms: every flag is given the values that choose one.
+/// The schema of a record in all of its forms.
 /// @param properties those that it has besides
 template <const auto &TABLE, class Record> std::string recordSchema(std::size_t fixed, Properties properties) {
-  constexpr Word FORMS = 6;
   const std::span<const Slot> slots = storedSlots<TABLE>(fixed);
   addSlots(properties, slots);
   Collector collector{{}, properties};
-  Record record{};
-  for (const Slot &slot : slots) {
-    for (Word value = 1; slot.role == Role::plain && slot.words == 1 && slot.hex != 0 && value < FORMS; ++value) {
-      setWordIn(record, slot.first, value);
-      goOver(collector, record);
-    }
-    setWordIn(record, slot.first, 0);
-  }
-  goOver(collector, record);
+  goOverForms<Record>(collector, slots);
   return objectOf(properties, requiredOf(slots));
 }
 

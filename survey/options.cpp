@@ -1,6 +1,7 @@
 #include "survey/options.h"
 
 #include "common/arguments.h"
+#include "common/text.h"
 #include "kova/version.h"
 #include "survey/output.h"
 
@@ -81,7 +82,7 @@ std::string contradiction(const Options &options, const Given &given) {
   if (given.merge + given.list_findings + explain > 1)
     return "--merge, --list-findings and --explain exclude one another";
   if (given.list_findings || explain)
-    return "";
+    return options.paths.empty() ? "" : printable(options.paths[0]) + " is one argument too many";
   if (given.merge && !(options.files_from.empty() && options.resume.empty() && given.shard.empty() &&
                        options.names.empty() && !options.asked.deep && !options.asked.repairable))
     return "--merge audits nothing: --files-from, --name, --shard, --deep, --repairable and --resume do not go with it";
@@ -96,11 +97,6 @@ std::string contradiction(const Options &options, const Given &given) {
   if (options.paths.empty() && options.files_from.empty())
     return given.merge ? "no report to merge" : "no file or folder to audit";
   return "";
-}
-
-int refuse(const std::string &message) {
-  std::fprintf(stderr, "kbsurvey: %s.\nTry 'kbsurvey --help'.\n", message.c_str());
-  return FAILED;
 }
 
 Status print(const std::string &text) {
@@ -125,8 +121,7 @@ std::optional<Options> readOptions(int argc, const char *const *argv, int &statu
   options.workers = std::max<std::size_t>(1, std::thread::hardware_concurrency());
   Given given;
   const std::vector<Option> known = optionsOf(options, given);
-  const std::span<const char *const> arguments(argv, static_cast<std::size_t>(std::max(argc, 1)));
-  std::string wrong = readArguments(arguments.subspan(1), known, options.paths);
+  std::string wrong = readArguments(argumentsOf(argc, argv), known, options.paths);
   if (wrong.empty() && (given.help || given.version)) {
     status = print(given.help ? helpText(HELP, known, widthOf(STDOUT_FILENO))
                               : "kbsurvey " + std::string(KOVA_VERSION) + '\n');
@@ -135,7 +130,8 @@ std::optional<Options> readOptions(int argc, const char *const *argv, int &statu
   if (wrong.empty())
     wrong = contradiction(options, given);
   if (!wrong.empty()) {
-    status = refuse(wrong);
+    tellWrongUsage("kbsurvey", wrong, argumentsOf(argc, argv));
+    status = FAILED;
     return std::nullopt;
   }
   if (!given.shard.empty())

@@ -14,6 +14,7 @@ struct Given {
   std::string path;
   std::optional<struct stat> status = {}; ///< none if there is nothing yet
   std::string target = {};                ///< then, the file that will be made
+  bool is_list = false;                   ///< of paths, which no report replaces
 };
 
 Given givenOf(const std::string &path) {
@@ -36,20 +37,27 @@ bool isSame(const Given &a, const Given &b) {
 
 /// @return a standard stream, if it can be written to by a path of its own.
 std::optional<Given> givenOf(int stream) {
+  constexpr const char *NAMES[] = {"standard input", "standard output", "standard error"};
   struct stat status;
   if (::fstat(stream, &status) != 0 || !(S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode)))
     return std::nullopt;
-  return Given{.path = stream == STDOUT_FILENO ? "standard output" : "standard error", .status = status};
+  return Given{.path = NAMES[stream], .status = status};
 }
 
 /// What is read besides the files to audit.
 std::vector<Given> readPaths(const Options &options) {
   std::vector<Given> read;
   const auto add = [&](const std::string &path) {
-    if (!path.empty() && path != "-")
+    if (path == "-") {
+      if (const std::optional<Given> input = givenOf(STDIN_FILENO))
+        read.push_back(*input);
+    } else if (!path.empty()) {
       read.push_back(givenOf(path));
+    }
   };
   add(options.files_from);
+  for (Given &list : read)
+    list.is_list = true;
   add(options.resume);
   add(options.baseline);
   if (options.task == Task::merge)
@@ -64,7 +72,7 @@ std::string sameFile(const Given &a, const Given &b, const char *what) {
 /// @param json whether it is the JSON report, which may take the place of one that it is made of
 std::string clashWithRead(const Options &options, const Given &report, bool json) {
   for (const Given &read : readPaths(options))
-    if (isSame(report, read) && !(json && read.path != options.files_from))
+    if (isSame(report, read) && !(json && !read.is_list))
       return sameFile(report, read, "is read");
   return "";
 }

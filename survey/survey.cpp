@@ -34,8 +34,9 @@ bool canShowProgress() {
 std::string addListed(const std::string &list, std::vector<std::string> &paths) {
   if (list.empty())
     return "";
+  const auto end = [](std::FILE *opened) { return opened == stdin ? 0 : std::fclose(opened); };
   const std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(list == "-" ? stdin : std::fopen(list.c_str(), "rbe"),
-                                                              std::fclose);
+                                                              end);
   std::string text;
   char part[4096];
   for (std::size_t got = 1; file && got != 0; text.append(part, got))

@@ -85,6 +85,8 @@ kbdiff --epsilon nan town.kb damaged.kb
 kbdiff --epsilon -1 town.kb damaged.kb
 kbdiff --only Obj town.kb damaged.kb
 kbdiff --ignore 'a b' town.kb damaged.kb
+kbdiff --ignore ObjList,obj_prio town.kb damaged.kb
+kbdiff --ignore dir_light,ObjList town.kb damaged.kb
 kbdiff --only ObjList --ignore ObjList town.kb damaged.kb
 kbdiff --json --stat town.kb damaged.kb
 kbdiff --color sometimes town.kb damaged.kb
@@ -95,6 +97,11 @@ END
 if [ -e /dev/full ]; then
   run 2 "a full device" bash -c 'kbdiff damaged.kb town.kb >/dev/full'
 fi
+for streams in 'damaged.kb town.kb >>town.kb' 'damaged.kb town.kb 2>>town.kb' '- damaged.kb <town.kb >>town.kb' '--loan town.kb cut.kb 2>>town.kb' \
+  'old new >>new/sub/town.KB' 'old new 2>>new/sub/town.KB'; do
+  run 2 "kbdiff $streams" bash -c "kbdiff $streams"
+done
+cmp town.kb "$samples/town.kb" && cmp new/sub/town.KB "$samples/town.kb" || fail "a file was changed through a standard stream"
 
 # --- Manual page and completion ---
 

@@ -1,4 +1,5 @@
 /// Every edit is told, and nothing else; what holds of all pairs of files holds of damaged ones.
+#include "diff/names.h"
 #include "diff/tests/edits.h"
 #include "mend/mend.h"
 #include "mend/tests/damage.h"
@@ -115,6 +116,24 @@ TEST(Pairs, areEqualWhenEqualElementsAreRenumbered) {
   };
   for (const Bytes first = chain(); std::next_permutation(at.begin(), at.end());)
     ASSERT_EQ(linesOf(differencesOf(first, chain())), "") << testing::PrintToString(at);
+}
+/// The names that stand in differences can be ignored, and are not told then.
+TEST(Pairs, lackWhatIsIgnored) {
+  const auto nameOf = [](const Seen &seen) {
+    return seen.change.field.substr(0, seen.change.field.find_first_of(".["));
+  };
+  std::set<std::string> names;
+  for (std::uint32_t seed = 0; seed < 200; ++seed) {
+    const Bytes a = mend::damagedFile(seed), &b = scenes()[seed % scenes().size()];
+    for (const Seen &seen : differencesOf(a, b))
+      if (const std::string name = nameOf(seen);
+          !name.empty() && name != "behind the lists" && names.insert(name).second) {
+        EXPECT_TRUE(isFieldName(name)) << name;
+        for (const Seen &left : differencesOf(a, b, {.ignored = {name}}))
+          EXPECT_NE(nameOf(left), name);
+      }
+  }
+  EXPECT_GT(names.size(), 100U);
 }
 TEST(SlowPairs, everyEditIsToldAndNothingElse) { expectEdits(300, 10'000); }
 

@@ -166,6 +166,8 @@ TEST(Document, WordsHaveManyForms) {
       {"\"nan:7fc00001\"", 0x7fc00001},
       {"3.4028235e38", 0x7f7fffff},
       {"1e-45", 1},
+      {"-1e-46", 0x80000000},
+      {"-1e-400", 0x80000000},
       {"\"0XFF\"", 0},
   };
   for (const auto &[form, word] : forms) {

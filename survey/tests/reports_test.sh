@@ -139,6 +139,10 @@ for stream in '>>' '1<>' '2>>'; do # nothing can be told where standard error is
 done
 refused "standard output is the same file as kept.json, which is read" '--json - --merge kept.json >>hard.json'
 refused "standard output is the same file as list, which is read" '--files-from list >>list'
+refused "standard output is the same file as standard input, which is read" '--files-from - <list >>list'
+refused "list is the same file as standard input, which is read" '--json list --files-from - <list'
+refused "standard output is the same file as standard input, which is read" '--merge - <kept.json >>kept.json'
+refused "nothing is told" '--jsn kept.json 2>>kept.json'
 for report in --json --junit --html; do # a name was forgotten
   refused "good/town.kb is a KOVA scene, which no report replaces" "$report good/town.kb good/figure.kb"
 done

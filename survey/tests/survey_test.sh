@@ -98,6 +98,8 @@ kbsurvey a b c --help | cksum
 kbsurvey --version | wc -l
 kbsurvey --explain tag
 kbsurvey --explain nothing
+kbsurvey --explain tag size
+kbsurvey --list-findings good
 for asked in good --help --version --list-findings; do kbsurvey $asked >/dev/full; done
 for full in /dev/full '&-'; do eval "kbsurvey --json - samples 2>$full" >/dev/null; echo $?; done
 kbsurvey -q --json closed.json bad/version.kb >&-; wc -l <closed.json; rm closed.json
