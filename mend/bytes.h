@@ -51,6 +51,10 @@ public:
     return file;
   }
 
+  /// @return the first of the places `from`, `from` + 4 and so on before `to` at which the word stands; else the first
+  /// of them that is not before `to`, which lies within the file.
+  std::uint64_t findWord(std::uint64_t from, std::uint64_t to, Word word) const;
+
   /// The bytes from `begin` to `end`, as far as they are there.
   std::span<const unsigned char> between(std::uint64_t begin, std::uint64_t end) const {
     const std::uint64_t from = std::min(begin, size());

@@ -1,5 +1,6 @@
 #include "mend/mend.h"
 
+#include "common/memory.h"
 #include "kova/check.h"
 #include "mend/derive.h"
 #include "mend/holes.h"
@@ -30,6 +31,7 @@ Audit auditBytes(const std::vector<unsigned char> &bytes) {
     if (finding.row->severity == Severity::error && audit.first.empty())
       audit.first = kvFindingText(finding);
   });
+  const ModelMemory memory; // is there before the model and after it
   const KisHandle kis = kvNewKis();
   if (!kis)
     throw std::bad_alloc();
@@ -47,7 +49,7 @@ std::string withoutLineEnd(std::string text) {
 }
 
 /// Sets the words of changes to their old or their new values.
-void setWords(FileBytes &file, const std::vector<Change> &changes, Word Change::*value) {
+void setWords(FileBytes file, const std::vector<Change> &changes, Word Change::*value) {
   for (const Change &change : changes)
     file.set(change.offset, change.*value);
 }
@@ -417,8 +419,8 @@ Result mendBytes(std::vector<unsigned char> &bytes, const Asked &asked) {
         return {.outcome = Outcome::ambiguous, .undone = {ways[0]}, .undone_instead = {ways[1]}};
     }
   }
-  std::vector<unsigned char> as_is = bytes;
-  Result result = mendAsIs(as_is, {.reading = asked.reading});
+  Result result = mendAsIs(bytes, {.reading = asked.reading});
+  setWords(FileBytes(bytes), result.changes, &Change::old_value); // what follows looks at the file as it is
   const bool good = result.outcome == Outcome::good;
   if (!good)
     if (const std::vector<Undoing> steps = findSwap(bytes, isGood); !steps.empty())
@@ -439,7 +441,8 @@ Result mendBytes(std::vector<unsigned char> &bytes, const Asked &asked) {
     if (asked.salvage)
       return mendAsIs(bytes, asked);
   }
-  bytes = std::move(as_is);
+  if (result.outcome != Outcome::ambiguous)
+    setWords(FileBytes(bytes), result.changes, &Change::new_value);
   return result;
 }
 

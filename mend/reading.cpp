@@ -71,9 +71,9 @@ std::uint64_t Reader::find(std::uint64_t from, std::uint64_t to, Word tag, std::
   to = std::min(to, file.size());
   const std::uint64_t room = to >= from + 2 * sizeof(Word) ? to - from - sizeof(Word) : 0;
   to = from + std::min(room, list_left.scan_bytes) / sizeof(Word) * sizeof(Word);
-  std::uint64_t at = from;
-  while (at < to && (file[at] != tag || (behind && file[at + sizeof(Word)] != *behind)))
-    at += sizeof(Word);
+  std::uint64_t at = file.findWord(from, to, tag);
+  while (at < to && behind && file[at + sizeof(Word)] != *behind)
+    at = file.findWord(at + sizeof(Word), to, tag);
   list_left.scan_bytes -= at - from;
   return at < to ? at : 0;
 }

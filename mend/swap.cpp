@@ -46,9 +46,9 @@ struct Broken {
 
 class SwapSearch {
 public:
-  SwapSearch(BytesView bytes, const IsOriginal &is_original)
-      : accepts(is_original), scratch(bytes.begin(), bytes.end()), file(scratch),
-        version_2(hasVersion2(file.version())), left(READ_FOR_EACH * bytes.size()) {}
+  SwapSearch(Bytes &file_bytes, const IsOriginal &is_original)
+      : accepts(is_original), bytes(file_bytes), file(bytes), version_2(hasVersion2(file.version())),
+        left(READ_FOR_EACH * bytes.size()) {}
 
   std::vector<Undoing> find();
 
@@ -64,7 +64,7 @@ private:
   void tryOne(const Broken &broken, const Undoing &way);
 
   const IsOriginal &accepts;
-  Bytes scratch;
+  Bytes &bytes; ///< blocks are exchanged in place, and exchanged back
   FileBytes file;
   bool version_2;
   std::uint64_t left;  ///< of what may be read
@@ -144,16 +144,16 @@ bool SwapSearch::isRight(const Broken &broken) {
 // --- The search -----------------------------------------------------------------------------------------------------
 
 void SwapSearch::swap(const Undoing &way) {
-  const auto at = [&](std::uint64_t place) { return scratch.begin() + static_cast<std::ptrdiff_t>(place); };
+  const auto at = [&](std::uint64_t place) { return bytes.begin() + static_cast<std::ptrdiff_t>(place); };
   std::swap_ranges(at(way.at), at(way.at + way.count), at(way.value));
 }
 
 void SwapSearch::tryOne(const Broken &broken, const Undoing &way) {
   left -= std::min(left, way.count / 4);
   swap(way);
-  if (isRight(broken) && headerFacts({scratch}).isWhole()) {
+  if (isRight(broken) && headerFacts({bytes}).isWhole()) {
     ++tried;
-    Bytes copy = scratch;
+    Bytes copy = bytes;
     if (locate(file).whole && accepts(copy)) {
       several |= found_way && copy != original;
       found_way = way;
@@ -189,11 +189,11 @@ std::vector<Undoing> SwapSearch::find() {
 
 } // namespace
 
-std::vector<Undoing> findSwap(BytesView file, const IsOriginal &accepts) {
-  const HeaderFacts facts = headerFacts({file});
-  if (!facts.isHeader() || facts.sum != facts.stated || facts.stated != file.size())
+std::vector<Undoing> findSwap(Bytes &bytes, const IsOriginal &accepts) {
+  const HeaderFacts facts = headerFacts({bytes});
+  if (!facts.isHeader() || facts.sum != facts.stated || facts.stated != bytes.size())
     return {};
-  return SwapSearch(file, accepts).find();
+  return SwapSearch(bytes, accepts).find();
 }
 
 } // namespace kova::mend

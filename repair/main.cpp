@@ -1,6 +1,7 @@
 /// kbrepair: mends a damaged KOVA scene file, as far as this is possible without guessing.
 
 #include "common/file.h"
+#include "common/memory.h"
 #include "common/text.h"
 #include "kova/kb.h"
 #include "repair/options.h"
@@ -59,6 +60,7 @@ std::string readInput(const Descriptor &file, const struct stat &status, Scene &
   if (static_cast<std::uint64_t>(status.st_size) > scene.bytes.max_size())
     return "not enough memory";
   scene.mode = status.st_mode & 0777;
+  reserveMemory(static_cast<std::uint64_t>(status.st_size), 1);
   scene.bytes.resize(static_cast<std::size_t>(status.st_size));
   const char *const error = readWhole(file, scene.bytes.size(), scene.bytes.data());
   return error != nullptr ? error : "";

@@ -142,6 +142,20 @@ TEST(Derive, SetsWhatFollowsFromWhereEverythingStands) {
   }
 }
 
+/// Rows of words that are compared at once, what is left of them, the end of the file, and a word that is tried.
+TEST(Parts, AWordIsFoundWhereItStandsAndNowhereElse) {
+  constexpr Word WORD = 0x01020304;
+  for (const std::uint64_t from : {0, 1, 2, 3, 4})
+    for (std::uint64_t at = from; at + sizeof(Word) <= 203; at += sizeof(Word)) {
+      std::vector<unsigned char> bytes(203);
+      FileBytes file(bytes);
+      EXPECT_EQ(file.with(at, WORD).findWord(from, 200, WORD), at < 200 ? at : from + (203 - from) / 4 * 4);
+      file.set(at, WORD);
+      EXPECT_EQ(file.findWord(from, 200, WORD), at < 200 ? at : from + (203 - from) / 4 * 4);
+      EXPECT_GE(file.with(at + 2, 0).findWord(from, 200, WORD), 200U);
+    }
+}
+
 } // namespace
 
 } // namespace kova::mend
