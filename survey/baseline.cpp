@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <sys/stat.h>
 
 namespace kova::survey {
@@ -71,7 +70,7 @@ bool isThere(const std::string &path) {
 std::string openBaseline(Baseline &baseline) {
   if (baseline.path.empty())
     return "";
-  openUnnamed(baseline.store, std::filesystem::temp_directory_path());
+  openUnnamed(baseline.store, folderForUnnamed());
   std::string wrong;
   if (baseline.store.error == 0)
     wrong = readReport(

@@ -89,6 +89,12 @@ void openUnnamed(LineStore &store, const std::string &folder) {
   store.error = store.file.number < 0 ? errno : 0;
 }
 
+std::string folderForUnnamed() {
+  std::error_code error;
+  const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
+  return error ? "/tmp" : folder.string();
+}
+
 Place append(LineStore &store, std::string_view line, std::size_t first_findings) {
   if (store.error == 0)
     store.error = writeWhole(store.file, line.data(), line.size());

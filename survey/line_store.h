@@ -36,6 +36,9 @@ void openJournal(LineStore &store, const std::string &target);
 /// Makes a new store without a name, in a folder if it can be there.
 void openUnnamed(LineStore &store, const std::string &folder);
 
+/// @return the folder for such a store that goes with no report: that of TMPDIR, if it is one.
+std::string folderForUnnamed();
+
 /// Puts a line behind what was written. @return its place
 Place append(LineStore &store, std::string_view line, std::size_t first_findings);
 

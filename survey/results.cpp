@@ -113,7 +113,7 @@ bool openStore(Results &results, Keeping keeping) {
   } else if (replaced != std::end(reports))
     openUnnamed(results.store, std::filesystem::path((*replaced)->target).parent_path());
   else
-    openUnnamed(results.store, std::filesystem::temp_directory_path());
+    openUnnamed(results.store, folderForUnnamed());
   if (results.store.error != 0)
     std::fprintf(stderr, "kbsurvey: no file can be made for what is found: %s.\n", std::strerror(results.store.error));
   return results.store.error == 0;

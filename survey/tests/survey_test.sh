@@ -119,7 +119,7 @@ cd later && kbsurvey -q -j1 --baseline ../old.json --print0 scenes | tr '\0' '\n
 cd later && kbsurvey -q -j1 --baseline ../old.json --junit - scenes
 cd later && kbsurvey -q -j1 --baseline ../old.json --html - scenes | grep -o '"since":{.*}' | sed 's/,"ids".*//'
 cd later && for shard in 1/2 2/2; do kbsurvey -q --shard $shard --baseline ../old.json scenes | grep -e gone -e since; done
-kbsurvey --merge new.json --baseline old.json | grep -e gone -e since
+TMPDIR=none kbsurvey --merge new.json --baseline old.json | grep -e gone -e since
 cd later && kbsurvey -q -j1 --baseline ../old.json scenes/*-ok.kb
 head -c 300 old.json >cut.json; kbsurvey --baseline cut.json good; rm cut.json
 for old in missing good bad/damaged.kb; do kbsurvey --baseline $old good; done
