@@ -15,7 +15,7 @@ import pathlib
 import re
 import sys
 
-EVERY_CONDITION = ("checker", "reader", "mend/header", "mend/layout", "mend/list_view", "mend/text")
+EVERY_CONDITION = ("checker", "reader", "mend/header", "mend/layout", "mend/list_view", "mend/locate", "mend/text")
 LEAST_LINES = 97  # percent, of each folder
 NO_PROGRAM = ("bench", "examples", "fuzz", "harness", "samples", "tests")
 ALONE, ONE_OF_SEVERAL = 4, 6
