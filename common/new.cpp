@@ -14,14 +14,19 @@
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && !KOVA_CLANG_SANITIZER
 
-// Not inlined: the compiler would take malloc and delete, or new and free, for a mismatched pair.
-[[gnu::noinline]] void *operator new(std::size_t bytes) {
+/// The library's own would throw and catch, for which there may be too little memory as well.
+void *operator new(std::size_t bytes, const std::nothrow_t &) noexcept {
   if (void *const block = takeReserved(bytes))
     return block;
-  if (void *const block = std::malloc(bytes != 0 ? bytes : 1)) {
+  void *const block = std::malloc(bytes != 0 ? bytes : 1);
+  if (block != nullptr)
     adviseHugePages(block, bytes);
+  return block;
+}
+// Not inlined: the compiler would take malloc and delete, or new and free, for a mismatched pair.
+[[gnu::noinline]] void *operator new(std::size_t bytes) {
+  if (void *const block = operator new(bytes, std::nothrow))
     return block;
-  }
   throw std::bad_alloc();
 }
 [[gnu::noinline]] void operator delete(void *block) noexcept {

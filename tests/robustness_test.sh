@@ -16,6 +16,23 @@ bad() {
   says out '**** check result : ERR !!' "$1"
 }
 
+# --- No memory at all ---
+
+# The least data memory with which the program starts depends on the system: it is looked for.
+without_memory() {
+  local kib status
+  for ((kib = 0; kib < 2048; kib += 16)); do
+    status=0
+    (ulimit -d $kib && exec "$KBAUDIT" "$SOURCE_DIR/samples/town.kb") >out 2>err || status=$?
+    if [ "$(cat err)" == "kbaudit: out of memory." ]; then
+      same "status without memory" 255 "$status"
+      [ ! -s out ] || fail "without memory: prints something"
+      return
+    fi
+  done
+  fail "no limit of data memory lets the program say that it has none"
+}
+
 # --- 64 MiB of address space, and files that claim more ---
 
 with_little_memory() (
@@ -74,6 +91,7 @@ limits_of_memory() {
 if sanitized; then
   notice "limits of memory: the sanitizer reserves more"
 else
+  without_memory
   limits_of_memory
 fi
 

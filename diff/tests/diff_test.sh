@@ -32,6 +32,7 @@ cp town.kb exchanged-1.kb
 set_words exchanged-1.kb 124=40000000
 cp exchanged-1.kb exchanged-2.kb
 set_words exchanged-2.kb 256=50 312=4f 264=785a50ff 320=b4c8dcff 268=28 324=78 272=b4 328=190 276=3c2d46ff 332=8cb4e6ff
+cp town.kb infinite.kb && set_words infinite.kb 412=7fc00001 416=ff800000 420=7f800000
 cp small-1.kb texel.kb && set_words texel.kb 1892=01020305
 cp small-1.kb parts.kb && set_words parts.kb 1428=0
 cp "$samples/light-type.kb" spot.kb # what lies in no record of it is one in the other
@@ -62,7 +63,11 @@ kbdiff point.kb spot.kb
 kbdiff small-2.kb maker.kb
 kbdiff maker.kb small-2.kb
 kbdiff --ignore text town.kb hostile.kb
+kbdiff small-1.kb texel.kb
+kbdiff --json small-1.kb texel.kb
 kbdiff --ignore texel small-1.kb texel.kb
+kbdiff town.kb infinite.kb
+kbdiff --json infinite.kb town.kb
 kbdiff note.kb town.kb
 kbdiff note.kb note.kb
 kbdiff /dev/null town.kb
