@@ -4,8 +4,9 @@ Lines of functions that only the compiler runs are left out: those that are cons
 no test runs at all.
 
 A condition that decides alone has to have been true once and false once; one of several has to have changed the decision
-alone (MC/DC). Of a template, one of its forms is enough. In the folders and files of EVERY_CONDITION this holds for all of them but
-those that docs/conditions.md lists with the reason. A row there that no condition needs is an error, too.
+alone (MC/DC). Of a template, one of its forms is enough. In the folders and files of EVERY_CONDITION this holds for all
+of them but those that docs/conditions.md lists with the reason; a line that it lists counts as run. A row there that
+nothing needs is an error, too.
 
     llvm-cov export ... | coverage.py SOURCE_DIR LINES    writes the lines that no test runs to LINES
 """
@@ -15,7 +16,8 @@ import pathlib
 import re
 import sys
 
-EVERY_CONDITION = ("checker", "reader", "mend/header", "mend/layout", "mend/list_view", "mend/locate", "mend/text")
+EVERY_CONDITION = ("checker", "reader", "mend/foreign", "mend/header", "mend/layout", "mend/list_view", "mend/locate",
+                   "mend/text")
 LEAST_LINES = 97  # percent, of each folder
 NO_PROGRAM = ("bench", "examples", "fuzz", "harness", "samples", "tests")
 ALONE, ONE_OF_SEVERAL = 4, 6
@@ -140,6 +142,12 @@ for where, is_shown in sorted(shown.items()):
     if excepted[key] == 0:
         wrong.append(f"{name}:{where[1]}: no test shows that this condition matters: {key[1]}")
     excepted[key] -= 1
+for path, of_file in lines.items():
+    for line in [line for line, was_run in of_file.items() if not was_run]:
+        key = str(pathlib.Path(path).relative_to(root)), source(path)[line - 1].strip()
+        if excepted[key] > 0:
+            excepted[key] -= 1
+            of_file[line] = True
 wrong += [f"docs/conditions.md: nothing needs the exception {' '.join(key)}" for key, n in excepted.items() if n > 0]
 
 # --- The table ------------------------------------------------------------------------------------------------------
