@@ -178,8 +178,6 @@ void tellBytes(BytesView file, const HeaderFacts &facts, std::vector<Damage> &da
   tell("unknown", Sure::likely, 0, file.size(), "nothing in it is like a KOVA file");
 }
 
-bool isMended(const Result &result) { return result.outcome == Outcome::good || result.outcome == Outcome::mended; }
-
 /// What is left to tell of: a word of the engine's, which no place in the file shows.
 void tellResult(const Result &result, std::uint64_t size, std::vector<Damage> &damages) {
   for (const Loss &loss : result.losses)
@@ -239,7 +237,7 @@ Diagnosis diagnose(BytesView file) {
     diagnosis.damages.push_back(damageOf(step, mended.size()));
     mended = undo(mended, step);
   }
-  if (isMended(result))
+  if (result.outcome == Outcome::mended)
     tellWords(result.changes, {}, diagnosis.damages);
   else
     tellDamage(mended, diagnosis);

@@ -62,6 +62,29 @@ TEST(Diagnose, KnowsOtherKinds) {
   EXPECT_EQ(kindOf("\0\0\1\0\0\0\0\0\0\0\0\0\0\0\0\x64"sv), "");
 }
 
+TEST(Diagnose, SaysWhatFilesLookLike) {
+  using namespace std::string_literals;
+  const auto repeated = [](int number, const char *text) {
+    std::string all;
+    while (number-- > 0)
+      all += text;
+    return all;
+  };
+  const std::pair<std::string, const char *> FILES[] = {
+      {"", "at 0x00000000 empty: the file is empty (certain)\nx: kbrepair cannot mend it"},
+      {"\x1f\x8b\x08"s,
+       "packed: by its first bytes it is a gzip archive (likely)\nx: what is in it may be a KOVA file"},
+      {"%PDF-1.4 and more", "other-kind: by its first bytes it is a PDF document (likely)\nx: kbrepair cannot"},
+      {repeated(8, "\xef\xbf\xbd"), "replaced by the character U+FFFD: 8 (likely)"},
+      {repeated(9, "\xef\xbf\xbd"), "replaced by the character U+FFFD: 9 (certain)"},
+      {repeated(9, "\xef\xbf\xbd") + "\xef\xbf", "unknown: nothing in it is like a KOVA file (likely)"},
+  };
+  for (const auto &[file, expected] : FILES) {
+    const std::string told = diagnosisOf(Bytes(file.begin(), file.end()), "x");
+    EXPECT_NE(told.find(expected), std::string::npos) << told << "not: " << expected;
+  }
+}
+
 } // namespace
 
 } // namespace kova::mend
