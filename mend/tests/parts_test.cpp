@@ -145,7 +145,7 @@ TEST(Derive, SetsWhatFollowsFromWhereEverythingStands) {
 /// Rows of words that are compared at once, what is left of them, the end of the file, and a word that is tried.
 TEST(Parts, AWordIsFoundWhereItStandsAndNowhereElse) {
   constexpr Word WORD = 0x01020304;
-  for (const std::uint64_t from : {0, 1, 2, 3, 4})
+  for (const std::uint64_t from : {0U, 1U, 2U, 3U, 4U})
     for (std::uint64_t at = from; at + sizeof(Word) <= 203; at += sizeof(Word)) {
       std::vector<unsigned char> bytes(203);
       FileBytes file(bytes);
