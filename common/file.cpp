@@ -1,5 +1,6 @@
 #include "common/file.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -28,6 +29,12 @@ std::optional<Identity> fileAt(int stream) {
   struct stat status;
   const bool is_file = ::fstat(stream, &status) == 0 && (S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode));
   return is_file ? std::optional(identityOf(status)) : std::nullopt;
+}
+
+bool isOneOf(int stream, const std::vector<std::string> &paths) {
+  const std::optional<Identity> file = fileAt(stream);
+  return file &&
+         std::any_of(paths.begin(), paths.end(), [&](const std::string &path) { return identityOf(path) == file; });
 }
 
 std::string targetOf(const std::string &path) {

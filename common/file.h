@@ -6,6 +6,7 @@
 #include <string>
 #include <sys/stat.h>
 #include <utility>
+#include <vector>
 
 namespace kova {
 
@@ -39,6 +40,9 @@ std::optional<Identity> identityOf(const std::string &path);
 /// @return the regular file or the pipe that a standard stream is; none for a terminal, a device, and one that is
 /// closed, into which anything may be printed.
 std::optional<Identity> fileAt(int stream);
+
+/// @return whether a standard stream is one of the files at some paths, as `fileAt` has it.
+bool isOneOf(int stream, const std::vector<std::string> &paths);
 
 /// Follows links, also one that leads to nothing yet. @return the path that a file would get that is written there,
 /// from the root.

@@ -14,6 +14,9 @@ Status diffFiles(const Rules &rules, Printer &printer, std::string &reason);
 /// Whether a path is a folder.
 bool isFolder(const std::string &path);
 
+/// Whether nothing that is printed gets into one of these files; if it would by standard output, tells so.
+bool printsElsewhere(const std::vector<std::string> &paths);
+
 /// Compares the scenes in two folders, each with the one of the same path, and prints what is different, in the order
 /// of the paths, with a summary.
 Status diffFolders(const Options &options, std::FILE *stream);

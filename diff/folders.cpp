@@ -73,13 +73,13 @@ void addMember(std::string &json, const char *key, std::size_t value) {
   json += (json.size() > 1 ? ",\"" : "\"") + std::string(key) + "\":" + std::to_string(value);
 }
 
-/// @return whether a standard stream is a file in one of the folders.
-bool isStreamIn(int stream, const Options &options, const std::vector<FilePair> &pairs) {
-  const std::optional<Identity> file = fileAt(stream);
-  return file && std::any_of(pairs.begin(), pairs.end(), [&](const FilePair &pair) {
-           return identityOf((fs::path(options.a) / pair.path).string()) == file ||
-                  identityOf((fs::path(options.b) / pair.path).string()) == file;
-         });
+/// @return the paths of the files that are compared.
+std::vector<std::string> pathsOf(const Options &options, const std::vector<FilePair> &pairs) {
+  std::vector<std::string> paths;
+  for (const FilePair &pair : pairs)
+    for (const std::string &folder : {options.a, options.b})
+      paths.push_back((fs::path(folder) / pair.path).string());
+  return paths;
 }
 
 /// Compares the files of a path, if both are there.
@@ -160,6 +160,15 @@ bool isFolder(const std::string &path) {
   return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+bool printsElsewhere(const std::vector<std::string> &paths) {
+  if (isOneOf(STDERR_FILENO, paths))
+    return false; // nothing can be told
+  if (!isOneOf(STDOUT_FILENO, paths))
+    return true;
+  std::fputs("kbdiff: standard output is one of the files to compare.\n", stderr);
+  return false;
+}
+
 Status diffFolders(const Options &options, std::FILE *stream) {
   std::vector<FilePair> pairs;
   try {
@@ -168,12 +177,8 @@ Status diffFolders(const Options &options, std::FILE *stream) {
     std::fprintf(stderr, "kbdiff: %s: %s.\n", printable(trouble.path).c_str(), trouble.reason.c_str());
     return TROUBLE;
   }
-  if (isStreamIn(STDERR_FILENO, options, pairs))
-    return TROUBLE; // nothing can be told
-  if (isStreamIn(STDOUT_FILENO, options, pairs)) {
-    std::fputs("kbdiff: standard output is one of the files to compare.\n", stderr);
+  if (!printsElsewhere(pathsOf(options, pairs)))
     return TROUBLE;
-  }
   const Style style = styleOf(STDOUT_FILENO, options.colour);
   InOrder order{pairs, stream};
   std::atomic<std::size_t> next = 0;

@@ -31,27 +31,21 @@ Status refuse(const std::string &message) {
   return TROUBLE;
 }
 
-/// @return whether a standard stream is one of the two files. (Those in folders are looked at when they are found.)
-bool isStreamOf(int stream, const Options &options) {
-  const std::optional<Identity> file = fileAt(stream);
-  const auto is = [&](const std::string &path) {
-    return (path == "-" ? fileAt(STDIN_FILENO) : identityOf(path)) == file;
-  };
-  return file && (is(options.a) || is(options.b));
-}
+/// @return what opens a file by its path also where that is standard input.
+std::string pathOf(const std::string &path) { return path == "-" ? "/dev/stdin" : path; }
 
 int run(int argc, char **argv) {
   int status = TROUBLE;
   const std::optional<Options> options = readOptions(argc, argv, status);
   if (!options)
     return endOutput(status);
-  if (isStreamOf(STDERR_FILENO, *options))
-    return TROUBLE; // nothing can be told
-  if (isStreamOf(STDOUT_FILENO, *options))
-    return refuse("standard output is one of the files to compare");
+  if (!printsElsewhere({pathOf(options->a), pathOf(options->b)}))
+    return TROUBLE;
   const bool is_folder_a = isFolder(options->a), is_folder_b = isFolder(options->b);
   if (is_folder_a && is_folder_b)
     return endOutput(diffFolders(*options, stdout));
+  if ((is_folder_a && options->b == "-") || (is_folder_b && options->a == "-"))
+    return refuse("standard input cannot be compared with a folder: it has no name to look for there");
   Printer printer = {.look = options->look,
                      .style = styleOf(STDOUT_FILENO, options->colour),
                      .path_a = is_folder_a ? inFolder(options->a, options->b) : options->a,

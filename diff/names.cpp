@@ -34,17 +34,16 @@ struct Collector : PassingIo {
     return 1;
   }
   template <class... Arguments> int pairs(const Arguments &...all) { return array(all...); }
-  template <class Form, class Item, class Holder, class Count> int records(Form, std::vector<Item> Holder::*, Count) {
+  template <class Form, class Item> int record() {
     names.emplace(Form::name());
     addRecord<Form::words, Item>(names, Form::bytes);
     return 1;
+  }
+  template <class Form, class Item, class Holder, class Count> int records(Form, std::vector<Item> Holder::*, Count) {
+    return record<Form, Item>();
   }
   template <class... Arguments> int run(const Arguments &...all) { return records(all...); }
-  template <class Form, class Item, class Holder> int inner(Form, Item Holder::*) {
-    names.emplace(Form::name());
-    addRecord<Form::words, Item>(names, Form::bytes);
-    return 1;
-  }
+  template <class Form, class Item, class Holder> int inner(Form, Item Holder::*) { return record<Form, Item>(); }
   int blocks() {
     names.insert({"van", "usr"});
     return 1;

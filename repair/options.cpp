@@ -51,17 +51,13 @@ std::string takePaths(const std::vector<std::string> &paths, Options &options) {
   options.output = paths.size() == 2 ? paths[1] : "";
   if (paths.empty())
     return "INPUT is missing";
+  if (options.asked.drop && !options.asked.salvage)
+    return "--drop goes with --salvage";
   if (options.diagnose)
     return options.output.empty() ? "" : "--diagnose writes no OUTPUT";
   if (options.dry_run)
     return "";
   return paths.size() < 2 ? "OUTPUT is missing" : options.output.empty() ? "OUTPUT is empty" : "";
-}
-
-/// @return whether a standard stream is INPUT.
-bool isInput(int stream, const Options &options) {
-  const std::optional<Identity> file = fileAt(stream);
-  return file && identityOf(options.input) == file;
 }
 
 } // namespace
@@ -72,9 +68,9 @@ std::optional<Options> readOptions(int argc, const char *const *argv, int &statu
       readCommandLine(PROGRAM, optionsOf(options), argumentsOf(argc, argv),
                       [&](const std::vector<std::string> &paths) { return takePaths(paths, options); });
   status = ended.value_or(FAILED);
-  if (ended || isInput(STDERR_FILENO, options)) // of the latter nothing can be shown
+  if (ended || isOneOf(STDERR_FILENO, {options.input})) // of the latter nothing can be shown
     return std::nullopt;
-  if (!isInput(STDOUT_FILENO, options))
+  if (!isOneOf(STDOUT_FILENO, {options.input}))
     return options;
   std::fputs("kbrepair: standard output is the same file as INPUT, which is never changed.\n", stderr);
   return std::nullopt;

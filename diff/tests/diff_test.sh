@@ -79,6 +79,8 @@ kbdiff --json -j 2 old/ new/
 kbdiff --unified old new
 kbdiff --quiet new new
 kbdiff old/town.kb new
+kbdiff - new <town.kb
+kbdiff old - <town.kb
 kbdiff old/cut.kb new
 kbdiff town.kb none.kb
 kbdiff town.kb $'\e[31m\n.kb' none.kb

@@ -47,6 +47,7 @@ kbrepair town.kb
 kbrepair --force
 kbrepair town.kb out.kb out2.kb
 kbrepair --part 0 town.kb out.kb
+kbrepair --drop town.kb out.kb
 kbrepair --help
 kbrepair -h | cksum
 kbrepair --version | wc -l
