@@ -76,6 +76,8 @@ done < <(sed -n 's/^ *ListOf{{"\([A-Za-z]*\)".*/\1/p' "$SOURCE_DIR/format/lists.
 json 0 --pretty town.kb
 python3 -m json.tool <"$scratch/out" >/dev/null || fail "what --pretty prints is no JSON"
 
+json 0 --help
+cmp "$SOURCE_DIR/json/tests/golden/help.out" "$scratch/out" || fail "what --help prints"
 page=$SOURCE_DIR/docs/kbjson.1
 options=$(kbjson --help | grep -o -e '--[a-z-]*' | sort -u)
 same "options of the manual page" "$options" "$(sed 's/\\-/-/g' "$page" | sed -n '/^\.SH OPTIONS/,/^\.SH EXIT/p' | grep -oE -e '--[a-z-]+' | sort -u)"

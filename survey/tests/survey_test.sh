@@ -124,7 +124,7 @@ cd later && kbsurvey -q -j1 --baseline ../old.json scenes/*-ok.kb
 head -c 300 old.json >cut.json; kbsurvey --baseline cut.json good; rm cut.json
 for old in missing good bad/damaged.kb; do kbsurvey --baseline $old good; done
 for report in html junit; do kbsurvey --baseline old.json --$report old.json good; done
-kbsurvey --list-findings | while read -r id _; do kbsurvey --explain $id | grep '^Next step:  .' >/dev/null || echo $id; done
+kbsurvey --list-findings | while read -r id _; do kbsurvey --explain $id | grep '^Example: '; done
 END
 "$KBSURVEY" --list-findings | cut -d ' ' -f 1 | xargs -n 1 "$KBSURVEY" --explain | sed -n 's/^Example:  *\([^;]*\).*/\1/p' >examples
 same "examples that are printed of no file" "" "$(grep -vE '^((In|Out)put File|WARN : )|out of memory|^The number of lights' examples |
